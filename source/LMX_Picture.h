@@ -1,0 +1,137 @@
+// A host picture on the stack of an operation: its pixels' geometry and addresses, the two conversions between stored
+// and working pixels, and the creation of new pictures.
+//
+// A wrapper is empty, holds a picture (whose description the host then keeps locked), or is locked (its pixels are
+// known). Everything that it took is given back when it goes, also when an exception of the host's passes.
+#pragma once
+
+#include <cstdint>
+
+#include "HostCalls.h"
+#include "kernels/LMX_Pixel.h"
+
+class LMX_Picture {
+ public:
+  REALpictureStruct* picture = nullptr;  ///< nil when the wrapper is empty
+  REALpictureDescription description = {};
+  bool locked = false;
+  bool unlockOnRelease = false;  ///< whether the wrapper also owns a reference to the object
+
+  // Known while locked, zero or nil otherwise.
+  std::int32_t width = 0;          ///< pixels per row; a size that a malformed picture reports below 0 counts as 0
+  std::int32_t height = 0;         ///< rows
+  std::uint32_t bitsPerPixel = 0;  ///< other than 32: the picture reads as clear and ignores writes
+  std::uint32_t bytesPerPixel = 0;
+  std::uint32_t bytesPerRow = 0;
+  std::uint8_t* data = nullptr;         ///< the top left pixel of a bitmap-context picture
+  REALpictureBuffer* buffer = nullptr;  ///< the record of a buffer picture
+
+  /// Empty.
+  LMX_Picture() = default;
+
+  /// Holds an argument of a method: nil, or a picture of a type that is not usable, leaves the wrapper empty. The
+  /// object's reference stays the caller's.
+  explicit LMX_Picture(REALpictureStruct* handle) {
+    if (handle) Hold(handle);
+  }
+
+  ~LMX_Picture() { Release(); }
+
+  LMX_Picture(const LMX_Picture&) = delete;
+  LMX_Picture& operator=(const LMX_Picture&) = delete;
+
+  /// Makes the pixels known. False when the wrapper is empty or locked already, or when there are no pixels to be had.
+  bool Lock();
+
+  /// Gives back the lock, and the object's reference if it is owned; the wrapper is empty afterwards. Never throws: what
+  /// a host may throw here would leave the other wrappers of the call unreleased.
+  void Release() noexcept {
+    if (!picture) return;
+    ForgetPixels();
+    REALpictureStruct* const released = picture;
+    picture = nullptr;
+    Quietly([=] { REALUnlockPictureDescription(released); });
+    if (unlockOnRelease) Quietly([=] { REALUnlockObject(reinterpret_cast<REALobjectStruct*>(released)); });
+  }
+
+  /// Holds a new picture of the host's, of any content. `keep` says that the object goes to the caller of the method;
+  /// otherwise its reference is given up with the wrapper. Whether it worked shows in the Lock() that follows; the
+  /// result is always false. A size below 1 makes no picture.
+  bool SetNewPicture(long width, long height, bool keep);
+
+  /// The leftmost pixel of row r, 0 <= r < height; nil when a malformed buffer has no such row.
+  std::uint8_t* RowAddress(std::int32_t r) const {
+    if (description.pictureType != kPictureTypeBuffer) return data + static_cast<std::size_t>(bytesPerRow) * Index(r);
+    if (!buffer || !buffer->rowTable) return nullptr;
+    return Address(reinterpret_cast<const std::uint32_t*>(Address(buffer->rowTable))[r]);
+  }
+
+  /// The working pixel of a stored one.
+  std::uint32_t ReadPixel(const std::uint8_t* address) const {
+    if (buffer) return LMX_Pixel::ReadBuffer(address);
+    return bitsPerPixel == 32 ? LMX_Pixel::ReadContext(address) : 0;
+  }
+
+  /// Stores a working pixel.
+  void WritePixel(std::uint8_t* address, std::uint32_t pixel) const {
+    if (buffer) {
+      LMX_Pixel::WriteBuffer(address, pixel);
+    } else if (bitsPerPixel == 32) {
+      LMX_Pixel::WriteContext(address, pixel);
+    }
+  }
+
+ private:
+  static std::size_t Index(std::int32_t r) { return static_cast<std::size_t>(r); }
+
+  static std::uint8_t* Address(std::uint32_t word) {
+    return reinterpret_cast<std::uint8_t*>(static_cast<std::uintptr_t>(word));
+  }
+
+  template <class Service>
+  static void Quietly(Service call) noexcept {
+    try {
+      call();
+    } catch (...) {  // as far as this call is concerned, it is done
+    }
+  }
+
+  void Hold(REALpictureStruct* handle) {
+    description = {};
+    REALLockPictureDescription(handle, &description);
+    if (description.pictureType == kPictureTypeBitmapContext || description.pictureType == kPictureTypeBuffer) {
+      picture = handle;
+    } else {
+      REALUnlockPictureDescription(handle);
+    }
+  }
+
+  void ForgetPixels() {
+    width = height = 0;
+    bitsPerPixel = bytesPerPixel = bytesPerRow = 0;
+    data = nullptr;
+    buffer = nullptr;
+    locked = false;
+  }
+};
+
+/// A walk along the rows of one or more neighbouring columns. Where the next row of a malformed buffer is missing, or
+/// beyond the last, the walk stays where it is; in a bitmap context it goes on.
+class ColumnWalk {
+ public:
+  ColumnWalk(const LMX_Picture& picture, std::int32_t row) : picture_(picture), row_(row) {}
+
+  std::int32_t Row() const { return row_; }
+  void Down() {
+    if (!picture_.buffer || (row_ < picture_.height - 1 && Leads(row_, row_ + 1))) ++row_;
+  }
+  void Up() {
+    if (!picture_.buffer || (row_ > 0 && row_ <= picture_.height - 1 && Leads(row_, row_ - 1))) --row_;
+  }
+
+ private:
+  bool Leads(std::int32_t from, std::int32_t to) const { return picture_.RowAddress(from) && picture_.RowAddress(to); }
+
+  const LMX_Picture& picture_;
+  std::int32_t row_;
+};

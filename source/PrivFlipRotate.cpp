@@ -1,0 +1,132 @@
+// Workers of flips and quarter turns. Rows that stay rows are copied one by one; columns that become rows are turned in
+// tiles, kLanes columns at a time, so that both pictures are walked by cache lines. Half turns and three-quarter turns
+// are flips and quarter turns under another name.
+#include "PrivFlipRotate.h"
+
+#include <algorithm>
+
+#include "LMX_Runs.h"
+#include "LMX_Yield.h"
+#include "kernels/RunKernels.h"
+
+namespace {
+
+enum class Order { kForward, kBackward };
+
+// Result (x, y) is the source's (x or W - 1 - x, y or H - 1 - y), where W x H is the source's size.
+void CopyRows(const LMX_Picture& source, const LMX_Picture& result, Order columns, Order rows, long yield) {
+  const std::int32_t n = result.width;
+  YieldPace pace(yield);
+  for (std::int32_t y = 0; y < result.height; ++y) {
+    pace.BeginLines(n, 1);
+    const PixelPosition to = {result, 0, y};
+    const std::int32_t sourceRow = rows == Order::kForward ? y : source.height - 1 - y;
+    if (columns == Order::kForward) {
+      CopyRun(to, {source, 0, sourceRow}, n);
+    } else {
+      CopyRunMirrored(to, {source, source.width - n, sourceRow}, n);
+    }
+  }
+}
+
+// Which source column and row order make the rows of a turned picture, and in which order the rows are made.
+struct Turn {
+  Order columns;
+  Order rows;
+  Order resultRows;
+};
+
+// Reads `lanes` columns of the source as they stand and writes them as `lanes` rows of the result. Column
+// `firstColumn` becomes row `firstRow`; the rows of its neighbours follow in steps of `rowStep`, 1 or -1.
+void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
+                 std::int32_t rowStep, std::int32_t lanes, Order rows) {
+  constexpr std::int32_t kTile = 64;
+  std::uint32_t groups[kTile * kLanes] = {};
+  std::uint32_t runs[kLanes * kTile];
+  ColumnWalk walk(source, rows == Order::kForward ? 0 : source.height - 1);
+  for (std::int32_t x = 0; x < result.width; x += kTile) {
+    const std::int32_t n = std::min(kTile, result.width - x);
+    for (std::int32_t i = 0; i < n; ++i) {
+      ReadRun(source, firstColumn, walk.Row(), lanes, groups + i * kLanes);
+      rows == Order::kForward ? walk.Down() : walk.Up();
+    }
+    gRunKernels.gatherLanes(runs, kTile, groups, static_cast<std::size_t>(n));
+    for (std::int32_t lane = 0; lane < lanes; ++lane) {
+      WriteRun(result, x, firstRow + lane * rowStep, n, runs + lane * kTile);
+    }
+  }
+}
+
+void TurnPicture(const LMX_Picture& source, const LMX_Picture& result, const Turn& turn, long yield) {
+  YieldPace pace(yield);
+  for (std::int32_t done = 0; done < result.height;) {
+    const std::int32_t lanes = pace.BeginLines(result.width, std::min(kLanes, result.height - done));
+    const std::int32_t top = turn.resultRows == Order::kForward ? done : result.height - done - lanes;
+    if (turn.columns == Order::kForward) {
+      TurnColumns(source, result, top, top, 1, lanes, turn.rows);
+    } else {
+      TurnColumns(source, result, source.width - top - lanes, top + lanes - 1, -1, lanes, turn.rows);
+    }
+    done += lanes;
+  }
+}
+
+}  // namespace
+
+void Priv_Rotate0(LMX_Picture& source, LMX_Picture& result, long yield) {
+  CopyRows(source, result, Order::kForward, Order::kForward, yield);
+}
+
+void Priv_Rotate0_H(LMX_Picture& source, LMX_Picture& result, long yield) {
+  CopyRows(source, result, Order::kBackward, Order::kForward, yield);
+}
+
+void Priv_Rotate0_V(LMX_Picture& source, LMX_Picture& result, long yield) {
+  CopyRows(source, result, Order::kForward, Order::kBackward, yield);
+}
+
+void Priv_Rotate0_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
+  CopyRows(source, result, Order::kBackward, Order::kBackward, yield);
+}
+
+/// The one worker that makes the result's rows from the last to the first, which shows at a yield.
+void Priv_Rotate90(LMX_Picture& source, LMX_Picture& result, long yield) {
+  TurnPicture(source, result, {Order::kForward, Order::kBackward, Order::kBackward}, yield);
+}
+
+void Priv_Rotate90_H(LMX_Picture& source, LMX_Picture& result, long yield) {
+  TurnPicture(source, result, {Order::kBackward, Order::kBackward, Order::kForward}, yield);
+}
+
+void Priv_Rotate90_V(LMX_Picture& source, LMX_Picture& result, long yield) {
+  TurnPicture(source, result, {Order::kForward, Order::kForward, Order::kForward}, yield);
+}
+
+void Priv_Rotate90_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
+  TurnPicture(source, result, {Order::kBackward, Order::kForward, Order::kForward}, yield);
+}
+
+void Priv_Rotate180(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate0_HV(source, result, yield);
+}
+void Priv_Rotate180_H(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate0_V(source, result, yield);
+}
+void Priv_Rotate180_V(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate0_H(source, result, yield);
+}
+void Priv_Rotate180_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate0(source, result, yield);
+}
+void Priv_Rotate270(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate90_HV(source, result, yield);
+}
+void Priv_Rotate270_H(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate90_V(source, result, yield);
+}
+void Priv_Rotate270_V(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate90_H(source, result, yield);
+}
+void Priv_Rotate270_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
+  Priv_Rotate90(source, result, yield);
+}

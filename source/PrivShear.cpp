@@ -1,0 +1,233 @@
+// Workers of the shears.
+//
+// A shear moves lines (rows, or columns) along themselves, each by one step more than its neighbour. Where a line lies
+// is a 16.16 position: its whole part places the line's pixels, its fraction f blends each of them with the one before,
+// with weights 65535 - f and f. Towards the frame, an opaque frame lends its alpha only, so that it does not tint the
+// image's edge. Across themselves lines are placed in whole pixels.
+//
+// Positions are computed in 64 bits, so that they hold for every size. A line that lies wholly before the result is all
+// frame.
+#include "PrivShear.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "LMX_Convert.h"
+#include "LMX_Runs.h"
+#include "LMX_Yield.h"
+#include "kernels/RunKernels.h"
+
+namespace {
+
+struct Frame {
+  explicit Frame(unsigned int color) : pixel(color ^ 0xFF000000) {}
+
+  // What a pixel at the image's edge is blended with.
+  std::uint32_t Beside(std::uint32_t imagePixel) const {
+    return LMX_Pixel::Alpha(pixel) == 255 ? 0xFF000000 | imagePixel : pixel;
+  }
+
+  std::uint32_t pixel;
+};
+
+// Where the source's lines come to lie in the result.
+struct Placement {
+  std::int32_t begin;      // result lines before this one are frame
+  std::int32_t end;        // and so are the lines from this one on
+  std::int32_t firstLine;  // the source line at `begin`
+  std::int64_t offset;     // its 16.16 position along itself
+  std::int32_t step;       // how much less the offset of each following line is
+};
+
+// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that is odd has the
+// extra pixel at the end. A positive shear leaves the last line displaced by one step, a negative one starts at 0.
+Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
+                double shear) {
+  if (std::isnan(shear)) shear = 0;
+  const std::int32_t step = TruncatedToInt(std::floor(shear * 65536.0));
+  const std::int64_t natural = static_cast<std::int64_t>(std::floor(length + lines * std::fabs(shear)));
+  Placement placement;
+  placement.begin = resultLines > lines ? (resultLines - lines) / 2 : 0;
+  placement.end = resultLines > lines ? placement.begin + lines : resultLines;
+  placement.firstLine = resultLines < lines ? (lines - resultLines) / 2 : 0;
+  placement.step = step;
+  placement.offset = (resultLength - natural) / 2 * 65536 + static_cast<std::int64_t>(step > 0 ? lines : 0) * step -
+                     static_cast<std::int64_t>(step) * placement.firstLine;
+  return placement;
+}
+
+// One line of the source in one line of the result: the image's pixels are `begin` to `end` - 1 there, and its pixel
+// `first` is the one at `begin`. Where the image is cut off at the start, its pixel before `first` takes the frame's
+// part in the blend.
+struct Line {
+  std::int32_t begin = 0;
+  std::int32_t end = 0;
+  std::int32_t first = 0;
+  bool cut = false;
+  std::uint32_t fraction = 0;
+
+  // The first pixel of the source that is needed.
+  std::int32_t Origin() const { return cut ? first - 1 : first; }
+};
+
+Line LineAt(std::int64_t offset, std::int32_t length, std::int32_t resultLength) {
+  const std::int64_t whole = offset >> 16;  // rounds down, also below 0
+  Line line;
+  if (length < 1 || whole < -static_cast<std::int64_t>(length)) return line;
+  line.begin = static_cast<std::int32_t>(std::clamp<std::int64_t>(whole, 0, resultLength));
+  line.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(whole + length, line.begin, resultLength));
+  line.first = static_cast<std::int32_t>(std::max<std::int64_t>(-whole, 0));
+  line.cut = offset < 0;
+  line.fraction = static_cast<std::uint32_t>(offset & 0xFFFF);
+  return line;
+}
+
+// The pixel behind the image's last one, which shares it with the frame. It shifts where the others divide.
+std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame& frame) {
+  const std::uint32_t beside = frame.Beside(last);
+  const auto mix = [fraction](std::uint32_t image, std::uint32_t other) {
+    return (image * fraction + other * (65535 - fraction)) >> 16;
+  };
+  return LMX_Pixel::Pack(
+      mix(LMX_Pixel::Alpha(last), LMX_Pixel::Alpha(beside)), mix(LMX_Pixel::Red(last), LMX_Pixel::Red(beside)),
+      mix(LMX_Pixel::Green(last), LMX_Pixel::Green(beside)), mix(LMX_Pixel::Blue(last), LMX_Pixel::Blue(beside)));
+}
+
+// ------------------------------------------------------------------------------------------------------------- rows
+
+void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
+              const Line& line, const Frame& frame) {
+  FillRun(result, 0, y, line.begin, frame.pixel);
+  std::uint32_t before;
+  ReadRun(source, line.Origin(), sourceRow, 1, &before);
+  if (!line.cut) before = frame.Beside(before);
+  std::uint32_t pixels[kChunk];
+  for (std::int32_t x = line.begin; x < line.end; x += kChunk) {
+    const std::int32_t n = std::min(kChunk, line.end - x);
+    ReadRun(source, line.first + (x - line.begin), sourceRow, n, pixels);
+    const std::uint32_t last = pixels[n - 1];
+    gRunKernels.blendRun(pixels, pixels, before, line.fraction, static_cast<std::size_t>(n));
+    WriteRun(result, x, y, n, pixels);
+    before = last;
+  }
+  std::int32_t x = line.end;
+  if (line.fraction > 0 && x < result.width) FillRun(result, x++, y, 1, EdgePixel(before, line.fraction, frame));
+  FillRun(result, x, y, result.width - x, frame.pixel);
+}
+
+// ---------------------------------------------------------------------------------------------------------- columns
+
+// Columns x to x + lanes - 1 of a picture, row by row from `firstRow` down. Each row is read once, and the last
+// kRowsKept stay at hand: the columns of a strip need rows that are up to kLanes + 1 apart.
+class Strip {
+ public:
+  static constexpr std::int32_t kRowsKept = 32;
+
+  Strip(const LMX_Picture& picture, std::int32_t x, std::int32_t lanes, std::int32_t firstRow)
+      : picture_(picture), x_(x), lanes_(lanes), next_(firstRow), walk_(picture, firstRow) {}
+
+  const std::uint32_t* Row(std::int32_t r) {
+    for (; next_ <= r; ++next_, walk_.Down()) ReadRun(picture_, x_, walk_.Row(), lanes_, rows_[next_ % kRowsKept]);
+    return rows_[r % kRowsKept];
+  }
+
+ private:
+  const LMX_Picture& picture_;
+  std::int32_t x_;
+  std::int32_t lanes_;
+  std::int32_t next_;
+  ColumnWalk walk_;
+  std::uint32_t rows_[kRowsKept][kLanes];
+};
+
+void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t lanes, const Frame& frame) {
+  ColumnWalk walk(result, 0);
+  for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) FillRun(result, x, walk.Row(), lanes, frame.pixel);
+}
+
+// Makes columns x to x + lanes - 1 of the result from the same number of the source's, from `sourceX` on.
+void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result, std::int32_t x,
+                  std::int32_t lanes, const Line* lines, const Frame& frame) {
+  std::int32_t origin = lines[0].Origin();
+  for (std::int32_t i = 1; i < lanes; ++i) origin = std::min(origin, lines[i].Origin());
+  Strip strip(source, sourceX, lanes, origin);
+
+  std::uint32_t before[kLanes];
+  std::uint32_t fractions[kLanes];
+  for (std::int32_t i = 0; i < lanes; ++i) {
+    before[i] = strip.Row(lines[i].Origin())[i];
+    if (!lines[i].cut) before[i] = frame.Beside(before[i]);
+    fractions[i] = lines[i].fraction;
+  }
+
+  ColumnWalk walk(result, 0);
+  for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) {
+    std::uint32_t pixels[kLanes];
+    std::uint32_t blended[kLanes];
+    for (std::int32_t i = 0; i < lanes; ++i) {
+      const Line& line = lines[i];
+      pixels[i] = y >= line.begin && y < line.end ? strip.Row(line.first + (y - line.begin))[i] : before[i];
+    }
+    gRunKernels.blendLanes(blended, pixels, before, fractions, static_cast<std::size_t>(lanes));
+    for (std::int32_t i = 0; i < lanes; ++i) {
+      const Line& line = lines[i];
+      if (y >= line.begin && y < line.end) continue;
+      const bool edge = y == line.end && line.fraction > 0;
+      blended[i] = edge ? EdgePixel(before[i], line.fraction, frame) : frame.pixel;
+    }
+    std::copy_n(pixels, lanes, before);
+    WriteRun(result, x, walk.Row(), lanes, blended);
+  }
+}
+
+// Whether no row of a buffer is missing, so that a walk down any column passes every row.
+bool HasEveryRow(const LMX_Picture& picture) {
+  if (!picture.buffer) return true;
+  for (std::int32_t r = 0; r < picture.height; ++r) {
+    if (!picture.RowAddress(r)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color,
+                          long yield) {
+  const Placement at = Place(source.width, source.height, result.width, result.height, shear);
+  const Frame frame(frame_color);
+  YieldPace pace(yield);
+  std::int64_t offset = at.offset;
+  for (std::int32_t y = 0; y < result.height; ++y) {
+    pace.BeginLines(result.width, 1);
+    if (y < at.begin || y >= at.end) {
+      FillRun(result, 0, y, result.width, frame.pixel);
+    } else {
+      const Line line = LineAt(offset, source.width, result.width);
+      ShearRow(source, at.firstLine + (y - at.begin), result, y, line, frame);
+      offset -= at.step;
+    }
+  }
+}
+
+void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield) {
+  const Placement at = Place(source.height, source.width, result.height, result.width, shear);
+  const Frame frame(frame_color);
+  // Where rows are missing, each column has to be walked from its own first row.
+  const std::int32_t widest = HasEveryRow(source) ? kLanes : 1;
+  YieldPace pace(yield);
+  std::int64_t offset = at.offset;
+  for (std::int32_t x = 0; x < result.width;) {
+    const std::int32_t regionEnd = x < at.begin ? at.begin : x < at.end ? at.end : result.width;
+    const std::int32_t lanes = pace.BeginLines(result.height, std::min(widest, regionEnd - x));
+    if (x < at.begin || x >= at.end) {
+      FillColumns(result, x, lanes, frame);
+    } else {
+      Line lines[kLanes];
+      for (std::int32_t i = 0; i < lanes; ++i, offset -= at.step) {
+        lines[i] = LineAt(offset, source.height, result.height);
+      }
+      ShearColumns(source, at.firstLine + (x - at.begin), result, x, lanes, lines, frame);
+    }
+    x += lanes;
+  }
+}

@@ -1,0 +1,14 @@
+// Workers of the shears: the source slanted and placed, centred, in a result of any size.
+//
+// Both pictures are locked; neither worker can fail. `shear` is in pixels per line, a NaN counts as 0; what the slanted
+// source does not cover becomes `frame_color`, a host colour. The host may handle events before a line of the result,
+// once `yield` pixels have been written.
+#pragma once
+
+#include "LMX_Picture.h"
+
+/// Moves every row sideways; a positive shear moves upper rows to the right of lower ones.
+void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield);
+
+/// Moves every column up or down; a positive shear moves left columns below right ones.
+void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield);

@@ -1,0 +1,10 @@
+// Free rotation, behind the entry point.
+#pragma once
+
+#include "HostInterface.h"
+
+/// Turns `source` clockwise by `rotation` degrees, 0 to below 360, into a result just large enough; a NaN turns by
+/// nothing. What the image does not cover is `frame_color`, a host colour. Nil when a picture is not to be had; no
+/// error code says so.
+REALpictureStruct* PrivFreeRotateByShear_Frame_NonVector(REALpictureStruct* source, double rotation,
+                                                         unsigned int frame_color, int yield);

@@ -1,0 +1,10 @@
+// Gradients, behind the entry points.
+#pragma once
+
+#include "LMX_Picture.h"
+
+/// Fill a locked picture, whatever its size: `width` and `height` are not used. Colours are host colours. The host may
+/// handle events after a row, once `yield` pixels have been written before that row.
+void PrivMakeGradient(LMX_Picture& picture, int width, int height, unsigned int color1, unsigned int color2, int yield);
+void PrivMakeDoubleGradient(LMX_Picture& picture, int width, int height, unsigned int color1, unsigned int color2,
+                            unsigned int color3, int yield);

@@ -1,0 +1,17 @@
+// Stretch, behind the entry point.
+#pragma once
+
+#include "LMX_Picture.h"
+
+/// Locks the source, makes the result and fills it. Nil with error 4 when the source cannot be locked, with 34 or 35
+/// when width or height is beyond what a pass can do, and with 0 when there is no result to be had.
+REALpictureStruct* PrivStretch_NonVector(REALpictureStruct* p, int width, int height, long yield);
+
+/// Both passes, over a temporary picture; error 5 when that is not to be had, with the result left as it is.
+void PrivStretch_NonVector_NoMask(LMX_Picture& source, LMX_Picture& result, long yield);
+
+/// One pass along the rows: the destination has the source's height and any width.
+void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield);
+
+/// One pass along the columns: the destination has the source's width and any height.
+void Priv_StetchVertical(LMX_Picture& source, LMX_Picture& destination, long yield);

@@ -1,0 +1,180 @@
+// One pixel: what reading, writing, adjusting and blending mean. These functions are the definition of every pixel
+// operation; the kernels apply them to runs.
+//
+// A working pixel is 0xAARRGGBB with straight alpha: 255 opaque, 0 transparent. A stored pixel is four bytes in one of
+// two forms:
+//   context  alpha, red, green, blue in memory, colours premultiplied by alpha;
+//   buffer   a little-endian word 0xTTRRGGBB, straight colours, T a transparency from 0 (opaque) to 127 (clear).
+// All arithmetic is on integers, and every division truncates.
+//
+// The functions are expanded wherever they are used: a copy that was compiled for one instruction set must never be the
+// one that the linker keeps for everybody.
+#pragma once
+
+#include <stdint.h>
+#include <string.h>
+
+#define LMX_EXPAND inline __attribute__((always_inline))
+
+/// What an HSV adjustment does to each pixel.
+struct HSVAdjustment {
+  int32_t hueShift;         ///< in 1/1024 of a sector of 60 degrees: -6144 to 6143, or INT32_MIN for no hue at all
+  int32_t saturationScale;  ///< in 1/1024: 0 to 999 x 1024, whole numbers only
+  int32_t valueScale;       ///< the same
+};
+
+/// What an RGB adjustment adds to each channel: -255 to 255.
+struct RGBAdjustment {
+  int32_t red;
+  int32_t green;
+  int32_t blue;
+};
+
+struct LMX_Pixel {
+  // -------------------------------------------------------------------------------------------------------- channels
+
+  LMX_EXPAND static uint32_t Alpha(uint32_t pixel) { return pixel >> 24; }
+  LMX_EXPAND static uint32_t Red(uint32_t pixel) { return pixel >> 16 & 0xFF; }
+  LMX_EXPAND static uint32_t Green(uint32_t pixel) { return pixel >> 8 & 0xFF; }
+  LMX_EXPAND static uint32_t Blue(uint32_t pixel) { return pixel & 0xFF; }
+
+  LMX_EXPAND static uint32_t Pack(uint32_t alpha, uint32_t red, uint32_t green, uint32_t blue) {
+    return alpha << 24 | red << 16 | green << 8 | blue;
+  }
+
+  // ---------------------------------------------------------------------------------------------------- stored pixels
+
+  /// The colours of a stored pixel above its alpha come out above 255 and carry into their neighbour. That is wanted.
+  LMX_EXPAND static uint32_t ReadContext(const uint8_t* stored) {
+    const uint32_t alpha = stored[0];
+    if (alpha == 0) return 0;
+    if (alpha == 255) return Pack(255, stored[1], stored[2], stored[3]);
+    return (alpha << 24) + ((stored[1] * 255u / alpha) << 16) + ((stored[2] * 255u / alpha) << 8) +
+           stored[3] * 255u / alpha;
+  }
+
+  LMX_EXPAND static void WriteContext(uint8_t* stored, uint32_t pixel) {
+    const uint32_t alpha = Alpha(pixel);
+    stored[0] = static_cast<uint8_t>(alpha);
+    stored[1] = static_cast<uint8_t>(Red(pixel) * alpha / 255);
+    stored[2] = static_cast<uint8_t>(Green(pixel) * alpha / 255);
+    stored[3] = static_cast<uint8_t>(Blue(pixel) * alpha / 255);
+  }
+
+  /// A transparency above 127, which no well-formed picture has, wraps around in the byte of the alpha.
+  LMX_EXPAND static uint32_t ReadBuffer(const uint8_t* stored) {
+    uint32_t word;
+    memcpy(&word, stored, sizeof word);
+    const uint32_t transparency = word >> 24;
+    const uint32_t alpha = transparency == 127 ? 0 : (255 - 2 * transparency) & 0xFF;
+    return alpha << 24 | (word & 0xFFFFFF);
+  }
+
+  /// Seven bits of alpha are kept: 1 reads back as 0, and 254 as 255.
+  LMX_EXPAND static void WriteBuffer(uint8_t* stored, uint32_t pixel) {
+    const uint32_t word = ((pixel >> 1 & 0x7F000000) | (pixel & 0xFFFFFF)) ^ 0x7F000000;
+    memcpy(stored, &word, sizeof word);
+  }
+
+  // -------------------------------------------------------------------------------------------------------------- HSV
+
+  /// Hue 0 to 6143 in 1/1024 of a sector of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a grey; saturation 0 to
+  /// 1024; value, the largest channel, and alpha 0 to 255. Red wins a tie, then green.
+  LMX_EXPAND static void RGBToHSV_1024(unsigned long pixel, long& hue, long& saturation, long& value, long& alpha) {
+    const uint32_t word = static_cast<uint32_t>(pixel);
+    const int32_t red = static_cast<int32_t>(Red(word));
+    const int32_t green = static_cast<int32_t>(Green(word));
+    const int32_t blue = static_cast<int32_t>(Blue(word));
+    const int32_t max = Max(red, Max(green, blue));
+    const int32_t delta = max - Min(red, Min(green, blue));
+    hue = -1;
+    saturation = 0;
+    value = max;
+    alpha = static_cast<long>(Alpha(word));
+    if (delta == 0) return;
+    saturation = delta * 1024 / max;
+    if (max == red) {
+      hue = (green - blue) * 1024 / delta;
+    } else if (max == green) {
+      hue = 2048 + (blue - red) * 1024 / delta;
+    } else {
+      hue = 4096 + (red - green) * 1024 / delta;
+    }
+    if (hue < 0) hue += 6144;
+  }
+
+  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside 0 to 6143 gives black, unless the
+  /// saturation is 0, which ignores it. Truncation may lower a channel by a step or two; it is not corrected.
+  LMX_EXPAND static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
+    const uint32_t a = static_cast<uint32_t>(alpha);
+    const uint32_t v = static_cast<uint32_t>(value);
+    if (saturation == 0) return Pack(a, v, v, v);
+    if (hue < 0 || hue > 6143) return Pack(a, 0, 0, 0);
+    const int32_t s = static_cast<int32_t>(saturation);
+    const int32_t sector = static_cast<int32_t>(hue) / 1024;
+    const int32_t fraction = static_cast<int32_t>(hue) - sector * 1024;
+    const int32_t distance = sector % 2 == 0 ? 1024 - fraction : fraction;
+    const uint32_t p = static_cast<uint32_t>((1024 - s) * static_cast<int32_t>(v) / 1024);
+    const uint32_t tq = static_cast<uint32_t>((1048576 - distance * s) * static_cast<int32_t>(v) / 1048576);
+    switch (sector) {
+      case 0:
+        return Pack(a, v, tq, p);
+      case 1:
+        return Pack(a, tq, v, p);
+      case 2:
+        return Pack(a, p, v, tq);
+      case 3:
+        return Pack(a, p, tq, v);
+      case 4:
+        return Pack(a, tq, p, v);
+      default:
+        return Pack(a, v, p, tq);
+    }
+  }
+
+  /// Alpha stays. The saturation ends at 1023, so a fully saturated colour loses a unit even when nothing is scaled.
+  LMX_EXPAND static uint32_t AdjustHSV(uint32_t pixel, const HSVAdjustment& by) {
+    long hue, saturation, value, alpha;
+    RGBToHSV_1024(pixel, hue, saturation, value, alpha);
+    hue = WrappedSum(static_cast<int32_t>(hue), by.hueShift);
+    if (hue < 0) hue += 6144;
+    if (hue > 6143) hue -= 6144;
+    saturation = Min(static_cast<int32_t>(saturation) * by.saturationScale / 1024, 1023);
+    value = Min(static_cast<int32_t>(value) * by.valueScale / 1024, 255);
+    return HSVToRGB_1024(hue, saturation, value, alpha);
+  }
+
+  // ------------------------------------------------------------------------------------------------- other operations
+
+  /// Alpha stays; each colour is clamped to 0 to 255.
+  LMX_EXPAND static uint32_t AdjustRGB(uint32_t pixel, const RGBAdjustment& by) {
+    return Pack(Alpha(pixel), AdjustChannel(Red(pixel), by.red), AdjustChannel(Green(pixel), by.green),
+                AdjustChannel(Blue(pixel), by.blue));
+  }
+
+  /// The colour negative, fully transparent.
+  LMX_EXPAND static uint32_t Negative(uint32_t pixel) { return ~pixel & 0xFFFFFF; }
+
+  /// The mix of a pixel with the one before it in its line. `fraction` is the weight of the one before, 0 to 65535; the
+  /// pixel's own is the rest to 65535.
+  LMX_EXPAND static uint32_t Blend(uint32_t pixel, uint32_t before, uint32_t fraction) {
+    return Pack(BlendChannel(Alpha(pixel), Alpha(before), fraction), BlendChannel(Red(pixel), Red(before), fraction),
+                BlendChannel(Green(pixel), Green(before), fraction), BlendChannel(Blue(pixel), Blue(before), fraction));
+  }
+
+  LMX_EXPAND static int32_t Max(int32_t a, int32_t b) { return a > b ? a : b; }
+  LMX_EXPAND static int32_t Min(int32_t a, int32_t b) { return a < b ? a : b; }
+
+ private:
+  LMX_EXPAND static int32_t WrappedSum(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+  }
+
+  LMX_EXPAND static uint32_t AdjustChannel(uint32_t channel, int32_t delta) {
+    return static_cast<uint32_t>(Min(Max(static_cast<int32_t>(channel) + delta, 0), 255));
+  }
+
+  LMX_EXPAND static uint32_t BlendChannel(uint32_t channel, uint32_t before, uint32_t fraction) {
+    return (channel * (65535 - fraction) + before * fraction) / 65535;
+  }
+};
