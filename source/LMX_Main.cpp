@@ -6,6 +6,7 @@
 
 #include "HostCalls.h"
 #include "LMX_Module.h"
+#include "LMX_Picture.h"
 #include "kernels/RunKernels.h"
 
 REALclassRefStruct* gPictureClassRef = nullptr;

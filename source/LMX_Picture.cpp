@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "LMX_Main.h"
-
 // Weak: a process that lacks CoreGraphics still loads the library, and its pictures are buffers.
 #if defined(__APPLE__)
 #define LMX_FROM_HOST_PROCESS __attribute__((weak_import))
@@ -37,7 +35,7 @@ bool LMX_Picture::Lock() {
     bytesPerPixel = 4;
     if (buffer) {
       width = std::max(buffer->width, 0);
-      bytesPerRow = static_cast<std::uint32_t>(width) * 4;
+      bytesPerRow = static_cast<std::int32_t>(static_cast<std::uint32_t>(width) * 4);
       height = std::max(buffer->height, 0);
     }
   } else {
@@ -46,7 +44,7 @@ bool LMX_Picture::Lock() {
     width = std::max(static_cast<std::int32_t>(CGBitmapContextGetWidth(context)), 0);
     height = std::max(static_cast<std::int32_t>(CGBitmapContextGetHeight(context)), 0);
     bitsPerPixel = static_cast<std::uint32_t>(CGBitmapContextGetBitsPerPixel(context));
-    bytesPerRow = static_cast<std::uint32_t>(CGBitmapContextGetBytesPerRow(context));
+    bytesPerRow = static_cast<std::int32_t>(CGBitmapContextGetBytesPerRow(context));
     data = static_cast<std::uint8_t*>(CGBitmapContextGetData(context));
     bytesPerPixel = bitsPerPixel == 32 ? 4 : 0;
     if (!data && width > 0 && height > 0) {

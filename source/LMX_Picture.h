@@ -10,6 +10,9 @@
 #include "HostCalls.h"
 #include "kernels/LMX_Pixel.h"
 
+/// The host's `picture` class, of which new pictures are made. Stored at start-up; nil when the host does not know it.
+extern REALclassRefStruct* gPictureClassRef;
+
 class LMX_Picture {
  public:
   REALpictureStruct* picture = nullptr;  ///< nil when the wrapper is empty
@@ -22,7 +25,7 @@ class LMX_Picture {
   std::int32_t height = 0;         ///< rows
   std::uint32_t bitsPerPixel = 0;  ///< other than 32: the picture reads as clear and ignores writes
   std::uint32_t bytesPerPixel = 0;
-  std::uint32_t bytesPerRow = 0;
+  std::int32_t bytesPerRow = 0;         ///< from the start of a row to that of the row below
   std::uint8_t* data = nullptr;         ///< the top left pixel of a bitmap-context picture
   REALpictureBuffer* buffer = nullptr;  ///< the record of a buffer picture
 
@@ -61,7 +64,7 @@ class LMX_Picture {
 
   /// The leftmost pixel of row r, 0 <= r < height; nil when a malformed buffer has no such row.
   std::uint8_t* RowAddress(std::int32_t r) const {
-    if (description.pictureType != kPictureTypeBuffer) return data + static_cast<std::size_t>(bytesPerRow) * Index(r);
+    if (description.pictureType != kPictureTypeBuffer) return data + static_cast<std::ptrdiff_t>(bytesPerRow) * r;
     if (!buffer || !buffer->rowTable) return nullptr;
     return Address(reinterpret_cast<const std::uint32_t*>(Address(buffer->rowTable))[r]);
   }
@@ -82,8 +85,6 @@ class LMX_Picture {
   }
 
  private:
-  static std::size_t Index(std::int32_t r) { return static_cast<std::size_t>(r); }
-
   static std::uint8_t* Address(std::uint32_t word) {
     return reinterpret_cast<std::uint8_t*>(static_cast<std::uintptr_t>(word));
   }
@@ -102,13 +103,14 @@ class LMX_Picture {
     if (description.pictureType == kPictureTypeBitmapContext || description.pictureType == kPictureTypeBuffer) {
       picture = handle;
     } else {
-      REALUnlockPictureDescription(handle);
+      Quietly([=] { REALUnlockPictureDescription(handle); });
     }
   }
 
   void ForgetPixels() {
     width = height = 0;
-    bitsPerPixel = bytesPerPixel = bytesPerRow = 0;
+    bitsPerPixel = bytesPerPixel = 0;
+    bytesPerRow = 0;
     data = nullptr;
     buffer = nullptr;
     locked = false;

@@ -24,9 +24,9 @@ class YieldPace {
     counted_ += static_cast<std::int64_t>(lines) * pixelsPerLine;
   }
 
-  /// How many lines of `pixelsPerLine` >= 1 pixels can be done before a yield is due: 1 to `atMost`.
+  /// How many lines of `pixelsPerLine` pixels can be done before a yield is due: 1 to `atMost`.
   std::int32_t LinesUntilDue(std::int32_t pixelsPerLine, std::int32_t atMost) const {
-    if (yield_ <= 0) return atMost;
+    if (yield_ <= 0 || pixelsPerLine == 0) return atMost;
     const std::int64_t lines = (yield_ - counted_ + pixelsPerLine - 1) / pixelsPerLine;
     return static_cast<std::int32_t>(std::min<std::int64_t>(lines, atMost));
   }

@@ -18,7 +18,6 @@
 #include <cmath>
 
 #include "LMX_Convert.h"
-#include "LMX_Module.h"
 #include "LMX_Runs.h"
 #include "LMX_Selection.h"
 #include "LMX_Yield.h"

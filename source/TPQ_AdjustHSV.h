@@ -3,6 +3,16 @@
 
 #include "LMX_Picture.h"
 
+// Entry points.
+LMX_HOST_CALLABLE REALpictureStruct* LMX_AdjustHSV(REALpictureStruct* p, int left, int top, int width, int height,
+                                                   double hue_degrees, double saturation_factor,
+                                                   double brightness_factor, bool negative, long yield);
+LMX_HOST_CALLABLE void LMX_AdjustHSV_InPlace(REALpictureStruct* p, int left, int top, int width, int height,
+                                             double hue_degrees, double saturation_factor, double brightness_factor,
+                                             bool negative, long yield);
+LMX_HOST_CALLABLE void LMX_GetAverageHSV(REALpictureStruct* p, int left, int top, int width, int height,
+                                         double* hue_degrees, double* saturation, double* brightness, long yield);
+
 /// Adjusts what is selected of a locked source into a locked destination of the same size, which may be the source.
 /// The arguments are tested, and the selection is valid. The host may handle events after a row, once `yield` pixels
 /// have been written.

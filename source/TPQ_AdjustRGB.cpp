@@ -8,9 +8,10 @@
 // are 32 bits wide and wrap beyond 8,421,504 pixels of 255.
 // Errors of the adjustments, in this order: 2 source nil, 40 red, 41 green, 42 blue, 4 source not lockable,
 // 38 selection, 6 no result. Errors of the average: 2, 4, 38 (also of a picture without pixels).
+#include "TPQ_AdjustRGB.h"
+
 #include <algorithm>
 
-#include "LMX_Module.h"
 #include "LMX_Runs.h"
 #include "LMX_Selection.h"
 #include "LMX_Yield.h"

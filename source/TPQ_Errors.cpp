@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "HostCalls.h"
-#include "LMX_Module.h"
 
 std::int32_t gLMX_Error = kNoError;
 char gLMX_DebugMessage[4096] = {};

@@ -3,7 +3,11 @@
 
 #include <cstdint>
 
-#include "HostInterface.h"
+#include "HostCalls.h"
+
+// Entry points.
+LMX_HOST_CALLABLE int LMX_GetLastError();
+LMX_HOST_CALLABLE REALstringStruct* LMX_GetErrorMessage(int errorCode);
 
 /// The codes that operations leave in gLMX_Error.
 enum LMX_ErrorCode : std::int32_t {

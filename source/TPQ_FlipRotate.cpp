@@ -6,7 +6,6 @@
 // Errors, in this order: 31 rotation, 2 source nil, 4 source not lockable, 6 no result (also of an empty source).
 #include "TPQ_FlipRotate.h"
 
-#include "LMX_Module.h"
 #include "PrivFlipRotate.h"
 #include "TPQ_Errors.h"
 
@@ -58,6 +57,6 @@ REALpictureStruct* PrivFlipRotate_NoMask_NonVector(LMX_Picture& source, bool fli
     gLMX_Error = kCantLockResult;
     return nullptr;
   }
-  WorkerFor(quarter, flip_h, flip_v)(source, result, yield);
+  if (quarter >= 0 && quarter <= 3) WorkerFor(quarter, flip_h, flip_v)(source, result, yield);
   return result.picture;
 }

@@ -13,7 +13,6 @@
 #include <cstdlib>
 
 #include "LMX_Convert.h"
-#include "LMX_Module.h"
 #include "LMX_Picture.h"
 #include "PrivFlipRotate.h"
 #include "PrivShear.h"

@@ -1,7 +1,11 @@
 // Free rotation, behind the entry point.
 #pragma once
 
-#include "HostInterface.h"
+#include "HostCalls.h"
+
+// Entry point.
+LMX_HOST_CALLABLE REALpictureStruct* LMX_FreeRotateByShear_Frame(REALpictureStruct* p, double rotation,
+                                                                 unsigned int frame_color, int yield);
 
 /// Turns `source` clockwise by `rotation` degrees, 0 to below 360, into a result just large enough; a NaN turns by
 /// nothing. What the image does not cover is `frame_color`, a host colour. Nil when a picture is not to be had; no

@@ -10,7 +10,6 @@
 #include <algorithm>
 
 #include "LMX_Convert.h"
-#include "LMX_Module.h"
 #include "LMX_Runs.h"
 #include "LMX_Yield.h"
 #include "TPQ_Errors.h"
@@ -31,11 +30,10 @@ void FillSection(const LMX_Picture& picture, std::int32_t top, std::int32_t bott
   for (std::int32_t y = top; y <= bottom; ++y) {
     const double upperWeight = (bottom - y) / distance;
     const double lowerWeight = (y - top) / distance;
-    const auto channel = [&](std::uint32_t (*of)(std::uint32_t)) {
-      return Blend(of(upper), upperWeight, of(lower), lowerWeight);
+    const auto channel = [&](int shift) {
+      return Blend(upper >> shift & 0xFF, upperWeight, lower >> shift & 0xFF, lowerWeight);
     };
-    const std::uint32_t pixel = LMX_Pixel::Pack(channel(LMX_Pixel::Alpha), channel(LMX_Pixel::Red),
-                                                channel(LMX_Pixel::Green), channel(LMX_Pixel::Blue));
+    const std::uint32_t pixel = LMX_Pixel::Pack(channel(24), channel(16), channel(8), channel(0));
     FillRun(picture, 0, y, picture.width, pixel);
     pace.YieldIfDue();
     pace.Count(1, picture.width);

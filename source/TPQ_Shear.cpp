@@ -7,7 +7,6 @@
 // with code 0.
 #include "TPQ_Shear.h"
 
-#include "LMX_Module.h"
 #include "LMX_Picture.h"
 #include "PrivShear.h"
 #include "TPQ_Errors.h"

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 
-#include "LMX_Module.h"
 #include "LMX_Runs.h"
 #include "LMX_Yield.h"
 #include "TPQ_Errors.h"

@@ -3,6 +3,9 @@
 
 #include "LMX_Picture.h"
 
+// Entry point.
+LMX_HOST_CALLABLE REALpictureStruct* LMX_Stretch(REALpictureStruct* p, int width, int height, long yield);
+
 /// Locks the source, makes the result and fills it. Nil with error 4 when the source cannot be locked, with 34 or 35
 /// when width or height is beyond what a pass can do, and with 0 when there is no result to be had.
 REALpictureStruct* PrivStretch_NonVector(REALpictureStruct* p, int width, int height, long yield);

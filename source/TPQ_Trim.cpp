@@ -6,10 +6,11 @@
 //                colour survives in buffer pictures only
 // yield          accepted and not used
 // Errors, in this order: 2 source nil, 4 source not lockable, 39 rectangle, 6 no result.
+#include "TPQ_Trim.h"
+
 #include <algorithm>
 
 #include "LMX_Convert.h"
-#include "LMX_Module.h"
 #include "LMX_Runs.h"
 #include "TPQ_Errors.h"
 

@@ -1,0 +1,71 @@
+#include "Library.h"
+
+#include <dlfcn.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <utility>
+
+#include "Value.h"
+
+namespace host {
+namespace {
+
+std::string Absolute(const std::string& path) {
+  return std::filesystem::absolute(path).string();
+}
+
+void* Open(const std::string& path) {
+  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) throw Error(std::string("cannot load the library: ") + dlerror());
+  return handle;
+}
+
+// The loader knows a library by its name and its file, so the copy needs a name of its own; once loaded, it needs none.
+void* OpenCopy(const std::string& path) {
+  std::string copy = (std::filesystem::temp_directory_path() / "library-XXXXXX").string();
+  const int file = mkstemp(copy.data());
+  if (file < 0) throw Error("cannot make a temporary file for a copy of " + path);
+  close(file);
+  const auto remove = [&copy] { unlink(copy.c_str()); };
+  try {
+    std::filesystem::copy_file(path, copy, std::filesystem::copy_options::overwrite_existing);
+    void* handle = Open(copy);
+    remove();
+    return handle;
+  } catch (const std::filesystem::filesystem_error& error) {
+    remove();
+    throw Error(std::string("cannot copy the library: ") + error.what());
+  } catch (...) {
+    remove();
+    throw;
+  }
+}
+
+}  // namespace
+
+void Library::Unload() {
+  if (handle_ != nullptr) dlclose(std::exchange(handle_, nullptr));
+}
+
+void Library::Load(const std::string& path) {
+  if (handle_ != nullptr) throw Error("a library is loaded already");
+  const std::string absolute = Absolute(path);
+  handle_ = IsResident(absolute) ? OpenCopy(absolute) : Open(absolute);
+}
+
+void* Library::Symbol(const char* name) const {
+  void* symbol = handle_ == nullptr ? nullptr : dlsym(handle_, name);
+  if (symbol == nullptr) throw Error(std::string("the library has no ") + name);
+  return symbol;
+}
+
+bool Library::IsResident(const std::string& path) {
+  void* handle = dlopen(Absolute(path).c_str(), RTLD_LAZY | RTLD_NOLOAD);
+  if (handle == nullptr) return false;
+  dlclose(handle);
+  return true;
+}
+
+}  // namespace host

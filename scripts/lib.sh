@@ -1,0 +1,52 @@
+# shellcheck shell=bash
+#
+# What the scripts share; they source it first. Gives them strictness, --help (their header comment), the repository as
+# the working directory, and the functions below.
+set -euo pipefail
+
+case ${1:-} in
+  -h | --help)
+    awk 'NR > 1 && !/^#/ { exit } NR > 1 { sub(/^# ?/, ""); print }' "$0"
+    exit
+    ;;
+esac
+
+cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.."
+
+jobs=$(nproc)
+bold='' plain=''
+if [[ -t 1 ]]; then bold=$'\e[1m' plain=$'\e[0m'; fi
+
+# say TEXT...: a heading.
+say() { printf '%s%s%s\n' "$bold" "$*" "$plain"; }
+
+# fail TEXT...: the end.
+fail() {
+  printf '%s: %s\n' "${0##*/}" "$*" >&2
+  exit 1
+}
+
+# quietly LOG COMMAND...: runs the command with its output in the file; shows the file if the command fails.
+quietly() {
+  local log=$1
+  shift
+  "$@" >"$log" 2>&1 && return
+  cat -- "$log" >&2
+  return 1
+}
+
+# build PRESET [TARGET...]: configures and builds in build/PRESET, quietly. Warnings are errors, except in instrumented
+# builds, where the compilers see things that are not there.
+build() {
+  local preset=$1 folder=build/$1 werror=ON
+  shift
+  case $preset in sanitize* | coverage) werror=OFF ;; esac
+  mkdir -p "$folder"
+  quietly "$folder/configure.log" cmake --preset "$preset" -DLMX_WERROR=$werror &&
+    quietly "$folder/build.log" cmake --build "$folder" --parallel "$jobs" ${1:+--target "$@"}
+}
+
+# cpp_files: our C++ files, each ended by a zero byte.
+cpp_files() {
+  find -- */ -path 'build*' -prune -o \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z
+}

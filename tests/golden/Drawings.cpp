@@ -1,0 +1,64 @@
+#include "Drawings.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "support/Random.h"
+
+namespace golden {
+
+using definition::Form;
+
+namespace {
+
+std::uint32_t Slopes(int x, int y, Random& random) {
+  const auto red = static_cast<std::uint32_t>(x * 11 + 20) % 256;
+  const auto green = static_cast<std::uint32_t>(y * 13 + 200) % 256;
+  return red << 16 | green << 8 | random.Below(256);
+}
+
+// Falls from 255 to 0 where the distance from the centre passes three quarters of the least half side.
+std::uint32_t DiscAlpha(int x, int y, int width, int height) {
+  const int dx = 2 * x + 1 - width, dy = 2 * y + 1 - height;
+  const int radius = std::min(width, height) * 3 / 4;
+  const int inside = radius * radius - dx * dx - dy * dy;
+  return static_cast<std::uint32_t>(std::clamp(128 + inside, 0, 255));
+}
+
+std::uint32_t Stored(Form form, std::uint32_t alpha, std::uint32_t colour) {
+  if (form == Form::Buffer) return (127 - alpha / 2) << 24 | colour;
+  std::uint32_t word = alpha << 24;
+  for (const int shift : {0, 8, 16}) word |= (colour >> shift & 0xFF) * alpha / 255 << shift;
+  return word;
+}
+
+}  // namespace
+
+const char* NameOf(Subject subject) {
+  switch (subject) {
+    case Subject::Opaque:
+      return "opaque";
+    case Subject::Soft:
+      return "soft";
+    case Subject::Grey:
+      return "grey";
+    case Subject::Wild:
+      return "wild";
+  }
+  return "";
+}
+
+definition::StoredPicture Draw(Subject subject, Form form, int width, int height) {
+  definition::StoredPicture picture(form, width, height);
+  Random random(2011);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const std::uint32_t colour = subject == Subject::Grey ? random.Below(256) * 0x010101 : Slopes(x, y, random);
+      const std::uint32_t alpha = subject == Subject::Soft ? DiscAlpha(x, y, width, height) : 255;
+      picture.Word(x, y) = subject == Subject::Wild ? random.Word() : Stored(form, alpha, colour);
+    }
+  }
+  return picture;
+}
+
+}  // namespace golden

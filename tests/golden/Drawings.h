@@ -1,0 +1,19 @@
+// Small pictures drawn by arithmetic on integers, the same everywhere. The hashes depend on every bit of them.
+#pragma once
+
+#include "support/Definition.h"
+
+namespace golden {
+
+enum class Subject {
+  Opaque,  ///< slopes and noise
+  Soft,    ///< a disc with soft edges on a clear ground
+  Grey,    ///< noise, opaque
+  Wild,    ///< any bytes: colours above their alpha, transparencies above 127
+};
+
+const char* NameOf(Subject subject);
+
+definition::StoredPicture Draw(Subject subject, definition::Form form, int width, int height);
+
+}  // namespace golden

@@ -1,0 +1,36 @@
+// Writes the file of hashes to standard output, unless the plug-in and the plain definition disagree anywhere.
+#include <cstdio>
+#include <exception>
+
+#include "GoldenCases.h"
+
+namespace {
+
+bool WriteHashes() {
+  host::Host host;
+  host.Load(support::LibraryPath());
+  std::puts(
+      "# Results of whole methods: name, code, number of yields, and the result: a picture's size and FNV-1a hash, or");
+  std::puts("# averages (doubles as their bits). Written by scripts/golden; read by the tests of this folder.");
+  bool agreed = true;
+  for (const golden::Case& c : golden::Cases()) {
+    const std::string result = golden::ResultOfPlugin(host, c);
+    const std::string defined = golden::ResultByDefinition(c);
+    std::printf("%s %s\n", c.name.c_str(), result.c_str());
+    if (result == defined) continue;
+    std::fprintf(stderr, "%s\n  plug-in     %s\n  definition  %s\n", c.name.c_str(), result.c_str(), defined.c_str());
+    agreed = false;
+  }
+  return agreed;
+}
+
+}  // namespace
+
+int main() {
+  try {
+    return WriteHashes() ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "golden_hashes: %s\n", error.what());
+    return 1;
+  }
+}

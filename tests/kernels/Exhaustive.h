@@ -1,0 +1,63 @@
+// What the tests over whole domains share.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "Levels.h"
+
+using Pixels = std::vector<std::uint32_t>;
+
+/// Whether two runs are equal; a difference is a failure that names the pixel.
+inline bool SameRun(const Pixels& inputs, const Pixels& expected, const Pixels& actual, const std::string& level) {
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    if (expected[i] == actual[i]) continue;
+    ADD_FAILURE() << level << ", pixel " << std::hex << inputs[i] << ": expected " << expected[i] << ", got "
+                  << actual[i];
+    return false;
+  }
+  return true;
+}
+
+/// Collects the pixels of a domain into runs, and compares what every level makes of a run with the definition of its
+/// pixels: apply(kernels, out, in), define(pixel).
+template <class Apply, class Define>
+class Domain {
+ public:
+  Domain(Apply apply, Define define) : apply_(apply), define_(define), levels_(LevelsHere()) {}
+  ~Domain() { Flush(); }
+  Domain(const Domain&) = delete;
+  Domain& operator=(const Domain&) = delete;
+
+  /// False after a failure: the rest can be left out.
+  bool Add(std::uint32_t pixel) {
+    inputs_.push_back(pixel);
+    if (inputs_.size() == kRun) Flush();
+    return good_;
+  }
+
+ private:
+  // Odd, so that every place of a vector meets every part of a domain sooner or later.
+  static constexpr std::size_t kRun = 4093;
+
+  void Flush() {
+    Pixels expected(inputs_.size()), actual(inputs_.size());
+    for (std::size_t i = 0; i < inputs_.size(); ++i) expected[i] = define_(inputs_[i]);
+    for (const NamedKernels& level : levels_) {
+      if (!good_) break;
+      apply_(level.kernels, actual, inputs_);
+      good_ = SameRun(inputs_, expected, actual, level.level);
+    }
+    inputs_.clear();
+  }
+
+  Apply apply_;
+  Define define_;
+  std::vector<NamedKernels> levels_;
+  Pixels inputs_;
+  bool good_ = true;
+};

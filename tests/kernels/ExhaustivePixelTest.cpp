@@ -1,0 +1,181 @@
+// The kernels of every level over whole domains, against plain arithmetic that shares nothing with the product: stored
+// pixels and adjustments.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "Exhaustive.h"
+#include "PlainPixel.h"
+#include "support/Random.h"
+
+namespace {
+
+using definition::Form;
+
+std::uint8_t* Bytes(Pixels& run) {
+  return reinterpret_cast<std::uint8_t*>(run.data());
+}
+const std::uint8_t* Bytes(const Pixels& run) {
+  return reinterpret_cast<const std::uint8_t*>(run.data());
+}
+
+// Every channel value with every alpha, in all three places: once beside random channels, once beside well-formed ones.
+template <class Domain>
+void AddChannelsAndAlphas(Domain& domain) {
+  Random random(1);
+  for (const int place : {0, 8, 16}) {
+    for (std::uint32_t alpha = 0; alpha < 256; ++alpha) {
+      for (std::uint32_t channel = 0; channel < 256; ++channel) {
+        const std::uint32_t mask = ~(0xFF000000u | 0xFFu << place);
+        const std::uint32_t others = random.Word();
+        const std::uint32_t modest = random.Below(alpha + 1) * 0x010101;
+        const std::uint32_t pixel = alpha << 24 | channel << place;
+        if (!domain.Add(pixel | (others & mask)) || !domain.Add(pixel | (modest & mask))) return;
+      }
+    }
+  }
+}
+
+TEST(AllChannelsAndAlphas, ReadContext) {
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) {
+        k.read[kContextForm](out.data(), Bytes(in), in.size());
+      },
+      [](std::uint32_t memory) { return definition::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory)); });
+  struct Swapped {
+    decltype(domain)& to;
+    bool Add(std::uint32_t word) { return to.Add(__builtin_bswap32(word)); }
+  } swapped = {domain};
+  AddChannelsAndAlphas(swapped);
+}
+
+TEST(AllChannelsAndAlphas, WriteContext) {
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) {
+        k.write[kContextForm](Bytes(out), in.data(), in.size());
+      },
+      [](std::uint32_t pixel) { return __builtin_bswap32(definition::WritePixel(Form::BitmapContext, pixel)); });
+  AddChannelsAndAlphas(domain);
+}
+
+TEST(AllChannelsAndAlphas, ReadBuffer) {
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) { k.read[kBufferForm](out.data(), Bytes(in), in.size()); },
+      [](std::uint32_t word) { return definition::ReadPixel(Form::Buffer, word); });
+  AddChannelsAndAlphas(domain);
+}
+
+TEST(AllChannelsAndAlphas, WriteBuffer) {
+  Domain domain([](const RunKernels& k, Pixels& out,
+                   const Pixels& in) { k.write[kBufferForm](Bytes(out), in.data(), in.size()); },
+                [](std::uint32_t pixel) { return definition::WritePixel(Form::Buffer, pixel); });
+  AddChannelsAndAlphas(domain);
+}
+
+std::uint32_t ReadMemory(StorageForm form, std::uint32_t memory) {
+  return form == kBufferForm ? definition::ReadPixel(Form::Buffer, memory)
+                             : definition::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory));
+}
+
+std::uint32_t WriteMemory(StorageForm form, std::uint32_t pixel) {
+  return form == kBufferForm ? definition::WritePixel(Form::Buffer, pixel)
+                             : __builtin_bswap32(definition::WritePixel(Form::BitmapContext, pixel));
+}
+
+TEST(AllChannelsAndAlphas, Copies) {
+  for (const StorageForm from : {kContextForm, kBufferForm}) {
+    for (const StorageForm to : {kContextForm, kBufferForm}) {
+      SCOPED_TRACE(testing::Message() << "form " << from << " to form " << to);
+      Domain domain([=](const RunKernels& k, Pixels& out,
+                        const Pixels& in) { k.copy[from][to](Bytes(out), Bytes(in), in.size()); },
+                    [=](std::uint32_t memory) { return WriteMemory(to, ReadMemory(from, memory)); });
+      struct InMemory {
+        decltype(domain)& to;
+        StorageForm form;
+        bool Add(std::uint32_t word) { return to.Add(form == kBufferForm ? word : __builtin_bswap32(word)); }
+      } inMemory = {domain, from};
+      AddChannelsAndAlphas(inMemory);
+    }
+  }
+}
+
+TEST(AllChannelsAndAlphas, Negative) {
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) {
+        out = in;
+        k.negative(out.data(), out.size());
+      },
+      [](std::uint32_t pixel) { return 0xFFFFFF - pixel % 0x1000000; });
+  AddChannelsAndAlphas(domain);
+}
+
+// ---------------------------------------------------------------------------------------------------------------- HSV
+
+class AllColours : public testing::TestWithParam<HSVAdjustment> {};
+
+TEST_P(AllColours, AdjustHSV) {
+  const HSVAdjustment by = GetParam();
+  Domain domain(
+      [=](const RunKernels& k, Pixels& out, const Pixels& in) {
+        out = in;
+        k.adjustHSV(out.data(), &by, out.size());
+      },
+      [=](std::uint32_t pixel) { return plain::AdjustHSV(pixel, by.hueShift, by.saturationScale, by.valueScale); });
+  for (std::uint32_t colour = 0; colour < 1 << 24; ++colour) {
+    if (!domain.Add(colour * 2654435761u << 24 | colour)) return;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(SomeAdjustments, AllColours,
+                         testing::Values(HSVAdjustment{0, 1024, 1024}, HSVAdjustment{1024, 1024, 1024},
+                                         HSVAdjustment{-6144, 2 * 1024, 1024}, HSVAdjustment{6143, 3 * 1024, 2 * 1024},
+                                         HSVAdjustment{-2357, 999 * 1024, 999 * 1024}, HSVAdjustment{777, 0, 1024},
+                                         HSVAdjustment{777, 1024, 0}, HSVAdjustment{INT32_MIN, 1024, 1024}),
+                         [](const testing::TestParamInfo<HSVAdjustment>& adjustment) {
+                           return "Number" + std::to_string(adjustment.index);
+                         });
+
+// Few colours, but every shift.
+TEST(AllShifts, AdjustHSV) {
+  const std::vector<NamedKernels> levels = LevelsHere();
+  Pixels colours;
+  for (const std::uint32_t red : {0u, 1u, 100u, 254u, 255u}) {
+    for (const std::uint32_t green : {0u, 3u, 101u, 255u}) {
+      for (const std::uint32_t blue : {0u, 2u, 99u, 200u, 255u}) colours.push_back(red << 16 | green << 8 | blue);
+    }
+  }
+  for (std::int32_t shift = -6144; shift < 6144; ++shift) {
+    const HSVAdjustment by = {shift, 1024 * ((shift + 6144) % 4), 1024 * ((shift + 6144) % 3)};
+    Pixels expected;
+    for (const std::uint32_t colour : colours) {
+      expected.push_back(plain::AdjustHSV(colour, shift, by.saturationScale, by.valueScale));
+    }
+    for (const NamedKernels& level : levels) {
+      Pixels actual = colours;
+      level.kernels.adjustHSV(actual.data(), &by, actual.size());
+      ASSERT_TRUE(SameRun(colours, expected, actual, level.level)) << "shift " << shift;
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------------------------------------------- RGB
+
+TEST(AllChannelsAndDeltas, AdjustRGB) {
+  const std::vector<NamedKernels> levels = LevelsHere();
+  Pixels inputs(256 * 3);
+  for (std::uint32_t i = 0; i < inputs.size(); ++i) {
+    inputs[i] = i * 77 << 24 | (i % 256) << 16 | (i * 3 + 1) % 256 << 8 | (255 - i % 256);
+  }
+  for (std::int32_t delta = -255; delta <= 255; ++delta) {
+    const RGBAdjustment by = {delta, -delta, delta > 0 ? delta - 255 : delta + 255};
+    Pixels expected;
+    for (const std::uint32_t pixel : inputs) expected.push_back(plain::AdjustRGB(pixel, by.red, by.green, by.blue));
+    for (const NamedKernels& level : levels) {
+      Pixels actual = inputs;
+      level.kernels.adjustRGB(actual.data(), &by, actual.size());
+      ASSERT_TRUE(SameRun(inputs, expected, actual, level.level)) << "delta " << delta;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+// One record per kernel: its operands, how to make inputs, how to call it, and its definition. The tests and the
+// benchmarks go through the same list.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "kernels/RunKernels.h"
+#include "support/Random.h"
+
+/// What lies at a pointer that a kernel gets, and so how many bytes.
+enum class Operand {
+  ContextPixels,  ///< a stored run; any address
+  BufferPixels,   ///< the same in the other form
+  Pixels,         ///< a working run
+  Fractions,      ///< a run of 0 to 65535
+  OnePixel,       ///< a single stored pixel
+  Groups,         ///< n groups of kLanes working pixels
+  LaneRuns,       ///< kLanes runs, `stride` apart
+  RGBTotals,      ///< RGBSums
+  HSVTotals,      ///< HSVSums
+  Coverage,       ///< CoverageSums
+};
+
+/// The arguments that are no runs. Each kernel uses some.
+struct KernelArguments {
+  std::size_t n;
+  std::size_t stride;
+  std::uint32_t before;
+  std::uint32_t fraction;
+  std::uint32_t units;
+  HSVAdjustment hsv;
+  RGBAdjustment rgb;
+};
+
+/// One call.
+struct KernelCall {
+  KernelArguments arguments;
+  void* output;
+  const void* inputs[3];
+};
+
+struct KernelInput {
+  Operand operand;
+  bool mayBeOutput;
+};
+
+struct KernelCase {
+  const char* name;  ///< words and underscores
+  std::size_t slot;  ///< where the table keeps it, in bytes
+  Operand output;
+  bool addsToOutput;  ///< the output is an input, too: sums, and pixels that are changed in place
+  std::vector<KernelInput> inputs;
+  std::size_t mostPixels;  ///< the largest n
+  void (*call)(const RunKernels& kernels, const KernelCall& call);
+  void (*define)(const KernelCall& call);  ///< one pixel after the other, by LMX_Pixel; never in place
+};
+
+/// Every slot of the table.
+const std::vector<KernelCase>& KernelCases();
+
+/// Bytes of an operand, and the address that it needs.
+std::size_t SizeOf(Operand operand, const KernelArguments& arguments);
+std::size_t AlignmentOf(Operand operand);
+
+/// Arguments for n pixels: often the edges of their ranges.
+KernelArguments MakeArguments(std::size_t n, Random& random);
+
+/// Contents of an operand: runs that are wholly opaque, wholly clear, mostly the one or the other, well-formed and
+/// malformed, grey and coloured. `operand` can be an input, or an output that is added to.
+void MakeOperand(Operand operand, const KernelArguments& arguments, Random& random, void* bytes);

@@ -1,0 +1,189 @@
+// The input makers of the kernels' case list.
+#include <algorithm>
+#include <cstring>
+
+#include "KernelCases.h"
+
+namespace {
+
+// What the alphas of a run are like. Kernels may treat whole blocks of the first kinds apart.
+enum class Alphas { Opaque, Clear, OpaqueAndClear, OpaqueButOne, ClearButOne, Any };
+enum class Colours { Any, Extreme, Grey };
+
+struct Style {
+  Alphas alphas;
+  Colours colours;
+  bool wellFormed;        // context: no colour above its alpha; buffer: no transparency above 127
+  std::size_t odd;        // the pixel that is unlike the others
+  std::size_t malformed;  // a pixel whose colour is malformed all the same
+};
+
+Style MakeStyle(std::size_t pixels, Random& random) {
+  constexpr Alphas kAlphas[] = {Alphas::Opaque,       Alphas::Clear,       Alphas::OpaqueAndClear,
+                                Alphas::OpaqueButOne, Alphas::ClearButOne, Alphas::Any,
+                                Alphas::Any,          Alphas::Any};
+  constexpr Colours kColours[] = {Colours::Any, Colours::Any, Colours::Extreme, Colours::Grey};
+  const std::uint32_t count = static_cast<std::uint32_t>(std::max<std::size_t>(pixels, 1));
+  return {random.OneOf(kAlphas), random.OneOf(kColours), random.Below(4) != 0, random.Below(count),
+          random.Below(4) == 0 ? random.Below(count) : pixels};
+}
+
+std::uint32_t MakeAlpha(const Style& style, std::size_t i, Random& random) {
+  const std::uint32_t any = random.Below(256);
+  switch (style.alphas) {
+    case Alphas::Opaque:
+      return 255;
+    case Alphas::Clear:
+      return 0;
+    case Alphas::OpaqueAndClear:
+      return any < 128 ? 0 : 255;
+    case Alphas::OpaqueButOne:
+      return i == style.odd ? any : 255;
+    case Alphas::ClearButOne:
+      return i == style.odd ? any : 0;
+    case Alphas::Any:
+      break;
+  }
+  constexpr std::uint32_t kEdges[] = {0, 1, 2, 127, 128, 253, 254, 255};
+  return any < 32 ? random.OneOf(kEdges) : random.Below(256);
+}
+
+// Red, green, blue, each up to `most`.
+std::uint32_t MakeColour(const Style& style, std::uint32_t most, Random& random) {
+  std::uint32_t colour[3];
+  for (std::uint32_t& channel : colour) {
+    const std::uint32_t extremes[] = {0, most, 0, most, most / 2, most > 0 ? most - 1 : 0};
+    channel = style.colours == Colours::Extreme ? random.OneOf(extremes) : random.Below(most + 1);
+  }
+  if (style.colours == Colours::Grey) colour[1] = colour[2] = colour[0];
+  return colour[0] << 16 | colour[1] << 8 | colour[2];
+}
+
+std::uint32_t MakePixel(Operand form, const Style& style, std::size_t i, Random& random) {
+  const std::uint32_t alpha = MakeAlpha(style, i, random);
+  const bool wellFormed = style.wellFormed && i != style.malformed;
+  if (form == Operand::ContextPixels) {
+    return __builtin_bswap32(alpha << 24 | MakeColour(style, wellFormed ? alpha : 255, random));
+  }
+  if (form == Operand::BufferPixels) {
+    const std::uint32_t transparency = wellFormed ? 127 - alpha / 2 : 255 - alpha;
+    return transparency << 24 | MakeColour(style, 255, random);
+  }
+  return alpha << 24 | MakeColour(style, 255, random);
+}
+
+void MakePixels(Operand form, std::size_t count, Random& random, void* bytes) {
+  const Style style = MakeStyle(count, random);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint32_t pixel = MakePixel(form, style, i, random);
+    std::memcpy(static_cast<std::uint8_t*>(bytes) + 4 * i, &pixel, 4);
+  }
+}
+
+std::uint32_t MakeFraction(Random& random) {
+  constexpr std::uint32_t kEdges[] = {0, 1, 2, 255, 256, 32767, 32768, 65280, 65534, 65535};
+  return random.Below(2) == 0 ? random.OneOf(kEdges) : random.Below(65536);
+}
+
+RGBSums MakeRGBSums(Random& random) {
+  const auto sum = [&] { return random.Below(2) == 0 ? 0 : random.Word(); };
+  return {sum(), sum(), sum()};
+}
+
+// A saturation sum just below a power of two crosses it while the kernel adds.
+HSVSums MakeHSVSums(Random& random) {
+  constexpr double kEdges[] = {0.0, 0.0, 0.99999999, 3.99609375, 1023.999999999, 1048575.9999, 0.1, 7.333333333333};
+  const double saturation = random.Below(2) == 0 ? random.OneOf(kEdges) : random.Word() / 4294967296.0 * 3e6;
+  return {MakeRGBSums(random), saturation, random.Below(1 << 24) / 256.0};
+}
+
+// Sums that `units` units of pixels can give, with the quotients' edges among them.
+CoverageSums MakeCoverage(std::uint32_t units, Random& random) {
+  CoverageSums sums;
+  for (auto& channel : sums.channel) {
+    for (std::uint32_t& sum : channel) {
+      sum = random.Below(257) * units;
+      if (sum > 0 && random.Below(2) == 0) --sum;
+      sum = std::min(sum, random.Below(2) == 0 ? 255 * units : random.Below(255 * units + 1));
+    }
+  }
+  return sums;
+}
+
+}  // namespace
+
+std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
+  switch (operand) {
+    case Operand::ContextPixels:
+    case Operand::BufferPixels:
+    case Operand::Pixels:
+    case Operand::Fractions:
+      return 4 * arguments.n;
+    case Operand::OnePixel:
+      return 4;
+    case Operand::Groups:
+      return 4 * kLanes * arguments.n;
+    case Operand::LaneRuns:
+      return arguments.n == 0 ? 0 : 4 * ((kLanes - 1) * arguments.stride + arguments.n);
+    case Operand::RGBTotals:
+      return sizeof(RGBSums);
+    case Operand::HSVTotals:
+      return sizeof(HSVSums);
+    case Operand::Coverage:
+      return sizeof(CoverageSums);
+  }
+  return 0;
+}
+
+std::size_t AlignmentOf(Operand operand) {
+  switch (operand) {
+    case Operand::ContextPixels:
+    case Operand::BufferPixels:
+    case Operand::OnePixel:
+      return 1;
+    case Operand::HSVTotals:
+      return alignof(HSVSums);
+    default:
+      return alignof(std::uint32_t);
+  }
+}
+
+KernelArguments MakeArguments(std::size_t n, Random& random) {
+  constexpr std::int32_t kShifts[] = {0, 1, -1, 1024, -1024, 3071, 6143, -6144, INT32_MIN};
+  constexpr std::int32_t kFactors[] = {0, 1, 1, 2, 3, 255, 999};
+  constexpr std::int32_t kDeltas[] = {0, 1, -1, 127, -128, 255, -255};
+  constexpr std::uint32_t kUnits[] = {1, 2, 3, 255, 32766, 32767, 32768, 32768};
+  const auto factor = [&] { return 1024 * (random.Below(2) == 0 ? random.OneOf(kFactors) : random.Between(0, 999)); };
+  const auto delta = [&] { return random.Below(2) == 0 ? random.OneOf(kDeltas) : random.Between(-255, 255); };
+  KernelArguments arguments = {};
+  arguments.n = n;
+  arguments.stride = n + (random.Below(2) == 0 ? 0 : random.Below(20));
+  arguments.before = random.Word();
+  arguments.fraction = MakeFraction(random);
+  arguments.units = random.Below(2) == 0 ? random.OneOf(kUnits) : 1 + random.Below(32768);
+  const std::int32_t shift = random.Below(2) == 0 ? random.OneOf(kShifts) : random.Between(-6144, 6143);
+  const std::int32_t saturation = factor(), value = factor();
+  arguments.hsv = {shift, saturation, value};
+  const std::int32_t red = delta(), green = delta(), blue = delta();
+  arguments.rgb = {red, green, blue};
+  return arguments;
+}
+
+void MakeOperand(Operand operand, const KernelArguments& arguments, Random& random, void* bytes) {
+  switch (operand) {
+    case Operand::Fractions:
+      for (std::size_t i = 0; i < arguments.n; ++i) static_cast<std::uint32_t*>(bytes)[i] = MakeFraction(random);
+      return;
+    case Operand::RGBTotals:
+      *static_cast<RGBSums*>(bytes) = MakeRGBSums(random);
+      return;
+    case Operand::HSVTotals:
+      *static_cast<HSVSums*>(bytes) = MakeHSVSums(random);
+      return;
+    case Operand::Coverage:
+      *static_cast<CoverageSums*>(bytes) = MakeCoverage(arguments.units, random);
+      return;
+    default:
+      MakePixels(operand, SizeOf(operand, arguments) / 4, random, bytes);
+  }
+}

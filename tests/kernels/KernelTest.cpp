@@ -1,0 +1,265 @@
+// Every kernel of every level against the definition of one pixel: all small widths, all misalignments, in place where
+// the contract allows it, between guards.
+//
+// A failure names the case. LMX_KERNEL_CASE="<the text between quotes>" runs this one alone, in the test that failed.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+#include <tuple>
+
+#include "GuardedRun.h"
+#include "KernelCases.h"
+#include "Levels.h"
+
+namespace {
+
+// One case of one kernel. Everything else follows from these.
+struct Trial {
+  std::size_t n;
+  host::Flush flush;
+  std::size_t shift;    // of the output, in bytes, from the inaccessible page
+  std::size_t inPlace;  // 1 + index of the input that is the output, or 0
+  std::uint64_t seed;
+};
+
+std::string Text(const Trial& trial) {
+  char text[128];
+  std::snprintf(text, sizeof text, "n=%zu flush=%s shift=%zu inplace=%zu seed=%llu", trial.n,
+                trial.flush == host::Flush::End ? "end" : "start", trial.shift, trial.inPlace,
+                static_cast<unsigned long long>(trial.seed));
+  return text;
+}
+
+bool Parse(const char* text, Trial* trial) {
+  char flush[8] = {};
+  unsigned long long seed = 0;
+  if (std::sscanf(text, "n=%zu flush=%7s shift=%zu inplace=%zu seed=%llu", &trial->n, flush, &trial->shift,
+                  &trial->inPlace, &seed) != 5) {
+    return false;
+  }
+  trial->flush = std::strcmp(flush, "end") == 0 ? host::Flush::End : host::Flush::Start;
+  trial->seed = seed;
+  return true;
+}
+
+std::string Text(const KernelArguments& a) {
+  char text[256];
+  std::snprintf(text, sizeof text, "stride=%zu before=%08x fraction=%u units=%u hsv={%d, %d, %d} rgb={%d, %d, %d}",
+                a.stride, a.before, a.fraction, a.units, a.hsv.hueShift, a.hsv.saturationScale, a.hsv.valueScale,
+                a.rgb.red, a.rgb.green, a.rgb.blue);
+  return text;
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+std::string Hex(const Bytes& bytes, std::size_t at) {
+  std::string text;
+  for (std::size_t i = at; i < std::min(at + 4, bytes.size()); ++i) {
+    char digits[4];
+    std::snprintf(digits, sizeof digits, "%02x ", bytes[i]);
+    text += digits;
+  }
+  return text;
+}
+
+constexpr std::size_t kMostPixels = 1100;
+constexpr std::size_t kLargest = 4 * kLanes * (kMostPixels + 20);
+
+// Runs trials of one kernel at one level.
+class Rig {
+ public:
+  Rig(const KernelCase& kernel, const RunKernels& kernels)
+      : kernel_(kernel),
+        kernels_(kernels),
+        output_(kLargest),
+        inputs_{GuardedRun(kLargest), GuardedRun(kLargest), GuardedRun(kLargest)} {}
+
+  /// Empty if all is well.
+  std::string Run(const Trial& trial) {
+    // Whatever is not part of the operands differs between the two rounds, so that it cannot matter unseen.
+    for (const std::uint8_t pattern : {std::uint8_t{0x51}, std::uint8_t{0xA6}}) {
+      std::string trouble = RunOnce(trial, pattern);
+      if (!trouble.empty()) return trouble;
+    }
+    return {};
+  }
+
+ private:
+  std::string RunOnce(const Trial& trial, std::uint8_t pattern) {
+    Random random(trial.seed);
+    const KernelArguments arguments = MakeArguments(trial.n, random);
+    KernelCall call = {arguments, nullptr, {}};
+    const std::size_t inputs = kernel_.inputs.size();
+    Bytes contents[3];
+    for (std::size_t i = 0; i < inputs; ++i) {
+      contents[i] = Contents(kernel_.inputs[i].operand, arguments, random);
+      if (trial.inPlace == i + 1) continue;
+      call.inputs[i] = Place(&inputs_[i], kernel_.inputs[i].operand, contents[i], trial, random.Below(16), pattern);
+    }
+    Bytes before(SizeOf(kernel_.output, arguments), pattern);
+    if (kernel_.addsToOutput) before = Contents(kernel_.output, arguments, random);
+    if (trial.inPlace != 0) before = contents[trial.inPlace - 1];
+    call.output = Place(&output_, kernel_.output, before, trial, trial.shift, pattern);
+    if (trial.inPlace != 0) call.inputs[trial.inPlace - 1] = call.output;
+
+    const Bytes expected = Expected(arguments, contents, before);
+    const std::string fault = CallKernel(call);
+    if (!fault.empty()) return fault + "\n  " + Text(arguments);
+    std::string trouble = Compare(expected, output_.Bytes());
+    if (const std::string damage = output_.RingDamage(); !damage.empty()) trouble += "\n  wrote " + damage;
+    for (std::size_t i = 0; i < inputs; ++i) {
+      if (trial.inPlace != i + 1 && (inputs_[i].Bytes() != contents[i] || !inputs_[i].RingDamage().empty())) {
+        trouble += "\n  changed input " + std::to_string(i);
+      }
+    }
+    return trouble.empty() ? trouble : trouble + "\n  " + Text(arguments);
+  }
+
+  static Bytes Contents(Operand operand, const KernelArguments& arguments, Random& random) {
+    Bytes bytes(SizeOf(operand, arguments));
+    MakeOperand(operand, arguments, random, bytes.data());
+    return bytes;
+  }
+
+  static void* Place(GuardedRun* memory, Operand operand, const Bytes& contents, const Trial& trial, std::size_t shift,
+                     std::uint8_t pattern) {
+    void* run = memory->Place(contents.size(), trial.flush, shift - shift % AlignmentOf(operand), pattern);
+    if (!contents.empty()) std::memcpy(run, contents.data(), contents.size());
+    return run;
+  }
+
+  Bytes Expected(const KernelArguments& arguments, const Bytes (&contents)[3], Bytes output) const {
+    kernel_.define({arguments, output.data(), {contents[0].data(), contents[1].data(), contents[2].data()}});
+    return output;
+  }
+
+  std::string CallKernel(const KernelCall& call) {
+    struct Context {
+      const Rig* rig;
+      const KernelCall* call;
+    } context = {this, &call};
+    const void* fault = FaultIn(
+        [](void* c) {
+          const auto* k = static_cast<Context*>(c);
+          k->rig->kernel_.call(k->rig->kernels_, *k->call);
+        },
+        &context);
+    if (!fault) return {};
+    std::string text = "\n  memory fault";
+    const std::string atOutput = output_.Locate(fault);
+    if (!atOutput.empty()) text += ", of the output " + atOutput;
+    for (std::size_t i = 0; i < kernel_.inputs.size(); ++i) {
+      const std::string atInput = call.inputs[i] == call.output ? "" : inputs_[i].Locate(fault);
+      if (!atInput.empty()) text += ", of input " + std::to_string(i) + " " + atInput;
+    }
+    return text;
+  }
+
+  static std::string Compare(const Bytes& expected, const Bytes& actual) {
+    if (expected == actual) return {};
+    const auto differs = std::mismatch(expected.begin(), expected.end(), actual.begin()).first;
+    const std::size_t at = static_cast<std::size_t>(differs - expected.begin()) / 4 * 4;
+    return "\n  bytes " + std::to_string(at) + "...: expected " + Hex(expected, at) + " got " + Hex(actual, at);
+  }
+
+  const KernelCase& kernel_;
+  const RunKernels& kernels_;
+  GuardedRun output_;
+  GuardedRun inputs_[3];
+};
+
+// Every width and shift, in place or not, each case with a seed of its own.
+std::vector<Trial> Trials(const KernelCase& kernel) {
+  std::vector<std::size_t> widths;
+  for (std::size_t n = 0; n <= std::min<std::size_t>(70, kernel.mostPixels); ++n) widths.push_back(n);
+  const std::size_t few = widths.size();
+  for (const std::size_t n :
+       std::vector<std::size_t>{95, 96, 97, 127, 128, 129, 255, 256, 257, 511, 512, 513, 1023, 1100}) {
+    if (n <= kernel.mostPixels) widths.push_back(n);
+  }
+  std::vector<std::size_t> inPlace = {0};
+  for (std::size_t i = 0; i < kernel.inputs.size(); ++i) {
+    if (kernel.inputs[i].mayBeOutput) inPlace.push_back(i + 1);
+  }
+  const std::size_t step = AlignmentOf(kernel.output);
+  std::vector<Trial> trials;
+  std::uint64_t seed = 0;
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    for (const std::size_t place : inPlace) {
+      // Flush with the page behind, a width passes through all multiples of 4 by itself.
+      for (std::size_t shift = 0; shift < (i < few ? 8 : 4); shift += step) {
+        trials.push_back({widths[i], host::Flush::End, shift, place, ++seed});
+      }
+      for (std::size_t shift = 0; shift < (i < few ? 64 : 8); shift += step) {
+        trials.push_back({widths[i], host::Flush::Start, shift, place, ++seed});
+      }
+    }
+  }
+  return trials;
+}
+
+class Kernel : public testing::TestWithParam<std::tuple<std::string, std::size_t>> {};
+
+TEST_P(Kernel, EqualsItsDefinition) {
+  const auto& [level, index] = GetParam();
+  if (!RunsHere(level)) GTEST_SKIP() << "this processor has no " << level;
+  const KernelCase& kernel = KernelCases()[index];
+  const RunKernels kernels = KernelsOf(level);
+  std::vector<Trial> trials = Trials(kernel);
+  if (const char* only = std::getenv("LMX_KERNEL_CASE")) {
+    Trial trial;
+    ASSERT_TRUE(Parse(only, &trial)) << only;
+    trials = {trial};
+  }
+  Rig rig(kernel, kernels);
+  for (const Trial& trial : trials) {
+    const std::string trouble = rig.Run(trial);
+    ASSERT_EQ(trouble, "") << kernel.name << " of " << level << ", LMX_KERNEL_CASE=\"" << Text(trial) << "\"";
+  }
+}
+
+std::string Name(const testing::TestParamInfo<Kernel::ParamType>& info) {
+  const auto& [level, index] = info.param;
+  return level + "_" + KernelCases()[index].name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, Kernel,
+                         testing::Combine(testing::ValuesIn(LevelNames()),
+                                          testing::Range<std::size_t>(0, KernelCases().size())),
+                         Name);
+
+TEST(KernelTable, HasOneCaseForEverySlot) {
+  std::set<std::size_t> slots, every;
+  for (const KernelCase& kernel : KernelCases()) slots.insert(kernel.slot);
+  for (std::size_t slot = 0; slot < sizeof(RunKernels); slot += sizeof(void*)) every.insert(slot);
+  EXPECT_EQ(slots, every);
+  EXPECT_EQ(KernelCases().size(), every.size());
+}
+
+TEST(KernelTable, HasNoEmptySlotAtAnyLevel) {
+  for (const std::string& level : LevelNames()) {
+    const RunKernels kernels = KernelsOf(level);
+    for (const KernelCase& kernel : KernelCases()) {
+      void* entry = nullptr;
+      std::memcpy(&entry, reinterpret_cast<const char*>(&kernels) + kernel.slot, sizeof entry);
+      EXPECT_NE(entry, nullptr) << kernel.name << " of " << level;
+    }
+  }
+}
+
+// What the plug-in will use is one of the levels, whole.
+TEST(KernelTable, SelectedTableIsTheHighestLevelThatRunsHere) {
+  std::string highest;
+  for (const std::string& level : LevelNames()) {
+    if (RunsHere(level)) highest = level;
+  }
+  const RunKernels kernels = KernelsOf(highest);
+  SelectRunKernels();
+  EXPECT_EQ(std::memcmp(&gRunKernels, &kernels, sizeof kernels), 0) << highest;
+}
+
+}  // namespace

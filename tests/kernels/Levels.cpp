@@ -1,0 +1,37 @@
+#include "Levels.h"
+
+#include <algorithm>
+
+const std::vector<Level>& Levels() {
+  static const std::vector<Level> levels = {
+      {"plain", FillPlain, [] { return true; }},
+  };
+  return levels;
+}
+
+std::vector<std::string> LevelNames() {
+  std::vector<std::string> names;
+  for (const Level& level : Levels()) names.emplace_back(level.name);
+  return names;
+}
+
+bool RunsHere(const std::string& level) {
+  return std::any_of(Levels().begin(), Levels().end(), [&](const Level& l) { return level == l.name && l.runsHere(); });
+}
+
+RunKernels KernelsOf(const std::string& level) {
+  RunKernels kernels = {};
+  for (const Level& l : Levels()) {
+    l.fill(&kernels);
+    if (level == l.name) break;
+  }
+  return kernels;
+}
+
+std::vector<NamedKernels> LevelsHere() {
+  std::vector<NamedKernels> levels;
+  for (const std::string& level : LevelNames()) {
+    if (RunsHere(level)) levels.push_back({level, KernelsOf(level)});
+  }
+  return levels;
+}

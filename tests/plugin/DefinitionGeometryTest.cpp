@@ -1,0 +1,147 @@
+// The geometric methods against their plain definition, on random pictures with random arguments.
+
+#include "DefinitionTest.h"
+
+namespace {
+
+using definition::MakePicture;
+using definition::Rectangle;
+using definition::StoredPicture;
+using host::Colour;
+using support::AnyDouble;
+using support::AnyInteger;
+using support::ForEachCase;
+using support::Fraction;
+using support::MethodCall;
+using support::OneIn;
+using support::RandomColour;
+using support::RandomNear;
+using support::RandomYield;
+using support::Setting;
+
+class DefinitionGeometry : public support::PluginTest {};
+
+int Width(const Setting& setting) {
+  return setting.source ? setting.source->width : 0;
+}
+
+int Height(const Setting& setting) {
+  return setting.source ? setting.source->height : 0;
+}
+
+TEST_F(DefinitionGeometry, FlipRotate) {
+  ForEachCase(700, [this](Random& random) {
+    const Setting setting = support::RandomSetting(random);
+    const bool flipH = OneIn(random, 2);
+    const bool flipV = OneIn(random, 2);
+    const int rotation = OneIn(random, 10) ? AnyInteger(random) : random.Between(-95, 365);
+    const int yield = RandomYield(random, OneIn(random, 2) ? Width(setting) : Height(setting));
+    CheckCall({"FlipRotate",
+               true,
+               {flipH, flipV, rotation, yield},
+               [=](const StoredPicture* source, const MakePicture& make) {
+                 return definition::FlipRotate(source, flipH, flipV, rotation, yield, make);
+               }},
+              setting);
+  });
+}
+
+double RandomShear(Random& random) {
+  if (OneIn(random, 8)) return AnyDouble(random);
+  if (OneIn(random, 10)) return OneIn(random, 2) ? 1.0 : -1.0;
+  if (OneIn(random, 4)) return random.Between(-4, 4) / 4.0;
+  return 2 * Fraction(random) - 1;
+}
+
+template <class Define>
+MethodCall RandomShearCall(Random& random, const Setting& setting, const char* name, Define define) {
+  const int width = OneIn(random, 2) ? random.Between(0, 2 * (Width(setting) + Height(setting)) + 3)
+                                     : RandomNear(random, Width(setting));
+  const int height = OneIn(random, 2) ? random.Between(0, 2 * (Width(setting) + Height(setting)) + 3)
+                                      : RandomNear(random, Height(setting));
+  const double shear = RandomShear(random);
+  const std::uint32_t frame = RandomColour(random);
+  const int yield = RandomYield(random, OneIn(random, 2) ? width % 5000 : height % 5000);
+  return {name,
+          true,
+          {width, height, shear, Colour{frame}, yield},
+          [=](const StoredPicture* source, const MakePicture& make) {
+            return define(source, width, height, shear, frame, yield, make);
+          }};
+}
+
+TEST_F(DefinitionGeometry, ShearHorizontal) {
+  ForEachCase(700, [this](Random& random) {
+    const Setting setting = support::RandomSetting(random);
+    CheckCall(RandomShearCall(random, setting, "ShearHorizontal", definition::ShearHorizontal), setting);
+  });
+}
+
+TEST_F(DefinitionGeometry, ShearVertical) {
+  ForEachCase(700, [this](Random& random) {
+    const Setting setting = support::RandomSetting(random);
+    CheckCall(RandomShearCall(random, setting, "ShearVertical", definition::ShearVertical), setting);
+  });
+}
+
+double RandomAngle(Random& random) {
+  if (OneIn(random, 10)) return AnyDouble(random);
+  if (OneIn(random, 4)) return random.Between(0, 8) * 45.0;
+  if (OneIn(random, 8)) return random.Between(0, 4) * 90.0 + (Fraction(random) - 0.5) * 1e-6;
+  return 360 * Fraction(random);
+}
+
+TEST_F(DefinitionGeometry, FreeRotateByShear) {
+  ForEachCase(500, [this](Random& random) {
+    const Setting setting = support::RandomSetting(random);
+    const double rotation = RandomAngle(random);
+    const std::uint32_t frame = RandomColour(random);
+    const int yield = RandomYield(random, Width(setting) + random.Between(0, Height(setting)));
+    CheckCall({"FreeRotateByShear",
+               true,
+               {rotation, Colour{frame}, yield},
+               [=](const StoredPicture* source, const MakePicture& make) {
+                 return definition::FreeRotateByShear(source, rotation, frame, yield, make);
+               }},
+              setting);
+  });
+}
+
+TEST_F(DefinitionGeometry, Stretch) {
+  ForEachCase(600, [this](Random& random) {
+    const Setting setting = support::RandomSetting(random);
+    const auto length = [&](int size) {
+      if (OneIn(random, 12)) return AnyInteger(random);
+      if (OneIn(random, 6)) return size;
+      return OneIn(random, 3) ? random.Between(1, 200) : random.Between(1, 2 * size + 2);
+    };
+    const int width = length(Width(setting));
+    const int height = length(Height(setting));
+    const int yield = RandomYield(random, OneIn(random, 2) ? width % 5000 : height % 5000);
+    CheckCall({"Stretch",
+               true,
+               {width, height, yield},
+               [=](const StoredPicture* source, const MakePicture& make) {
+                 return definition::Stretch(source, width, height, yield, make);
+               }},
+              setting);
+  });
+}
+
+TEST_F(DefinitionGeometry, Trim) {
+  ForEachCase(700, [this](Random& random) {
+    const Setting setting = support::RandomSetting(random);
+    const Rectangle area = support::RandomRectangle(random, setting);
+    const std::uint32_t frame = RandomColour(random);
+    const int yield = RandomYield(random, 1);
+    CheckCall({"Trim",
+               true,
+               {area.left, area.top, area.width, area.height, Colour{frame}, yield},
+               [=](const StoredPicture* source, const MakePicture& make) {
+                 return definition::Trim(source, area, frame, yield, make);
+               }},
+              setting);
+  });
+}
+
+}  // namespace

@@ -1,0 +1,190 @@
+// LMX_FreeRotateByShear: exact quarters, the size of the result, the sense of the turn, and sizes that it refuses.
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include "GeometryFixture.h"
+
+namespace geometry {
+namespace {
+
+class GeometryFreeRotate : public Geometry {
+ protected:
+  Called Rotate(const Value& source, double degrees, Colour frame = kClearFrame, int yield = 0) {
+    return Run("FreeRotateByShear", {source, degrees, frame, yield});
+  }
+  void ExpectSize(double degrees, int width, int height) {
+    SCOPED_TRACE(degrees);
+    const Called called = Rotate(Numbered(10, 4), degrees);
+    ASSERT_FALSE(called.result.IsNil());
+    EXPECT_EQ(std::pair(called.result.Width(), called.result.Height()), std::pair(width, height));
+  }
+};
+
+INSTANTIATE_FOR_FORMS(GeometryFreeRotate);
+
+TEST_P(GeometryFreeRotate, QuartersAreExact) {
+  const Picture source = Numbered(3, 2);
+  ExpectPixels(Rotate(source, 0.0), 3, 2, Numbers({1, 2, 3, 4, 5, 6}));
+  ExpectPixels(Rotate(source, -0.0), 3, 2, Numbers({1, 2, 3, 4, 5, 6}));
+  ExpectPixels(Rotate(source, 90.0), 2, 3, Numbers({4, 1, 5, 2, 6, 3}));
+  ExpectPixels(Rotate(source, 180.0), 3, 2, Numbers({6, 5, 4, 3, 2, 1}));
+  ExpectPixels(Rotate(source, 270.0), 2, 3, Numbers({3, 6, 2, 5, 1, 4}));
+}
+
+TEST_P(GeometryFreeRotate, EveryPassRunsAtZeroToo) {
+  // The turn and three shears, the last of which is stored in the result.
+  const Called called =
+      Rotate(GetParam().source == kContext ? StoredSource(1, 1, {0x80640000}) : StoredSource(1, 1, {0x3FC70000}), 0.0);
+  // A context keeps red 99, 98, 97, 96 of alpha 128, or 100, 99, 98, 97 of alpha 129; a buffer loses nothing more.
+  const std::uint32_t context = GetParam().source == kContext ? 0x80600000 : 0x81610000;
+  ExpectStored(called, 1, 1, {ByForm(context, 0x3FC70000)});
+  EXPECT_EQ(host_.Calls(host::Service::NewInstance), 4);
+}
+
+TEST_P(GeometryFreeRotate, TheResultIsTheBoxRoundTheTurnedRectangle) {
+  ExpectSize(30, 11, 9);       // 10.66 x 8.46
+  ExpectSize(60, 9, 11);       // 8.46 x 10.66
+  ExpectSize(120, 9, 11);      // as 60
+  ExpectSize(150, 11, 9);      // as 30
+  ExpectSize(210, 11, 9);      // as 30
+  ExpectSize(300, 9, 11);      // as 60
+  ExpectSize(330, 11, 9);      // as 30
+  ExpectSize(44.999, 10, 10);  // 9.90 x 9.90
+  ExpectSize(45, 10, 10);
+  ExpectSize(359.9, 11, 5);  // 10.007 x 4.017
+  ExpectSize(0.1, 11, 5);
+  ExpectSize(89.9, 5, 11);
+  ExpectSize(90.1, 5, 11);
+}
+
+TEST_P(GeometryFreeRotate, ThePiOfTheSizeIsALittleShort) {
+  // 10.000000007 x 4.000000017; the width is measured round a full turn of 6.28318, which takes more than that away.
+  ExpectSize(1e-7, 10, 5);
+}
+
+TEST_P(GeometryFreeRotate, PositiveAnglesTurnClockwise) {
+  Words halves;
+  for (int i = 0; i < 31 * 31; ++i) halves.push_back(i % 31 < 15 ? 0xFFFF0000 : 0xFF0000FF);
+  const Picture source = Source(31, 31, halves);
+  // Where the red half, left of the centre, has come to.
+  const struct {
+    double degrees;
+    int dx, dy;
+  } kTurns[] = {{10, -10, -2}, {44.999, -7, -7}, {45, -7, -7}, {60, -5, -9}, {90, 0, -10},   {135, 7, -7},
+                {180, 10, 0},  {225, 7, 7},      {270, 0, 10}, {315, -7, 7}, {314.9, -7, 7}, {359, -10, 0}};
+  for (const auto& turn : kTurns) {
+    SCOPED_TRACE(turn.degrees);
+    const Called called = Rotate(source, turn.degrees);
+    ASSERT_FALSE(called.result.IsNil());
+    const int x = called.result.Width() / 2;
+    const int y = called.result.Height() / 2;
+    EXPECT_EQ(called.result.Stored(x + turn.dx, y + turn.dy), Stored(GetParam().result, 0xFFFF0000));
+    EXPECT_EQ(called.result.Stored(x - turn.dx, y - turn.dy), Stored(GetParam().result, 0xFF0000FF));
+  }
+}
+
+TEST_P(GeometryFreeRotate, TheAreaStaysTheSame) {
+  const Picture source = Source(20, 30, Words(600, 0xFFFFFFFF));
+  for (double degrees : {17.0, 30.0, 45.0, 80.0, 200.0, 333.3}) {
+    const Called called = Rotate(source, degrees);
+    ASSERT_FALSE(called.result.IsNil());
+    double area = 0;
+    for (std::uint32_t pixel : called.result.Straight()) area += (pixel >> 24) / 255.0;
+    EXPECT_NEAR(area, 600, 12) << degrees;
+  }
+}
+
+TEST_P(GeometryFreeRotate, TheFrameColourHasNoEffect) {
+  const Picture source = Source(9, 9, Words(81, 0xFFFFFFFF));
+  const Called clear = Rotate(source, 30, kClearFrame);
+  ASSERT_FALSE(clear.result.IsNil());
+  const int right = clear.result.Width() - 1;
+  const int bottom = clear.result.Height() - 1;
+  for (const auto& [x, y] : {std::pair(0, 0), std::pair(right, 0), std::pair(0, bottom), std::pair(right, bottom)}) {
+    EXPECT_EQ(clear.result.Stored(x, y), Stored(GetParam().result, 0));
+  }
+  for (std::uint32_t frame : {0x00000000u, 0x00FF0000u, 0x80123456u, 0xFFFFFFFFu, 0x7F00FF00u}) {
+    const Called called = Rotate(source, 30, Colour{frame});
+    ASSERT_FALSE(called.result.IsNil());
+    EXPECT_TRUE(called.result.SamePixels(clear.result)) << std::hex << frame;
+  }
+}
+
+TEST_P(GeometryFreeRotate, EdgesFadeIntoClearBlack) {
+  // Every colour of a white picture's edge is its alpha, or a little less by rounding; none is brighter.
+  const Called called = Rotate(Source(9, 9, Words(81, 0xFFFFFFFF)), 20);
+  ASSERT_FALSE(called.result.IsNil());
+  int between = 0;
+  for (std::uint32_t word : called.result.StoredPixels()) {
+    const std::uint32_t alpha = GetParam().result == kContext ? word >> 24 : 2 * (127 - (word >> 24)) + 1;
+    const std::uint32_t red = word >> 16 & 0xFF;
+    EXPECT_LE(red, alpha);
+    if (red != 0 && red < 250) ++between;
+  }
+  EXPECT_GT(between, 20);
+}
+
+TEST_P(GeometryFreeRotate, NotANumberCountsAsZero) {
+  ExpectPixels(Rotate(Numbered(3, 2), std::numeric_limits<double>::quiet_NaN()), 3, 2, Numbers({1, 2, 3, 4, 5, 6}));
+}
+
+TEST_P(GeometryFreeRotate, AnglesOutOfRangeAreRefused) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (double degrees : {-0.0001, 360.0, -std::numeric_limits<double>::denorm_min(), 360.0001, 1e300, -1e300, infinity,
+                         -infinity, -360.0, 720.0}) {
+    ExpectRefused("FreeRotateByShear", {Numbered(2, 2), degrees, kClearFrame, 1}, 31);
+    ExpectRefused("FreeRotateByShear", {nullptr, degrees, kClearFrame, 1}, 31);
+    ExpectRefused("FreeRotateByShear", {Unusable(), degrees, kClearFrame, 1}, 31);
+  }
+  ExpectRefused("FreeRotateByShear", {nullptr, 0.0, kClearFrame, 1}, 2);
+  EXPECT_EQ(Rotate(Numbered(2, 2), std::nextafter(360.0, 0.0)).code, 0);
+}
+
+TEST_P(GeometryFreeRotate, UnusablePicturesAreSilentlyNil) {
+  ExpectFailure(Rotate(Unusable(), 30), 0);
+  EXPECT_EQ(host_.Calls(host::Service::NewInstance), 0);
+  for (int from = 1; from <= 4; ++from) {
+    SCOPED_TRACE(from);
+    MakeUnusable(from);
+    ExpectFailure(Run("FreeRotateByShear", {Numbered(5, 5), 30.0, kClearFrame, 0}, 1), 0);
+    EXPECT_EQ(host_.Calls(host::Service::NewInstance), from);
+  }
+}
+
+TEST_P(GeometryFreeRotate, AResultWithoutPixelsIsReturnedUnpainted) {
+  for (bool noData : {false, true}) {
+    host_.newPictures.storage = kContext;
+    host_.newPictures.change = [noData](int number, host::PictureShape& shape) {
+      if (number == 4) (noData ? shape.defects.nilData : shape.defects.nilPixels) = true;
+    };
+    const Called called = Rotate(Numbered(5, 5), 30);
+    EXPECT_EQ(called.code, 0);
+    EXPECT_FALSE(called.result.IsNil());
+  }
+}
+
+TEST_P(GeometryFreeRotate, EmptySourcesAreSilentlyNil) {
+  for (const auto& [width, height] : {std::pair(0, 3), std::pair(3, 0), std::pair(0, 0)}) {
+    for (double degrees : {0.0, 30.0, 90.0}) {
+      ExpectFailure(Rotate(Picture({width, height, GetParam().source}), degrees, kClearFrame, 1), 0);
+      EXPECT_EQ(host_.Calls(host::Service::NewInstance), 0);
+    }
+  }
+}
+
+TEST_P(GeometryFreeRotate, LinesThatTheSizesCannotHoldAreRefused) {
+  ExpectPixels(Rotate(Source(1, 32767, Words(32767, 0xFF010203)), 0.0), 1, 32767, Words(32767, 0xFF010203));
+  ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 90.0), 1, 32767, Words(32767, 0xFF010203));
+  ExpectFailure(Rotate(Picture({1, 32768, GetParam().source}), 0.0), 0);
+  ExpectFailure(Rotate(Picture({32768, 1, GetParam().source}), 0.0), 0);
+  ExpectFailure(Rotate(Picture({32768, 1, GetParam().source}), 90.0), 0);
+  ExpectFailure(Rotate(Picture({1, 32767, GetParam().source}), 10.0), 0);
+  ExpectFailure(Rotate(Picture({32767, 1, GetParam().source}), 350.0), 0);
+  ExpectFailure(Rotate(Picture({1, 70000, GetParam().source}), 45.0), 0);
+}
+
+}  // namespace
+}  // namespace geometry

@@ -1,0 +1,242 @@
+// LMX_ShearHorizontal and LMX_ShearVertical: placement, edges and frames worked out by hand.
+//
+// Every picture here is written as the horizontal shear sees it; the vertical one gets it with rows and columns
+// exchanged, and must give the exchanged result.
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+#include "GeometryFixture.h"
+
+namespace geometry {
+namespace {
+
+class GeometryShear : public Geometry {
+ protected:
+  // A shear of a source of stored words into a result of stored words, in both directions.
+  void Check(int width, int height, const Words& source, double shear, Colour frame, int resultWidth, int resultHeight,
+             const Words& expected) {
+    {
+      SCOPED_TRACE("horizontal");
+      ExpectStored(
+          Run("ShearHorizontal", {StoredSource(width, height, source), resultWidth, resultHeight, shear, frame, 0}),
+          resultWidth, resultHeight, expected);
+    }
+    SCOPED_TRACE("vertical");
+    ExpectStored(Run("ShearVertical", {StoredSource(height, width, Exchanged(width, height, source)), resultHeight,
+                                       resultWidth, shear, frame, 0}),
+                 resultHeight, resultWidth, Exchanged(resultWidth, resultHeight, expected));
+  }
+
+  // The same with a numbered source and clear frame.
+  void CheckNumbers(int width, int height, double shear, int resultWidth, int resultHeight,
+                    const std::vector<int>& expected) {
+    Check(width, height, Numbered(width, height).StoredPixels(), shear, kClearFrame, resultWidth, resultHeight,
+          Stored(GetParam().result, Numbers(expected)));
+  }
+
+  // The alphas of one sheared column of opaque white pixels in a result one pixel wide; each row is one value.
+  void CheckAlphas(int height, double shear, const std::vector<std::uint32_t>& alphas) {
+    Words expected;
+    for (std::uint32_t alpha : alphas) expected.push_back(White(alpha));
+    Check(1, height, Words(static_cast<std::size_t>(height), Stored(GetParam().source, 0xFFFFFFFF)), shear, kClearFrame,
+          1, height, expected);
+  }
+
+  // A pixel blended with the clear black frame: all channels have the same value.
+  static std::uint32_t White(std::uint32_t a) {
+    return ByForm(a << 24 | a * a / 255 * 0x010101, (127 - (a >> 1)) << 24 | a * 0x010101);
+  }
+
+  static Words Exchanged(int width, int height, const Words& words) {
+    Words exchanged;
+    for (int x = 0; x < width; ++x) {
+      for (int y = 0; y < height; ++y) exchanged.push_back(words.at(static_cast<std::size_t>(y * width + x)));
+    }
+    return exchanged;
+  }
+};
+
+INSTANTIATE_FOR_FORMS(GeometryShear);
+
+TEST_P(GeometryShear, ZeroCopiesUnchanged) {
+  CheckNumbers(3, 2, 0.0, 3, 2, {1, 2, 3, 4, 5, 6});
+  CheckNumbers(3, 2, -0.0, 3, 2, {1, 2, 3, 4, 5, 6});
+}
+
+TEST_P(GeometryShear, ZeroCentresWithTheOddFrameLineAtTheEnd) {
+  CheckNumbers(2, 1, 0.0, 5, 4, {0, 0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+}
+
+TEST_P(GeometryShear, ZeroCropsWithTheOddLineAtTheEnd) {
+  CheckNumbers(5, 5, 0.0, 2, 2, {7, 8, 12, 13});
+  CheckNumbers(4, 4, 0.0, 2, 2, {6, 7, 10, 11});
+  CheckNumbers(2, 5, 0.0, 4, 2, {0, 3, 4, 0, 0, 5, 6, 0});
+}
+
+TEST_P(GeometryShear, PositiveMovesTheFirstLineFurthestAndEveryLineAtLeastOnce) {
+  CheckNumbers(2, 2, 1.0, 4, 2, {0, 0, 1, 2, 0, 3, 4, 0});
+  CheckNumbers(1, 3, 1.0, 4, 3, {0, 0, 0, 1, 0, 0, 2, 0, 0, 3, 0, 0});
+}
+
+TEST_P(GeometryShear, NegativeLeavesTheFirstLine) {
+  CheckNumbers(2, 2, -1.0, 4, 2, {1, 2, 0, 0, 0, 3, 4, 0});
+  CheckNumbers(1, 3, -1.0, 4, 3, {1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 3, 0});
+}
+
+TEST_P(GeometryShear, CroppedLinesStillCountForTheOffset) {
+  // The natural width is 3 + 4; rows 1 and 2 of 4 are kept, displaced by 3 and 2; 2 of 7 columns are cut on each side.
+  CheckNumbers(3, 4, 1.0, 3, 2, {0, 4, 5, 7, 8, 9});
+}
+
+TEST_P(GeometryShear, LargeResultsHaveFrameAllAround) {
+  // 2 x 2 at -1 is 4 wide: one column before, two behind; one row above, two below.
+  CheckNumbers(2, 2, -1.0, 7, 5, {0, 0, 0, 0, 0, 0, 0,  //
+                                  0, 1, 2, 0, 0, 0, 0,  //
+                                  0, 0, 3, 4, 0, 0, 0,  //
+                                  0, 0, 0, 0, 0, 0, 0,  //
+                                  0, 0, 0, 0, 0, 0, 0});
+}
+
+// A row of red and green, half a pixel to the right, with one column before it and one behind.
+constexpr std::uint32_t kRed = 0xFFFF0000;
+constexpr std::uint32_t kGreen = 0xFF00FF00;
+
+TEST_P(GeometryShear, AnOpaqueFrameDoesNotTintTheEdges) {
+  const Words source = Stored(GetParam().source, {kRed, kGreen});
+  // The first pixel stays red; the last one is green with 254 of 255 in all its channels.
+  Check(2, 1, source, 0.5, Colour{0x000000FF}, 4, 1,
+        {ByForm(0xFF0000FF, 0x000000FF), ByForm(0xFFFF0000, 0x00FF0000), ByForm(0xFF7F7F00, 0x007F7F00),
+         ByForm(0xFE00FD00, 0x0000FE00)});
+}
+
+TEST_P(GeometryShear, AClearFrameFadesTheEdges) {
+  const Words source = Stored(GetParam().source, {kRed, kGreen});
+  Check(2, 1, source, 0.5, kClearFrame, 4, 1,
+        {ByForm(0x00000000, 0x7F000000), ByForm(0x7F3F0000, 0x407F0000), ByForm(0xFF7F7F00, 0x007F7F00),
+         ByForm(0x7F003F00, 0x40007F00)});
+}
+
+TEST_P(GeometryShear, ATranslucentFrameBlendsIntoTheEdges) {
+  const Words source = Stored(GetParam().source, {kRed, kGreen});
+  Check(2, 1, source, 0.5, Colour{0x800000FF}, 4, 1,
+        {ByForm(0x7F00007F, 0x400000FF), ByForm(0xBE5E005E, 0x207F007F), ByForm(0xFF7F7F00, 0x007F7F00),
+         ByForm(0xBE005E5E, 0x20007F7F)});
+}
+
+TEST_P(GeometryShear, AnOpaqueFrameMakesClearEdgesOfItsOwnAlphaOnly) {
+  // The source is a clear pixel: the frame's alpha enters, its colour does not.
+  Check(1, 1, {Stored(GetParam().source, 0)}, 0.5, Colour{0x00FFFFFF}, 3, 1,
+        {ByForm(0xFFFFFFFF, 0x00FFFFFF), ByForm(0x7F000000, 0x40000000), ByForm(0x7F000000, 0x40000000)});
+}
+
+TEST_P(GeometryShear, ALineThatStartsBeforeTheResultBlendsWithWhatIsCutOff) {
+  const Words source = Stored(GetParam().source, {0xFF000000, 0xFF640000, 0xFFC80000, 0xFFFF0000});
+  // Half a pixel to the left of column 0: 49 is half of 0 and 100, 149 half of 100 and 200.
+  Check(4, 1, source, 0.5, kClearFrame, 2, 1, Stored(GetParam().result, {0xFF310000, 0xFF950000}));
+}
+
+TEST_P(GeometryShear, LinesOutsideTheResultAreAllFrame) {
+  CheckNumbers(1, 3, 1.0, 1, 3, {0, 0, 3});
+  CheckNumbers(1, 3, -1.0, 1, 3, {0, 2, 0});
+  CheckNumbers(1, 5, -1.0, 1, 5, {0, 0, 3, 0, 0});
+  CheckNumbers(2, 6, 1.0, 1, 6, {0, 0, 0, 7, 10, 0});
+}
+
+TEST_P(GeometryShear, AnEdgeThatReachesTheResultIsBlendedAndOneFurtherAwayIsNot) {
+  // Positions -1, -0.25, 0.5, 1.25, 2.
+  CheckAlphas(5, -0.75, {0, 191, 127, 0, 0});
+  // Positions -3, -2.25, -1.5, -0.75, 0, 0.75, 1.5, 2.25, 3.
+  CheckAlphas(9, -0.75, {0, 0, 0, 63, 255, 63, 0, 0, 0});
+}
+
+TEST_P(GeometryShear, TheStepIsRoundedDown) {
+  // A third of 65536 is 21845 and a bit; minus a third, rounded down, is -21846.
+  const Words white = {Stored(GetParam().source, 0xFFFFFFFF)};
+  // 255 * 43690 / 65535 is 170; behind it 255 * 21845 >> 16 is 84.
+  Check(1, 1, white, 1.0 / 3, kClearFrame, 2, 1, {White(170), White(84)});
+  // In the second row: 255 * 43689 / 65535 is 169, and 255 * 21846 >> 16 is 85.
+  Check(1, 2, {white[0], white[0]}, -1.0 / 3, kClearFrame, 2, 2, {White(255), White(0), White(169), White(85)});
+}
+
+TEST_P(GeometryShear, LongSumsDoNotOverflow) {
+  constexpr int kLines = 40000;
+  // Line r lies at 20001 - r.
+  std::vector<int> expected(3 * kLines, 0);
+  for (int r = 19999; r <= 20001; ++r) expected[static_cast<std::size_t>(3 * r + 20001 - r)] = r + 1;
+  CheckNumbers(1, kLines, 1.0, 3, kLines, expected);
+}
+
+TEST_P(GeometryShear, NotANumberCountsAsZero) {
+  for (double nan : {std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()}) {
+    CheckNumbers(2, 2, nan, 3, 2, {1, 2, 0, 3, 4, 0});
+  }
+}
+
+TEST_P(GeometryShear, TheTinyShearsOfBothSignsDiffer) {
+  // Anything above 0 but below a step is 0; anything below 0 is a step of -1.
+  CheckNumbers(2, 2, std::numeric_limits<double>::denorm_min(), 2, 2, {1, 2, 3, 4});
+  const Called called = Run("ShearHorizontal", {Source(2, 2, Words(4, 0xFFFFFFFF)), 2, 2,
+                                                -std::numeric_limits<double>::denorm_min(), kClearFrame, 0});
+  ExpectStored(called, 2, 2, {White(255), White(255), White(254), White(255)});
+}
+
+class GeometryShearErrors : public GeometryShear {};
+
+INSTANTIATE_FOR_FORMS(GeometryShearErrors);
+
+constexpr const char* kBoth[] = {"ShearHorizontal", "ShearVertical"};
+
+TEST_P(GeometryShearErrors, OneIsTheGreatestShear) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const Picture source = Numbered(2, 2);
+  for (const char* name : kBoth) {
+    for (double shear : {1.0000001, -1.0000001, std::nextafter(1.0, 2.0), std::nextafter(-1.0, -2.0), 1e300, -1e300,
+                         infinity, -infinity}) {
+      ExpectRefused(name, {source, 2, 2, shear, kClearFrame, 0}, 33);
+      ExpectRefused(name, {nullptr, 2, 2, shear, kClearFrame, 0}, 33);
+      ExpectRefused(name, {nullptr, 0, -1, shear, kClearFrame, 0}, 33);
+    }
+    for (double shear : {1.0, -1.0}) {
+      const Called called = Run(name, {source, 2, 2, shear, kClearFrame, 0});
+      EXPECT_EQ(called.code, 0);
+      EXPECT_FALSE(called.result.IsNil());
+    }
+  }
+}
+
+TEST_P(GeometryShearErrors, SizesBelowOneAreSilentlyNil) {
+  for (const char* name : kBoth) {
+    for (int bad : {0, -1, INT_MIN}) {
+      ExpectFailure(Run(name, {Numbered(2, 2), bad, 2, 0.5, kClearFrame, 1}), 0);
+      ExpectFailure(Run(name, {Numbered(2, 2), 2, bad, 0.5, kClearFrame, 1}), 0);
+      EXPECT_EQ(host_.Calls(host::Service::NewInstance), 0);
+      ExpectRefused(name, {nullptr, bad, bad, 0.5, kClearFrame, 1}, 2);
+    }
+  }
+}
+
+TEST_P(GeometryShearErrors, UnusablePicturesAreSilentlyNil) {
+  for (const char* name : kBoth) {
+    ExpectRefused(name, {nullptr, 2, 2, 0.0, kClearFrame, 0}, 2);
+    ExpectFailure(Run(name, {Unusable(), 2, 2, 0.0, kClearFrame, 1}), 0);
+    EXPECT_EQ(host_.Calls(host::Service::NewInstance), 0);
+    ExpectRefused(name, {Unusable(), 2, 2, 1.5, kClearFrame, 1}, 33);
+    MakeUnusable();
+    ExpectFailure(Run(name, {Numbered(2, 2), 2, 2, 0.0, kClearFrame, 1}, 1), 0);
+    host_.newPictures.change = nullptr;
+  }
+}
+
+TEST_P(GeometryShearErrors, EmptySourcesAreAllFrame) {
+  for (const char* name : kBoth) {
+    for (const auto& [width, height] : {std::pair(0, 3), std::pair(3, 0), std::pair(0, 0)}) {
+      const Picture source({width, height, GetParam().source});
+      ExpectPixels(Run(name, {source, 4, 3, 0.4, Colour{0x00102030}, 0}), 4, 3, Words(12, 0xFF102030));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace geometry

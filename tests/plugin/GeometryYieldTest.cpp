@@ -1,0 +1,184 @@
+// When the geometric methods yield, by hand: a count of pixels since the last yield, tested before every line.
+
+#include <climits>
+#include <stdexcept>
+
+#include "GeometryFixture.h"
+
+namespace geometry {
+namespace {
+
+class GeometryYield : public Geometry {
+ protected:
+  int Yields(const std::string& name, std::vector<Value> arguments, int yield) {
+    arguments.emplace_back(yield);
+    const Called called = Run(name, arguments);
+    EXPECT_FALSE(called.result.IsNil()) << name;
+    EXPECT_EQ(called.code, 0) << name;
+    return called.yields;
+  }
+
+  // The pixels of the new picture that are written, at each yield, as one character each.
+  std::vector<std::string> PicturesAtYields(const std::string& name, const std::vector<Value>& arguments) {
+    std::vector<std::string> seen;
+    host_.onYield = [&] {
+      const auto live = support::LiveNewPictures(host_);
+      ASSERT_EQ(live.size(), 1u);
+      const Picture& picture = live[0].second;
+      std::string text;
+      for (int y = 0; y < picture.Height(); ++y) {
+        for (int x = 0; x < picture.Width(); ++x) text += picture.Stored(x, y) == host::kUnwritten ? '.' : '#';
+        text += y + 1 < picture.Height() ? "/" : "";
+      }
+      seen.push_back(text);
+    };
+    Run(name, arguments);
+    host_.onYield = nullptr;
+    return seen;
+  }
+};
+
+INSTANTIATE_FOR_FORMS(GeometryYield);
+
+using Texts = std::vector<std::string>;
+
+TEST_P(GeometryYield, OfZeroOrLessNeverHappens) {
+  const Picture source = Numbered(4, 5);
+  for (int yield : {0, -1, -4, INT_MIN, INT_MAX}) {
+    EXPECT_EQ(Yields("FlipRotate", {source, false, false, 0}, yield), 0);
+    EXPECT_EQ(Yields("FlipRotate", {source, true, false, 270}, yield), 0);
+    EXPECT_EQ(Yields("ShearHorizontal", {source, 6, 7, 0.5, kClearFrame}, yield), 0);
+    EXPECT_EQ(Yields("ShearVertical", {source, 6, 7, 0.5, kClearFrame}, yield), 0);
+    EXPECT_EQ(Yields("FreeRotateByShear", {source, 33.0, kClearFrame}, yield), 0);
+    EXPECT_EQ(Yields("Stretch", {source, 6, 7}, yield), 0);
+  }
+}
+
+TEST_P(GeometryYield, OfOneHappensBeforeEveryLineButTheFirst) {
+  const Picture source = Numbered(4, 5);
+  EXPECT_EQ(Yields("FlipRotate", {source, false, false, 0}, 1), 4);
+  EXPECT_EQ(Yields("FlipRotate", {source, false, false, 90}, 1), 3);
+  EXPECT_EQ(Yields("FlipRotate", {source, true, true, 180}, 1), 4);
+  EXPECT_EQ(Yields("ShearHorizontal", {source, 6, 7, 0.5, kClearFrame}, 1), 6);
+  EXPECT_EQ(Yields("ShearVertical", {source, 6, 7, 0.5, kClearFrame}, 1), 5);
+  EXPECT_EQ(Yields("Stretch", {Numbered(3, 4), 5, 6}, 1), 3 + 4);
+  // A turn, two passes over rows and one over columns.
+  EXPECT_EQ(Yields("FreeRotateByShear", {Numbered(4, 3), 0.0, kClearFrame}, 1), 2 + 2 + 3 + 2);
+  EXPECT_EQ(Yields("FlipRotate", {Numbered(9, 1), false, false, 0}, 1), 0);
+}
+
+TEST_P(GeometryYield, OfMultiplesOfALineIsExact) {
+  const Picture source = Numbered(4, 6);
+  const std::pair<int, int> counts[] = {{3, 5},  {4, 5},  {5, 2},  {7, 2},  {8, 2},  {9, 1},
+                                        {12, 1}, {13, 1}, {16, 1}, {20, 1}, {21, 0}, {24, 0}};
+  for (const auto& [yield, count] : counts) {
+    SCOPED_TRACE(yield);
+    EXPECT_EQ(Yields("FlipRotate", {source, false, true, 0}, yield), count);
+    EXPECT_EQ(Yields("FlipRotate", {Numbered(6, 4), false, false, 90}, yield), count);
+    EXPECT_EQ(Yields("ShearHorizontal", {source, 4, 6, -0.5, kClearFrame}, yield), count);
+    EXPECT_EQ(Yields("ShearVertical", {source, 6, 4, -0.5, kClearFrame}, yield), count);
+  }
+}
+
+TEST_P(GeometryYield, CountsFrameLinesLikeOthers) {
+  // Two rows of frame, one of the picture, three of frame; 5 pixels each.
+  EXPECT_EQ(Yields("ShearHorizontal", {Numbered(2, 1), 5, 6, 0.5, kClearFrame}, 10), 2);
+  EXPECT_EQ(Yields("ShearVertical", {Numbered(1, 2), 6, 5, 0.5, kClearFrame}, 10), 2);
+}
+
+TEST_P(GeometryYield, HundredPixelsAtFortyAColumnAreThreeRows) {
+  std::vector<int> rowsDone;
+  host_.onYield = [&] {
+    const auto live = support::LiveNewPictures(host_);
+    ASSERT_EQ(live.size(), 1u);
+    int y = 0;
+    while (y < 10 && live[0].second.Stored(39, y) != host::kUnwritten) ++y;
+    rowsDone.push_back(y);
+  };
+  EXPECT_EQ(Yields("ShearHorizontal", {Numbered(30, 8), 40, 10, 0.5, kClearFrame}, 100), 3);
+  host_.onYield = nullptr;
+  EXPECT_EQ(rowsDone, (std::vector<int>{3, 6, 9}));
+}
+
+TEST_P(GeometryYield, EveryPassHasItsOwnCount) {
+  // Four rows of 5, then five columns of 6.
+  const Picture source = Numbered(3, 4);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 5), 3 + 4);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 6), 1 + 4);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 7), 1 + 2);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 10), 1 + 2);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 16), 0 + 1);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 24), 0 + 1);
+  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 25), 0);
+  // Rows of 4, three times; columns of 3, once.
+  EXPECT_EQ(Yields("FreeRotateByShear", {Numbered(4, 3), 0.0, kClearFrame}, 4), 2 + 2 + 1 + 2);
+  EXPECT_EQ(Yields("FreeRotateByShear", {Numbered(4, 3), 0.0, kClearFrame}, 9), 0 + 0 + 1 + 0);
+}
+
+TEST_P(GeometryYield, FindsTheLinesBeforeItCompleteAndNoOther) {
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, false, 0, 1}), (Texts{"###/.../...", "###/###/..."}));
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, false, 90, 1}),
+            (Texts{"###/.../...", "###/###/..."}));
+  EXPECT_EQ(PicturesAtYields("ShearHorizontal", {Numbered(3, 3), 3, 3, 0.5, kClearFrame, 4}), (Texts{"###/###/..."}));
+  EXPECT_EQ(PicturesAtYields("ShearVertical", {Numbered(3, 3), 3, 3, 0.5, kClearFrame, 1}),
+            (Texts{"#../#../#..", "##./##./##."}));
+}
+
+TEST_P(GeometryYield, ThePlainQuarterTurnGoesFromTheLastRowUp) {
+  const Texts upward = {".../.../###", ".../###/###"};
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), false, false, 90, 1}), upward);
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, true, 270, 1}), upward);
+  const Texts downward = {"###/.../...", "###/###/..."};
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, true, 90, 1}), downward);
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), false, false, 270, 1}), downward);
+  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), false, true, 90, 1}), downward);
+}
+
+TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
+  // Far more columns than anybody would work on at once.
+  Texts expected;
+  for (std::size_t done = 7; done < 100; done += 7) {
+    expected.push_back(std::string(done, '#') + std::string(100 - done, '.'));
+  }
+  Texts seen;
+  for (const std::string& text : PicturesAtYields("ShearVertical", {Numbered(100, 3), 100, 3, 0.25, kClearFrame, 21})) {
+    seen.push_back(text.substr(0, 100));
+    EXPECT_EQ(text, seen.back() + "/" + seen.back() + "/" + seen.back());
+  }
+  EXPECT_EQ(seen, expected);
+}
+
+TEST_P(GeometryYield, FindsTheCodeOfTheCall) {
+  Run("FlipRotate", {nullptr, false, false, 0, 0});
+  ASSERT_EQ(LastError(), 2);
+  std::vector<int> codes;
+  host_.onYield = [&] { codes.push_back(LastError()); };
+  Run("Stretch", {Numbered(2, 2), 2, 2, 1});
+  host_.onYield = nullptr;
+  EXPECT_EQ(codes, (std::vector<int>{0, 0}));
+}
+
+TEST_P(GeometryYield, MayEndTheCallByAnException) {
+  const Picture source = Numbered(4, 4);
+  const std::pair<const char*, std::vector<Value>> calls[] = {
+      {"FlipRotate", {source, false, false, 90, 1}},          {"ShearHorizontal", {source, 5, 5, 0.5, kClearFrame, 1}},
+      {"ShearVertical", {source, 5, 5, 0.5, kClearFrame, 1}}, {"Stretch", {source, 5, 5, 1}},
+      {"FreeRotateByShear", {source, 30.0, kClearFrame, 1}},
+  };
+  host_.onYield = [] { throw std::runtime_error("enough"); };
+  for (const auto& [name, arguments] : calls) {
+    SCOPED_TRACE(name);
+    host_.ResetCounts();
+    EXPECT_THROW(host_.Call(name, arguments), std::runtime_error);
+    EXPECT_EQ(source.Locks(), 0);
+    EXPECT_EQ(source.PluginReferences(), 0);
+    // A result stays behind, because nobody got it; nothing else does, and nothing is locked.
+    const bool rotation = std::string(name) == "FreeRotateByShear";
+    EXPECT_EQ(host_.Leaks().size(), rotation ? 0u : 1u);
+    for (const host::LiveObject& object : host_.Leaks()) EXPECT_EQ(object.locks, 0);
+    host_.DropLeaks();
+  }
+}
+
+}  // namespace
+}  // namespace geometry

@@ -1,0 +1,268 @@
+// Workers called directly, where no entry point leads: results that nobody asks for, arguments that entry points never
+// pass, and the sixteen names of the turns.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "FakeHost.h"
+#include "PrivFlipRotate.h"
+#include "PrivShear.h"
+#include "TPQ_AdjustHSV.h"
+#include "TPQ_AdjustRGB.h"
+#include "TPQ_Errors.h"
+#include "TPQ_FlipRotate.h"
+#include "TPQ_FreeRotateByShear.h"
+#include "TPQ_Gradient.h"
+#include "TPQ_Shear.h"
+#include "TPQ_Stretch.h"
+
+namespace {
+
+class WorkersTest : public testing::Test {
+ protected:
+  void SetUp() override { fake::StartPlugin(); }
+};
+
+// Opaque pixels, each of another colour.
+std::uint32_t Numbered(std::int32_t x, std::int32_t y) {
+  return static_cast<std::uint32_t>(0x010203 + 0x100000 * y + 0x10 * x);
+}
+
+void Number(fake::Buffer& buffer, std::int32_t width, std::int32_t height) {
+  for (std::int32_t y = 0; y < height; ++y) {
+    for (std::int32_t x = 0; x < width; ++x) buffer.SetWord(x, y, Numbered(x, y));
+  }
+}
+
+// -------------------------------------------------------------------------------------------------------------- turns
+
+// Which source pixel of W x H a worker puts at (x, y).
+struct Turn {
+  const char* name;
+  void (*worker)(LMX_Picture&, LMX_Picture&, long);
+  bool onItsSide;
+  std::function<std::uint32_t(int x, int y)> at;
+};
+
+constexpr int W = 3;
+constexpr int H = 2;
+
+const std::vector<Turn>& Turns() {
+  static const auto same = [](int x, int y) { return Numbered(x, y); };
+  static const auto h = [](int x, int y) { return Numbered(W - 1 - x, y); };
+  static const auto v = [](int x, int y) { return Numbered(x, H - 1 - y); };
+  static const auto hv = [](int x, int y) { return Numbered(W - 1 - x, H - 1 - y); };
+  static const auto turned = [](int x, int y) { return Numbered(y, H - 1 - x); };
+  static const auto turnedH = [](int x, int y) { return Numbered(W - 1 - y, H - 1 - x); };
+  static const auto turnedV = [](int x, int y) { return Numbered(y, x); };
+  static const auto turnedHV = [](int x, int y) { return Numbered(W - 1 - y, x); };
+  static const std::vector<Turn> turns = {
+      {"0", Priv_Rotate0, false, same},           {"0_H", Priv_Rotate0_H, false, h},
+      {"0_V", Priv_Rotate0_V, false, v},          {"0_HV", Priv_Rotate0_HV, false, hv},
+      {"90", Priv_Rotate90, true, turned},        {"90_H", Priv_Rotate90_H, true, turnedH},
+      {"90_V", Priv_Rotate90_V, true, turnedV},   {"90_HV", Priv_Rotate90_HV, true, turnedHV},
+      {"180", Priv_Rotate180, false, hv},         {"180_H", Priv_Rotate180_H, false, v},
+      {"180_V", Priv_Rotate180_V, false, h},      {"180_HV", Priv_Rotate180_HV, false, same},
+      {"270", Priv_Rotate270, true, turnedHV},    {"270_H", Priv_Rotate270_H, true, turnedV},
+      {"270_V", Priv_Rotate270_V, true, turnedH}, {"270_HV", Priv_Rotate270_HV, true, turned},
+  };
+  return turns;
+}
+
+TEST_F(WorkersTest, EveryTurnTakesThePixelsOfItsName) {
+  fake::Buffer sourceBuffer(W, H);
+  Number(sourceBuffer, W, H);
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (const Turn& turn : Turns()) {
+    SCOPED_TRACE(turn.name);
+    const int width = turn.onItsSide ? H : W;
+    const int height = turn.onItsSide ? W : H;
+    fake::Buffer resultBuffer(width, height);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    turn.worker(source, result, 0);
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) EXPECT_EQ(resultBuffer.Word(x, y), turn.at(x, y)) << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(WorkersTest, EveryTurnYieldsBeforeItsRows) {
+  fake::Buffer sourceBuffer(W, H);
+  Number(sourceBuffer, W, H);
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (const Turn& turn : Turns()) {
+    SCOPED_TRACE(turn.name);
+    fake::Buffer resultBuffer(turn.onItsSide ? H : W, turn.onItsSide ? W : H);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    fake::TheHost().calls.clear();
+    turn.worker(source, result, 1);
+    EXPECT_EQ(fake::TheHost().calls, std::vector<std::string>(turn.onItsSide ? W - 1 : H - 1, "REALYieldToRB()"));
+  }
+}
+
+TEST_F(WorkersTest, ResultsWithoutRowsAreLeftAlone) {
+  fake::Buffer sourceBuffer(W, H);
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  fake::TheHost().calls.clear();
+  for (const Turn& turn : Turns()) {
+    fake::Buffer resultBuffer(W, 0);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    fake::TheHost().calls.clear();
+    turn.worker(source, result, 1);
+    EXPECT_TRUE(fake::TheHost().calls.empty()) << turn.name;
+  }
+}
+
+// ----------------------------------------------------------------------------------------------------------- averages
+
+TEST_F(WorkersTest, AveragesLeaveOutWhatNobodyAskedFor) {
+  fake::Buffer buffer(1, 1);
+  buffer.SetWord(0, 0, 0x000000FF);  // opaque blue
+  LMX_Picture source(buffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (int asked = 0; asked < 8; ++asked) {
+    SCOPED_TRACE(asked);
+    double hue = -7, saturation = -7, brightness = -7;
+    PrivGetAverageHSV(source, 0, 0, 0, 0, asked & 1 ? &hue : nullptr, asked & 2 ? &saturation : nullptr,
+                      asked & 4 ? &brightness : nullptr, 0);
+    EXPECT_EQ(hue, asked & 1 ? 240.0 : -7.0);
+    EXPECT_EQ(saturation, asked & 2 ? 1.0 : -7.0);
+    EXPECT_EQ(brightness, asked & 4 ? 0.99609375 : -7.0);
+
+    int red = -7, green = -7, blue = -7;
+    LMX_GetAverageRGB(buffer.Handle(), 0, 0, 0, 0, asked & 1 ? &red : nullptr, asked & 2 ? &green : nullptr,
+                      asked & 4 ? &blue : nullptr, 0);
+    EXPECT_EQ(red, asked & 1 ? 0 : -7);
+    EXPECT_EQ(green, asked & 2 ? 0 : -7);
+    EXPECT_EQ(blue, asked & 4 ? 255 : -7);
+  }
+}
+
+TEST_F(WorkersTest, AveragesStoreHueFirstAndBrightnessLast) {
+  fake::Buffer buffer(1, 1);
+  buffer.SetWord(0, 0, 0x000000FF);
+  LMX_Picture source(buffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  double all = 0;
+  PrivGetAverageHSV(source, 0, 0, 0, 0, &all, &all, &all, 0);
+  EXPECT_EQ(all, 0.99609375);
+  PrivGetAverageHSV(source, 0, 0, 0, 0, &all, &all, nullptr, 0);
+  EXPECT_EQ(all, 1.0);
+  int shared = 0;
+  LMX_GetAverageRGB(buffer.Handle(), 0, 0, 0, 0, &shared, &shared, &shared, 0);
+  EXPECT_EQ(shared, 255);
+}
+
+// ---------------------------------------------------------------------------------------------------------- gradients
+
+TEST_F(WorkersTest, GradientsFillThePictureWhateverTheSizeGiven) {
+  for (const int given : {0, 1, 100}) {
+    fake::Buffer single(2, 2);
+    LMX_Picture picture(single.Handle());
+    ASSERT_TRUE(picture.Lock());
+    PrivMakeGradient(picture, given, given, 0x00102030, 0x00405060, 0);
+    for (int x = 0; x < 2; ++x) {
+      EXPECT_EQ(single.Word(x, 0), 0x00102030u);
+      EXPECT_EQ(single.Word(x, 1), 0x00405060u);
+    }
+
+    fake::Buffer twice(2, 4);
+    LMX_Picture other(twice.Handle());
+    ASSERT_TRUE(other.Lock());
+    PrivMakeDoubleGradient(other, given, given, 0x00102030, 0x00405060, 0x00708090, 0);
+    const std::uint32_t rows[] = {0x00102030, 0x00405060, 0x00405060, 0x00708090};
+    for (int y = 0; y < 4; ++y) EXPECT_EQ(twice.Word(1, y), rows[y]);
+  }
+}
+
+// ------------------------------------------------------------------------------------------------- behind the entries
+
+TEST_F(WorkersTest, BodiesLockTheirSource) {
+  REALpictureStruct unusable = {"source", 9, nullptr};
+  gLMX_Error = 99;
+  EXPECT_EQ(PrivShear_Frame_NonVector(&unusable, 2, 2, 0.5, true, 0, 0), nullptr);
+  EXPECT_EQ(PrivFreeRotateByShear_Frame_NonVector(&unusable, 10, 0, 0), nullptr);
+  EXPECT_EQ(gLMX_Error, 99) << "neither sets a code";
+  EXPECT_EQ(PrivFlipRotate_NonVector(&unusable, false, false, 0, 0), nullptr);
+  EXPECT_EQ(gLMX_Error, 4);
+  gLMX_Error = 99;
+  EXPECT_EQ(PrivStretch_NonVector(&unusable, 2, 2, 0), nullptr);
+  EXPECT_EQ(gLMX_Error, 4);
+}
+
+TEST_F(WorkersTest, StretchPassesWithoutPixelsDoNothing) {
+  fake::Buffer sourceBuffer(0, 2);
+  fake::Buffer resultBuffer(3, 2);
+  for (int y = 0; y < 2; ++y) resultBuffer.SetWord(1, y, 0x7F123456);
+  LMX_Picture source(sourceBuffer.Handle());
+  LMX_Picture result(resultBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  ASSERT_TRUE(result.Lock());
+  Priv_StetchHorizontal(source, result, 0);
+  for (int y = 0; y < 2; ++y) EXPECT_EQ(resultBuffer.Word(1, y), 0x7F123456u);
+  Priv_StetchVertical(result, source, 0);
+}
+
+TEST_F(WorkersTest, StretchPassesWorkAlone) {
+  fake::Buffer sourceBuffer(3, 1);
+  for (int x = 0; x < 3; ++x) sourceBuffer.SetWord(x, 0, 60u * static_cast<unsigned>(x + 1));
+  fake::Buffer resultBuffer(2, 1);
+  LMX_Picture source(sourceBuffer.Handle());
+  LMX_Picture result(resultBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  ASSERT_TRUE(result.Lock());
+  Priv_StetchHorizontal(source, result, 0);
+  // 21845 units of each source pixel, of which a destination pixel takes 32767.
+  EXPECT_EQ(resultBuffer.Word(0, 0), (60u * 21845 + 120u * 10922) / 32767);
+  EXPECT_EQ(resultBuffer.Word(1, 0), (120u * 10923 + 180u * 21844) / 32767);
+
+  fake::Buffer columnBuffer(1, 3);
+  for (int y = 0; y < 3; ++y) columnBuffer.SetWord(0, y, 60u * static_cast<unsigned>(y + 1));
+  fake::Buffer shortBuffer(1, 2);
+  LMX_Picture column(columnBuffer.Handle());
+  LMX_Picture shorter(shortBuffer.Handle());
+  ASSERT_TRUE(column.Lock());
+  ASSERT_TRUE(shorter.Lock());
+  Priv_StetchVertical(column, shorter, 0);
+  EXPECT_EQ(shortBuffer.Word(0, 0), resultBuffer.Word(0, 0));
+  EXPECT_EQ(shortBuffer.Word(0, 1), resultBuffer.Word(1, 0));
+}
+
+TEST_F(WorkersTest, ShearsOfNothingAreAllFrame) {
+  fake::Buffer sourceBuffer(0, 0);
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (const auto worker : {Priv_ShearHorizontal, Priv_ShearVertical}) {
+    fake::Buffer resultBuffer(2, 2);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    worker(source, result, 0.5, 0x00123456, 0);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(resultBuffer.Word(i % 2, i / 2), 0x00123456u);
+  }
+}
+
+// The entry points never make a fifth quarter turn; none of the workers is one.
+TEST_F(WorkersTest, AFifthQuarterTurnPaintsNothing) {
+  fake::Buffer sourceBuffer(W, H);
+  Number(sourceBuffer, W, H);
+  fake::Buffer resultBuffer(W, H);
+  resultBuffer.SetWord(1, 1, 0x7F123456);
+  resultBuffer.picture.name = "new";
+  fake::TheHost().newPicture = resultBuffer.Handle();
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  EXPECT_EQ(PrivFlipRotate_NoMask_NonVector(source, false, false, 4, 0), resultBuffer.Handle());
+  EXPECT_EQ(resultBuffer.Word(1, 1), 0x7F123456u);
+}
+
+}  // namespace

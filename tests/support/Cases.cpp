@@ -1,0 +1,126 @@
+#include "Cases.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+
+namespace support {
+namespace {
+
+constexpr std::array<int, 4> kCrashes = {SIGSEGV, SIGBUS, SIGILL, SIGFPE};
+
+// Names the running case when the process crashes in it.
+class CrashReport {
+ public:
+  CrashReport() {
+    struct sigaction action = {};
+    action.sa_handler = Report;
+    for (std::size_t i = 0; i < kCrashes.size(); ++i) sigaction(kCrashes[i], &action, &before_[i]);
+  }
+  ~CrashReport() { Restore(); }
+  CrashReport(const CrashReport&) = delete;
+  CrashReport& operator=(const CrashReport&) = delete;
+
+  static void SetCase(const std::string& text) { std::snprintf(text_, sizeof text_, "crash in %s\n", text.c_str()); }
+
+ private:
+  static void Restore() {
+    for (std::size_t i = 0; i < kCrashes.size(); ++i) sigaction(kCrashes[i], &before_[i], nullptr);
+  }
+  // The instruction then runs once more, into whoever was responsible before.
+  static void Report(int) {
+    if (write(STDERR_FILENO, text_, std::strlen(text_)) < 0) _exit(1);
+    Restore();
+  }
+
+  static char text_[200];
+  static std::array<struct sigaction, kCrashes.size()> before_;
+};
+
+char CrashReport::text_[200];
+std::array<struct sigaction, kCrashes.size()> CrashReport::before_;
+
+std::uint64_t Hash(const std::string& text) {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+  return hash;
+}
+
+int Multiplied(int count) {
+  const char* factor = std::getenv("LMX_CASES");
+  return factor == nullptr ? count : count * std::atoi(factor);
+}
+
+void RunCase(const std::string& test, std::uint64_t seed, const std::function<void(Random& random)>& body) {
+  const std::string text = "LMX_CASE=" + std::to_string(seed) + " --gtest_filter=" + test;
+  SCOPED_TRACE(text);
+  CrashReport::SetCase(text);
+  Random random(seed);
+  body(random);
+}
+
+}  // namespace
+
+void ForEachCase(int count, const std::function<void(Random& random)>& body) {
+  const testing::TestInfo& info = *testing::UnitTest::GetInstance()->current_test_info();
+  const std::string test = std::string(info.test_suite_name()) + "." + info.name();
+  const CrashReport report;
+  if (const char* only = std::getenv("LMX_CASE")) return RunCase(test, std::strtoull(only, nullptr, 0), body);
+  Random seeds(Hash(test));
+  const int cases = Multiplied(count);
+  for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) RunCase(test, seeds.Next(), body);
+}
+
+std::int32_t AnyInteger(Random& random) {
+  static constexpr std::int32_t kAwkward[] = {0,   1,   -1,   2,    -2,    INT_MIN, INT_MAX, INT_MIN + 1, INT_MAX - 1,
+                                              255, 256, -255, -256, 65535, 65536,   32767,   32768,       -65536};
+  if (OneIn(random, 2)) return random.OneOf(kAwkward);
+  if (OneIn(random, 4)) return static_cast<std::int32_t>(random.Word());
+  return random.Between(-500, 500);
+}
+
+double AnyDouble(Random& random) {
+  static constexpr double kAwkward[] = {0.0,
+                                        -0.0,
+                                        1.0,
+                                        -1.0,
+                                        0.5,
+                                        DBL_MIN,
+                                        -DBL_MIN,
+                                        std::numeric_limits<double>::denorm_min(),
+                                        -std::numeric_limits<double>::denorm_min(),
+                                        DBL_EPSILON,
+                                        DBL_MAX,
+                                        -DBL_MAX,
+                                        std::numeric_limits<double>::infinity(),
+                                        -std::numeric_limits<double>::infinity(),
+                                        std::numeric_limits<double>::quiet_NaN(),
+                                        2147483647.0,
+                                        2147483648.0,
+                                        -2147483649.0,
+                                        359.99999999999994,
+                                        360.0,
+                                        999.9999999999999,
+                                        1000.0};
+  if (OneIn(random, 2)) return random.OneOf(kAwkward);
+  return (Fraction(random) - 0.5) * std::pow(10.0, random.Between(-3, 5));
+}
+
+double Fraction(Random& random) {
+  return static_cast<double>(random.Next() >> 11) / 9007199254740992.0;
+}
+
+bool OneIn(Random& random, std::uint32_t n) {
+  return random.Below(n) == 0;
+}
+
+}  // namespace support

@@ -1,0 +1,28 @@
+// Random cases of a test: seeded, so that they are the same everywhere, and each can be run again alone.
+//
+//   LMX_CASE=<seed>   only this case (with --gtest_filter for the test); a failure or a crash prints it
+//   LMX_CASES=<n>     n times as many cases
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+
+#include "Random.h"
+
+namespace support {
+
+/// Calls body(random) once for each case, until one fails.
+void ForEachCase(int count, const std::function<void(Random& random)>& body);
+
+/// Any integer, the awkward ones more often.
+std::int32_t AnyInteger(Random& random);
+/// Any double, the awkward ones more often: zeros, denormals, infinities, NaN, the greatest.
+double AnyDouble(Random& random);
+/// A fraction of 1.
+double Fraction(Random& random);
+/// True once in n times.
+bool OneIn(Random& random, std::uint32_t n);
+
+}  // namespace support

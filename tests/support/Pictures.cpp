@@ -1,0 +1,163 @@
+#include "Pictures.h"
+
+#include <cstdio>
+
+#include "Cases.h"
+
+namespace support {
+
+using definition::Fault;
+using definition::Form;
+using definition::StoredPicture;
+
+namespace {
+
+enum class Kind { Opaque, Proper, AnyBytes, OpaqueWithStretches, Clear };
+
+std::uint32_t OpaqueWord(Random& random, Form form) {
+  return (random.Word() & 0xFFFFFF) | (form == Form::Buffer ? 0 : 0xFF000000);
+}
+
+std::uint32_t ProperWord(Random& random, Form form) {
+  if (form == Form::Buffer) return random.Below(128) << 24 | (random.Word() & 0xFFFFFF);
+  const std::uint32_t alpha = random.Below(256);
+  std::uint32_t word = alpha << 24;
+  for (int shift = 0; shift < 24; shift += 8) word |= random.Below(alpha + 1) << shift;
+  return word;
+}
+
+std::uint32_t ClearWord(Random& random, Form form) {
+  return (random.Word() & 0xFFFFFF) | (form == Form::Buffer ? 0x7F000000 : 0);
+}
+
+void Fill(Random& random, Kind kind, StoredPicture& picture) {
+  bool stretch = false;
+  for (std::uint32_t& word : picture.words) {
+    if (OneIn(random, 9)) stretch = OneIn(random, 4);
+    switch (kind) {
+      case Kind::Opaque:
+        word = OpaqueWord(random, picture.form);
+        break;
+      case Kind::Proper:
+        word = ProperWord(random, picture.form);
+        break;
+      case Kind::AnyBytes:
+        word = random.Word();
+        break;
+      case Kind::OpaqueWithStretches:
+        word = stretch ? ProperWord(random, picture.form) : OpaqueWord(random, picture.form);
+        break;
+      case Kind::Clear:
+        word = ClearWord(random, picture.form);
+        break;
+    }
+  }
+}
+
+int RandomLength(Random& random) {
+  if (OneIn(random, 60)) return 0;
+  if (OneIn(random, 12)) return random.Between(1, 200);
+  if (OneIn(random, 3)) return random.Between(1, 70);
+  return random.Between(1, 12);
+}
+
+std::string Hex(std::uint32_t word) {
+  char text[12];
+  std::snprintf(text, sizeof text, "%08X", static_cast<unsigned>(word));
+  return text;
+}
+
+std::string Shape(const StoredPicture& picture) {
+  return std::to_string(picture.width) + " x " + std::to_string(picture.height) +
+         (picture.form == Form::Buffer ? " buffer" : " bitmap context");
+}
+
+}  // namespace
+
+host::Storage StorageOf(Form form) {
+  return form == Form::Buffer ? host::Storage::Buffer : host::Storage::BitmapContext;
+}
+
+Form FormOf(host::Storage storage) {
+  return storage == host::Storage::Buffer ? Form::Buffer : Form::BitmapContext;
+}
+
+Form RandomForm(Random& random) {
+  return OneIn(random, 2) ? Form::Buffer : Form::BitmapContext;
+}
+
+StoredPicture RandomPicture(Random& random, Form form, int width, int height) {
+  static constexpr Kind kKinds[] = {Kind::Opaque, Kind::Proper, Kind::AnyBytes, Kind::OpaqueWithStretches, Kind::Clear};
+  StoredPicture picture(form, width, height);
+  Fill(random, random.OneOf(kKinds), picture);
+  return picture;
+}
+
+StoredPicture RandomPicture(Random& random) {
+  int width = RandomLength(random);
+  int height = RandomLength(random);
+  if (OneIn(random, 30)) {
+    width = random.Between(1, 5000);
+    height = random.Between(1, 3);
+    if (OneIn(random, 2)) std::swap(width, height);
+  }
+  return RandomPicture(random, RandomForm(random), width, height);
+}
+
+host::Layout RandomLayout(Random& random, Form form) {
+  host::Layout layout;
+  layout.flush = OneIn(random, 2) ? host::Flush::Start : host::Flush::End;
+  if (form == Form::Buffer && OneIn(random, 3)) {
+    layout.scattered = true;
+  } else if (OneIn(random, 2)) {
+    layout.padding = OneIn(random, 2) ? random.Between(1, 80) : 4 * random.Between(1, 20);
+  }
+  return layout;
+}
+
+host::Defects DefectsFor(Fault fault, Form form, unsigned variant) {
+  host::Defects defects;
+  if (fault == Fault::NoPixels) {
+    (form == Form::BitmapContext && variant % 2 == 1 ? defects.nilPixels : defects.nilData) = true;
+  } else if (fault == Fault::UnusableType) {
+    if (variant % 2 == 0) {
+      defects.pictureType = variant % 4 == 0 ? 9 : 0;
+    } else {
+      defects.refusesLock = true;
+    }
+  }
+  return defects;
+}
+
+host::Picture ToHost(const StoredPicture& picture, const host::Layout& layout, unsigned variant) {
+  host::PictureShape shape = {picture.width, picture.height, StorageOf(picture.form), layout,
+                              DefectsFor(picture.fault, picture.form, variant)};
+  shape.defects.nilRows.assign(picture.missingRows.begin(), picture.missingRows.end());
+  host::Picture made(shape);
+  if (!shape.defects.nilPixels) made.SetStoredPixels(picture.words);
+  return made;
+}
+
+StoredPicture FromHost(const host::Picture& picture) {
+  StoredPicture stored(FormOf(picture.Shape().storage), picture.Width(), picture.Height());
+  stored.words = picture.StoredPixels();
+  return stored;
+}
+
+std::string Difference(const StoredPicture& expected, const StoredPicture& got) {
+  if (expected.form != got.form || expected.width != got.width || expected.height != got.height) {
+    return "a " + Shape(got) + " instead of a " + Shape(expected);
+  }
+  std::string text;
+  int count = 0;
+  for (int y = 0; y < expected.height; ++y) {
+    for (int x = 0; x < expected.width; ++x) {
+      if (expected.Word(x, y) == got.Word(x, y) || ++count > 6) continue;
+      text += " (" + std::to_string(x) + "," + std::to_string(y) + ") " + Hex(got.Word(x, y)) + " instead of " +
+              Hex(expected.Word(x, y)) + ";";
+    }
+  }
+  return count == 0 ? "" : Shape(expected) + ", " + std::to_string(count) + " pixels differ:" + text;
+}
+
+}  // namespace support

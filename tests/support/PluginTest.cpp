@@ -1,0 +1,248 @@
+#include "PluginTest.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "Pictures.h"
+#include "host/ObjectTable.h"
+#include "host/ProgramReference.h"
+
+namespace support {
+
+using definition::Fault;
+using definition::Form;
+using definition::MakePicture;
+using definition::Order;
+using definition::Outcome;
+using definition::StoredPicture;
+using host::Picture;
+using host::Value;
+
+namespace {
+
+// More than any test needs; beyond it the host of the tests has no memory.
+constexpr std::int64_t kMostPixels = 1 << 17;
+// Pixels that are compared at the yields of one call.
+constexpr std::size_t kMostLookedAt = 100000;
+// A process has room for a limited number of separate pieces of memory.
+constexpr int kMostScatteredRows = 500;
+
+bool WorksInPlace(const std::string& name) {
+  static const std::string kSuffix = "InPlace";
+  return name.size() > kSuffix.size() && name.compare(name.size() - kSuffix.size(), kSuffix.size(), kSuffix) == 0;
+}
+
+NewPicture Planned(const Setting& setting, std::size_t number, int width, int height) {
+  NewPicture plan = number <= setting.newPictures.size() ? setting.newPictures[number - 1] : NewPicture{};
+  if (std::int64_t{width} * height > kMostPixels && plan.fault == Fault::None) {
+    plan.fault = Fault::NoPixels;
+    plan.variant = 0;
+  }
+  return plan;
+}
+
+// A buffer picture without pixels can be locked: it has a size of 0 x 0.
+bool IsEmptyBuffer(const NewPicture& plan) {
+  return plan.form == Form::Buffer && plan.fault == Fault::NoPixels;
+}
+
+StoredPicture MakeValue(const NewPicture& plan, int width, int height) {
+  if (IsEmptyBuffer(plan)) return StoredPicture(plan.form, 0, 0);
+  if (plan.fault != Fault::None) width = height = 1;
+  StoredPicture picture(plan.form, width, height, host::kUnwritten);
+  picture.fault = plan.fault;
+  return picture;
+}
+
+void MakeShape(const NewPicture& plan, host::PictureShape& shape) {
+  shape.storage = StorageOf(plan.form);
+  shape.layout = plan.layout;
+  if (shape.height > kMostScatteredRows) shape.layout.scattered = false;
+  shape.defects = DefectsFor(plan.fault, plan.form, plan.variant);
+  if (IsEmptyBuffer(plan)) shape.width = shape.height = 0;
+  if (plan.fault != Fault::None && !IsEmptyBuffer(plan)) shape.width = shape.height = 1;
+}
+
+bool SameDouble(double a, double b) {
+  return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+}
+
+bool IsDone(const definition::Yield& yield, const StoredPicture& picture, int x, int y) {
+  if (yield.order == Order::LeftRight) return x < yield.linesDone;
+  const int line = yield.order == Order::BottomUp ? picture.height - 1 - y : y;
+  return line < yield.linesDone;
+}
+
+// Whether the lines that are done at a yield are as in `after`, and the others as in `before`.
+std::string Progress(const definition::Yield& yield, const StoredPicture& before, const StoredPicture& after,
+                     const StoredPicture& now) {
+  if (now.words.size() != after.words.size()) return Difference(after, now);
+  std::size_t i = 0;
+  for (int y = 0; y < after.height; ++y) {
+    for (int x = 0; x < after.width; ++x, ++i) {
+      const bool done = IsDone(yield, after, x, y);
+      if (now.words[i] == (done ? after : before).words[i]) continue;
+      return "pixel (" + std::to_string(x) + "," + std::to_string(y) + ") is " +
+             (done ? "not as it should be when it is done" : "written too early");
+    }
+  }
+  return "";
+}
+
+void CheckMeans(const Outcome& expected, const std::vector<Value>& before, const std::vector<Value>& after) {
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    const std::size_t mean = i - 5;  // behind the source and the rectangle
+    const std::string which = "argument " + std::to_string(i);
+    const bool isMean = i >= 5 && mean < 3 && !before[i].IsNil();
+    if (isMean && expected.meanHsv) {
+      const double got = after[i].AsDouble();
+      const double want = (*expected.meanHsv)[mean];
+      EXPECT_TRUE(SameDouble(got, want)) << which << " is " << got << " instead of " << want;
+    } else if (isMean && expected.meanRgb) {
+      EXPECT_EQ(after[i].AsInteger(), (*expected.meanRgb)[mean]) << which;
+    } else if (before[i].Is<double>()) {
+      EXPECT_TRUE(SameDouble(before[i].AsDouble(), after[i].AsDouble())) << which << " has changed";
+    } else {
+      EXPECT_EQ(before[i], after[i]) << which << " has changed";
+    }
+  }
+}
+
+}  // namespace
+
+std::string LibraryPath() {
+  const char* other = std::getenv("LMX_LIBRARY");
+  return other == nullptr ? LMX_LIBRARY_FILE : other;
+}
+
+std::vector<std::pair<std::size_t, Picture>> LiveNewPictures(const host::Host& host) {
+  std::vector<std::uint32_t> ids;
+  for (const host::ServiceCall& call : host.Log()) {
+    if (std::strcmp(call.name, "Constructor") == 0) ids.push_back(call.object);
+  }
+  std::vector<std::pair<std::size_t, Picture>> live;
+  for (host::PictureObject* object : host::ObjectTable::Instance().Pictures()) {
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+      if (ids[i] == object->id) live.emplace_back(i + 1, host::ProgramReference::Share(*object));
+    }
+  }
+  return live;
+}
+
+Called PluginTest::Run(const std::string& name, const std::vector<Value>& arguments, int lost) {
+  std::vector<std::pair<Picture, host::Snapshot>> pictures;
+  for (const Value& argument : arguments) {
+    if (argument.Is<Picture>()) pictures.emplace_back(argument.AsPicture(), argument.AsPicture().TakeSnapshot());
+  }
+  host_.ResetCounts();
+
+  Called called;
+  {
+    host::Outcome outcome = host_.Call(name, arguments);
+    if (outcome.result.Is<Picture>()) called.result = outcome.result.AsPicture();
+    called.arguments = std::move(outcome.arguments);
+  }
+  called.yields = host_.Calls(host::Service::YieldToRB);
+  called.code = LastError();
+
+  for (const auto& [picture, snapshot] : pictures) {
+    EXPECT_EQ(picture.PluginReferences(), 0) << name;
+    EXPECT_EQ(picture.Locks(), 0) << name;
+    EXPECT_TRUE(picture.PaddingIntact()) << name << " wrote between the source's rows";
+    EXPECT_TRUE(WorksInPlace(name) || snapshot == picture.TakeSnapshot()) << name << " wrote to the source";
+  }
+  if (called.result) {
+    EXPECT_EQ(called.result.References(), 1) << name;
+    EXPECT_EQ(called.result.PluginReferences(), 0) << name;
+    EXPECT_EQ(called.result.Locks(), 0) << name;
+    EXPECT_TRUE(called.result.PaddingIntact()) << name << " wrote between the result's rows";
+  }
+  EXPECT_EQ(host_.Leaks().size(), static_cast<std::size_t>(lost)) << name << " left objects without an owner";
+  host_.DropLeaks();
+  return called;
+}
+
+// Looks at the pictures at every yield, or, where that would be many pixels, at every nth.
+class PluginTest::Watch {
+ public:
+  Watch(PluginTest& test, const Outcome& expected, const Picture& source, const std::optional<StoredPicture>& before)
+      : test_(test), expected_(expected), source_(source), sourceBefore_(before) {
+    std::size_t pixels = expected.changed ? expected.changed->words.size() : 0;
+    for (const StoredPicture& made : expected.made) pixels += made.words.size();
+    stride_ = 1 + pixels * expected.yields.size() / kMostLookedAt;
+    test_.host_.onYield = [this] { Look(); };
+  }
+  ~Watch() { test_.host_.onYield = nullptr; }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+
+ private:
+  void Look() {
+    const std::size_t index = seen_++;
+    if (index >= expected_.yields.size() || index % stride_ != 0 || testing::Test::HasFailure()) return;
+    const definition::Yield& yield = expected_.yields[index];
+    EXPECT_EQ(test_.LastError(), expected_.code) << "during a yield";
+    std::vector<std::size_t> alive;
+    for (const auto& [number, picture] : LiveNewPictures(test_.host_)) {
+      alive.push_back(number);
+      if (number == yield.writing) CheckProgress(index, picture, Unwritten(number), expected_.made[number - 1]);
+    }
+    EXPECT_EQ(alive, yield.alive) << "pictures that exist at yield " << index + 1;
+    if (expected_.changed) CheckProgress(index, source_, *sourceBefore_, *expected_.changed);
+  }
+
+  StoredPicture Unwritten(std::size_t number) const {
+    const StoredPicture& made = expected_.made[number - 1];
+    return StoredPicture(made.form, made.width, made.height, host::kUnwritten);
+  }
+
+  void CheckProgress(std::size_t index, const Picture& picture, const StoredPicture& before,
+                     const StoredPicture& after) const {
+    const definition::Yield& yield = expected_.yields[index];
+    EXPECT_EQ(Progress(yield, before, after, FromHost(picture)), "")
+        << "at yield " << index + 1 << ", with " << yield.linesDone << " lines done of picture " << yield.writing;
+  }
+
+  PluginTest& test_;
+  const Outcome& expected_;
+  const Picture& source_;
+  const std::optional<StoredPicture>& sourceBefore_;
+  std::size_t stride_ = 1;
+  std::size_t seen_ = 0;
+};
+
+void PluginTest::CheckCall(const MethodCall& call, const Setting& setting) {
+  const MakePicture make = [&](std::size_t number, int width, int height) {
+    return MakeValue(Planned(setting, number, width, height), width, height);
+  };
+  host_.newPictures.change = [&](int number, host::PictureShape& shape) {
+    MakeShape(Planned(setting, static_cast<std::size_t>(number), shape.width, shape.height), shape);
+  };
+  const Outcome expected = call.define(setting.source ? &*setting.source : nullptr, make);
+
+  Picture source;
+  if (setting.source) source = ToHost(*setting.source, setting.layout, setting.variant);
+  std::vector<Value> arguments = call.arguments;
+  if (call.hasSource) arguments.insert(arguments.begin(), Value(source));
+  Called called;
+  {
+    const Watch watch(*this, expected, source, setting.source);
+    called = Run(call.name, arguments, expected.lost);
+  }
+  host_.newPictures.change = nullptr;
+
+  EXPECT_EQ(called.code, expected.code);
+  EXPECT_EQ(called.yields, static_cast<int>(expected.yields.size()));
+  CheckMeans(expected, arguments, called.arguments);
+  ASSERT_EQ(called.result.IsNil(), expected.result == 0) << "nil, or not";
+  if (called.result) {
+    const StoredPicture& want = expected.made[expected.result - 1];
+    EXPECT_EQ(want.fault == Fault::None ? Difference(want, FromHost(called.result)) : "", "");
+  }
+  if (setting.source && setting.source->fault == Fault::None) {
+    EXPECT_EQ(Difference(expected.changed.value_or(*setting.source), FromHost(source)), "") << "the source";
+  }
+}
+
+}  // namespace support

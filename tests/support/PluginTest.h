@@ -1,0 +1,75 @@
+// The fixture of tests of the built plug-in: a host that has loaded it, and calls whose books are checked.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Definition.h"
+#include "host/Host.h"
+
+namespace support {
+
+/// The library under test: the built one, or what LMX_LIBRARY names.
+std::string LibraryPath();
+
+/// What a call gave.
+struct Called {
+  host::Picture result;  ///< nil for a method without one
+  int code = 0;          ///< of the call, as LMX_GetLastError tells it
+  int yields = 0;
+  std::vector<host::Value> arguments;  ///< with what ByRef ones hold now
+};
+
+/// One new picture that the host will make.
+struct NewPicture {
+  definition::Form form = definition::Form::BitmapContext;
+  host::Layout layout = {};
+  definition::Fault fault = definition::Fault::None;
+  unsigned variant = 0;  ///< see DefectsFor
+};
+
+/// What surrounds a call of a method.
+struct Setting {
+  std::optional<definition::StoredPicture> source;  ///< nothing: nil, or a method without a source
+  host::Layout layout = {};                         ///< of the source
+  unsigned variant = 0;                             ///< of the source's fault
+  std::vector<NewPicture> newPictures;              ///< in order; more are like the default
+};
+
+/// A method with arguments, for the plug-in and for the definition.
+struct MethodCall {
+  std::string name;
+  bool hasSource = true;
+  std::vector<host::Value> arguments;  ///< behind the source
+  std::function<definition::Outcome(const definition::StoredPicture* source, const definition::MakePicture& make)>
+      define;
+};
+
+class PluginTest : public testing::Test {
+ protected:
+  PluginTest() { host_.Load(LibraryPath()); }
+
+  /// Calls a method and checks what holds for every call: no lock is left, padding is intact, every picture argument is
+  /// untouched (but by methods that work in place), references are as before, the result has exactly one, the
+  /// caller's, and `lost` new pictures are left without an owner.
+  Called Run(const std::string& name, const std::vector<host::Value>& arguments, int lost = 0);
+
+  /// Does the same and compares everything with the definition: result, code, values, the changed source, every
+  /// yield, what is complete and what is untouched at each yield, and which new pictures exist then.
+  void CheckCall(const MethodCall& call, const Setting& setting);
+
+  int LastError() { return host_.Call("GetLastError", {}).result.AsInteger(); }
+
+  host::Host host_;
+
+ private:
+  class Watch;
+};
+
+/// The new pictures that exist, with the number in the order in which the host made them since ResetCounts (from 1).
+std::vector<std::pair<std::size_t, host::Picture>> LiveNewPictures(const host::Host& host);
+
+}  // namespace support

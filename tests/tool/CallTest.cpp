@@ -1,0 +1,271 @@
+// Calls of methods on picture files: what arrives at the plug-in, what comes out, and what is told about it.
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "Files.h"
+#include "Process.h"
+
+namespace tool_test {
+namespace {
+
+using Pixels = std::vector<std::uint32_t>;
+
+void ExpectImage(const tool::Image& image, int width, int height, const Pixels& pixels) {
+  EXPECT_EQ(image.width, width);
+  EXPECT_EQ(image.height, height);
+  EXPECT_EQ(image.pixels, pixels);
+}
+
+class CallTest : public FileTest {
+ protected:
+  // Runs lmx with -o NAME and returns what it wrote.
+  tool::Image Run(std::vector<std::string> arguments, const std::string& name = "out.png") {
+    arguments.insert(arguments.end(), {"-o", Path(name)});
+    ended_ = Lmx(arguments);
+    EXPECT_EQ(ended_.status, 0) << ended_.error;
+    EXPECT_EQ(ended_.error, "");
+    return Result(name);
+  }
+
+  const std::string small_ = Given("small.png", SmallImage());
+  Ended ended_;
+};
+
+TEST_F(CallTest, TurnsEveryPixelToItsPlace) {
+  const tool::Image turned = Run({"FlipRotate", small_, "rotation=90"});
+  ExpectImage(turned, 2, 3, {0xFFA0B0C0, 0xFF102030, 0xFFD0E0F0, 0xFF405060, 0xFF0A141E, 0xFF708090});
+  EXPECT_EQ(ended_.out, "");
+}
+
+TEST_F(CallTest, NamesMayLackThePrefixAndHaveAnyCase) {
+  const tool::Image expected = Run({"LMX_FlipRotate", small_, "flip_h=true"});
+  ExpectImage(expected, 3, 2, {0xFF708090, 0xFF405060, 0xFF102030, 0xFF0A141E, 0xFFD0E0F0, 0xFFA0B0C0});
+  EXPECT_EQ(Run({"fliprotate", small_, "FLIP_H=Yes"}).pixels, expected.pixels);
+  EXPECT_EQ(Run({"lmx_FLIPROTATE", small_, "flip_h=1"}).pixels, expected.pixels);
+}
+
+TEST_F(CallTest, ReadsJpeg) {
+  const tool::Image plain{16, 16, Pixels(256, 0xFF3C78B4)};
+  WriteFile(Path("plain.jpg"), Jpeg(plain));
+  const tool::Image result = Run({"AdjustRGB", Path("plain.jpg"), "red_delta=100"});
+  ASSERT_EQ(result.pixels.size(), 256u);
+  for (const std::uint32_t pixel : result.pixels) {
+    EXPECT_EQ(pixel >> 24, 0xFFu);
+    EXPECT_NEAR(static_cast<int>(pixel >> 16 & 0xFF), 0x3C + 100, 2);
+    EXPECT_NEAR(static_cast<int>(pixel >> 8 & 0xFF), 0x78, 2);
+    EXPECT_NEAR(static_cast<int>(pixel & 0xFF), 0xB4, 2);
+  }
+}
+
+TEST_F(CallTest, KeepsAlpha) {
+  const std::string soft = Given("soft.png", {2, 2, {0x80FF0000, 0x00000000, 0xFF00FF00, 0x400000FF}});
+  const tool::Image context = Run({"FlipRotate", soft, "flip_h=yes"});
+  ExpectImage(context, 2, 2, {0x00000000, 0x80FF0000, 0x400000FF, 0xFF00FF00});
+  // Seven bits of transparency.
+  const tool::Image buffer = Run({"FlipRotate", soft, "flip_h=yes", "--storage=buffer"});
+  ASSERT_EQ(buffer.pixels.size(), 4u);
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_NEAR(static_cast<int>(buffer.pixels[i] >> 24), static_cast<int>(context.pixels[i] >> 24), 1);
+    EXPECT_EQ(buffer.pixels[i] & 0xFFFFFF, context.pixels[i] & 0xFFFFFF);
+  }
+}
+
+TEST_F(CallTest, ColoursMeanTheSameInEveryForm) {
+  const tool::Image web = Run({"MakeGradient", "width=1", "height=2", "color1=#11223300", "color2=#445566ff"});
+  ExpectImage(web, 1, 2, {0xFF112233, 0x00000000});
+  EXPECT_EQ(Run({"MakeGradient", "width=1", "height=2", "color1=#112233", "color2=&hFF445566"}).pixels, web.pixels);
+}
+
+TEST_F(CallTest, StepsWorkOnTheResultOfTheOneBefore) {
+  Run({"FlipRotate", small_, "rotation=90"}, "first.png");
+  const tool::Image apart = Run({"Stretch", Path("first.png"), "width=5", "height=4"});
+  const tool::Image chained = Run({"FlipRotate", small_, "rotation=90", "+", "Stretch", "width=5", "height=4"});
+  ExpectImage(chained, 5, 4, apart.pixels);
+  const tool::Image made = Run({"MakeGradient", "width=2", "height=3", "+", "FlipRotate", "rotation=90"});
+  EXPECT_EQ(made.width, 3);
+  EXPECT_EQ(made.height, 2);
+}
+
+TEST_F(CallTest, InPlaceMethodsHandTheChangedPictureOn) {
+  const tool::Image expected = Run({"AdjustRGB", small_, "green_delta=9", "+", "FlipRotate", "flip_v=1"});
+  EXPECT_EQ(expected.pixels[3], 0xFF102930u);
+  EXPECT_EQ(Run({"AdjustRGB_InPlace", small_, "green_delta=9", "+", "FlipRotate", "flip_v=1"}).pixels, expected.pixels);
+  EXPECT_EQ(Run({"AdjustRGB_InPlace", small_, "green_delta=9"}).pixels[0], 0xFF102930u);
+  EXPECT_EQ(Result("small.png").pixels, SmallImage().pixels);
+}
+
+TEST_F(CallTest, SelectionsAreTheWholePictureUnlessGiven) {
+  for (const std::uint32_t pixel : Run({"AdjustRGB", small_, "red_delta=255"}).pixels) {
+    EXPECT_EQ(pixel >> 16, 0xFFFFu);
+  }
+  const tool::Image part = Run({"AdjustRGB", small_, "red_delta=255", "left=1", "top=1", "width=0", "height=0"});
+  ExpectImage(part, 3, 2, {0xFF102030, 0xFF405060, 0xFF708090, 0xFFA0B0C0, 0xFFFFE0F0, 0xFF0A141E});
+  const tool::Image rest = Run({"AdjustRGB", small_, "red_delta=255", "left=1", "top=1"});
+  ExpectImage(rest, 3, 2, {0xFF102030, 0xFF405060, 0xFF708090, 0xFFA0B0C0, 0xFFFFE0F0, 0xFFFF141E});
+}
+
+TEST_F(CallTest, SizesFollowThePictureUnlessGiven) {
+  const auto expectSize = [&](const std::vector<std::string>& arguments, int width, int height) {
+    const tool::Image result = Run(arguments);
+    EXPECT_EQ(result.width, width) << testing::PrintToString(arguments);
+    EXPECT_EQ(result.height, height) << testing::PrintToString(arguments);
+  };
+  expectSize({"Stretch", small_}, 3, 2);
+  expectSize({"Stretch", small_, "width=12"}, 12, 8);
+  expectSize({"Stretch", small_, "height=1"}, 2, 1);
+  expectSize({"Stretch", small_, "width=1", "height=7"}, 1, 7);
+  expectSize({"Trim", small_, "left=1"}, 2, 2);
+  expectSize({"Trim", small_, "left=-2", "top=1"}, 5, 1);
+  expectSize({"ShearHorizontal", small_, "shear=1"}, 5, 2);
+  expectSize({"ShearHorizontal", small_, "shear=-0.6"}, 5, 2);
+  expectSize({"ShearVertical", small_, "shear=-1"}, 3, 5);
+  expectSize({"MakeGradient"}, 256, 256);
+}
+
+TEST_F(CallTest, NegativeNumbersAndClearFrames) {
+  ExpectImage(Run({"Trim", small_, "left=-1", "top=-1", "width=2", "height=2"}), 2, 2, {0, 0, 0, 0xFF102030});
+  const tool::Image framed =
+      Run({"Trim", small_, "left=3", "width=1", "height=1", "frame_color=#abcdef", "--storage=buffer"});
+  ExpectImage(framed, 1, 1, {0x00ABCDEF});
+}
+
+TEST_F(CallTest, OpaqueShowsWhatIsBelowTheTransparency) {
+  const std::vector<std::string> negative = {"AdjustHSV", small_, "negative=yes"};
+  for (const std::uint32_t pixel : Run(negative).pixels) EXPECT_EQ(pixel, 0u);
+  std::vector<std::string> buffer = negative;
+  buffer.push_back("--storage=buffer");
+  const tool::Image clear = Run(buffer);
+  buffer.push_back("--opaque");
+  const tool::Image opaque = Run(buffer);
+  const tool::Image adjusted = Run({"AdjustHSV", small_, "--storage=buffer"});
+  ASSERT_EQ(opaque.pixels.size(), 6u);
+  for (std::size_t i = 0; i < 6; ++i) {
+    EXPECT_EQ(clear.pixels[i], ~adjusted.pixels[i] & 0xFFFFFF);
+    EXPECT_EQ(opaque.pixels[i], 0xFF000000 | clear.pixels[i]);
+  }
+}
+
+TEST_F(CallTest, BothStorageFormsGiveTheSameOpaqueResult) {
+  const std::string opaque = Given("opaque.png", OpaqueImage(37, 23));
+  const std::vector<std::vector<std::string>> calls = {
+      {"FlipRotate", opaque, "flip_v=1", "rotation=270"},
+      {"FreeRotateByShear", opaque, "rotation=180"},
+      {"ShearHorizontal", opaque, "shear=1", "frame_color=#336699"},
+      {"ShearVertical", opaque, "shear=-1", "frame_color=#336699"},
+      {"Stretch", opaque, "width=91", "height=11"},
+      {"Trim", opaque, "left=5", "top=6", "width=17", "height=9"},
+      {"AdjustHSV", opaque, "hue_degrees=-77", "brightness_factor=2"},
+      {"AdjustHSV_InPlace", opaque, "saturation_factor=2", "left=7"},
+      {"AdjustRGB", opaque, "blue_delta=-99", "top=4"},
+      {"AdjustRGB_InPlace", opaque, "red_delta=99"},
+      {"MakeGradient", "height=2", "color1=#ff0000", "color2=#00ff00"},
+      {"MakeDoubleGradient", "width=9", "height=4", "color1=#ff0000", "color2=#00ff00", "color3=#0000ff"},
+  };
+  for (std::vector<std::string> call : calls) {
+    call.push_back("--storage=context");
+    const tool::Image context = Run(call);
+    call.back() = "--storage=buffer";
+    const tool::Image buffer = Run(call);
+    ExpectImage(buffer, context.width, context.height, context.pixels);
+    EXPECT_FALSE(context.pixels.empty());
+    for (const std::uint32_t pixel : context.pixels) ASSERT_EQ(pixel >> 24, 0xFFu) << call.front();
+  }
+}
+
+TEST_F(CallTest, MeasuresForPeople) {
+  const Ended ended = Lmx({"GetAverageRGB", small_, "width=0", "height=0", "left=2"});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.out, "red = 112, green = 128, blue = 144\n");
+}
+
+TEST_F(CallTest, MeasuresForScripts) {
+  const Ended ended = Lmx({"GetAverageRGB", small_, "width=0", "height=0", "left=2", "--json"});
+  const std::regex expected(
+      R"re(\{"method":"LMX_GetAverageRGB","call":"p\.LMX_GetAverageRGB\(2, 0, 0, 0, red, green, blue, 0\)",)re"
+      R"("error":0,"message":"General Error: No Error","milliseconds":[0-9]+\.[0-9]{3},"width":3,"height":2,)"
+      R"("results":\{"red":112,"green":128,"blue":144\}\}\n)");
+  EXPECT_TRUE(std::regex_match(ended.out, expected)) << ended.out;
+}
+
+TEST_F(CallTest, NaNIsAResult) {
+  const std::string grey = Given("grey.png", {1, 1, {0xFF808080}});
+  EXPECT_EQ(Lmx({"GetAverageHSV", grey}).out, "hue_degrees = NaN, saturation = 0, brightness = 0.5\n");
+  const Ended ended = Lmx({"GetAverageHSV", grey, "--json"});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_NE(ended.out.find(R"("results":{"hue_degrees":null,"saturation":0,"brightness":0.5})"), std::string::npos)
+      << ended.out;
+}
+
+TEST_F(CallTest, MeasuringPassesThePictureOn) {
+  const tool::Image result =
+      Run({"AdjustRGB", small_, "red_delta=-255", "+", "GetAverageRGB", "+", "FlipRotate", "flip_h=1"});
+  EXPECT_EQ(ended_.out, "red = 0, green = 110, blue = 125\n");
+  ASSERT_EQ(result.pixels.size(), 6u);
+  EXPECT_EQ(result.pixels[0], 0xFF008090u);
+}
+
+TEST_F(CallTest, VerboseShowsTheProgramThatWouldDoTheSame) {
+  Run({"FlipRotate", small_, "flip_h=1", "rotation=90", "+", "AdjustHSV_InPlace", "hue_degrees=60", "yield=7", "-v",
+       "--yield=3"});
+  const std::regex expected(
+      "result = p\\.LMX_FlipRotate\\(True, False, 90, 3\\)\n"
+      "  error 0 \\(General Error: No Error\\), 2 x 3 pixels, [0-9.]+ ms\n"
+      "result\\.LMX_AdjustHSV_InPlace\\(0, 0, 2, 3, 60\\.0, 1\\.0, 1\\.0, False, 7\\)\n"
+      "  error 0 \\(General Error: No Error\\), 2 x 3 pixels, [0-9.]+ ms\n");
+  EXPECT_TRUE(std::regex_match(ended_.out, expected)) << ended_.out;
+}
+
+TEST_F(CallTest, ReportingMethodsPrintWhatTheyReturn) {
+  EXPECT_EQ(Lmx({"GetErrorMessage", "errorCode=31"}).out, "Rotate Error: \"rotation\" parameter is out of bounds\n");
+  EXPECT_EQ(Lmx({"GetErrorMessage", "errorCode=-1"}).out, "Unknown Error\n");
+  EXPECT_EQ(Lmx({"GetLastError"}).out, "0\n");
+  const std::string json = Lmx({"GetErrorMessage", "errorCode=31", "--json"}).out;
+  EXPECT_NE(json.find(R"("results":{"result":"Rotate Error: \"rotation\" parameter is out of bounds"})"),
+            std::string::npos)
+      << json;
+}
+
+TEST_F(CallTest, FailuresShowThePluginsMessage) {
+  const Ended ended = Lmx({"FlipRotate", small_, "rotation=360", "-o", Path("out.png")});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(ended.error, "lmx: LMX_FlipRotate: Rotate Error: \"rotation\" parameter is out of bounds (error 31)\n");
+  EXPECT_EQ(ended.out, "");
+  EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+}
+
+TEST_F(CallTest, FailuresOfMethodsWithoutAPictureResultCountToo) {
+  const Ended ended = Lmx({"AdjustRGB_InPlace", small_, "red_delta=256", "-o", Path("out.png")});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_NE(ended.error.find("Color Error: red parameter out of bounds"), std::string::npos) << ended.error;
+  const Ended measured = Lmx({"GetAverageRGB", small_, "left=2", "width=-2"});
+  EXPECT_EQ(measured.status, 1);
+  EXPECT_EQ(measured.out, "");
+  EXPECT_NE(measured.error.find("Color Error: invalid selection"), std::string::npos) << measured.error;
+}
+
+TEST_F(CallTest, ScriptsGetFailuresTooAndNoStepFollows) {
+  const Ended ended = Lmx({"Stretch", small_, "width=0", "+", "FlipRotate", "--json", "-o", Path("out.png")});
+  EXPECT_EQ(ended.status, 1);
+  const std::regex expected(R"(\{"method":"LMX_Stretch",.*"error":34,"message":"Stretch Error: \\"width\\" parameter)"
+                            R"( is out of bounds",.*"width":null,"height":null,"results":\{\}\}\n)");
+  EXPECT_TRUE(std::regex_match(ended.out, expected)) << ended.out;
+}
+
+TEST_F(CallTest, NoPictureWithoutACodeIsAFailure) {
+  const Ended ended = Lmx({"ShearHorizontal", small_, "shear=0.5", "width=0", "-o", Path("out.png")});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_NE(ended.error.find("LMX_ShearHorizontal returned no picture"), std::string::npos) << ended.error;
+  EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+}
+
+TEST_F(CallTest, ThePluginDecidesAboutSpecialNumbers) {
+  Run({"FreeRotateByShear", small_, "rotation=0"});
+  EXPECT_EQ(Lmx({"ShearVertical", small_, "shear=inf", "-o", Path("out.png")}).status, 1);
+  EXPECT_EQ(Lmx({"AdjustHSV", small_, "saturation_factor=nan", "-o", Path("out.png")}).status, 0);
+  const tool::Image grey = Result("out.png");
+  EXPECT_EQ(grey.pixels[0], 0xFF303030u);
+}
+
+}  // namespace
+}  // namespace tool_test

@@ -1,0 +1,103 @@
+// The documentation and the declarations are about the same methods and arguments, and nothing else.
+#include "tool/Documentation.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "host/Host.h"
+#include "tool/Help.h"
+#include "tool/Plan.h"
+#include "tool/Values.h"
+
+namespace {
+
+class DocumentationTest : public testing::Test {
+ protected:
+  DocumentationTest() { plugin_.Load(LMX_LIBRARY); }
+  host::Host plugin_;
+};
+
+TEST_F(DocumentationTest, EveryMethodHasAnEntry) {
+  ASSERT_FALSE(plugin_.Methods().empty());
+  for (const host::Method& method : plugin_.Methods()) {
+    const tool::MethodText* text = tool::FindDocumentation(method.name);
+    ASSERT_NE(text, nullptr) << method.name;
+    EXPECT_EQ(text->name, method.name);
+    EXPECT_FALSE(text->summary.empty()) << method.name;
+    EXPECT_EQ(text->summary.find('\n'), std::string::npos) << method.name;
+  }
+}
+
+TEST_F(DocumentationTest, EveryArgumentHasAnEntryInTheDeclaredOrder) {
+  for (const host::Method& method : plugin_.Methods()) {
+    const tool::MethodText* text = tool::FindDocumentation(method.name);
+    ASSERT_NE(text, nullptr) << method.name;
+    std::vector<std::string> declared, documented;
+    for (const host::Parameter& parameter : method.parameters) declared.push_back(parameter.name);
+    for (const tool::ArgumentText& argument : text->arguments) {
+      documented.push_back(argument.name);
+      EXPECT_FALSE(argument.meaning.empty()) << method.name << " " << argument.name;
+    }
+    EXPECT_EQ(documented, declared) << method.name;
+  }
+}
+
+TEST_F(DocumentationTest, NoEntryIsLeftOver) {
+  for (const tool::MethodText& text : tool::Documentation()) {
+    EXPECT_NE(plugin_.FindMethod(text.name), nullptr) << text.name;
+  }
+  EXPECT_EQ(tool::Documentation().size(), plugin_.Methods().size());
+}
+
+TEST_F(DocumentationTest, FallbacksAreValuesOfTheDeclaredTypeAndResultsHaveNone) {
+  for (const host::Method& method : plugin_.Methods()) {
+    for (const host::Parameter& parameter : method.parameters) {
+      const tool::ArgumentText* text = tool::FindDocumentation(method.name)->Find(parameter.name);
+      ASSERT_NE(text, nullptr) << method.name << " " << parameter.name;
+      if (parameter.byRef || tool::IsPicture(parameter)) {
+        EXPECT_EQ(text->fallback.text, nullptr) << method.name << " " << parameter.name;
+      } else if (text->fallback.compute != nullptr) {
+        EXPECT_EQ(parameter.type, host::Type::Integer) << method.name << " " << parameter.name;
+        EXPECT_NE(text->fallback.text, nullptr) << method.name << " " << parameter.name;
+      } else if (text->fallback.text != nullptr) {
+        EXPECT_NO_THROW(tool::ParseValue(parameter.type, text->fallback.text)) << method.name << " " << parameter.name;
+      }
+    }
+  }
+}
+
+TEST_F(DocumentationTest, ExamplesCallTheirMethod) {
+  for (const tool::MethodText& text : tool::Documentation()) {
+    std::istringstream words(text.example);
+    std::string program, method;
+    words >> program >> method;
+    EXPECT_EQ(program, "lmx");
+    ASSERT_NE(plugin_.FindMethod(method), nullptr) << text.example;
+    EXPECT_EQ(plugin_.FindMethod(method)->name, text.name);
+    tool::StepWords step{method, {}, {}};
+    for (std::string word; words >> word;) {
+      const std::size_t equals = word.find('=');
+      if (equals != std::string::npos) step.assignments.push_back({word.substr(0, equals), word.substr(equals + 1)});
+      if (equals == std::string::npos &&
+          (word.find(".jpg") != std::string::npos || word.find(".png") != std::string::npos)) {
+        step.operands.push_back(word);
+      }
+      if (word == "-o") words >> word;
+    }
+    tool::CommandLine line;
+    line.steps = {step};
+    if (text.example.find(" -o ") != std::string::npos) line.output = "out.png";
+    EXPECT_NO_THROW(tool::MakePlan(plugin_, line)) << text.example;
+  }
+}
+
+TEST(Help, ShowsAMethodThatHasNoEntry) {
+  const host::Method method = host::ParseDeclaration("Other(extends p as picture, weight as double) as picture");
+  std::ostringstream out;
+  tool::WriteMethodHelp(out, method);
+  EXPECT_NE(out.str().find("Other(extends p as picture, weight as double) as picture"), std::string::npos);
+  EXPECT_NE(out.str().find("(needed)"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+// Files: those that are no pictures, and those that must survive.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <random>
+
+#include "Files.h"
+#include "Process.h"
+
+namespace tool_test {
+namespace {
+
+Bytes Text(const std::string& text) {
+  return Bytes(text.begin(), text.end());
+}
+
+// A PNG whose header claims another size.
+Bytes Claiming(std::uint32_t width, std::uint32_t height) {
+  Bytes bytes = Png(SmallImage());
+  for (std::size_t i = 0; i < 4; ++i) {
+    bytes[16 + i] = static_cast<unsigned char>(width >> (24 - 8 * i));
+    bytes[20 + i] = static_cast<unsigned char>(height >> (24 - 8 * i));
+  }
+  return bytes;
+}
+
+class HostileFileTest : public FileTest {
+ protected:
+  HostileFileTest() { WriteFile(Path("out.png"), Text("old")); }
+
+  // The file is refused with a message that names it, and the output stays.
+  void ExpectRefused(const std::string& path, const std::string& why) {
+    const Ended ended = Lmx({"FlipRotate", path, "-o", Path("out.png")});
+    EXPECT_EQ(ended.status, 1) << path << ended.error;
+    EXPECT_EQ(ended.error.rfind("lmx: " + path + ": ", 0), 0u) << ended.error;
+    EXPECT_NE(ended.error.find(why), std::string::npos) << ended.error;
+    EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
+  }
+
+  std::string Hostile(const Bytes& bytes) {
+    WriteFile(Path("in.png"), bytes);
+    return Path("in.png");
+  }
+};
+
+TEST_F(HostileFileTest, MissingFile) {
+  ExpectRefused(Path("missing.png"), "No such file");
+}
+
+TEST_F(HostileFileTest, Folder) {
+  std::filesystem::create_directory(Path("folder.png"));
+  ExpectRefused(Path("folder.png"), "folder");
+}
+
+TEST_F(HostileFileTest, PipeWithoutWriter) {
+  ASSERT_EQ(mkfifo(Path("pipe.png").c_str(), 0600), 0);
+  ExpectRefused(Path("pipe.png"), "ordinary");
+}
+
+TEST_F(HostileFileTest, EmptyFile) {
+  ExpectRefused(Hostile({}), "empty");
+}
+
+TEST_F(HostileFileTest, Text) {
+  ExpectRefused(Hostile(tool_test::Text("This is not a picture, whatever its name says.\n")),
+                "neither a PNG nor a JPEG");
+}
+
+TEST_F(HostileFileTest, PicturesOfOtherKinds) {
+  ExpectRefused(Hostile(tool_test::Text("GIF89a\x01")), "neither a PNG nor a JPEG");
+  ExpectRefused(Hostile(tool_test::Text("P6 1 1 255 abc")), "neither a PNG nor a JPEG");
+}
+
+TEST_F(HostileFileTest, TruncatedPng) {
+  const Bytes whole = Png(OpaqueImage(40, 30));
+  for (std::size_t size : {std::size_t{1}, std::size_t{8}, std::size_t{20}, std::size_t{40}, whole.size() / 2}) {
+    ExpectRefused(Hostile(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))),
+                  size < 8 ? "neither" : "damaged");
+  }
+}
+
+TEST_F(HostileFileTest, PngWithDamagedPixels) {
+  Bytes bytes = Png(OpaqueImage(40, 30));
+  for (std::size_t i = 60; i < 80; ++i) bytes[i] ^= 0x5A;
+  ExpectRefused(Hostile(bytes), "damaged");
+}
+
+TEST_F(HostileFileTest, ClaimsOfHugeSizes) {
+  ExpectRefused(Hostile(Claiming(100000, 100000)), "too large: 100000 x 100000");
+  ExpectRefused(Hostile(Claiming(8193, 8192)), "too large");
+  ExpectRefused(Hostile(Claiming(8192, 8192)), "damaged");
+  ExpectRefused(Hostile(Claiming(0xFFFFFFFF, 1)), "too large");
+  ExpectRefused(Hostile(Claiming(0, 5)), "damaged");
+}
+
+TEST_F(HostileFileTest, DamageAnywhereNeverCrashes) {
+  const Bytes sources[] = {Png(OpaqueImage(19, 11)), Jpeg(OpaqueImage(19, 11))};
+  std::mt19937 random(7);
+  for (int round = 0; round < 60; ++round) {
+    Bytes bytes = sources[round % 2];
+    for (int i = 0; i < 8; ++i) bytes[random() % bytes.size()] = static_cast<unsigned char>(random());
+    WriteFile(Path("in.png"), bytes);
+    const Ended ended = Lmx({"GetAverageRGB", Path("in.png")});
+    EXPECT_TRUE(ended.status == 0 || ended.status == 1) << "round " << round << ": " << ended.error;
+  }
+}
+
+class OutputTest : public FileTest {
+ protected:
+  const std::string small_ = Given("small.png", SmallImage());
+};
+
+TEST_F(OutputTest, TheSourceCanBeTheOutput) {
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "flip_h=1", "-o", small_}).status, 0);
+  EXPECT_EQ(Result("small.png").pixels[0], 0xFF708090u);
+  EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+}
+
+TEST_F(OutputTest, SurvivesAFailingMethod) {
+  WriteFile(Path("out.png"), Text("old"));
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "rotation=400", "-o", Path("out.png")}).status, 1);
+  EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
+}
+
+TEST_F(OutputTest, SurvivesAFullDisk) {
+  const std::string large = Given("large.png", OpaqueImage(300, 200));
+  WriteFile(Path("out.png"), Text("old"));
+  Surroundings full;
+  full.largestFile = 1000;
+  const Ended ended = Lmx({"FlipRotate", large, "-o", Path("out.png")}, full);
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_NE(ended.error.find("cannot write"), std::string::npos) << ended.error;
+  EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"large.png", "out.png", "small.png"}));
+}
+
+TEST_F(OutputTest, FoldersAreNoOutput) {
+  std::filesystem::create_directory(Path("out.png"));
+  for (const std::string& path : {Path("out.png"), Path("missing/out.png"), small_ + "/out.png"}) {
+    const Ended ended = Lmx({"FlipRotate", small_, "-o", path});
+    EXPECT_EQ(ended.status, 1) << path;
+    EXPECT_EQ(ended.error.rfind("lmx: ", 0), 0u) << ended.error;
+  }
+  EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
+}
+
+TEST_F(OutputTest, DevicesAreWrittenDirectly) {
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", "/dev/null"}).status, 0);
+  struct stat status = {};
+  ASSERT_EQ(stat("/dev/null", &status), 0);
+  EXPECT_TRUE(S_ISCHR(status.st_mode));
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", "/dev/full"}).status, 1);
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", "/dev/stdout"}).out.substr(1, 3), "PNG");
+}
+
+TEST_F(OutputTest, LinksAndPermissionsStay) {
+  WriteFile(Path("real.png"), Text("old"));
+  ASSERT_EQ(chmod(Path("real.png").c_str(), 0640), 0);
+  std::filesystem::create_symlink("real.png", Path("link.png"));
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", Path("link.png")}).status, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link.png")));
+  EXPECT_EQ(Result("real.png").pixels, SmallImage().pixels);
+  struct stat status = {};
+  ASSERT_EQ(stat(Path("real.png").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0640u);
+}
+
+TEST_F(OutputTest, NewFilesHaveOrdinaryPermissions) {
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", Path("out.png")}).status, 0);
+  const mode_t mask = umask(0);
+  umask(mask);
+  struct stat status = {};
+  ASSERT_EQ(stat(Path("out.png").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0666u & ~mask);
+}
+
+TEST_F(OutputTest, AFullStandardOutputIsAFailure) {
+  const Ended ended = Lmx({"GetAverageRGB", small_, "-o", "/dev/full"});
+  EXPECT_EQ(ended.status, 1);
+}
+
+}  // namespace
+}  // namespace tool_test

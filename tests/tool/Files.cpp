@@ -1,0 +1,119 @@
+#include "Files.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "tool/Stb.h"
+
+namespace tool_test {
+namespace {
+
+Bytes ToRgba(const tool::Image& image) {
+  Bytes bytes;
+  for (const std::uint32_t pixel : image.pixels) {
+    for (const int shift : {16, 8, 0, 24}) bytes.push_back(static_cast<unsigned char>(pixel >> shift));
+  }
+  return bytes;
+}
+
+void Append(void* bytes, void* data, int size) {
+  const auto* begin = static_cast<const unsigned char*>(data);
+  static_cast<Bytes*>(bytes)->insert(static_cast<Bytes*>(bytes)->end(), begin, begin + size);
+}
+
+}  // namespace
+
+Bytes Png(const tool::Image& image) {
+  Bytes bytes;
+  stbi_write_png_to_func(Append, &bytes, image.width, image.height, 4, ToRgba(image).data(), 4 * image.width);
+  return bytes;
+}
+
+Bytes Jpeg(const tool::Image& image) {
+  Bytes bytes;
+  stbi_write_jpg_to_func(Append, &bytes, image.width, image.height, 4, ToRgba(image).data(), 95);
+  return bytes;
+}
+
+void WriteFile(const std::string& path, const Bytes& bytes) {
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  if (!file.flush()) ADD_FAILURE() << "cannot write " << path;
+}
+
+Bytes ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) ADD_FAILURE() << "cannot read " << path;
+  return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+FileTest::FileTest() : folder_((std::filesystem::temp_directory_path() / "lmx tool XXXXXX").string()) {
+  if (mkdtemp(folder_.data()) == nullptr) ADD_FAILURE() << "cannot make " << folder_;
+}
+
+FileTest::~FileTest() {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+std::string FileTest::Given(const std::string& name, const tool::Image& image) const {
+  WriteFile(Path(name), Png(image));
+  return Path(name);
+}
+
+tool::Image FileTest::Result(const std::string& name) const {
+  const Bytes bytes = ReadFile(Path(name));
+  const Bytes signature = {0x89, 'P', 'N', 'G'};
+  if (bytes.size() < 4 || !std::equal(signature.begin(), signature.end(), bytes.begin())) {
+    ADD_FAILURE() << name << " is no PNG";
+    return {};
+  }
+  tool::Image image;
+  int channels = 0;
+  const std::unique_ptr<unsigned char, void (*)(void*)> decoded(
+      stbi_load_from_memory(bytes.data(), static_cast<int>(bytes.size()), &image.width, &image.height, &channels, 4),
+      stbi_image_free);
+  if (!decoded) {
+    ADD_FAILURE() << name << " is damaged";
+    return {};
+  }
+  EXPECT_EQ(channels, 4) << name << " has no alpha channel";
+  const std::size_t count = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
+  for (const unsigned char* p = decoded.get(); image.pixels.size() < count; p += 4) {
+    image.pixels.push_back(std::uint32_t{p[3]} << 24 | std::uint32_t{p[0]} << 16 | std::uint32_t{p[1]} << 8 | p[2]);
+  }
+  return image;
+}
+
+std::vector<std::string> FileTest::Names() const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+tool::Image SmallImage() {
+  return {3, 2, {0xFF102030, 0xFF405060, 0xFF708090, 0xFFA0B0C0, 0xFFD0E0F0, 0xFF0A141E}};
+}
+
+tool::Image OpaqueImage(int width, int height) {
+  tool::Image image{width, height, {}};
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const auto red = static_cast<std::uint32_t>(x * 255 / width),
+                 green = static_cast<std::uint32_t>(y * 255 / height);
+      const auto blue = static_cast<std::uint32_t>((x * 7 + y * 13) % 256);
+      image.pixels.push_back(0xFF000000 | red << 16 | green << 8 | blue);
+    }
+  }
+  return image;
+}
+
+}  // namespace tool_test

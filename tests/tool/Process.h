@@ -1,0 +1,24 @@
+// Runs lmx as a process.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tool_test {
+
+struct Surroundings {
+  bool terminal = false;          ///< standard error is a terminal
+  bool pendingInterrupt = false;  ///< Ctrl-C was pressed before the program could notice
+  long largestFile = -1;          ///< bytes that a file may have, as if the disk were full then; -1: any number
+};
+
+struct Ended {
+  int status = -1;  ///< the exit status; -1 after a signal
+  std::string out;
+  std::string error;
+};
+
+/// Runs lmx with these arguments, to its end.
+Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings = {});
+
+}  // namespace tool_test

@@ -1,0 +1,29 @@
+// The three ways in which lmx ends badly, one exit status each.
+#pragma once
+
+#include <stdexcept>
+
+namespace tool {
+
+/// The plug-in, a file or the machine did not do what was asked for.
+class Failure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+  static constexpr int kStatus = 1;
+};
+
+/// The command line asks for something that cannot be.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+  static constexpr int kStatus = 2;
+};
+
+/// The user pressed Ctrl-C. Also thrown out of the yield service, through the plug-in.
+class Interrupted : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+  static constexpr int kStatus = 130;
+};
+
+}  // namespace tool

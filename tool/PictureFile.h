@@ -1,0 +1,20 @@
+// Picture files: PNG and JPEG in, PNG out. Nothing in a file is believed before it is checked.
+#pragma once
+
+#include <string>
+
+#include "Image.h"
+
+namespace tool {
+
+/// The largest picture that is read, in pixels: 8192 x 8192.
+constexpr int kMaxPixels = 1 << 26;
+
+/// Throws Failure for anything but a whole PNG or JPEG file within the limits.
+Image ReadPicture(const std::string& path);
+
+/// Throws Failure if the file cannot be written; then what was there before is still there. The file appears at once
+/// and complete. A device or pipe is written directly.
+void WritePicture(const std::string& path, const Image& image);
+
+}  // namespace tool

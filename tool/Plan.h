@@ -1,0 +1,34 @@
+// What a command line makes the plug-in do, checked against the declarations before anything happens.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "CommandLine.h"
+#include "host/Host.h"
+
+namespace tool {
+
+/// One call to come.
+struct Step {
+  const host::Method* method = nullptr;
+  /// By parameter; empty where the user gave none, and for pictures and results.
+  std::vector<std::optional<host::Value>> given;
+};
+
+struct Plan {
+  std::vector<Step> steps;
+  std::optional<std::string> source;  ///< the picture file that the first step gets
+};
+
+bool TakesPicture(const host::Method& method);
+bool IsPicture(const host::Parameter& parameter);
+
+/// Throws UsageError, naming the word and showing the declaration, for anything that does not fit.
+Plan MakePlan(const host::Host& plugin, const CommandLine& line);
+
+/// The step's arguments in their order, with the picture, and with what its documentation says for those left out.
+std::vector<host::Value> CompleteArguments(const Step& step, const host::Picture& picture, std::int32_t yield);
+
+}  // namespace tool

@@ -1,0 +1,39 @@
+// The code of stb_image and stb_image_write, with allocators that know what their callers can bear.
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// The pixels of a PNG are inflated before they are counted, so a small file can ask for any amount. The largest block
+// that an honest one needs: 16-bit RGBA with a byte per row, in a buffer that grows by doubling.
+constexpr std::size_t kLargestBlock = std::size_t{1} << 30;
+
+// The reader copes without memory.
+void* Reallocate(void* block, std::size_t size) {
+  return size > kLargestBlock ? nullptr : std::realloc(block, size);
+}
+
+// The writer does not: it is left by an exception.
+void* ReallocateOrThrow(void* block, std::size_t size) {
+  void* const grown = std::realloc(block, size);
+  if (grown == nullptr) throw std::bad_alloc();
+  return grown;
+}
+
+}  // namespace
+
+#define STBI_MALLOC(size) Reallocate(nullptr, size)
+#define STBI_REALLOC(block, size) Reallocate(block, size)
+#define STBI_FREE(block) std::free(block)
+#define STBI_ONLY_PNG
+#define STBI_ONLY_JPEG
+#define STBI_FAILURE_USERMSG
+#define STB_IMAGE_IMPLEMENTATION
+
+#define STBIW_MALLOC(size) ReallocateOrThrow(nullptr, size)
+#define STBIW_REALLOC(block, size) ReallocateOrThrow(block, size)
+#define STBIW_FREE(block) std::free(block)
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+
+#include "Stb.h"

@@ -1,0 +1,146 @@
+// lmx, the stand-in host for people: runs the plug-in's methods on picture files.
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <new>
+
+#include "Chart.h"
+#include "CommandLine.h"
+#include "Errors.h"
+#include "Help.h"
+#include "Interrupt.h"
+#include "PictureFile.h"
+#include "Plan.h"
+#include "Runner.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* kVersion = "1.0.0";
+
+void WriteVersion(std::ostream& out) {
+  out << "lmx " << kVersion << " (" << 8 * sizeof(void*) << "-bit, plug-in interface " << kPluginInterfaceVersion
+      << ")\n";
+}
+
+void Load(host::Host& plugin, const CommandLine& line) {
+  const auto beside = [] { return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libLMX.so"; };
+  plugin.Load(line.plugin ? *line.plugin : beside().string());
+  if (!plugin.messageBoxes.empty()) throw Failure("the plug-in says: " + plugin.messageBoxes.front());
+  if (plugin.Module() == nullptr) throw Failure("the plug-in registers no methods");
+}
+
+host::Picture ToHost(const Image& image, host::Storage storage) {
+  host::PictureShape shape;
+  shape.width = image.width;
+  shape.height = image.height;
+  shape.storage = storage;
+  host::Picture picture(shape);
+  picture.SetStraight(image.pixels);
+  return picture;
+}
+
+Image FromHost(const host::Picture& picture, bool opaque) {
+  Image image{picture.Width(), picture.Height(), picture.Straight()};
+  if (opaque) {
+    for (std::uint32_t& pixel : image.pixels) pixel |= 0xFF000000;
+  }
+  return image;
+}
+
+void ExpectOperands(const CommandLine& line, std::size_t most) {
+  const StepWords& words = line.steps.front();
+  const bool fits = line.steps.size() == 1 && words.operands.size() <= most && words.assignments.empty();
+  if (!fits) throw UsageError("too many words behind `" + words.method + "`");
+}
+
+void DrawChart(const CommandLine& line) {
+  ExpectOperands(line, 0);
+  if (!line.output) throw UsageError("where shall the chart go? Give a file: -o chart.png");
+  WritePicture(*line.output, MakeChart());
+}
+
+void ShowHelp(const CommandLine& line) {
+  ExpectOperands(line, 1);
+  const std::vector<std::string>& operands = line.steps.front().operands;
+  if (operands.empty()) return WriteUsage(std::cout);
+  host::Host plugin;
+  Load(plugin, line);
+  const host::Method* method = plugin.FindMethod(operands.front());
+  if (method == nullptr) throw UsageError("there is no method `" + operands.front() + "`; `lmx list` shows them");
+  WriteMethodHelp(std::cout, *method);
+}
+
+void ShowList(const CommandLine& line) {
+  ExpectOperands(line, 0);
+  host::Host plugin;
+  Load(plugin, line);
+  WriteMethodList(std::cout, plugin);
+}
+
+void RunMethods(const CommandLine& line) {
+  host::Options options;
+  options.newPictures.storage = line.storage;
+  options.keepLog = false;
+  host::Host plugin(options);
+  Load(plugin, line);
+  const Plan plan = MakePlan(plugin, line);
+
+  const ReportStyle style = line.json ? ReportStyle::Json : line.verbose ? ReportStyle::Verbose : ReportStyle::Results;
+  Runner runner(plugin, line.yield, [style](const CallReport& report) { Write(std::cout, report, style); });
+  host::Picture picture;
+  if (plan.source) picture = ToHost(ReadPicture(*plan.source), line.storage);
+  picture = runner.Run(plan, std::move(picture));
+  if (line.output) WritePicture(*line.output, FromHost(picture, line.opaque));
+}
+
+// A JPEG's name on a PNG's content would deceive other programs.
+void CheckOutputName(const CommandLine& line) {
+  if (!line.output) return;
+  const std::string extension = std::filesystem::path(*line.output).extension().string();
+  if (host::SameName(extension, ".jpg") || host::SameName(extension, ".jpeg")) {
+    throw UsageError("lmx writes PNG files, so " + *line.output + " needs another name");
+  }
+}
+
+void Act(const CommandLine& line) {
+  if (line.help) return WriteUsage(std::cout);
+  if (line.version) return WriteVersion(std::cout);
+  if (line.steps.empty()) throw UsageError("which method? `lmx list` shows them, `lmx --help` explains");
+  CheckOutputName(line);
+  const std::string& word = line.steps.front().method;
+  if (word == "list") return ShowList(line);
+  if (word == "help") return ShowHelp(line);
+  if (word == "chart") return DrawChart(line);
+  RunMethods(line);
+}
+
+int Complain(const char* what, int status) {
+  std::cout.flush();
+  std::cerr << "lmx: " << what << '\n';
+  return status;
+}
+
+int Main(const std::vector<std::string>& words) {
+  try {
+    WatchInterrupt();
+    Act(ParseCommandLine(words));
+    if (!std::cout.flush()) throw Failure("cannot write to standard output");
+    return 0;
+  } catch (const UsageError& error) {
+    return Complain(error.what(), UsageError::kStatus);
+  } catch (const Interrupted& interrupted) {
+    return Complain(interrupted.what(), Interrupted::kStatus);
+  } catch (const std::bad_alloc&) {
+    return Complain("not enough memory", Failure::kStatus);
+  } catch (const std::exception& error) {
+    return Complain(error.what(), Failure::kStatus);
+  }
+}
+
+}  // namespace
+}  // namespace tool
+
+int main(int argc, char** argv) {
+  return tool::Main(std::vector<std::string>(argv + (argc > 0), argv + argc));
+}
