@@ -66,7 +66,7 @@ host::Picture Runner::RunStep(const Step& step, const host::Picture& picture) {
   report.message = MessageOf(report.error);
   const bool returnsPicture = method.result == host::Type::Picture;
   const bool failed = report.error != 0 || (returnsPicture && outcome.result.IsNil());
-  const host::Picture left = returnsPicture ? outcome.result.AsPicture() : picture;
+  host::Picture left = returnsPicture ? outcome.result.AsPicture() : picture;
   if (!failed && left) {
     report.width = left.Width();
     report.height = left.Height();
