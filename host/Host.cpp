@@ -70,7 +70,7 @@ void HostState::CheckModule(const REALmoduleDefinition& definition) {
   }
 }
 
-Host::Host(Options options) : newPictures(options.newPictures) {
+Host::Host(const Options& options) : newPictures(options.newPictures) {
   if (HostState::current != nullptr) throw Error("another Host lives");
   LinkBitmapContext();
   state_ = std::make_unique<HostState>(*this, options);

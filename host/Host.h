@@ -73,7 +73,7 @@ struct HostState;
 class Host {
  public:
   /// Throws host::Error if another Host lives.
-  explicit Host(Options options = {});
+  explicit Host(const Options& options = {});
   /// Unloads the library; gives up what the plug-in left: references and locks. Pictures of the program stay.
   ~Host();
   Host(const Host&) = delete;
@@ -109,7 +109,7 @@ class Host {
   /// May be called again from onYield. Throws host::Error before the call for a call that the declaration does not
   /// allow, host::Misuse after it for complaints, and passes on whatever leaves the method; locks that the call left
   /// are then complaints, too, and ended by the host.
-  Outcome Call(std::string_view name, const std::vector<Value>& arguments);
+  Outcome Call(std::string_view name, const std::vector<Value>& values);
 
   /// 32-bit x86: the stack pointer modulo 16 (0, 4, 8, 12) at the call instruction of methods; 0 is what a compiler
   /// gives. Without a setting it changes from call to call. No effect on other ABIs, where it is always 0.

@@ -82,10 +82,8 @@ bool PlanRotation(const Size& source, double rotation, Rotation* plan) {
   plan->alongColumns = sine;
 
   const Size turned = plan->quarter % 2 == 0 ? source : Size{source.height, source.width};
-  const std::int64_t width = turned.width;
-  const std::int64_t height = turned.height;
   const std::int64_t sheared = ShearedLength(turned.width, turned.height, TruncatedToInt(tangent * -65536.0));
-  if (!FitsInt(sheared) || !FitsInt(width * width + height * height)) return false;
+  if (!FitsInt(sheared)) return false;
   plan->turned = turned;
   plan->sheared = {static_cast<std::int32_t>(sheared / 65536), turned.height};
 

@@ -56,8 +56,8 @@ REALpictureStruct* LMX_Trim(REALpictureStruct* p, long left, long top, long widt
       continue;
     }
     FillRun(result, 0, y, begin, frame);
-    CopyRun({result, begin, y}, {source, static_cast<std::int32_t>(left + begin), static_cast<std::int32_t>(sourceRow)},
-            end - begin);
+    const PixelPosition from = {source, static_cast<std::int32_t>(left + begin), static_cast<std::int32_t>(sourceRow)};
+    CopyRun({result, begin, y}, from, end - begin);
     FillRun(result, end, y, result.width - end, frame);
   }
   return result.picture;

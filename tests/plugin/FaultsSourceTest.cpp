@@ -204,7 +204,7 @@ TEST_F(FaultsSource, LiesUpwards) {
   });
 }
 
-// Sums of squares of the sizes and positions in the sheared picture have 32 bits.
+// Positions in the sheared pictures are 16.16 numbers of 32 bits.
 TEST_F(FaultsSource, IsTooLargeToRotate) {
   host_->newPictures.storage = Storage::Buffer;
   for (const auto& [width, height] :
