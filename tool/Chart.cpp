@@ -73,7 +73,7 @@ void DrawCard(Canvas& canvas) {
   // In each corner a quarter of a disc, in its own colour.
   canvas.Draw(kCard, [](double x, double y) {
     if (DistanceToRounded(kCard, kCardRadius, x, y) > 0) return Paint();
-    const bool left = x < kWidth / 2, top = y < kHeight / 2;
+    const bool left = x < kWidth / 2.0, top = y < kHeight / 2.0;
     const double cornerX = left ? kCard.x : kCard.x + kCard.width, cornerY = top ? kCard.y : kCard.y + kCard.height;
     if (Length(x - cornerX, y - cornerY) < 46) {
       return Opaque(top ? (left ? kCoral : kYellow) : (left ? kTeal : kGreen));
