@@ -1,5 +1,7 @@
 // The geometric methods against their plain definition, on random pictures with random arguments.
 
+#include <cmath>
+
 #include "DefinitionTest.h"
 
 namespace {
@@ -86,7 +88,9 @@ TEST_F(DefinitionGeometry, ShearVertical) {
 
 double RandomAngle(Random& random) {
   if (OneIn(random, 10)) return AnyDouble(random);
-  if (OneIn(random, 4)) return random.Between(0, 8) * 45.0;
+  const double eighth = random.Between(0, 8) * 45.0;
+  if (OneIn(random, 4)) return eighth;
+  if (OneIn(random, 8)) return std::nextafter(eighth, OneIn(random, 2) ? 0.0 : 360.0);
   if (OneIn(random, 8)) return random.Between(0, 4) * 90.0 + (Fraction(random) - 0.5) * 1e-6;
   return 360 * Fraction(random);
 }

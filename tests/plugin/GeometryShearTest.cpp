@@ -161,10 +161,10 @@ TEST_P(GeometryShear, TheStepIsRoundedDown) {
 }
 
 TEST_P(GeometryShear, LongSumsDoNotOverflow) {
-  constexpr int kLines = 40000;
-  // Line r lies at 20001 - r.
+  constexpr int kLines = 70000;
+  // Line r lies at 35001 - r: 34999 of 70001 columns are cut off at the start.
   std::vector<int> expected(3 * kLines, 0);
-  for (int r = 19999; r <= 20001; ++r) expected[static_cast<std::size_t>(3 * r + 20001 - r)] = r + 1;
+  for (int r = 34999; r <= 35001; ++r) expected[static_cast<std::size_t>(3 * r + 35001 - r)] = r + 1;
   CheckNumbers(1, kLines, 1.0, 3, kLines, expected);
 }
 

@@ -148,6 +148,21 @@ TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
   EXPECT_EQ(seen, expected);
 }
 
+TEST_P(GeometryYield, FindsNoPictureWhoseReaderIsDone) {
+  std::vector<std::vector<std::size_t>> alive;
+  host_.onYield = [&] {
+    std::vector<std::size_t> numbers;
+    for (const auto& live : support::LiveNewPictures(host_)) numbers.push_back(live.first);
+    if (alive.empty() || alive.back() != numbers) alive.push_back(numbers);
+  };
+  Run("FreeRotateByShear", {Numbered(4, 3), 30.0, kClearFrame, 1});
+  EXPECT_EQ(alive, (std::vector<std::vector<std::size_t>>{{1}, {1, 2}, {2, 3}, {3, 4}}));
+  alive.clear();
+  Run("Stretch", {Numbered(4, 3), 5, 5, 1});
+  host_.onYield = nullptr;
+  EXPECT_EQ(alive, (std::vector<std::vector<std::size_t>>{{1, 2}}));
+}
+
 TEST_P(GeometryYield, FindsTheCodeOfTheCall) {
   Run("FlipRotate", {nullptr, false, false, 0, 0});
   ASSERT_EQ(LastError(), 2);
