@@ -2,14 +2,12 @@
 #include "LMX_Runs.h"
 
 #include <algorithm>
-
-#include "kernels/RunKernels.h"
+#include <cstring>
 
 namespace {
 
-StorageForm Form(const LMX_Picture& picture) {
-  return picture.buffer ? kBufferForm : kContextForm;
-}
+// Pixels that pass through a buffer on the stack at a time.
+constexpr std::int32_t kChunk = 512;
 
 // The part of a run that the picture holds: `count` pixels at `address`, behind `before` pixels that lie to its left.
 struct Clipped {
@@ -33,48 +31,69 @@ std::size_t Size(std::int32_t n) {
   return static_cast<std::size_t>(n);
 }
 
+// Calls kernel(to, from, n, i) for a run that both pictures hold. Where they do not, the run goes in pieces through a
+// buffer, in which what is missing is clear; `i` is the first pixel of the piece.
+template <class Kernel>
+void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t n, Kernel kernel) {
+  const Clipped source = Clip(from.picture, from.x, from.y, n);
+  const Clipped target = Clip(to.picture, to.x, to.y, n);
+  if (source.count == n && target.count == n) {
+    kernel(target.address, source.address, Size(n), 0);
+    return;
+  }
+  std::uint32_t in[kChunk], out[kChunk];
+  for (std::int32_t i = 0; i < n; i += kChunk) {
+    const std::int32_t part = std::min(kChunk, n - i);
+    ReadStored(from.picture, from.x + i, from.y, part, in);
+    kernel(reinterpret_cast<std::uint8_t*>(out), reinterpret_cast<const std::uint8_t*>(in), Size(part), i);
+    WriteStored(to.picture, to.x + i, to.y, part, out);
+  }
+}
+
 }  // namespace
 
 void ReadRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* working) {
   const Clipped part = Clip(picture, x, y, n);
   std::fill_n(working, part.before, 0);
-  gRunKernels.read[Form(picture)](working + part.before, part.address, Size(part.count));
+  gRunKernels.read[FormOf(picture)](working + part.before, part.address, Size(part.count));
   std::fill(working + part.before + part.count, working + n, 0);
 }
 
 void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
               const std::uint32_t* working) {
   const Clipped part = Clip(picture, x, y, n);
-  gRunKernels.write[Form(picture)](part.address, working + part.before, Size(part.count));
+  gRunKernels.write[FormOf(picture)](part.address, working + part.before, Size(part.count));
 }
 
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working) {
   const Clipped part = Clip(picture, x, y, n);
   std::uint8_t stored[4];
-  gRunKernels.write[Form(picture)](stored, &working, 1);
+  gRunKernels.write[FormOf(picture)](stored, &working, 1);
   gRunKernels.fill(part.address, stored, Size(part.count));
 }
 
+void ReadStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* stored) {
+  const Clipped part = Clip(picture, x, y, n);
+  if (part.count < n) std::fill_n(stored, n, picture.buffer ? 0x7F000000 : 0);
+  if (part.count > 0) std::memcpy(stored + part.before, part.address, Size(part.count) * 4);
+}
+
+void WriteStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                 const std::uint32_t* stored) {
+  const Clipped part = Clip(picture, x, y, n);
+  if (part.count > 0) std::memcpy(part.address, stored + part.before, Size(part.count) * 4);
+}
+
 void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const Clipped source = Clip(from.picture, from.x, from.y, n);
-  const Clipped target = Clip(to.picture, to.x, to.y, n);
-  if (source.count == n && target.count == n) {
-    gRunKernels.copy[Form(from.picture)][Form(to.picture)](target.address, source.address, Size(n));
-    return;
-  }
-  std::uint32_t working[kChunk];
-  for (std::int32_t i = 0; i < n; i += kChunk) {
-    const std::int32_t part = std::min(kChunk, n - i);
-    ReadRun(from.picture, from.x + i, from.y, part, working);
-    WriteRun(to.picture, to.x + i, to.y, part, working);
-  }
+  const auto copy = gRunKernels.copy[FormOf(from.picture)][FormOf(to.picture)];
+  Transform(to, from, n, [copy](auto* out, auto* in, std::size_t count, std::int32_t) { copy(out, in, count); });
 }
 
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
   const Clipped source = Clip(from.picture, from.x, from.y, n);
   const Clipped target = Clip(to.picture, to.x, to.y, n);
   if (source.count == n && target.count == n) {
-    gRunKernels.copyMirrored[Form(from.picture)][Form(to.picture)](target.address, source.address, Size(n));
+    gRunKernels.copyMirrored[FormOf(from.picture)][FormOf(to.picture)](target.address, source.address, Size(n));
     return;
   }
   std::uint32_t working[kChunk];
@@ -84,4 +103,38 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
     std::reverse(working, working + part);
     WriteRun(to.picture, to.x + i, to.y, part, working);
   }
+}
+
+void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by) {
+  const auto adjust = gRunKernels.adjustHSV[FormOf(from.picture)][FormOf(to.picture)];
+  Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
+}
+
+void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by) {
+  const auto adjust = gRunKernels.adjustRGB[FormOf(from.picture)][FormOf(to.picture)];
+  Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
+}
+
+void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
+  const auto negate = gRunKernels.negative[FormOf(from.picture)][FormOf(to.picture)];
+  Transform(to, from, n, [negate](auto* out, auto* in, std::size_t count, std::int32_t) { negate(out, in, count); });
+}
+
+void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
+              std::uint32_t fraction) {
+  const auto blend = gRunKernels.blend[FormOf(from.picture)][FormOf(to.picture)];
+  Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t i) {
+    if (i > 0) ReadRun(from.picture, from.x + i - 1, from.y, 1, &before);
+    blend(out, in, before, fraction, count);
+  });
+}
+
+void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums) {
+  const Clipped part = Clip(from.picture, from.x, from.y, n);
+  gRunKernels.sumRGB[FormOf(from.picture)](sums, part.address, Size(part.count));
+}
+
+void SumRun(const PixelPosition& from, std::int32_t n, HSVSums* sums) {
+  const Clipped part = Clip(from.picture, from.x, from.y, n);
+  gRunKernels.sumHSV[FormOf(from.picture)](sums, part.address, Size(part.count));
 }

@@ -7,9 +7,11 @@
 #include <cstdint>
 
 #include "LMX_Picture.h"
+#include "kernels/RunKernels.h"
 
-/// Pixels that pass through a buffer on the stack at a time.
-constexpr std::int32_t kChunk = 512;
+inline StorageForm FormOf(const LMX_Picture& picture) {
+  return picture.buffer ? kBufferForm : kContextForm;
+}
 
 /// Reads n pixels from column x of row y on.
 void ReadRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* working);
@@ -19,6 +21,13 @@ void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::i
 
 /// Writes the same working pixel n times.
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working);
+
+/// Reads n pixels as the picture stores them, into words of its StorageForm. What lies outside is a clear pixel.
+void ReadStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* stored);
+
+/// Writes n pixels that are in the picture's own StorageForm.
+void WriteStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                 const std::uint32_t* stored);
 
 /// A place in a picture.
 struct PixelPosition {
@@ -32,3 +41,17 @@ void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n)
 
 /// The same from right to left: the pixel at `to` becomes the last of the n pixels from `from` on.
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
+
+/// Copies with an adjustment, or as colour negatives. `to` may be the same place as `from`.
+void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
+void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by);
+void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
+
+/// Copies n pixels, each blended with the one before it: `before` is the one before the first, and `fraction` the weight
+/// of the one before, 0 to 65535. `to` is in another picture.
+void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
+              std::uint32_t fraction);
+
+/// Adds n pixels to the sums.
+void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums);
+void SumRun(const PixelPosition& from, std::int32_t n, HSVSums* sums);

@@ -7,7 +7,6 @@
 
 #include "LMX_Runs.h"
 #include "LMX_Yield.h"
-#include "kernels/RunKernels.h"
 
 namespace {
 
@@ -36,23 +35,27 @@ struct Turn {
   Order resultRows;
 };
 
-// Reads `lanes` columns of the source as they stand and writes them as `lanes` rows of the result. Column
-// `firstColumn` becomes row `firstRow`; the rows of its neighbours follow in steps of `rowStep`, 1 or -1.
+// Reads `lanes` columns of the source and writes them as `lanes` rows of the result. Column `firstColumn` becomes row
+// `firstRow`; the rows of its neighbours follow in steps of `rowStep`, 1 or -1. Pixels are turned as they are stored, and
+// converted on their way into the result.
 void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
                  std::int32_t rowStep, std::int32_t lanes, Order rows) {
   constexpr std::int32_t kTile = 64;
+  const auto convert = gRunKernels.copy[FormOf(source)][FormOf(result)];
   std::uint32_t groups[kTile * kLanes] = {};
   std::uint32_t runs[kLanes * kTile];
   ColumnWalk walk(source, rows == Order::kForward ? 0 : source.height - 1);
   for (std::int32_t x = 0; x < result.width; x += kTile) {
     const std::int32_t n = std::min(kTile, result.width - x);
     for (std::int32_t i = 0; i < n; ++i) {
-      ReadRun(source, firstColumn, walk.Row(), lanes, groups + i * kLanes);
+      ReadStored(source, firstColumn, walk.Row(), lanes, groups + i * kLanes);
       rows == Order::kForward ? walk.Down() : walk.Up();
     }
-    gRunKernels.gatherLanes(runs, kTile, groups, static_cast<std::size_t>(n));
+    gRunKernels.gatherLanes(runs, kTile, groups, kLanes, static_cast<std::size_t>(n));
     for (std::int32_t lane = 0; lane < lanes; ++lane) {
-      WriteRun(result, x, firstRow + lane * rowStep, n, runs + lane * kTile);
+      std::uint8_t* const run = reinterpret_cast<std::uint8_t*>(runs + lane * kTile);
+      convert(run, run, static_cast<std::size_t>(n));
+      WriteStored(result, x, firstRow + lane * rowStep, n, runs + lane * kTile);
     }
   }
 }

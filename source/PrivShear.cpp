@@ -66,6 +66,9 @@ struct Line {
   bool cut = false;
   std::uint32_t fraction = 0;
 
+  // Whether any pixel of the line shows, be it only the last one's share in the edge.
+  bool Shows() const { return begin < end || (cut && fraction > 0); }
+
   // The first pixel of the source that is needed.
   std::int32_t Origin() const { return cut ? first - 1 : first; }
 };
@@ -98,86 +101,142 @@ std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame&
 void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
               const Line& line, const Frame& frame) {
   FillRun(result, 0, y, line.begin, frame.pixel);
-  std::uint32_t before;
-  ReadRun(source, line.Origin(), sourceRow, 1, &before);
-  if (!line.cut) before = frame.Beside(before);
-  std::uint32_t pixels[kChunk];
-  for (std::int32_t x = line.begin; x < line.end; x += kChunk) {
-    const std::int32_t n = std::min(kChunk, line.end - x);
-    ReadRun(source, line.first + (x - line.begin), sourceRow, n, pixels);
-    const std::uint32_t last = pixels[n - 1];
-    gRunKernels.blendRun(pixels, pixels, before, line.fraction, static_cast<std::size_t>(n));
-    WriteRun(result, x, y, n, pixels);
-    before = last;
+  const std::int32_t shown = line.end - line.begin;
+  if (shown > 0) {
+    std::uint32_t before;
+    ReadRun(source, line.Origin(), sourceRow, 1, &before);
+    if (!line.cut) before = frame.Beside(before);
+    BlendRun({result, line.begin, y}, {source, line.first, sourceRow}, shown, before, line.fraction);
   }
   std::int32_t x = line.end;
-  if (line.fraction > 0 && x < result.width) FillRun(result, x++, y, 1, EdgePixel(before, line.fraction, frame));
+  if (line.fraction > 0 && x < result.width) {
+    std::uint32_t last;
+    ReadRun(source, line.first + shown - 1, sourceRow, 1, &last);
+    FillRun(result, x++, y, 1, EdgePixel(last, line.fraction, frame));
+  }
   FillRun(result, x, y, result.width - x, frame.pixel);
 }
 
 // ---------------------------------------------------------------------------------------------------------- columns
-
-// Columns x to x + lanes - 1 of a picture, row by row from `firstRow` down. Each row is read once, and the last
-// kRowsKept stay at hand: the columns of a strip need rows that are up to kLanes + 1 apart.
-class Strip {
- public:
-  static constexpr std::int32_t kRowsKept = 32;
-
-  Strip(const LMX_Picture& picture, std::int32_t x, std::int32_t lanes, std::int32_t firstRow)
-      : picture_(picture), x_(x), lanes_(lanes), next_(firstRow), walk_(picture, firstRow) {}
-
-  const std::uint32_t* Row(std::int32_t r) {
-    for (; next_ <= r; ++next_, walk_.Down()) ReadRun(picture_, x_, walk_.Row(), lanes_, rows_[next_ % kRowsKept]);
-    return rows_[r % kRowsKept];
-  }
-
- private:
-  const LMX_Picture& picture_;
-  std::int32_t x_;
-  std::int32_t lanes_;
-  std::int32_t next_;
-  ColumnWalk walk_;
-  std::uint32_t rows_[kRowsKept][kLanes];
-};
 
 void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t lanes, const Frame& frame) {
   ColumnWalk walk(result, 0);
   for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) FillRun(result, x, walk.Row(), lanes, frame.pixel);
 }
 
+// Neighbouring columns are turned into runs, kRows rows at a time, and blended along themselves. The columns of a strip
+// are displaced by up to kLanes pixels against each other, so that kApart rows of the piece before stay at hand.
+constexpr std::int32_t kRows = 64;
+constexpr std::int32_t kApart = 32;
+static_assert(kApart >= kLanes + 2);
+
+// Columns of a picture as runs of stored pixels: the rows that were read last, and kApart before them.
+class ColumnRuns {
+ public:
+  // Reading starts at row `first`.
+  ColumnRuns(const LMX_Picture& picture, std::int32_t x, std::int32_t lanes, std::int32_t first)
+      : picture_(picture), x_(x), lanes_(lanes), next_(first), walk_(picture, first) {}
+
+  // Reads the next n <= kRows rows.
+  void Read(std::int32_t n) {
+    std::uint32_t groups[kRows * kLanes] = {};
+    for (std::int32_t i = 0; i < n; ++i, walk_.Down()) {
+      ReadStored(picture_, x_, walk_.Row(), lanes_, groups + i * kLanes);
+    }
+    for (auto& run : runs_) std::copy_n(run + count_, kApart, run);
+    gRunKernels.gatherLanes(runs_[0] + kApart, kApart + kRows, groups, kLanes, static_cast<std::size_t>(n));
+    next_ += n;
+    count_ = n;
+  }
+
+  // Row `r` of a column; the following rows come behind it.
+  const std::uint8_t* At(std::int32_t lane, std::int32_t r) const {
+    return reinterpret_cast<const std::uint8_t*>(runs_[lane] + (r - next_ + count_ + kApart));
+  }
+  // The same pixel as a working one.
+  std::uint32_t PixelAt(std::int32_t lane, std::int32_t r) const { return picture_.ReadPixel(At(lane, r)); }
+
+ private:
+  const LMX_Picture& picture_;
+  std::int32_t x_;
+  std::int32_t lanes_;
+  std::int32_t next_;       // the row that is read next
+  std::int32_t count_ = 0;  // rows of the last piece
+  ColumnWalk walk_;
+  std::uint32_t runs_[kLanes][kApart + kRows] = {};
+};
+
+// A working pixel as a picture stores it.
+std::uint32_t Stored(const LMX_Picture& picture, std::uint32_t working) {
+  std::uint32_t stored = 0;
+  picture.WritePixel(reinterpret_cast<std::uint8_t*>(&stored), working);
+  return stored;
+}
+
+// Rows y to y + n - 1 of one column of the result, as it stores them.
+void ShearPiece(const LMX_Picture& source, const ColumnRuns& columns, const LMX_Picture& result, std::int32_t lane,
+                const Line& line, std::int32_t y, std::int32_t n, const Frame& frame, std::uint32_t* pixels) {
+  const std::int32_t begin = std::clamp(line.begin, y, y + n);
+  const std::int32_t end = std::clamp(line.end, y, y + n);
+  const std::int32_t shift = line.first - line.begin;  // from rows of the result to rows of the source
+  const std::uint32_t frameStored = Stored(result, frame.pixel);
+  std::fill_n(pixels, begin - y, frameStored);
+  if (begin < end) {
+    const bool isFirst = begin == line.begin && !line.cut;
+    const std::uint32_t before =
+        isFirst ? frame.Beside(columns.PixelAt(lane, begin + shift)) : columns.PixelAt(lane, begin + shift - 1);
+    gRunKernels.blend[FormOf(source)][FormOf(result)](reinterpret_cast<std::uint8_t*>(pixels + (begin - y)),
+                                                      columns.At(lane, begin + shift), before, line.fraction,
+                                                      static_cast<std::size_t>(end - begin));
+  }
+  std::fill(pixels + (end - y), pixels + n, frameStored);
+  if (line.fraction > 0 && line.end >= y && line.end < y + n) {
+    pixels[line.end - y] = Stored(result, EdgePixel(columns.PixelAt(lane, line.end + shift - 1), line.fraction, frame));
+  }
+}
+
 // Makes columns x to x + lanes - 1 of the result from the same number of the source's, from `sourceX` on.
 void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result, std::int32_t x,
                   std::int32_t lanes, const Line* lines, const Frame& frame) {
-  std::int32_t origin = lines[0].Origin();
-  for (std::int32_t i = 1; i < lanes; ++i) origin = std::min(origin, lines[i].Origin());
-  Strip strip(source, sourceX, lanes, origin);
-
-  std::uint32_t before[kLanes];
-  std::uint32_t fractions[kLanes];
-  for (std::int32_t i = 0; i < lanes; ++i) {
-    before[i] = strip.Row(lines[i].Origin())[i];
-    if (!lines[i].cut) before[i] = frame.Beside(before[i]);
-    fractions[i] = lines[i].fraction;
+  // Rows of the result that are not all frame, the first row of the source that is needed, and the first that the row
+  // at `top` does not need.
+  std::int32_t top = result.height;
+  std::int32_t bottom = 0;
+  for (const Line* line = lines; line < lines + lanes; ++line) {
+    if (!line->Shows()) continue;
+    top = std::min(top, line->begin);
+    bottom = std::max(bottom, std::min(line->end + 1, result.height));
+  }
+  if (bottom == 0) return FillColumns(result, x, lanes, frame);
+  std::int32_t origin = source.height;
+  std::int32_t ahead = 0;
+  for (const Line* line = lines; line < lines + lanes; ++line) {
+    if (!line->Shows()) continue;
+    origin = std::min(origin, line->Origin());
+    ahead = std::max(ahead, line->first - line->begin + top);
   }
 
   ColumnWalk walk(result, 0);
-  for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) {
-    std::uint32_t pixels[kLanes];
-    std::uint32_t blended[kLanes];
+  const auto fillRows = [&](std::int32_t from, std::int32_t to) {
+    for (std::int32_t y = from; y < to; ++y, walk.Down()) FillRun(result, x, walk.Row(), lanes, frame.pixel);
+  };
+  fillRows(0, top);
+  ColumnRuns columns(source, sourceX, lanes, origin);
+  columns.Read(ahead - origin);
+  std::uint32_t stored[kLanes * kRows] = {};
+  std::uint32_t groups[kRows * kLanes];
+  for (std::int32_t y = top; y < bottom; y += kRows) {
+    const std::int32_t n = std::min(kRows, bottom - y);
+    columns.Read(kRows);
     for (std::int32_t i = 0; i < lanes; ++i) {
-      const Line& line = lines[i];
-      pixels[i] = y >= line.begin && y < line.end ? strip.Row(line.first + (y - line.begin))[i] : before[i];
+      ShearPiece(source, columns, result, i, lines[i], y, n, frame, stored + i * kRows);
     }
-    gRunKernels.blendLanes(blended, pixels, before, fractions, static_cast<std::size_t>(lanes));
-    for (std::int32_t i = 0; i < lanes; ++i) {
-      const Line& line = lines[i];
-      if (y >= line.begin && y < line.end) continue;
-      const bool edge = y == line.end && line.fraction > 0;
-      blended[i] = edge ? EdgePixel(before[i], line.fraction, frame) : frame.pixel;
+    gRunKernels.scatterLanes(groups, kLanes, stored, kRows, static_cast<std::size_t>(n));
+    for (std::int32_t i = 0; i < n; ++i, walk.Down()) {
+      WriteStored(result, x, walk.Row(), lanes, groups + i * kLanes);
     }
-    std::copy_n(pixels, lanes, before);
-    WriteRun(result, x, walk.Row(), lanes, blended);
   }
+  fillRows(bottom, result.height);
 }
 
 // Whether no row of a buffer is missing, so that a walk down any column passes every row.

@@ -22,7 +22,6 @@
 #include "LMX_Selection.h"
 #include "LMX_Yield.h"
 #include "TPQ_Errors.h"
-#include "kernels/RunKernels.h"
 
 namespace {
 
@@ -45,21 +44,15 @@ std::int32_t Scale(double factor) {
   return WrappedToInt(static_cast<std::int64_t>(TruncatedToInt(factor)) * 1024);
 }
 
-// Columns x0 to x1 - 1 of a row. `by` is nil where nothing is adjusted.
+// Columns x0 to x1 - 1 of a row. `by` is nil where nothing is adjusted. A negative of what was adjusted needs its colours
+// only: a buffer keeps them, and in a context it is clear whatever they are.
 void AdjustColumns(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y, std::int32_t x0,
                    std::int32_t x1, const HSVAdjustment* by, bool negative) {
-  if (!by && !negative) {
-    CopyRun({destination, x0, y}, {source, x0, y}, x1 - x0);
-    return;
-  }
-  std::uint32_t pixels[kChunk];
-  for (std::int32_t x = x0; x < x1; x += kChunk) {
-    const std::int32_t n = std::min(kChunk, x1 - x);
-    ReadRun(source, x, y, n, pixels);
-    if (by) gRunKernels.adjustHSV(pixels, by, static_cast<std::size_t>(n));
-    if (negative) gRunKernels.negative(pixels, static_cast<std::size_t>(n));
-    WriteRun(destination, x, y, n, pixels);
-  }
+  const PixelPosition from = {source, x0, y}, to = {destination, x0, y};
+  const std::int32_t n = x1 - x0;
+  if (by) AdjustRun(to, from, n, *by);
+  if (negative) NegateRun(to, by ? to : from, n);
+  if (!by && !negative) CopyRun(to, from, n);
 }
 
 // The hue in degrees of a colour, with the arithmetic of doubles: -1 for black, NaN for another grey.
@@ -162,12 +155,7 @@ void PrivGetAverageHSV(LMX_Picture& source, int left, int top, int width, int he
   HSVSums sums = {};
   YieldPace pace(yield);
   for (std::int32_t y = selection.y0; y <= selection.y1; ++y) {
-    std::uint32_t pixels[kChunk];
-    for (std::int32_t x = selection.x0; x <= selection.x1; x += kChunk) {
-      const std::int32_t n = std::min(kChunk, selection.x1 - x + 1);
-      ReadRun(source, x, y, n, pixels);
-      gRunKernels.sumHSV(&sums, pixels, static_cast<std::size_t>(n));
-    }
+    SumRun({source, selection.x0, y}, selection.Width(), &sums);
     pace.EndLines(1, selection.Width());
   }
   const double hue = HueOf(selection.Mean(sums.rgb.red), selection.Mean(sums.rgb.green), selection.Mean(sums.rgb.blue));

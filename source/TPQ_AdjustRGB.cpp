@@ -10,13 +10,10 @@
 // 38 selection, 6 no result. Errors of the average: 2, 4, 38 (also of a picture without pixels).
 #include "TPQ_AdjustRGB.h"
 
-#include <algorithm>
-
 #include "LMX_Runs.h"
 #include "LMX_Selection.h"
 #include "LMX_Yield.h"
 #include "TPQ_Errors.h"
-#include "kernels/RunKernels.h"
 
 namespace {
 
@@ -38,13 +35,7 @@ bool AcceptsDeltas(const REALpictureStruct* p, const RGBAdjustment& by) {
 void AdjustRow(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y, const Selection& selection,
                const RGBAdjustment& by) {
   CopyRun({destination, 0, y}, {source, 0, y}, selection.x0);
-  std::uint32_t pixels[kChunk];
-  for (std::int32_t x = selection.x0; x <= selection.x1; x += kChunk) {
-    const std::int32_t n = std::min(kChunk, selection.x1 - x + 1);
-    ReadRun(source, x, y, n, pixels);
-    gRunKernels.adjustRGB(pixels, &by, static_cast<std::size_t>(n));
-    WriteRun(destination, x, y, n, pixels);
-  }
+  AdjustRun({destination, selection.x0, y}, {source, selection.x0, y}, selection.Width(), by);
   const std::int32_t rest = selection.x1 + 1;
   CopyRun({destination, rest, y}, {source, rest, y}, destination.width - rest);
 }
@@ -53,12 +44,7 @@ RGBSums SumSelection(const LMX_Picture& source, const Selection& selection, long
   RGBSums sums = {};
   YieldPace pace(yield);
   for (std::int32_t y = selection.y0; y <= selection.y1; ++y) {
-    std::uint32_t pixels[kChunk];
-    for (std::int32_t x = selection.x0; x <= selection.x1; x += kChunk) {
-      const std::int32_t n = std::min(kChunk, selection.x1 - x + 1);
-      ReadRun(source, x, y, n, pixels);
-      gRunKernels.sumRGB(&sums, pixels, static_cast<std::size_t>(n));
-    }
+    SumRun({source, selection.x0, y}, selection.Width(), &sums);
     pace.EndLines(1, selection.Width());
   }
   return sums;

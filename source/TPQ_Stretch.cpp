@@ -36,35 +36,48 @@ Units UnitsFor(std::int32_t from, std::int32_t to) {
   return {perSource, perSource * static_cast<std::uint32_t>(from) / static_cast<std::uint32_t>(to)};
 }
 
-// A pass works on up to kLanes neighbouring lines side by side, since all of them share the same units. Readers give the
-// next pixel of each line, writers take one for each.
+// A pass works on neighbouring lines side by side, since all of them share the same units. A group is one pixel of each
+// of these lines; readers give the next groups, writers take one after the other.
+
+// Lines of a column pass: a piece of a row long enough to be worth the walk from row to row.
+constexpr std::int32_t kColumns = 128;
 
 class ColumnReader {
  public:
-  ColumnReader(const LMX_Picture& picture, std::int32_t x, std::int32_t lanes)
-      : picture_(picture), x_(x), lanes_(lanes), walk_(picture, 0) {}
+  static constexpr std::int32_t kMostLines = kColumns;
 
-  const std::uint32_t* Next() {
-    ReadRun(picture_, x_, walk_.Row(), lanes_, pixels_);
+  ColumnReader(const LMX_Picture& picture, std::int32_t x, std::int32_t lines)
+      : picture_(picture), x_(x), lines_(lines), walk_(picture, 0) {}
+
+  // The next groups, 1 to `atMost`. They stay until the next call.
+  const std::uint32_t* Next(std::uint32_t /*atMost*/, std::uint32_t* count) {
+    std::uint32_t* const group = groups_[turn_ ^= 1];
+    ReadRun(picture_, x_, walk_.Row(), lines_, group);
     walk_.Down();
-    return pixels_;
+    *count = 1;
+    return group;
   }
+  // The group before the one that came last.
+  const std::uint32_t* Before() const { return groups_[turn_ ^ 1]; }
 
  private:
   const LMX_Picture& picture_;
   std::int32_t x_;
-  std::int32_t lanes_;
+  std::int32_t lines_;
   ColumnWalk walk_;
-  std::uint32_t pixels_[kLanes];
+  int turn_ = 0;
+  std::uint32_t groups_[2][kColumns];
 };
 
 class ColumnWriter {
  public:
-  ColumnWriter(const LMX_Picture& picture, std::int32_t x, std::int32_t lanes)
-      : picture_(picture), x_(x), lanes_(lanes), walk_(picture, 0) {}
+  ColumnWriter(const LMX_Picture& picture, std::int32_t x, std::int32_t lines)
+      : picture_(picture), x_(x), lines_(lines), walk_(picture, 0) {}
 
-  void Put(const std::uint32_t* pixels) {
-    WriteRun(picture_, x_, walk_.Row(), lanes_, pixels);
+  // Where the next group goes, until it is done.
+  std::uint32_t* Group() { return group_; }
+  void Done() {
+    WriteRun(picture_, x_, walk_.Row(), lines_, group_);
     walk_.Down();
   }
   void Finish() {}
@@ -72,53 +85,68 @@ class ColumnWriter {
  private:
   const LMX_Picture& picture_;
   std::int32_t x_;
-  std::int32_t lanes_;
+  std::int32_t lines_;
   ColumnWalk walk_;
+  std::uint32_t group_[kColumns];
 };
 
-// Rows pass through a tile, so that their pixels come and go in runs.
+// Lines of a row pass. They go through a tile, so that their pixels come and go in runs.
+constexpr std::int32_t kRows = 2 * kLanes;
 constexpr std::int32_t kTile = 64;
 
 class RowReader {
  public:
-  RowReader(const LMX_Picture& picture, std::int32_t y, std::int32_t lanes) : picture_(picture), y_(y), lanes_(lanes) {}
+  static constexpr std::int32_t kMostLines = kRows;
 
-  const std::uint32_t* Next() {
-    const std::int32_t inTile = x_++ % kTile;
-    if (inTile == 0) Fill();
-    return groups_ + inTile * kLanes;
+  RowReader(const LMX_Picture& picture, std::int32_t y, std::int32_t lines) : picture_(picture), y_(y), lines_(lines) {}
+
+  const std::uint32_t* Next(std::uint32_t atMost, std::uint32_t* count) {
+    if (next_ == kTile) Fill();
+    *count = std::min<std::uint32_t>(atMost, kTile - next_);
+    const std::uint32_t* const groups = tile_[1 + next_];
+    next_ += *count;
+    return groups;
   }
+  const std::uint32_t* Before() const { return tile_[next_ - 1]; }
 
  private:
   void Fill() {
-    std::uint32_t runs[kLanes * kTile] = {};
-    for (std::int32_t lane = 0; lane < lanes_; ++lane) {
-      ReadRun(picture_, x_ - 1, y_ + lane, kTile, runs + lane * kTile);
+    std::copy_n(tile_[kTile], kRows, tile_[0]);
+    for (std::int32_t first = 0; first < lines_; first += kLanes) {
+      std::uint32_t runs[kLanes * kTile] = {};
+      for (std::int32_t i = 0; i < std::min(kLanes, lines_ - first); ++i) {
+        ReadRun(picture_, x_, y_ + first + i, kTile, runs + i * kTile);
+      }
+      gRunKernels.scatterLanes(tile_[1] + first, kRows, runs, kTile, kTile);
     }
-    gRunKernels.scatterLanes(groups_, runs, kTile, kTile);
+    x_ += kTile;
+    next_ = 0;
   }
 
   const LMX_Picture& picture_;
   std::int32_t y_;
-  std::int32_t lanes_;
+  std::int32_t lines_;
   std::int32_t x_ = 0;
-  std::uint32_t groups_[kTile * kLanes];
+  std::uint32_t next_ = kTile;
+  std::uint32_t tile_[1 + kTile][kRows];  // the last group of the tile before comes first
 };
 
 class RowWriter {
  public:
-  RowWriter(const LMX_Picture& picture, std::int32_t y, std::int32_t lanes) : picture_(picture), y_(y), lanes_(lanes) {}
+  RowWriter(const LMX_Picture& picture, std::int32_t y, std::int32_t lines) : picture_(picture), y_(y), lines_(lines) {}
 
-  void Put(const std::uint32_t* pixels) {
-    std::copy_n(pixels, kLanes, groups_ + inTile_ * kLanes);
+  std::uint32_t* Group() { return tile_[inTile_]; }
+  void Done() {
     if (++inTile_ == kTile) Finish();
   }
 
   void Finish() {
-    std::uint32_t runs[kLanes * kTile];
-    gRunKernels.gatherLanes(runs, kTile, groups_, static_cast<std::size_t>(inTile_));
-    for (std::int32_t lane = 0; lane < lanes_; ++lane) {
-      WriteRun(picture_, x_, y_ + lane, inTile_, runs + lane * kTile);
+    for (std::int32_t first = 0; first < lines_; first += kLanes) {
+      std::uint32_t runs[kLanes * kTile];
+      gRunKernels.gatherLanes(runs, kTile, tile_[0] + first, kRows, static_cast<std::size_t>(inTile_));
+      for (std::int32_t i = 0; i < std::min(kLanes, lines_ - first); ++i) {
+        WriteRun(picture_, x_, y_ + first + i, inTile_, runs + i * kTile);
+      }
     }
     x_ += inTile_;
     inTile_ = 0;
@@ -127,32 +155,49 @@ class RowWriter {
  private:
   const LMX_Picture& picture_;
   std::int32_t y_;
-  std::int32_t lanes_;
+  std::int32_t lines_;
   std::int32_t x_ = 0;
   std::int32_t inTile_ = 0;
-  std::uint32_t groups_[kTile * kLanes];
+  std::uint32_t tile_[kTile][kRows] = {};
 };
 
-// The destination never takes more units than the source has, so that a line is not used up before its end.
+// Makes `length` groups. The destination never takes more units than the source has, so that a line is not used up before
+// its end.
 template <class Reader, class Writer>
-void StretchLines(Reader&& reader, Writer&& writer, const Units& units, std::int32_t length, std::size_t lanes) {
-  const std::uint32_t* pixels = nullptr;
-  std::uint32_t remaining = 0;  // units of `pixels` that are still to be taken
+void StretchLines(Reader&& reader, Writer&& writer, const Units& units, std::int32_t length, std::size_t lines) {
+  const std::uint32_t* group = nullptr;
+  std::uint32_t remaining = 0;  // units of `group` that are still to be taken
+  std::uint32_t count;
   for (std::int32_t i = 0; i < length; ++i) {
-    CoverageSums sums = {};
-    for (std::uint32_t need = units.perDestination; need > 0;) {
-      if (remaining == 0) {
-        pixels = reader.Next();
-        remaining = units.perSource;
-      }
-      const std::uint32_t take = std::min(remaining, need);
-      gRunKernels.addCoverage(&sums, pixels, take, lanes);
-      remaining -= take;
-      need -= take;
+    if (remaining == 0) {
+      group = reader.Next(1, &count);
+      remaining = units.perSource;
     }
-    std::uint32_t averages[kLanes] = {};
-    gRunKernels.averageCoverage(averages, &sums, units.perDestination, lanes);
-    writer.Put(averages);
+    if (remaining >= units.perDestination) {  // all from one pixel, which is its own average
+      std::copy_n(group, lines, writer.Group());
+      remaining -= units.perDestination;
+    } else if (std::uint32_t need = units.perDestination - remaining; need <= units.perSource) {
+      group = reader.Next(1, &count);
+      gRunKernels.mix(writer.Group(), reader.Before(), group, need, units.perDestination, lines);
+      remaining = units.perSource - need;
+    } else {
+      std::uint32_t sums[4 * Reader::kMostLines];
+      std::fill_n(sums, 4 * lines, 0);
+      gRunKernels.addCoverage(sums, group, 0, 1, remaining, lines);
+      while (need >= units.perSource) {
+        const std::uint32_t* const whole = reader.Next(need / units.perSource, &count);
+        gRunKernels.addCoverage(sums, whole, Reader::kMostLines, count, units.perSource, lines);
+        need -= count * units.perSource;
+      }
+      remaining = 0;
+      if (need > 0) {
+        group = reader.Next(1, &count);
+        gRunKernels.addCoverage(sums, group, 0, 1, need, lines);
+        remaining = units.perSource - need;
+      }
+      gRunKernels.averageCoverage(writer.Group(), sums, units.perDestination, lines);
+    }
+    writer.Done();
   }
   writer.Finish();
 }
@@ -164,10 +209,9 @@ void Pass(const LMX_Picture& source, const LMX_Picture& destination, std::int32_
   const Units units = UnitsFor(from, to);
   YieldPace pace(yield);
   for (std::int32_t line = 0; line < lines;) {
-    const std::int32_t lanes = pace.BeginLines(to, std::min(kLanes, lines - line));
-    StretchLines(Reader(source, line, lanes), Writer(destination, line, lanes), units, to,
-                 static_cast<std::size_t>(lanes));
-    line += lanes;
+    const std::int32_t n = pace.BeginLines(to, std::min(Reader::kMostLines, lines - line));
+    StretchLines(Reader(source, line, n), Writer(destination, line, n), units, to, static_cast<std::size_t>(n));
+    line += n;
   }
 }
 

@@ -30,6 +30,20 @@ struct RGBAdjustment {
   int32_t blue;
 };
 
+/// Sums over pixels; 32 bits wide, and they wrap.
+struct RGBSums {
+  uint32_t red;
+  uint32_t green;
+  uint32_t blue;
+};
+
+/// Running sums in the order of the pixels: their last bits are part of the result.
+struct HSVSums {
+  RGBSums rgb;
+  double saturation;  ///< of (max - min) / max, 0 for black
+  double brightness;  ///< of max / 256
+};
+
 struct LMX_Pixel {
   // -------------------------------------------------------------------------------------------------------- channels
 
@@ -160,6 +174,47 @@ struct LMX_Pixel {
   LMX_EXPAND static uint32_t Blend(uint32_t pixel, uint32_t before, uint32_t fraction) {
     return Pack(BlendChannel(Alpha(pixel), Alpha(before), fraction), BlendChannel(Red(pixel), Red(before), fraction),
                 BlendChannel(Green(pixel), Green(before), fraction), BlendChannel(Blue(pixel), Blue(before), fraction));
+  }
+
+  // -------------------------------------------------------------------------------------------------------- box filter
+
+  /// The average of two pixels of which `units` units are taken, `ofSecond` of them from the second.
+  LMX_EXPAND static uint32_t Mix(uint32_t first, uint32_t second, uint32_t ofSecond, uint32_t units) {
+    uint32_t sums[4] = {};
+    AddCoverage(sums, first, units - ofSecond);
+    AddCoverage(sums, second, ofSecond);
+    return AverageCoverage(sums, units);
+  }
+
+  /// Adds `units` times each channel to the four sums of a box, which are in the order of the pixel's bytes.
+  LMX_EXPAND static void AddCoverage(uint32_t* sums, uint32_t pixel, uint32_t units) {
+    sums[0] += Blue(pixel) * units;
+    sums[1] += Green(pixel) * units;
+    sums[2] += Red(pixel) * units;
+    sums[3] += Alpha(pixel) * units;
+  }
+
+  LMX_EXPAND static uint32_t AverageCoverage(const uint32_t* sums, uint32_t units) {
+    return Pack(sums[3] / units, sums[2] / units, sums[1] / units, sums[0] / units);
+  }
+
+  // ------------------------------------------------------------------------------------------------------------- sums
+
+  LMX_EXPAND static void AddRGB(RGBSums* sums, uint32_t pixel) {
+    sums->red += Red(pixel);
+    sums->green += Green(pixel);
+    sums->blue += Blue(pixel);
+  }
+
+  LMX_EXPAND static void AddHSV(HSVSums* sums, uint32_t pixel) {
+    AddRGB(&sums->rgb, pixel);
+    const int32_t red = static_cast<int32_t>(Red(pixel));
+    const int32_t green = static_cast<int32_t>(Green(pixel));
+    const int32_t blue = static_cast<int32_t>(Blue(pixel));
+    const int32_t max = Max(red, Max(green, blue));
+    const int32_t min = Min(red, Min(green, blue));
+    if (max != 0) sums->saturation += static_cast<double>(max - min) / max;
+    sums->brightness += max * 0.00390625;
   }
 
   LMX_EXPAND static int32_t Max(int32_t a, int32_t b) { return a > b ? a : b; }

@@ -8,7 +8,8 @@
 //   - n may be 0; nothing has to be aligned;
 //   - exactly n pixels of each run are read or written, nothing beyond;
 //   - the runs must not overlap.
-// Stored runs are in one of the two forms of LMX_Pixel.h; working runs are arrays of working pixels.
+// Stored runs are in one of the two forms of LMX_Pixel.h; working runs are arrays of working pixels. A kernel from
+// stored to stored pixels comes for each pair of forms: kernel[form of `from`][form of `to`].
 #pragma once
 
 #include <stddef.h>
@@ -16,39 +17,27 @@
 
 #include "LMX_Pixel.h"
 
+#if defined(__i386__) || defined(__x86_64__)
+#define LMX_X86
+#endif
+
 /// How a picture keeps its pixels; the index into the tables below.
 enum StorageForm { kContextForm = 0, kBufferForm = 1, kStorageForms = 2 };
 
-/// Pixels whose lines are worked on side by side: a cache line of pixels in a row, and the edge of a transposing tile.
+/// Neighbouring lines that are turned from columns into runs, or back, together: a cache line of pixels.
 constexpr int kLanes = 16;
 
-/// Sums over pixels; 32 bits wide, and they wrap.
-struct RGBSums {
-  uint32_t red;
-  uint32_t green;
-  uint32_t blue;
-};
-
-/// Running sums in the order of the pixels: their last bits are part of the result.
-struct HSVSums {
-  RGBSums rgb;
-  double saturation;
-  double brightness;
-};
-
-/// Channel sums of a box filter, one set for each lane.
-struct CoverageSums {
-  uint32_t channel[4][kLanes];  // alpha, red, green, blue
-};
-
 struct RunKernels {
+  /// The level's name: "plain", or the instruction set of the highest level that filled in.
+  const char* level;
+
   /// Stored to working pixels.
   void (*read[kStorageForms])(uint32_t* working, const uint8_t* stored, size_t n);
 
   /// Working to stored pixels.
   void (*write[kStorageForms])(uint8_t* stored, const uint32_t* working, size_t n);
 
-  /// Reads and writes in one: copy[form of `from`][form of `to`]. `to` may be `from`.
+  /// Reads and writes in one. `to` may be `from`.
   void (*copy[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
 
   /// The same from right to left: pixel i of `to` becomes pixel n - 1 - i of `from`.
@@ -57,35 +46,38 @@ struct RunKernels {
   /// Stores n copies of the four bytes at `pixel`.
   void (*fill)(uint8_t* stored, const uint8_t* pixel, size_t n);
 
-  /// Turns n groups of kLanes pixels into kLanes runs, `stride` pixels apart: pixel i of run l is pixel l of group i.
-  void (*gatherLanes)(uint32_t* runs, size_t stride, const uint32_t* groups, size_t n);
+  /// Reads, adjusts and writes. `to` may be `from`.
+  void (*adjustHSV[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n);
+  void (*adjustRGB[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n);
+  void (*negative[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
+
+  /// Reads, blends every pixel with the one before it, and writes. `before` is the working pixel before the first;
+  /// `fraction` is the weight of the one before, 0 to 65535.
+  void (*blend[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
+                                              size_t n);
+
+  /// Adds n stored pixels to the sums, in their order.
+  void (*sumRGB[kStorageForms])(RGBSums* sums, const uint8_t* stored, size_t n);
+  void (*sumHSV[kStorageForms])(HSVSums* sums, const uint8_t* stored, size_t n);
+
+  /// Turns n groups of kLanes pixels, `pitch` pixels apart, into kLanes runs, `stride` pixels apart: pixel i of run l is
+  /// pixel l of group i.
+  void (*gatherLanes)(uint32_t* runs, size_t stride, const uint32_t* groups, size_t pitch, size_t n);
 
   /// The way back: kLanes runs into n groups.
-  void (*scatterLanes)(uint32_t* groups, const uint32_t* runs, size_t stride, size_t n);
+  void (*scatterLanes)(uint32_t* groups, size_t pitch, const uint32_t* runs, size_t stride, size_t n);
 
-  /// Blends every pixel with the one before it; `before` is the one before the first. `blended` may be `pixels`.
-  void (*blendRun)(uint32_t* blended, const uint32_t* pixels, uint32_t before, uint32_t fraction, size_t n);
+  /// Box averages of two working runs: (first (units - ofSecond) + second ofSecond) / units in each channel, with
+  /// units of 1 to 32768 and 0 <= ofSecond <= units. `averages` may be either run.
+  void (*mix)(uint32_t* averages, const uint32_t* first, const uint32_t* second, uint32_t ofSecond, uint32_t units,
+              size_t n);
 
-  /// Blends pixel by pixel, each with a fraction of its own. `blended` may be `pixels` or `before`.
-  void (*blendLanes)(uint32_t* blended, const uint32_t* pixels, const uint32_t* before, const uint32_t* fractions,
-                     size_t n);
+  /// Adds to box sums: `units` (at most 32767) times each channel of `count` working runs, `stride` pixels apart. There
+  /// are four sums a pixel, in the order of its bytes. What is added up in a sum must stay below 255 x 32768.
+  void (*addCoverage)(uint32_t* sums, const uint32_t* runs, size_t stride, size_t count, uint32_t units, size_t n);
 
-  /// Adds `units` times each channel of n <= kLanes pixels to their sums.
-  void (*addCoverage)(CoverageSums* sums, const uint32_t* pixels, uint32_t units, size_t n);
-
-  /// Divides the sums of n <= kLanes pixels by `units` (1 to 32768, at least what was added).
-  void (*averageCoverage)(uint32_t* averages, const CoverageSums* sums, uint32_t units, size_t n);
-
-  /// Adjustments of working pixels in place.
-  void (*adjustHSV)(uint32_t* pixels, const HSVAdjustment* by, size_t n);
-  void (*adjustRGB)(uint32_t* pixels, const RGBAdjustment* by, size_t n);
-  void (*negative)(uint32_t* pixels, size_t n);
-
-  /// Adds the colours of n pixels to the sums.
-  void (*sumRGB)(RGBSums* sums, const uint32_t* pixels, size_t n);
-
-  /// The same, and each pixel's saturation (max - min) / max and brightness max / 256, in order.
-  void (*sumHSV)(HSVSums* sums, const uint32_t* pixels, size_t n);
+  /// Divides the box sums of n pixels by `units` (1 to 32768, at least what was added to each).
+  void (*averageCoverage)(uint32_t* averages, const uint32_t* sums, uint32_t units, size_t n);
 };
 
 /// The kernels in use.
@@ -96,3 +88,7 @@ void SelectRunKernels();
 
 /// The levels, each on top of the one before.
 void FillPlain(RunKernels* kernels);
+#ifdef LMX_X86
+void FillSse2(RunKernels* kernels);
+void FillAvx2(RunKernels* kernels);
+#endif

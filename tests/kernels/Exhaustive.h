@@ -23,6 +23,13 @@ inline bool SameRun(const Pixels& inputs, const Pixels& expected, const Pixels& 
   return true;
 }
 
+inline std::uint8_t* Bytes(Pixels& run) {
+  return reinterpret_cast<std::uint8_t*>(run.data());
+}
+inline const std::uint8_t* Bytes(const Pixels& run) {
+  return reinterpret_cast<const std::uint8_t*>(run.data());
+}
+
 /// Collects the pixels of a domain into runs, and compares what every level makes of a run with the definition of its
 /// pixels: apply(kernels, out, in), define(pixel).
 template <class Apply, class Define>

@@ -12,13 +12,6 @@ namespace {
 
 using definition::Form;
 
-std::uint8_t* Bytes(Pixels& run) {
-  return reinterpret_cast<std::uint8_t*>(run.data());
-}
-const std::uint8_t* Bytes(const Pixels& run) {
-  return reinterpret_cast<const std::uint8_t*>(run.data());
-}
-
 // Every channel value with every alpha, in all three places: once beside random channels, once beside well-formed ones.
 template <class Domain>
 void AddChannelsAndAlphas(Domain& domain) {
@@ -100,12 +93,9 @@ TEST(AllChannelsAndAlphas, Copies) {
 }
 
 TEST(AllChannelsAndAlphas, Negative) {
-  Domain domain(
-      [](const RunKernels& k, Pixels& out, const Pixels& in) {
-        out = in;
-        k.negative(out.data(), out.size());
-      },
-      [](std::uint32_t pixel) { return 0xFFFFFF - pixel % 0x1000000; });
+  Domain domain([](const RunKernels& k, Pixels& out,
+                   const Pixels& in) { k.negative[kBufferForm][kBufferForm](Bytes(out), Bytes(in), out.size()); },
+                [](std::uint32_t pixel) { return 0x7FFFFFFF - pixel % 0x1000000; });
   AddChannelsAndAlphas(domain);
 }
 
@@ -117,12 +107,14 @@ TEST_P(AllColours, AdjustHSV) {
   const HSVAdjustment by = GetParam();
   Domain domain(
       [=](const RunKernels& k, Pixels& out, const Pixels& in) {
-        out = in;
-        k.adjustHSV(out.data(), &by, out.size());
+        k.adjustHSV[kBufferForm][kBufferForm](Bytes(out), Bytes(in), &by, out.size());
       },
-      [=](std::uint32_t pixel) { return plain::AdjustHSV(pixel, by.hueShift, by.saturationScale, by.valueScale); });
+      [=](std::uint32_t pixel) {
+        const std::uint32_t transparency = pixel & 0xFF000000;
+        return transparency | (plain::AdjustHSV(pixel, by.hueShift, by.saturationScale, by.valueScale) & 0xFFFFFF);
+      });
   for (std::uint32_t colour = 0; colour < 1 << 24; ++colour) {
-    if (!domain.Add(colour * 2654435761u << 24 | colour)) return;
+    if (!domain.Add((colour * 2654435761u << 24 & 0x7F000000) | colour)) return;
   }
 }
 
@@ -152,7 +144,7 @@ TEST(AllShifts, AdjustHSV) {
     }
     for (const NamedKernels& level : levels) {
       Pixels actual = colours;
-      level.kernels.adjustHSV(actual.data(), &by, actual.size());
+      level.kernels.adjustHSV[kBufferForm][kBufferForm](Bytes(actual), Bytes(actual), &by, actual.size());
       ASSERT_TRUE(SameRun(colours, expected, actual, level.level)) << "shift " << shift;
     }
   }
@@ -164,7 +156,7 @@ TEST(AllChannelsAndDeltas, AdjustRGB) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels inputs(256 * 3);
   for (std::uint32_t i = 0; i < inputs.size(); ++i) {
-    inputs[i] = i * 77 << 24 | (i % 256) << 16 | (i * 3 + 1) % 256 << 8 | (255 - i % 256);
+    inputs[i] = (i * 77 << 24 & 0x7F000000) | (i % 256) << 16 | (i * 3 + 1) % 256 << 8 | (255 - i % 256);
   }
   for (std::int32_t delta = -255; delta <= 255; ++delta) {
     const RGBAdjustment by = {delta, -delta, delta > 0 ? delta - 255 : delta + 255};
@@ -172,7 +164,7 @@ TEST(AllChannelsAndDeltas, AdjustRGB) {
     for (const std::uint32_t pixel : inputs) expected.push_back(plain::AdjustRGB(pixel, by.red, by.green, by.blue));
     for (const NamedKernels& level : levels) {
       Pixels actual = inputs;
-      level.kernels.adjustRGB(actual.data(), &by, actual.size());
+      level.kernels.adjustRGB[kBufferForm][kBufferForm](Bytes(actual), Bytes(actual), &by, actual.size());
       ASSERT_TRUE(SameRun(inputs, expected, actual, level.level)) << "delta " << delta;
     }
   }

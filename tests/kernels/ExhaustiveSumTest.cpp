@@ -24,48 +24,63 @@ std::vector<std::uint32_t> ManyFractions() {
   return fractions;
 }
 
+// What a kernel makes of pairs of pixels: each second pixel of the run follows the one that it is blended with.
+void BlendPairs(const NamedKernels& level, StorageForm form, const Pixels& pixels, const Pixels& before,
+                std::uint32_t fraction, Pixels* actual) {
+  Pixels pairs, blended(2 * pixels.size());
+  for (std::size_t i = 0; i < pixels.size(); ++i) pairs.insert(pairs.end(), {before[i], pixels[i]});
+  level.kernels.blend[form][form](Bytes(blended), Bytes(pairs), 0, fraction, pairs.size());
+  for (std::size_t i = 0; i < pixels.size(); ++i) (*actual)[i] = blended[2 * i + 1];
+}
+
 // Every channel with every channel before it: pixel i has i % 256 in its channels, the one before i / 256, in places
-// that change with the fraction.
-TEST(AllChannelsAndChannelsBefore, Blends) {
+// that change with the fraction. Opaque pixels, which buffers keep as they are.
+TEST(AllChannelsAndChannelsBefore, Blend) {
   const std::vector<NamedKernels> levels = LevelsHere();
-  Pixels pixels(65536), before(65536), fractions(65536), expected(65536), actual(65536);
+  Pixels pixels(65536), before(65536), expected(65536), actual(65536);
   for (const std::uint32_t fraction : ManyFractions()) {
     for (std::uint32_t i = 0; i < 65536; ++i) {
       const std::uint32_t rotated = (i + fraction * 13) % 65536;
-      pixels[i] = i % 256 * 0x00010001 | rotated % 256 * 0x01000100;
-      before[i] = i / 256 * 0x00010001 | rotated / 256 * 0x01000100;
-      fractions[i] = fraction;
+      pixels[i] = i % 256 * 0x00010001 | rotated % 256 * 0x00000100;
+      before[i] = i / 256 * 0x00010001 | rotated / 256 * 0x00000100;
       expected[i] = plain::Blend(pixels[i], before[i], fraction);
     }
     for (const NamedKernels& level : levels) {
-      level.kernels.blendLanes(actual.data(), pixels.data(), before.data(), fractions.data(), actual.size());
-      ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "lanes, fraction " << fraction;
-      // The same pairs in a run: each pixel follows the one that it is blended with.
-      Pixels pairs(2 * 65536), blended(2 * 65536);
-      for (std::size_t i = 0; i < 65536; ++i) pairs[2 * i] = before[i], pairs[2 * i + 1] = pixels[i];
-      level.kernels.blendRun(blended.data(), pairs.data(), 0, fraction, pairs.size());
-      for (std::size_t i = 0; i < 65536; ++i) actual[i] = blended[2 * i + 1];
-      ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "run, fraction " << fraction;
+      BlendPairs(level, kBufferForm, pixels, before, fraction, &actual);
+      ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "fraction " << fraction;
     }
   }
 }
 
-TEST(AllFractions, Blends) {
-  constexpr std::uint32_t kEdges[] = {0, 1, 2, 127, 128, 254, 255};
+// Every alpha with every alpha before it, without a colour: in a context the alpha alone, in the lowest byte.
+TEST(AllAlphasAndAlphasBefore, Blend) {
   const std::vector<NamedKernels> levels = LevelsHere();
-  Pixels pixels, before, fractions(65536 / 64);
-  for (const std::uint32_t a : kEdges) {
-    for (const std::uint32_t b : kEdges) {
-      pixels.push_back(a * 0x00010001 | b * 0x01000000 | 0x5500);
-      before.push_back(b * 0x00010001 | a * 0x01000000 | 0xAA00);
+  Pixels pixels(65536), before(65536), expected(65536), actual(65536);
+  for (std::uint32_t i = 0; i < 65536; ++i) pixels[i] = i % 256, before[i] = i / 256;
+  for (const std::uint32_t fraction : ManyFractions()) {
+    for (std::uint32_t i = 0; i < 65536; ++i) expected[i] = plain::Blend(pixels[i], before[i], fraction);
+    for (const NamedKernels& level : levels) {
+      BlendPairs(level, kContextForm, pixels, before, fraction, &actual);
+      ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "fraction " << fraction;
     }
   }
-  Pixels expected(pixels.size()), actual(pixels.size()), same(pixels.size());
+}
+
+TEST(AllFractions, Blend) {
+  constexpr std::uint32_t kEdges[] = {0, 1, 2, 127, 128, 254, 255};
+  const std::vector<NamedKernels> levels = LevelsHere();
+  Pixels pixels, before;
+  for (const std::uint32_t a : kEdges) {
+    for (const std::uint32_t b : kEdges) {
+      pixels.push_back(a * 0x00010001 | 0x5500);
+      before.push_back(b * 0x00010001 | 0xAA00);
+    }
+  }
+  Pixels expected(pixels.size()), actual(pixels.size());
   for (std::uint32_t fraction = 0; fraction < 65536; ++fraction) {
     for (std::size_t i = 0; i < pixels.size(); ++i) expected[i] = plain::Blend(pixels[i], before[i], fraction);
-    same.assign(pixels.size(), fraction);
     for (const NamedKernels& level : levels) {
-      level.kernels.blendLanes(actual.data(), pixels.data(), before.data(), same.data(), actual.size());
+      BlendPairs(level, kBufferForm, pixels, before, fraction, &actual);
       ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "fraction " << fraction;
     }
   }
@@ -76,40 +91,55 @@ TEST(AllFractions, Blends) {
 // Truncation shows at the two ends of each quotient, so these decide: all quotients, all units.
 TEST(AllUnitsAndQuotients, AverageCoverage) {
   const std::vector<NamedKernels> levels = LevelsHere();
-  Pixels expected(kLanes), actual(kLanes);
+  Pixels sums(4 * 256), expected(256), actual(256);
   for (std::uint32_t units = 1; units <= 32768; ++units) {
-    for (std::uint32_t first = 0; first < 256; first += kLanes) {
-      CoverageSums sums;
-      for (std::uint32_t lane = 0; lane < kLanes; ++lane) {
-        const std::uint32_t quotient = first + lane;
-        const std::uint32_t lowest = quotient * units;
-        const std::uint32_t highest = quotient < 255 ? lowest + units - 1 : lowest;
-        sums.channel[0][lane] = sums.channel[2][lane] = lowest;
-        sums.channel[1][lane] = sums.channel[3][lane] = highest;
-        expected[lane] = quotient * 0x01010101;
-      }
-      for (const NamedKernels& level : levels) {
-        level.kernels.averageCoverage(actual.data(), &sums, units, kLanes);
-        ASSERT_TRUE(SameRun(expected, expected, actual, level.level)) << "units " << units;
-      }
+    for (std::uint32_t quotient = 0; quotient < 256; ++quotient) {
+      const std::uint32_t lowest = quotient * units;
+      const std::uint32_t highest = quotient < 255 ? lowest + units - 1 : lowest;
+      for (std::uint32_t k = 0; k < 4; ++k) sums[4 * quotient + k] = k % 2 == 0 ? lowest : highest;
+      expected[quotient] = quotient * 0x01010101;
+    }
+    for (const NamedKernels& level : levels) {
+      level.kernels.averageCoverage(actual.data(), sums.data(), units, actual.size());
+      ASSERT_TRUE(SameRun(expected, expected, actual, level.level)) << "units " << units;
     }
   }
 }
 
 TEST(AllUnitsAndChannels, AddCoverage) {
   const std::vector<NamedKernels> levels = LevelsHere();
-  for (std::uint32_t units = 1; units <= 32768; ++units) {
-    Pixels pixels(kLanes);
-    for (std::uint32_t i = 0; i < kLanes; ++i) pixels[i] = (units * kLanes + i) * 0x9E3779B1u | (i == 5 ? ~0u : 0u);
+  Pixels pixels(32);
+  for (std::uint32_t units = 1; units <= 32767; ++units) {
+    for (std::uint32_t i = 0; i < pixels.size(); ++i) pixels[i] = (units * 32 + i) * 0x9E3779B1u | (i == 5 ? ~0u : 0u);
     for (const NamedKernels& level : levels) {
-      CoverageSums sums;
-      for (auto& channel : sums.channel) std::fill(std::begin(channel), std::end(channel), 1000000000u);
-      level.kernels.addCoverage(&sums, pixels.data(), units, kLanes);
-      for (std::size_t i = 0; i < kLanes; ++i) {
-        for (std::size_t k = 0; k < 4; ++k) {
-          const auto channel = static_cast<std::uint32_t>(plain::Split(pixels[i])[k]);
-          ASSERT_EQ(sums.channel[k][i], 1000000000u + channel * units) << level.level << ", units " << units;
-        }
+      Pixels sums(4 * pixels.size(), 1000000000u);
+      level.kernels.addCoverage(sums.data(), pixels.data(), 0, 1, units, pixels.size());
+      for (std::size_t i = 0; i < sums.size(); ++i) {
+        const std::uint32_t channel = pixels[i / 4] >> (8 * (i % 4)) & 0xFF;
+        ASSERT_EQ(sums[i], 1000000000u + channel * units) << level.level << ", units " << units;
+      }
+    }
+  }
+}
+
+// All distances of two channels with all weights, of units at which the arithmetic changes and of some others.
+TEST(AllDistancesAndWeights, Mix) {
+  const std::vector<NamedKernels> levels = LevelsHere();
+  Pixels first, second;
+  for (std::uint32_t i = 0; i < 256; ++i) {
+    first.push_back(i | 255 << 8 | (255 - i) << 16 | i << 24);
+    second.push_back(0 | i << 8 | 255 << 16 | (255 - i) << 24);
+  }
+  Pixels expected(first.size()), actual(first.size());
+  for (const std::uint32_t units : {32768u, 32767u, 32766u, 32740u, 32704u, 32703u, 20000u, 257u, 3u, 1u}) {
+    const std::uint32_t step = units > 32766 || units < 300 ? 1 : 13;
+    for (std::uint32_t ofSecond = 0; ofSecond <= units; ofSecond += step) {
+      for (std::size_t i = 0; i < first.size(); ++i) {
+        expected[i] = plain::Mix(first[i], second[i], ofSecond, units);
+      }
+      for (const NamedKernels& level : levels) {
+        level.kernels.mix(actual.data(), first.data(), second.data(), ofSecond, units, actual.size());
+        ASSERT_TRUE(SameRun(first, expected, actual, level.level)) << ofSecond << " of " << units;
       }
     }
   }
@@ -126,7 +156,7 @@ TEST(AllMaximaAndMinima, SumHSV) {
       const std::uint32_t places[6][3] = {{max, middle, min}, {max, min, middle}, {middle, max, min},
                                           {min, max, middle}, {middle, min, max}, {min, middle, max}};
       const auto& place = places[(max + min * 5) % 6];
-      pixels.push_back(max << 24 | place[0] << 16 | place[1] << 8 | place[2]);
+      pixels.push_back(max / 2 << 24 | place[0] << 16 | place[1] << 8 | place[2]);
     }
   }
   double saturation = 0, brightness = 0;
@@ -142,7 +172,7 @@ TEST(AllMaximaAndMinima, SumHSV) {
   }
   for (const NamedKernels& level : LevelsHere()) {
     HSVSums sums = {};
-    level.kernels.sumHSV(&sums, pixels.data(), pixels.size());
+    level.kernels.sumHSV[kBufferForm](&sums, Bytes(pixels), pixels.size());
     EXPECT_EQ(std::memcmp(&sums.saturation, &saturation, sizeof saturation), 0)
         << level.level << std::hexfloat << ": expected " << saturation << ", got " << sums.saturation;
     EXPECT_EQ(sums.brightness, brightness) << level.level;
@@ -152,11 +182,32 @@ TEST(AllMaximaAndMinima, SumHSV) {
   }
 }
 
+// Long enough to pass many powers of two, in pieces of all lengths.
+TEST(SaturationSums, AreThoseOfOneTermAfterTheOther) {
+  Random random(7);
+  Pixels pixels(1 << 20);
+  for (std::uint32_t& pixel : pixels) pixel = random.Word() & 0x7FFFFFFF;
+  const RunKernels plainKernels = KernelsOf("plain");
+  for (const NamedKernels& level : LevelsHere()) {
+    HSVSums expected = {}, actual = {};
+    for (std::size_t i = 0; i < pixels.size();) {
+      const std::size_t n = std::min<std::size_t>(1 + random.Below(5000), pixels.size() - i);
+      const auto* const run = reinterpret_cast<const std::uint8_t*>(&pixels[i]);
+      plainKernels.sumHSV[kBufferForm](&expected, run, n);
+      level.kernels.sumHSV[kBufferForm](&actual, run, n);
+      ASSERT_EQ(std::memcmp(&expected.saturation, &actual.saturation, sizeof(double)), 0) << level.level << ", " << i;
+      ASSERT_EQ(expected.brightness, actual.brightness) << level.level << ", " << i;
+      i += n;
+    }
+    EXPECT_GT(actual.saturation, 262144.0);
+  }
+}
+
 TEST(Sums, OfColoursWrap) {
-  const Pixels pixels(1000, 0xFF0102FF);
+  const Pixels pixels(1000, 0xFF0201FF);  // alpha 255, red 1, green 2, blue 255
   for (const NamedKernels& level : LevelsHere()) {
     RGBSums sums = {0xFFFFFFFF, 0x7FFFFFFF, 0xFFFFFF00};
-    level.kernels.sumRGB(&sums, pixels.data(), pixels.size());
+    level.kernels.sumRGB[kContextForm](&sums, Bytes(pixels), pixels.size());
     EXPECT_EQ(sums.red, 999u) << level.level;
     EXPECT_EQ(sums.green, 0x7FFFFFFFu + 2000u) << level.level;
     EXPECT_EQ(sums.blue, 255000u - 256u) << level.level;

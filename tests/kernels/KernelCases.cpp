@@ -1,11 +1,8 @@
 #include "KernelCases.h"
 
 #include <cstring>
-#include <limits>
 
 namespace {
-
-constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 
 std::uint32_t* Out(const KernelCall& call) {
   return static_cast<std::uint32_t*>(call.output);
@@ -51,7 +48,6 @@ KernelCase ReadCase(const char* name) {
           Operand::Pixels,
           false,
           {{kStored<form>, false}},
-          kAnyNumber,
           [](const RunKernels& k, const KernelCall& c) { k.read[form](Out(c), InBytes(c), c.arguments.n); },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) { Out(c)[i] = ReadOne<form>(InBytes(c) + 4 * i); });
@@ -65,25 +61,58 @@ KernelCase WriteCase(const char* name) {
           kStored<form>,
           false,
           {{Operand::Pixels, false}},
-          kAnyNumber,
           [](const RunKernels& k, const KernelCall& c) { k.write[form](OutBytes(c), In(c), c.arguments.n); },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) { WriteOne<form>(OutBytes(c) + 4 * i, In(c)[i]); });
           }};
 }
 
-template <StorageForm from, StorageForm to>
-KernelCase CopyCase(const char* name) {
+// What happens to each pixel between reading and writing, and which slot does it to a run.
+struct Copying {
+  static constexpr std::size_t kTable = offsetof(RunKernels, copy);
+  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+    k.copy[from][to](OutBytes(c), InBytes(c), c.arguments.n);
+  }
+  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return pixel; }
+};
+struct AdjustingHSV {
+  static constexpr std::size_t kTable = offsetof(RunKernels, adjustHSV);
+  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+    k.adjustHSV[from][to](OutBytes(c), InBytes(c), &c.arguments.hsv, c.arguments.n);
+  }
+  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
+    return LMX_Pixel::AdjustHSV(pixel, a.hsv);
+  }
+};
+struct AdjustingRGB {
+  static constexpr std::size_t kTable = offsetof(RunKernels, adjustRGB);
+  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+    k.adjustRGB[from][to](OutBytes(c), InBytes(c), &c.arguments.rgb, c.arguments.n);
+  }
+  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
+    return LMX_Pixel::AdjustRGB(pixel, a.rgb);
+  }
+};
+struct Negating {
+  static constexpr std::size_t kTable = offsetof(RunKernels, negative);
+  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+    k.negative[from][to](OutBytes(c), InBytes(c), c.arguments.n);
+  }
+  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return LMX_Pixel::Negative(pixel); }
+};
+
+template <class Change, StorageForm from, StorageForm to>
+KernelCase ChangeCase(const char* name) {
   return {name,
-          Slot(offsetof(RunKernels, copy), from, to),
+          Slot(Change::kTable, from, to),
           kStored<to>,
           false,
           {{kStored<from>, true}},
-          kAnyNumber,
-          [](const RunKernels& k, const KernelCall& c) { k.copy[from][to](OutBytes(c), InBytes(c), c.arguments.n); },
+          [](const RunKernels& k, const KernelCall& c) { Change::Call(k, from, to, c); },
           [](const KernelCall& c) {
-            ForEachPixel(c,
-                         [&](std::size_t i) { WriteOne<to>(OutBytes(c) + 4 * i, ReadOne<from>(InBytes(c) + 4 * i)); });
+            ForEachPixel(c, [&](std::size_t i) {
+              WriteOne<to>(OutBytes(c) + 4 * i, Change::Define(ReadOne<from>(InBytes(c) + 4 * i), c.arguments));
+            });
           }};
 }
 
@@ -94,7 +123,6 @@ KernelCase CopyMirroredCase(const char* name) {
           kStored<to>,
           false,
           {{kStored<from>, false}},
-          kAnyNumber,
           [](const RunKernels& k, const KernelCall& c) {
             k.copyMirrored[from][to](OutBytes(c), InBytes(c), c.arguments.n);
           },
@@ -111,7 +139,6 @@ KernelCase FillCase() {
           Operand::ContextPixels,
           false,
           {{Operand::OnePixel, false}},
-          kAnyNumber,
           [](const RunKernels& k, const KernelCall& c) { k.fill(OutBytes(c), InBytes(c), c.arguments.n); },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) { std::memcpy(OutBytes(c) + 4 * i, InBytes(c), 4); });
@@ -119,19 +146,20 @@ KernelCase FillCase() {
 }
 
 KernelCase GatherCase() {
-  return {
-      "gather_lanes",
-      offsetof(RunKernels, gatherLanes),
-      Operand::LaneRuns,
-      false,
-      {{Operand::Groups, false}},
-      kAnyNumber,
-      [](const RunKernels& k, const KernelCall& c) { k.gatherLanes(Out(c), c.arguments.stride, In(c), c.arguments.n); },
-      [](const KernelCall& c) {
-        ForEachPixel(c, [&](std::size_t i) {
-          for (std::size_t l = 0; l < kLanes; ++l) Out(c)[l * c.arguments.stride + i] = In(c)[i * kLanes + l];
-        });
-      }};
+  return {"gather_lanes",
+          offsetof(RunKernels, gatherLanes),
+          Operand::LaneRuns,
+          false,
+          {{Operand::Groups, false}},
+          [](const RunKernels& k, const KernelCall& c) {
+            k.gatherLanes(Out(c), c.arguments.stride, In(c), c.arguments.pitch, c.arguments.n);
+          },
+          [](const KernelCall& c) {
+            ForEachPixel(c, [&](std::size_t i) {
+              for (std::size_t l = 0; l < kLanes; ++l)
+                Out(c)[l * c.arguments.stride + i] = In(c)[i * c.arguments.pitch + l];
+            });
+          }};
 }
 
 KernelCase ScatterCase() {
@@ -140,52 +168,61 @@ KernelCase ScatterCase() {
           Operand::Groups,
           false,
           {{Operand::LaneRuns, false}},
-          kAnyNumber,
           [](const RunKernels& k, const KernelCall& c) {
-            k.scatterLanes(Out(c), In(c), c.arguments.stride, c.arguments.n);
+            k.scatterLanes(Out(c), c.arguments.pitch, In(c), c.arguments.stride, c.arguments.n);
           },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
-              for (std::size_t l = 0; l < kLanes; ++l) Out(c)[i * kLanes + l] = In(c)[l * c.arguments.stride + i];
+              for (std::size_t l = 0; l < kLanes; ++l)
+                Out(c)[i * c.arguments.pitch + l] = In(c)[l * c.arguments.stride + i];
             });
           }};
 }
 
-KernelCase BlendRunCase() {
-  return {"blend_run",
-          offsetof(RunKernels, blendRun),
-          Operand::Pixels,
+template <StorageForm from, StorageForm to>
+KernelCase BlendCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, blend), from, to),
+          kStored<to>,
           false,
-          {{Operand::Pixels, true}},
-          kAnyNumber,
+          {{kStored<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.blendRun(Out(c), In(c), c.arguments.before, c.arguments.fraction, c.arguments.n);
+            k.blend[from][to](OutBytes(c), InBytes(c), c.arguments.before, c.arguments.fraction, c.arguments.n);
           },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
-              const std::uint32_t before = i == 0 ? c.arguments.before : In(c)[i - 1];
-              Out(c)[i] = LMX_Pixel::Blend(In(c)[i], before, c.arguments.fraction);
+              const std::uint32_t before = i == 0 ? c.arguments.before : ReadOne<from>(InBytes(c) + 4 * (i - 1));
+              const std::uint32_t pixel = ReadOne<from>(InBytes(c) + 4 * i);
+              WriteOne<to>(OutBytes(c) + 4 * i, LMX_Pixel::Blend(pixel, before, c.arguments.fraction));
             });
           }};
 }
 
-KernelCase BlendLanesCase() {
-  return {"blend_lanes",
-          offsetof(RunKernels, blendLanes),
-          Operand::Pixels,
-          false,
-          {{Operand::Pixels, true}, {Operand::Pixels, true}, {Operand::Fractions, false}},
-          kAnyNumber,
-          [](const RunKernels& k, const KernelCall& c) {
-            k.blendLanes(Out(c), In(c, 0), In(c, 1), In(c, 2), c.arguments.n);
-          },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) { Out(c)[i] = LMX_Pixel::Blend(In(c)[i], In(c, 1)[i], In(c, 2)[i]); });
-          }};
+// Channel `byte` of a pixel, counted from the lowest.
+std::uint32_t Channel(std::uint32_t pixel, int byte) {
+  return pixel >> (8 * byte) & 0xFF;
 }
 
-std::uint32_t Channel(std::uint32_t pixel, int index) {
-  return pixel >> (24 - 8 * index) & 0xFF;
+KernelCase MixCase() {
+  return {"mix",
+          offsetof(RunKernels, mix),
+          Operand::Pixels,
+          false,
+          {{Operand::Pixels, true}, {Operand::Pixels, true}},
+          [](const RunKernels& k, const KernelCall& c) {
+            k.mix(Out(c), In(c, 0), In(c, 1), c.arguments.ofSecond, c.arguments.units, c.arguments.n);
+          },
+          [](const KernelCall& c) {
+            const std::uint32_t units = c.arguments.units, ofSecond = c.arguments.ofSecond;
+            ForEachPixel(c, [&](std::size_t i) {
+              Out(c)[i] = 0;
+              for (int k = 0; k < 4; ++k) {
+                const std::uint32_t sum =
+                    Channel(In(c, 0)[i], k) * (units - ofSecond) + Channel(In(c, 1)[i], k) * ofSecond;
+                Out(c)[i] |= sum / units << (8 * k);
+              }
+            });
+          }};
 }
 
 KernelCase AddCoverageCase() {
@@ -193,16 +230,19 @@ KernelCase AddCoverageCase() {
           offsetof(RunKernels, addCoverage),
           Operand::Coverage,
           true,
-          {{Operand::Pixels, false}},
-          kLanes,
+          {{Operand::Runs, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.addCoverage(static_cast<CoverageSums*>(c.output), In(c), c.arguments.units, c.arguments.n);
+            k.addCoverage(Out(c), In(c), c.arguments.stride, c.arguments.count, c.arguments.part, c.arguments.n);
           },
           [](const KernelCall& c) {
-            auto* sums = static_cast<CoverageSums*>(c.output);
-            ForEachPixel(c, [&](std::size_t i) {
-              for (int k = 0; k < 4; ++k) sums->channel[k][i] += Channel(In(c)[i], k) * c.arguments.units;
-            });
+            for (std::size_t run = 0; run < c.arguments.count; ++run) {
+              const std::uint32_t* const pixels = In(c) + run * c.arguments.stride;
+              ForEachPixel(c, [&](std::size_t i) {
+                for (std::size_t k = 0; k < 4; ++k) {
+                  Out(c)[4 * i + k] += Channel(pixels[i], static_cast<int>(k)) * c.arguments.part;
+                }
+              });
+            }
           }};
 }
 
@@ -212,56 +252,15 @@ KernelCase AverageCoverageCase() {
           Operand::Pixels,
           false,
           {{Operand::Coverage, false}},
-          kLanes,
           [](const RunKernels& k, const KernelCall& c) {
-            k.averageCoverage(Out(c), static_cast<const CoverageSums*>(c.inputs[0]), c.arguments.units, c.arguments.n);
+            k.averageCoverage(Out(c), In(c), c.arguments.units, c.arguments.n);
           },
           [](const KernelCall& c) {
-            const auto* sums = static_cast<const CoverageSums*>(c.inputs[0]);
-            const std::uint32_t units = c.arguments.units;
             ForEachPixel(c, [&](std::size_t i) {
-              Out(c)[i] = LMX_Pixel::Pack(sums->channel[0][i] / units, sums->channel[1][i] / units,
-                                          sums->channel[2][i] / units, sums->channel[3][i] / units);
+              Out(c)[i] = 0;
+              for (std::size_t k = 0; k < 4; ++k) Out(c)[i] |= In(c)[4 * i + k] / c.arguments.units << (8 * k);
             });
           }};
-}
-
-KernelCase AdjustHSVCase() {
-  return {"adjust_hsv",
-          offsetof(RunKernels, adjustHSV),
-          Operand::Pixels,
-          true,
-          {},
-          kAnyNumber,
-          [](const RunKernels& k, const KernelCall& c) { k.adjustHSV(Out(c), &c.arguments.hsv, c.arguments.n); },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) { Out(c)[i] = LMX_Pixel::AdjustHSV(Out(c)[i], c.arguments.hsv); });
-          }};
-}
-
-KernelCase AdjustRGBCase() {
-  return {"adjust_rgb",
-          offsetof(RunKernels, adjustRGB),
-          Operand::Pixels,
-          true,
-          {},
-          kAnyNumber,
-          [](const RunKernels& k, const KernelCall& c) { k.adjustRGB(Out(c), &c.arguments.rgb, c.arguments.n); },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) { Out(c)[i] = LMX_Pixel::AdjustRGB(Out(c)[i], c.arguments.rgb); });
-          }};
-}
-
-KernelCase NegativeCase() {
-  return {
-      "negative",
-      offsetof(RunKernels, negative),
-      Operand::Pixels,
-      true,
-      {},
-      kAnyNumber,
-      [](const RunKernels& k, const KernelCall& c) { k.negative(Out(c), c.arguments.n); },
-      [](const KernelCall& c) { ForEachPixel(c, [&](std::size_t i) { Out(c)[i] = LMX_Pixel::Negative(Out(c)[i]); }); }};
 }
 
 void AddColour(RGBSums* sums, std::uint32_t pixel) {
@@ -270,43 +269,48 @@ void AddColour(RGBSums* sums, std::uint32_t pixel) {
   sums->blue += LMX_Pixel::Blue(pixel);
 }
 
-KernelCase SumRGBCase() {
-  return {
-      "sum_rgb",
-      offsetof(RunKernels, sumRGB),
-      Operand::RGBTotals,
-      true,
-      {{Operand::Pixels, false}},
-      kAnyNumber,
-      [](const RunKernels& k, const KernelCall& c) { k.sumRGB(static_cast<RGBSums*>(c.output), In(c), c.arguments.n); },
-      [](const KernelCall& c) {
-        ForEachPixel(c, [&](std::size_t i) { AddColour(static_cast<RGBSums*>(c.output), In(c)[i]); });
-      }};
+template <StorageForm form>
+KernelCase SumRGBCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, sumRGB), form),
+          Operand::RGBTotals,
+          true,
+          {{kStored<form>, false}},
+          [](const RunKernels& k, const KernelCall& c) {
+            k.sumRGB[form](static_cast<RGBSums*>(c.output), InBytes(c), c.arguments.n);
+          },
+          [](const KernelCall& c) {
+            ForEachPixel(c, [&](std::size_t i) {
+              AddColour(static_cast<RGBSums*>(c.output), ReadOne<form>(InBytes(c) + 4 * i));
+            });
+          }};
 }
 
-KernelCase SumHSVCase() {
-  return {
-      "sum_hsv",
-      offsetof(RunKernels, sumHSV),
-      Operand::HSVTotals,
-      true,
-      {{Operand::Pixels, false}},
-      kAnyNumber,
-      [](const RunKernels& k, const KernelCall& c) { k.sumHSV(static_cast<HSVSums*>(c.output), In(c), c.arguments.n); },
-      [](const KernelCall& c) {
-        auto* sums = static_cast<HSVSums*>(c.output);
-        ForEachPixel(c, [&](std::size_t i) {
-          AddColour(&sums->rgb, In(c)[i]);
-          std::int32_t max = 0, min = 255;
-          for (int k = 1; k < 4; ++k) {
-            const auto channel = static_cast<std::int32_t>(Channel(In(c)[i], k));
-            max = LMX_Pixel::Max(max, channel);
-            min = LMX_Pixel::Min(min, channel);
-          }
-          sums->saturation += max == 0 ? 0.0 : static_cast<double>(max - min) / max;
-          sums->brightness += max / 256.0;
-        });
-      }};
+template <StorageForm form>
+KernelCase SumHSVCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, sumHSV), form),
+          Operand::HSVTotals,
+          true,
+          {{kStored<form>, false}},
+          [](const RunKernels& k, const KernelCall& c) {
+            k.sumHSV[form](static_cast<HSVSums*>(c.output), InBytes(c), c.arguments.n);
+          },
+          [](const KernelCall& c) {
+            auto* sums = static_cast<HSVSums*>(c.output);
+            ForEachPixel(c, [&](std::size_t i) {
+              const std::uint32_t pixel = ReadOne<form>(InBytes(c) + 4 * i);
+              AddColour(&sums->rgb, pixel);
+              std::int32_t max = 0, min = 255;
+              for (int k = 0; k < 3; ++k) {
+                const auto channel = static_cast<std::int32_t>(Channel(pixel, k));
+                max = LMX_Pixel::Max(max, channel);
+                min = LMX_Pixel::Min(min, channel);
+              }
+              sums->saturation += max == 0 ? 0.0 : static_cast<double>(max - min) / max;
+              sums->brightness += max / 256.0;
+            });
+          }};
 }
 
 }  // namespace
@@ -318,26 +322,40 @@ const std::vector<KernelCase>& KernelCases() {
       ReadCase<kBuffer>("read_buffer"),
       WriteCase<kContext>("write_context"),
       WriteCase<kBuffer>("write_buffer"),
-      CopyCase<kContext, kContext>("copy_context_context"),
-      CopyCase<kContext, kBuffer>("copy_context_buffer"),
-      CopyCase<kBuffer, kContext>("copy_buffer_context"),
-      CopyCase<kBuffer, kBuffer>("copy_buffer_buffer"),
+      ChangeCase<Copying, kContext, kContext>("copy_context_context"),
+      ChangeCase<Copying, kContext, kBuffer>("copy_context_buffer"),
+      ChangeCase<Copying, kBuffer, kContext>("copy_buffer_context"),
+      ChangeCase<Copying, kBuffer, kBuffer>("copy_buffer_buffer"),
       CopyMirroredCase<kContext, kContext>("copy_mirrored_context_context"),
       CopyMirroredCase<kContext, kBuffer>("copy_mirrored_context_buffer"),
       CopyMirroredCase<kBuffer, kContext>("copy_mirrored_buffer_context"),
       CopyMirroredCase<kBuffer, kBuffer>("copy_mirrored_buffer_buffer"),
       FillCase(),
+      ChangeCase<AdjustingHSV, kContext, kContext>("adjust_hsv_context_context"),
+      ChangeCase<AdjustingHSV, kContext, kBuffer>("adjust_hsv_context_buffer"),
+      ChangeCase<AdjustingHSV, kBuffer, kContext>("adjust_hsv_buffer_context"),
+      ChangeCase<AdjustingHSV, kBuffer, kBuffer>("adjust_hsv_buffer_buffer"),
+      ChangeCase<AdjustingRGB, kContext, kContext>("adjust_rgb_context_context"),
+      ChangeCase<AdjustingRGB, kContext, kBuffer>("adjust_rgb_context_buffer"),
+      ChangeCase<AdjustingRGB, kBuffer, kContext>("adjust_rgb_buffer_context"),
+      ChangeCase<AdjustingRGB, kBuffer, kBuffer>("adjust_rgb_buffer_buffer"),
+      ChangeCase<Negating, kContext, kContext>("negative_context_context"),
+      ChangeCase<Negating, kContext, kBuffer>("negative_context_buffer"),
+      ChangeCase<Negating, kBuffer, kContext>("negative_buffer_context"),
+      ChangeCase<Negating, kBuffer, kBuffer>("negative_buffer_buffer"),
+      BlendCase<kContext, kContext>("blend_context_context"),
+      BlendCase<kContext, kBuffer>("blend_context_buffer"),
+      BlendCase<kBuffer, kContext>("blend_buffer_context"),
+      BlendCase<kBuffer, kBuffer>("blend_buffer_buffer"),
+      SumRGBCase<kContext>("sum_rgb_context"),
+      SumRGBCase<kBuffer>("sum_rgb_buffer"),
+      SumHSVCase<kContext>("sum_hsv_context"),
+      SumHSVCase<kBuffer>("sum_hsv_buffer"),
       GatherCase(),
       ScatterCase(),
-      BlendRunCase(),
-      BlendLanesCase(),
+      MixCase(),
       AddCoverageCase(),
       AverageCoverageCase(),
-      AdjustHSVCase(),
-      AdjustRGBCase(),
-      NegativeCase(),
-      SumRGBCase(),
-      SumHSVCase(),
   };
   return cases;
 }

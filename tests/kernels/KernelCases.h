@@ -14,22 +14,26 @@ enum class Operand {
   ContextPixels,  ///< a stored run; any address
   BufferPixels,   ///< the same in the other form
   Pixels,         ///< a working run
-  Fractions,      ///< a run of 0 to 65535
   OnePixel,       ///< a single stored pixel
-  Groups,         ///< n groups of kLanes working pixels
+  Groups,         ///< n groups of kLanes pixels, `pitch` apart
   LaneRuns,       ///< kLanes runs, `stride` apart
   RGBTotals,      ///< RGBSums
   HSVTotals,      ///< HSVSums
-  Coverage,       ///< CoverageSums
+  Runs,           ///< `count` working runs, `stride` apart
+  Coverage,       ///< four box sums for each of n pixels
 };
 
 /// The arguments that are no runs. Each kernel uses some.
 struct KernelArguments {
   std::size_t n;
   std::size_t stride;
+  std::size_t pitch;
+  std::size_t count;
   std::uint32_t before;
   std::uint32_t fraction;
   std::uint32_t units;
+  std::uint32_t ofSecond;  ///< of the units
+  std::uint32_t part;      ///< of the units, for each of `count`
   HSVAdjustment hsv;
   RGBAdjustment rgb;
 };
@@ -52,7 +56,6 @@ struct KernelCase {
   Operand output;
   bool addsToOutput;  ///< the output is an input, too: sums, and pixels that are changed in place
   std::vector<KernelInput> inputs;
-  std::size_t mostPixels;  ///< the largest n
   void (*call)(const RunKernels& kernels, const KernelCall& call);
   void (*define)(const KernelCall& call);  ///< one pixel after the other, by LMX_Pixel; never in place
 };

@@ -97,17 +97,14 @@ HSVSums MakeHSVSums(Random& random) {
   return {MakeRGBSums(random), saturation, random.Below(1 << 24) / 256.0};
 }
 
-// Sums that `units` units of pixels can give, with the quotients' edges among them.
-CoverageSums MakeCoverage(std::uint32_t units, Random& random) {
-  CoverageSums sums;
-  for (auto& channel : sums.channel) {
-    for (std::uint32_t& sum : channel) {
-      sum = random.Below(257) * units;
-      if (sum > 0 && random.Below(2) == 0) --sum;
-      sum = std::min(sum, random.Below(2) == 0 ? 255 * units : random.Below(255 * units + 1));
-    }
+// Box sums that `units` units of pixels can give, with the quotients' edges among them.
+void MakeCoverage(const KernelArguments& arguments, Random& random, std::uint32_t* sums) {
+  const std::uint32_t units = arguments.units;
+  for (std::size_t i = 0; i < 4 * arguments.n; ++i) {
+    std::uint32_t sum = random.Below(257) * units;
+    if (sum > 0 && random.Below(2) == 0) --sum;
+    sums[i] = std::min(sum, random.Below(2) == 0 ? 255 * units : random.Below(255 * units + 1));
   }
-  return sums;
 }
 
 }  // namespace
@@ -117,20 +114,21 @@ std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
     case Operand::ContextPixels:
     case Operand::BufferPixels:
     case Operand::Pixels:
-    case Operand::Fractions:
       return 4 * arguments.n;
     case Operand::OnePixel:
       return 4;
     case Operand::Groups:
-      return 4 * kLanes * arguments.n;
+      return arguments.n == 0 ? 0 : 4 * ((arguments.n - 1) * arguments.pitch + kLanes);
     case Operand::LaneRuns:
       return arguments.n == 0 ? 0 : 4 * ((kLanes - 1) * arguments.stride + arguments.n);
     case Operand::RGBTotals:
       return sizeof(RGBSums);
     case Operand::HSVTotals:
       return sizeof(HSVSums);
+    case Operand::Runs:
+      return arguments.n == 0 ? 0 : 4 * ((arguments.count - 1) * arguments.stride + arguments.n);
     case Operand::Coverage:
-      return sizeof(CoverageSums);
+      return 16 * arguments.n;
   }
   return 0;
 }
@@ -152,15 +150,20 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   constexpr std::int32_t kShifts[] = {0, 1, -1, 1024, -1024, 3071, 6143, -6144, INT32_MIN};
   constexpr std::int32_t kFactors[] = {0, 1, 1, 2, 3, 255, 999};
   constexpr std::int32_t kDeltas[] = {0, 1, -1, 127, -128, 255, -255};
-  constexpr std::uint32_t kUnits[] = {1, 2, 3, 255, 32766, 32767, 32768, 32768};
+  constexpr std::uint32_t kUnits[] = {1, 2, 3, 255, 256, 257, 32703, 32704, 32705, 32766, 32767, 32767, 32768, 32768};
   const auto factor = [&] { return 1024 * (random.Below(2) == 0 ? random.OneOf(kFactors) : random.Between(0, 999)); };
   const auto delta = [&] { return random.Below(2) == 0 ? random.OneOf(kDeltas) : random.Between(-255, 255); };
   KernelArguments arguments = {};
   arguments.n = n;
   arguments.stride = n + (random.Below(2) == 0 ? 0 : random.Below(20));
+  arguments.pitch = kLanes + (random.Below(2) == 0 ? 0 : random.Below(20));
   arguments.before = random.Word();
   arguments.fraction = MakeFraction(random);
-  arguments.units = random.Below(2) == 0 ? random.OneOf(kUnits) : 1 + random.Below(32768);
+  arguments.units = random.Below(4) != 0 ? random.OneOf(kUnits) : 1 + random.Below(32768);
+  const std::uint32_t ofSecond[] = {0, 1, arguments.units / 2, arguments.units - 1, arguments.units};
+  arguments.ofSecond = random.Below(4) == 0 ? random.OneOf(ofSecond) : random.Below(arguments.units + 1);
+  arguments.count = 1 + random.Below(5);
+  arguments.part = std::min<std::uint32_t>(arguments.units, 32767) / static_cast<std::uint32_t>(arguments.count);
   const std::int32_t shift = random.Below(2) == 0 ? random.OneOf(kShifts) : random.Between(-6144, 6143);
   const std::int32_t saturation = factor(), value = factor();
   arguments.hsv = {shift, saturation, value};
@@ -171,9 +174,6 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
 
 void MakeOperand(Operand operand, const KernelArguments& arguments, Random& random, void* bytes) {
   switch (operand) {
-    case Operand::Fractions:
-      for (std::size_t i = 0; i < arguments.n; ++i) static_cast<std::uint32_t*>(bytes)[i] = MakeFraction(random);
-      return;
     case Operand::RGBTotals:
       *static_cast<RGBSums*>(bytes) = MakeRGBSums(random);
       return;
@@ -181,7 +181,7 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
       *static_cast<HSVSums*>(bytes) = MakeHSVSums(random);
       return;
     case Operand::Coverage:
-      *static_cast<CoverageSums*>(bytes) = MakeCoverage(arguments.units, random);
+      MakeCoverage(arguments, random, static_cast<std::uint32_t*>(bytes));
       return;
     default:
       MakePixels(operand, SizeOf(operand, arguments) / 4, random, bytes);

@@ -5,6 +5,10 @@
 const std::vector<Level>& Levels() {
   static const std::vector<Level> levels = {
       {"plain", FillPlain, [] { return true; }},
+#ifdef LMX_X86
+      {"sse2", FillSse2, [] { return true; }},
+      {"avx2", FillAvx2, [] { return __builtin_cpu_supports("avx2") != 0; }},
+#endif
   };
   return levels;
 }

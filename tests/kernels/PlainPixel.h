@@ -46,4 +46,10 @@ inline std::uint32_t Blend(std::uint32_t pixel, std::uint32_t before, std::int64
   return Join({mixed(0), mixed(1), mixed(2), mixed(3)});
 }
 
+inline std::uint32_t Mix(std::uint32_t first, std::uint32_t second, std::int64_t ofSecond, std::int64_t units) {
+  const Channels a = Split(first), b = Split(second);
+  const auto mixed = [&](std::size_t c) { return (a[c] * (units - ofSecond) + b[c] * ofSecond) / units; };
+  return Join({mixed(0), mixed(1), mixed(2), mixed(3)});
+}
+
 }  // namespace plain

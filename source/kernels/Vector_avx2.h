@@ -1,0 +1,171 @@
+// Eight pixels in a register: the operations from which the wide kernels are made, in AVX2.
+//
+// Lanes of 16 and 32 bits; unpacking and packing keep to their group of 128 bits.
+#pragma once
+
+#include <immintrin.h>
+
+#include "LMX_Pixel.h"
+
+namespace {
+
+struct Vector {
+  using Reg = __m256i;
+  static constexpr size_t kPixels = 8;
+
+  LMX_EXPAND static Reg Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+  LMX_EXPAND static void Store(void* p, Reg a) { _mm256_storeu_si256(static_cast<__m256i*>(p), a); }
+  LMX_EXPAND static Reg Zero() { return _mm256_setzero_si256(); }
+  LMX_EXPAND static Reg Set8(uint32_t v) { return _mm256_set1_epi8(static_cast<char>(v)); }
+  LMX_EXPAND static Reg Set16(uint32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
+  LMX_EXPAND static Reg Set32(uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
+  LMX_EXPAND static Reg Set64(long long v) { return _mm256_set1_epi64x(v); }
+
+  LMX_EXPAND static Reg And(Reg a, Reg b) { return _mm256_and_si256(a, b); }
+  LMX_EXPAND static Reg AndNot(Reg a, Reg b) { return _mm256_andnot_si256(a, b); }  // ~a & b
+  LMX_EXPAND static Reg Or(Reg a, Reg b) { return _mm256_or_si256(a, b); }
+  LMX_EXPAND static Reg Xor(Reg a, Reg b) { return _mm256_xor_si256(a, b); }
+
+  LMX_EXPAND static Reg Add16(Reg a, Reg b) { return _mm256_add_epi16(a, b); }
+  LMX_EXPAND static Reg Sub16(Reg a, Reg b) { return _mm256_sub_epi16(a, b); }
+  LMX_EXPAND static Reg Add32(Reg a, Reg b) { return _mm256_add_epi32(a, b); }
+  LMX_EXPAND static Reg Sub32(Reg a, Reg b) { return _mm256_sub_epi32(a, b); }
+  LMX_EXPAND static Reg Add64(Reg a, Reg b) { return _mm256_add_epi64(a, b); }
+  LMX_EXPAND static Reg Add8(Reg a, Reg b) { return _mm256_add_epi8(a, b); }
+  LMX_EXPAND static Reg Sub8(Reg a, Reg b) { return _mm256_sub_epi8(a, b); }
+  LMX_EXPAND static Reg AddSaturated8(Reg a, Reg b) { return _mm256_adds_epu8(a, b); }
+  LMX_EXPAND static Reg SubSaturated8(Reg a, Reg b) { return _mm256_subs_epu8(a, b); }
+  LMX_EXPAND static Reg Average16(Reg a, Reg b) { return _mm256_avg_epu16(a, b); }  // (a + b + 1) / 2
+  LMX_EXPAND static Reg MulLow16(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
+  LMX_EXPAND static Reg MulHigh16(Reg a, Reg b) { return _mm256_mulhi_epu16(a, b); }
+  LMX_EXPAND static Reg MulAddPairs16(Reg a, Reg b) { return _mm256_madd_epi16(a, b); }
+  LMX_EXPAND static Reg MulEven32(Reg a, Reg b) { return _mm256_mul_epu32(a, b); }
+  LMX_EXPAND static Reg SumBytes(Reg a) { return _mm256_sad_epu8(a, Zero()); }  // of each 64 bits
+  LMX_EXPAND static Reg SumPairs32(Reg a) { return Add64(Right64<32>(a), And(a, Set64(0xFFFFFFFF))); }
+
+  LMX_EXPAND static Reg Max8(Reg a, Reg b) { return _mm256_max_epu8(a, b); }  // unsigned
+  LMX_EXPAND static Reg Min8(Reg a, Reg b) { return _mm256_min_epu8(a, b); }
+  LMX_EXPAND static Reg Max16(Reg a, Reg b) { return _mm256_max_epi16(a, b); }  // signed
+  LMX_EXPAND static Reg Min16(Reg a, Reg b) { return _mm256_min_epi16(a, b); }
+  LMX_EXPAND static Reg SubSaturated16(Reg a, Reg b) { return _mm256_subs_epu16(a, b); }
+
+  template <int n>
+  LMX_EXPAND static Reg Right16(Reg a) {
+    return _mm256_srli_epi16(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Left16(Reg a) {
+    return _mm256_slli_epi16(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Left32(Reg a) {
+    return _mm256_slli_epi32(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Right32(Reg a) {
+    return _mm256_srli_epi32(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Left64(Reg a) {
+    return _mm256_slli_epi64(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Right64(Reg a) {
+    return _mm256_srli_epi64(a, n);
+  }
+
+  LMX_EXPAND static Reg Equal8(Reg a, Reg b) { return _mm256_cmpeq_epi8(a, b); }
+  LMX_EXPAND static Reg Equal16(Reg a, Reg b) { return _mm256_cmpeq_epi16(a, b); }
+  LMX_EXPAND static Reg Greater16(Reg a, Reg b) { return _mm256_cmpgt_epi16(a, b); }  // signed
+  LMX_EXPAND static Reg Equal32(Reg a, Reg b) { return _mm256_cmpeq_epi32(a, b); }
+  LMX_EXPAND static bool IsZero(Reg a) { return _mm256_testz_si256(a, a) != 0; }
+  LMX_EXPAND static bool HasBits(Reg a, Reg mask) { return _mm256_testc_si256(a, mask) != 0; }  // all of the mask's
+
+  // a - b where that is above 0, else a; both lie in 0 to 32767, and they differ.
+  LMX_EXPAND static Reg SubIfGreater16(Reg a, Reg b) { return _mm256_min_epu16(a, Sub16(a, b)); }
+
+  LMX_EXPAND static Reg UnpackLow8(Reg a) { return _mm256_unpacklo_epi8(a, Zero()); }
+  LMX_EXPAND static Reg UnpackHigh8(Reg a) { return _mm256_unpackhi_epi8(a, Zero()); }
+  LMX_EXPAND static Reg UnpackLow16(Reg a) { return _mm256_unpacklo_epi16(a, Zero()); }
+  LMX_EXPAND static Reg UnpackHigh16(Reg a) { return _mm256_unpackhi_epi16(a, Zero()); }
+  LMX_EXPAND static Reg Pack32(Reg low, Reg high) { return _mm256_packs_epi32(low, high); }  // of 0 to 32767
+  LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm256_unpacklo_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm256_unpackhi_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm256_unpacklo_epi32(a, a); }
+  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm256_unpackhi_epi32(a, a); }
+  LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm256_packus_epi16(low, high); }
+
+  // The chosen 16-bit lanes of each 64 bits.
+  template <int i>
+  LMX_EXPAND static Reg Spread16(Reg a) {
+    return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(a, i), i);
+  }
+
+  LMX_EXPAND static Reg SwapBytes(Reg a) {
+    const __m128i order = _mm_set_epi8(12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3);
+    return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(order));
+  }
+  LMX_EXPAND static Reg Reverse(Reg a) {
+    return _mm256_permutevar8x32_epi32(a, _mm256_set_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+  }
+
+  // The channels of kPixels / 4 pixels in 32-bit lanes, in the order of their bytes, and the way back of four registers
+  // of them, which hold 0 to 255.
+  LMX_EXPAND static Reg LoadWide(const uint32_t* p) {
+    return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+  }
+  LMX_EXPAND static Reg PackWide(Reg a, Reg b, Reg c, Reg d) {
+    const Reg packed = _mm256_packus_epi16(_mm256_packs_epi32(a, b), _mm256_packs_epi32(c, d));
+    return _mm256_permutevar8x32_epi32(packed, _mm256_set_epi32(7, 3, 6, 2, 5, 1, 4, 0));
+  }
+
+  // Every pixel one place up; `first` comes in below.
+  LMX_EXPAND static Reg ShiftIn(Reg a, uint32_t first) {
+    const Reg up = _mm256_permutevar8x32_epi32(a, _mm256_set_epi32(6, 5, 4, 3, 2, 1, 0, 0));
+    return _mm256_blend_epi32(up, _mm256_castsi128_si256(_mm_cvtsi32_si128(static_cast<int>(first))), 1);
+  }
+
+  // table[index] in each 32-bit lane.
+  LMX_EXPAND static Reg LookUp(const uint32_t* table, Reg index) {
+    return _mm256_i32gather_epi32(reinterpret_cast<const int*>(table), index, 4);
+  }
+
+  // Doubles, half a register of pixels at a time.
+  using Doubles = __m256d;
+  LMX_EXPAND static Doubles SetDouble(double v) { return _mm256_set1_pd(v); }
+  LMX_EXPAND static Doubles LowToDouble(Reg a) { return _mm256_cvtepi32_pd(_mm256_castsi256_si128(a)); }
+  LMX_EXPAND static Doubles HighToDouble(Reg a) { return _mm256_cvtepi32_pd(_mm256_extracti128_si256(a, 1)); }
+  LMX_EXPAND static Doubles Add(Doubles a, Doubles b) { return _mm256_add_pd(a, b); }
+  LMX_EXPAND static Doubles Sub(Doubles a, Doubles b) { return _mm256_sub_pd(a, b); }
+  LMX_EXPAND static Doubles Divide(Doubles a, Doubles b) { return _mm256_div_pd(a, b); }
+  LMX_EXPAND static double SumOf(Doubles a) {
+    const __m128d half = _mm_add_pd(_mm256_castpd256_pd128(a), _mm256_extractf128_pd(a, 1));
+    return _mm_cvtsd_f64(half) + _mm_cvtsd_f64(_mm_unpackhi_pd(half, half));
+  }
+
+  LMX_EXPAND static uint32_t SumOf64(Reg a) {
+    const __m128i half = _mm_add_epi64(_mm256_castsi256_si128(a), _mm256_extracti128_si256(a, 1));
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_add_epi64(half, _mm_srli_si128(half, 8))));
+  }
+
+  // Transposes a square of kPixels x kPixels pixels.
+  LMX_EXPAND static void Transpose(Reg* r) {
+    Reg pairs[8], fours[8];
+    for (int i = 0; i < 8; i += 2) {
+      pairs[i] = _mm256_unpacklo_epi32(r[i], r[i + 1]);
+      pairs[i + 1] = _mm256_unpackhi_epi32(r[i], r[i + 1]);
+    }
+    for (int i = 0; i < 8; i += 4) {
+      fours[i] = _mm256_unpacklo_epi64(pairs[i], pairs[i + 2]);
+      fours[i + 1] = _mm256_unpackhi_epi64(pairs[i], pairs[i + 2]);
+      fours[i + 2] = _mm256_unpacklo_epi64(pairs[i + 1], pairs[i + 3]);
+      fours[i + 3] = _mm256_unpackhi_epi64(pairs[i + 1], pairs[i + 3]);
+    }
+    for (int i = 0; i < 4; ++i) {
+      r[i] = _mm256_permute2x128_si256(fours[i], fours[i + 4], 0x20);
+      r[i + 4] = _mm256_permute2x128_si256(fours[i], fours[i + 4], 0x31);
+    }
+  }
+};
+
+}  // namespace

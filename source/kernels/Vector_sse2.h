@@ -1,0 +1,158 @@
+// Four pixels in a register: the operations from which the wide kernels are made, in SSE2.
+//
+// Lanes of 16 and 32 bits; every operation keeps to its group of 128 bits, as the wider sets do.
+#pragma once
+
+#include <emmintrin.h>
+
+#include "LMX_Pixel.h"
+
+namespace {
+
+struct Vector {
+  using Reg = __m128i;
+  static constexpr size_t kPixels = 4;
+
+  LMX_EXPAND static Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+  LMX_EXPAND static void Store(void* p, Reg a) { _mm_storeu_si128(static_cast<__m128i*>(p), a); }
+  LMX_EXPAND static Reg Zero() { return _mm_setzero_si128(); }
+  LMX_EXPAND static Reg Set8(uint32_t v) { return _mm_set1_epi8(static_cast<char>(v)); }
+  LMX_EXPAND static Reg Set16(uint32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
+  LMX_EXPAND static Reg Set32(uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }
+  LMX_EXPAND static Reg Set64(long long v) { return _mm_set1_epi64x(v); }
+
+  LMX_EXPAND static Reg And(Reg a, Reg b) { return _mm_and_si128(a, b); }
+  LMX_EXPAND static Reg AndNot(Reg a, Reg b) { return _mm_andnot_si128(a, b); }  // ~a & b
+  LMX_EXPAND static Reg Or(Reg a, Reg b) { return _mm_or_si128(a, b); }
+  LMX_EXPAND static Reg Xor(Reg a, Reg b) { return _mm_xor_si128(a, b); }
+
+  LMX_EXPAND static Reg Add16(Reg a, Reg b) { return _mm_add_epi16(a, b); }
+  LMX_EXPAND static Reg Sub16(Reg a, Reg b) { return _mm_sub_epi16(a, b); }
+  LMX_EXPAND static Reg Add32(Reg a, Reg b) { return _mm_add_epi32(a, b); }
+  LMX_EXPAND static Reg Sub32(Reg a, Reg b) { return _mm_sub_epi32(a, b); }
+  LMX_EXPAND static Reg Add64(Reg a, Reg b) { return _mm_add_epi64(a, b); }
+  LMX_EXPAND static Reg Add8(Reg a, Reg b) { return _mm_add_epi8(a, b); }
+  LMX_EXPAND static Reg Sub8(Reg a, Reg b) { return _mm_sub_epi8(a, b); }
+  LMX_EXPAND static Reg AddSaturated8(Reg a, Reg b) { return _mm_adds_epu8(a, b); }
+  LMX_EXPAND static Reg SubSaturated8(Reg a, Reg b) { return _mm_subs_epu8(a, b); }
+  LMX_EXPAND static Reg Average16(Reg a, Reg b) { return _mm_avg_epu16(a, b); }  // (a + b + 1) / 2
+  LMX_EXPAND static Reg MulLow16(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
+  LMX_EXPAND static Reg MulHigh16(Reg a, Reg b) { return _mm_mulhi_epu16(a, b); }
+  LMX_EXPAND static Reg MulAddPairs16(Reg a, Reg b) { return _mm_madd_epi16(a, b); }
+  LMX_EXPAND static Reg MulEven32(Reg a, Reg b) { return _mm_mul_epu32(a, b); }
+  LMX_EXPAND static Reg SumBytes(Reg a) { return _mm_sad_epu8(a, Zero()); }  // of each 64 bits
+  LMX_EXPAND static Reg SumPairs32(Reg a) { return Add64(Right64<32>(a), And(a, Set64(0xFFFFFFFF))); }
+
+  LMX_EXPAND static Reg Max8(Reg a, Reg b) { return _mm_max_epu8(a, b); }  // unsigned
+  LMX_EXPAND static Reg Min8(Reg a, Reg b) { return _mm_min_epu8(a, b); }
+  LMX_EXPAND static Reg Max16(Reg a, Reg b) { return _mm_max_epi16(a, b); }  // signed
+  LMX_EXPAND static Reg Min16(Reg a, Reg b) { return _mm_min_epi16(a, b); }
+  LMX_EXPAND static Reg SubSaturated16(Reg a, Reg b) { return _mm_subs_epu16(a, b); }
+
+  template <int n>
+  LMX_EXPAND static Reg Right16(Reg a) {
+    return _mm_srli_epi16(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Left16(Reg a) {
+    return _mm_slli_epi16(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Left32(Reg a) {
+    return _mm_slli_epi32(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Right32(Reg a) {
+    return _mm_srli_epi32(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Left64(Reg a) {
+    return _mm_slli_epi64(a, n);
+  }
+  template <int n>
+  LMX_EXPAND static Reg Right64(Reg a) {
+    return _mm_srli_epi64(a, n);
+  }
+
+  LMX_EXPAND static Reg Equal8(Reg a, Reg b) { return _mm_cmpeq_epi8(a, b); }
+  LMX_EXPAND static Reg Equal16(Reg a, Reg b) { return _mm_cmpeq_epi16(a, b); }
+  LMX_EXPAND static Reg Greater16(Reg a, Reg b) { return _mm_cmpgt_epi16(a, b); }  // signed
+  LMX_EXPAND static Reg Equal32(Reg a, Reg b) { return _mm_cmpeq_epi32(a, b); }
+  LMX_EXPAND static bool IsZero(Reg a) { return _mm_movemask_epi8(_mm_cmpeq_epi8(a, Zero())) == 0xFFFF; }
+  LMX_EXPAND static bool HasBits(Reg a, Reg mask) { return IsZero(AndNot(a, mask)); }  // all of the mask's
+
+  // a - b where that is above 0, else a; both lie in 0 to 32767, and they differ.
+  LMX_EXPAND static Reg SubIfGreater16(Reg a, Reg b) { return Sub16(a, And(Greater16(a, b), b)); }
+
+  LMX_EXPAND static Reg UnpackLow8(Reg a) { return _mm_unpacklo_epi8(a, Zero()); }
+  LMX_EXPAND static Reg UnpackHigh8(Reg a) { return _mm_unpackhi_epi8(a, Zero()); }
+  LMX_EXPAND static Reg UnpackLow16(Reg a) { return _mm_unpacklo_epi16(a, Zero()); }
+  LMX_EXPAND static Reg UnpackHigh16(Reg a) { return _mm_unpackhi_epi16(a, Zero()); }
+  LMX_EXPAND static Reg Pack32(Reg low, Reg high) { return _mm_packs_epi32(low, high); }  // of 0 to 32767
+  LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm_unpacklo_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm_unpackhi_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm_unpacklo_epi32(a, a); }
+  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm_unpackhi_epi32(a, a); }
+  LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm_packus_epi16(low, high); }
+
+  // The chosen two, or one, of the four 16-bit lanes of each 64 bits.
+  template <int i>
+  LMX_EXPAND static Reg Spread16(Reg a) {
+    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, i), i);
+  }
+
+  LMX_EXPAND static Reg SwapBytes(Reg a) {
+    const Reg pairs = _mm_or_si128(_mm_slli_epi16(a, 8), _mm_srli_epi16(a, 8));
+    return Spread16<_MM_SHUFFLE(2, 3, 0, 1)>(pairs);
+  }
+  LMX_EXPAND static Reg Reverse(Reg a) { return _mm_shuffle_epi32(a, _MM_SHUFFLE(0, 1, 2, 3)); }
+
+  // The channels of kPixels / 4 pixels in 32-bit lanes, in the order of their bytes, and the way back of four registers
+  // of them, which hold 0 to 255.
+  LMX_EXPAND static Reg LoadWide(const uint32_t* p) {
+    const Reg pixel = _mm_cvtsi32_si128(static_cast<int>(*p));
+    return _mm_unpacklo_epi16(_mm_unpacklo_epi8(pixel, Zero()), Zero());
+  }
+  LMX_EXPAND static Reg PackWide(Reg a, Reg b, Reg c, Reg d) {
+    return _mm_packus_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d));
+  }
+
+  // Every pixel one place up; `first` comes in below.
+  LMX_EXPAND static Reg ShiftIn(Reg a, uint32_t first) {
+    return _mm_or_si128(_mm_slli_si128(a, 4), _mm_cvtsi32_si128(static_cast<int>(first)));
+  }
+
+  // table[index] in each 32-bit lane.
+  LMX_EXPAND static Reg LookUp(const uint32_t* table, Reg index) {
+    alignas(16) uint32_t i[4];
+    _mm_store_si128(reinterpret_cast<__m128i*>(i), index);
+    return _mm_set_epi32(static_cast<int>(table[i[3]]), static_cast<int>(table[i[2]]), static_cast<int>(table[i[1]]),
+                         static_cast<int>(table[i[0]]));
+  }
+
+  // Doubles, half a register of pixels at a time.
+  using Doubles = __m128d;
+  LMX_EXPAND static Doubles SetDouble(double v) { return _mm_set1_pd(v); }
+  LMX_EXPAND static Doubles LowToDouble(Reg a) { return _mm_cvtepi32_pd(a); }
+  LMX_EXPAND static Doubles HighToDouble(Reg a) { return _mm_cvtepi32_pd(_mm_unpackhi_epi64(a, a)); }
+  LMX_EXPAND static Doubles Add(Doubles a, Doubles b) { return _mm_add_pd(a, b); }
+  LMX_EXPAND static Doubles Sub(Doubles a, Doubles b) { return _mm_sub_pd(a, b); }
+  LMX_EXPAND static Doubles Divide(Doubles a, Doubles b) { return _mm_div_pd(a, b); }
+  LMX_EXPAND static double SumOf(Doubles a) { return _mm_cvtsd_f64(a) + _mm_cvtsd_f64(_mm_unpackhi_pd(a, a)); }
+
+  LMX_EXPAND static uint32_t SumOf64(Reg a) {
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_add_epi64(a, _mm_srli_si128(a, 8))));
+  }
+
+  // Transposes a square of kPixels x kPixels pixels.
+  LMX_EXPAND static void Transpose(Reg* r) {
+    const Reg a = _mm_unpacklo_epi32(r[0], r[1]), b = _mm_unpacklo_epi32(r[2], r[3]);
+    const Reg c = _mm_unpackhi_epi32(r[0], r[1]), d = _mm_unpackhi_epi32(r[2], r[3]);
+    r[0] = _mm_unpacklo_epi64(a, b);
+    r[1] = _mm_unpackhi_epi64(a, b);
+    r[2] = _mm_unpacklo_epi64(c, d);
+    r[3] = _mm_unpackhi_epi64(c, d);
+  }
+};
+
+}  // namespace

@@ -1,0 +1,294 @@
+// The wide kernels of the colour methods: adjustments and sums. Included after a Vector header.
+#pragma once
+
+#include "WidePixels.h"
+
+namespace {
+
+// --------------------------------------------------------------------------------------------------------------- HSV
+
+// One channel of pixels in 32-bit lanes, `shift` bits up in each.
+template <int shift>
+LMX_EXPAND Reg Channel(Reg pixels) {
+  const Reg moved = Vector::Right32<shift>(pixels);
+  return shift == 24 ? moved : Vector::And(moved, Vector::Set32(0xFF));
+}
+
+// The same of two registers of pixels, in 16-bit lanes.
+template <int shift>
+LMX_EXPAND Reg Channel16(Reg first, Reg second) {
+  return Vector::Pack32(Channel<shift>(first), Channel<shift>(second));
+}
+
+// n 1024 / d, truncated, for 0 <= n <= d <= 255: long division in 16-bit lanes. Where d is 0 the result means nothing.
+//
+// A lane holds 64 times the rest, and in the six bits below it the quotient as far as it is known. Taking 64 d - 1 away
+// subtracts the divisor and puts a 1 into the quotient; both are then doubled together. The lane is even before each
+// step, and so never equal to what is taken away.
+LMX_EXPAND Reg Divide1024(Reg n, Reg d) {
+  const Reg taken = Vector::Sub16(Vector::Left16<6>(d), Vector::Set16(1));
+  const Reg digits = Vector::Set16(63);
+  const auto fiveBits = [taken](Reg lane) {
+    for (int bit = 0; bit < 5; ++bit) lane = Vector::SubIfGreater16(Vector::Add16(lane, lane), taken);
+    return lane;
+  };
+  const Reg upper = fiveBits(Vector::SubIfGreater16(Vector::Left16<6>(n), taken));
+  const Reg lower = fiveBits(Vector::AndNot(digits, upper));
+  return Vector::Or(Vector::Left16<5>(Vector::And(upper, digits)), Vector::And(lower, digits));
+}
+
+// min(a factor, most), for a of 0 to 1024, a factor of 0 to 999 and a result below 32768.
+LMX_EXPAND Reg ScaledUpTo(Reg a, Reg factor, Reg most) {
+  const Reg overflow = Vector::Greater16(Vector::MulHigh16(a, factor), Vector::Zero());
+  const Reg product = Vector::Or(Vector::MulLow16(a, factor), overflow);
+  return Vector::Sub16(product, Vector::SubSaturated16(product, most));
+}
+
+struct HSVFactors {
+  Reg shift;
+  Reg saturation;
+  Reg value;
+};
+
+// A register of 16-bit lanes for each channel.
+struct Colours {
+  Reg red;
+  Reg green;
+  Reg blue;
+};
+
+struct HSV {
+  Reg hue;  // a grey's is 0: its saturation is 0, so that no hue matters
+  Reg saturation;
+  Reg value;
+};
+
+LMX_EXPAND HSV ToHSV(const Colours& in) {
+  const Reg max = Vector::Max16(in.red, Vector::Max16(in.green, in.blue));
+  const Reg delta = Vector::Sub16(max, Vector::Min16(in.red, Vector::Min16(in.green, in.blue)));
+  const Reg grey = Vector::Equal16(delta, Vector::Zero());
+  const Reg isRed = Vector::Equal16(in.red, max);
+  const Reg isGreen = Vector::AndNot(isRed, Vector::Equal16(in.green, max));
+  const Reg difference = Select(isRed, Vector::Sub16(in.green, in.blue),
+                                Select(isGreen, Vector::Sub16(in.blue, in.red), Vector::Sub16(in.red, in.green)));
+  const Reg base = Vector::AndNot(isRed, Select(isGreen, Vector::Set16(2048), Vector::Set16(4096)));
+  const Reg negative = Vector::Greater16(Vector::Zero(), difference);
+  const Reg distance = Vector::Max16(difference, Vector::Sub16(Vector::Zero(), difference));
+  const Reg quotient = Divide1024(distance, delta);
+  const Reg turned = Vector::Add16(base, Vector::Sub16(Vector::Xor(quotient, negative), negative));
+  const Reg turn = Vector::And(Vector::Greater16(Vector::Zero(), turned), Vector::Set16(6144));
+  return {Vector::AndNot(grey, Vector::Add16(turned, turn)), Vector::AndNot(grey, Divide1024(delta, max)), max};
+}
+
+LMX_EXPAND HSV Adjusted(const HSV& in, const HSVFactors& by) {
+  const Reg turn = Vector::Set16(6144);
+  Reg hue = Vector::Add16(in.hue, by.shift);
+  hue = Vector::Add16(hue, Vector::And(Vector::Greater16(Vector::Zero(), hue), turn));
+  hue = Vector::Sub16(hue, Vector::And(Vector::Greater16(hue, Vector::Set16(6143)), turn));
+  return {hue, ScaledUpTo(in.saturation, by.saturation, Vector::Set16(1023)),
+          ScaledUpTo(in.value, by.value, Vector::Set16(255))};
+}
+
+LMX_EXPAND Colours ToRGB(const HSV& in) {
+  // p is (1024 - s) v / 1024, from the two halves of the product.
+  const Reg unsaturated = Vector::Sub16(Vector::Set16(1024), in.saturation);
+  const Reg p = Vector::Or(Vector::Left16<6>(Vector::MulHigh16(unsaturated, in.value)),
+                           Vector::Right16<10>(Vector::MulLow16(unsaturated, in.value)));
+  // q and t are (2^20 - distance s) v / 2^20, which is v - ceil(distance s v / 2^20).
+  const Reg sector = Vector::Right16<10>(in.hue);
+  const Reg fraction = Vector::And(in.hue, Vector::Set16(1023));
+  const Reg isOdd = Vector::Equal16(Vector::And(sector, Vector::Set16(1)), Vector::Set16(1));
+  const Reg distance = Select(isOdd, fraction, Vector::Sub16(Vector::Set16(1024), fraction));
+  const Reg low = Vector::MulLow16(distance, in.saturation);
+  const Reg high = Vector::MulHigh16(distance, in.saturation);
+  const Reg top = Vector::Add16(Vector::MulLow16(high, in.value), Vector::MulHigh16(low, in.value));
+  const Reg rest = Vector::Or(Vector::And(top, Vector::Set16(15)), Vector::MulLow16(low, in.value));
+  const Reg even = Vector::Equal16(rest, Vector::Zero());  // -1 where nothing is left over
+  const Reg ceiling = Vector::Add16(Vector::Right16<4>(top), Vector::Add16(Vector::Set16(1), even));
+  const Reg tq = Vector::Sub16(in.value, ceiling);
+
+  const auto isIn = [sector](uint32_t a, uint32_t b) {
+    return Vector::Or(Vector::Equal16(sector, Vector::Set16(a)), Vector::Equal16(sector, Vector::Set16(b)));
+  };
+  return {Select(isIn(0, 5), in.value, Select(isIn(1, 4), tq, p)),
+          Select(isIn(1, 2), in.value, Select(isIn(0, 3), tq, p)),
+          Select(isIn(3, 4), in.value, Select(isIn(2, 5), tq, p))};
+}
+
+// Of adjustments with a hue.
+class HSVChange {
+ public:
+  static constexpr size_t kRegs = 2;
+
+  explicit HSVChange(const HSVAdjustment& by)
+      : by_(by),
+        factors_{Vector::Set16(static_cast<uint32_t>(by.hueShift)),
+                 Vector::Set16(static_cast<uint32_t>(by.saturationScale) / 1024),
+                 Vector::Set16(static_cast<uint32_t>(by.valueScale) / 1024)} {}
+
+  LMX_EXPAND void Wide(Reg* pixels) const {
+    const Reg first = pixels[0], second = pixels[1];
+    const Colours in = {Channel16<16>(first, second), Channel16<8>(first, second), Channel16<0>(first, second)};
+    const Colours out = ToRGB(Adjusted(ToHSV(in), factors_));
+    const Reg greenBlue = Vector::Or(Vector::Left16<8>(out.green), out.blue);
+    const auto assemble = [](Reg pixel, Reg red, Reg rest) {
+      return Vector::Or(Vector::And(pixel, Vector::Set32(0xFF000000)), Vector::Or(Vector::Left32<16>(red), rest));
+    };
+    pixels[0] = assemble(first, Vector::UnpackLow16(out.red), Vector::UnpackLow16(greenBlue));
+    pixels[1] = assemble(second, Vector::UnpackHigh16(out.red), Vector::UnpackHigh16(greenBlue));
+  }
+  LMX_EXPAND uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustHSV(pixel, by_); }
+
+ private:
+  const HSVAdjustment& by_;
+  HSVFactors factors_;
+};
+
+template <class From, class To>
+void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
+  if (by->hueShift != INT32_MIN) {
+    Transform<From, To>(to, from, HSVChange(*by), n);
+    return;
+  }
+  for (size_t i = 0; i < n; ++i) To::WriteOne(to + 4 * i, LMX_Pixel::AdjustHSV(From::ReadOne(from + 4 * i), *by));
+}
+
+// ----------------------------------------------------------------------------------------------------- RGB, negative
+
+class RGBChange {
+ public:
+  static constexpr size_t kRegs = 1;
+
+  explicit RGBChange(const RGBAdjustment& by) : by_(by), more_(Part(by, 1)), less_(Part(by, -1)) {}
+
+  LMX_EXPAND void Wide(Reg* pixels) const {
+    *pixels = Vector::SubSaturated8(Vector::AddSaturated8(*pixels, more_), less_);
+  }
+  LMX_EXPAND uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustRGB(pixel, by_); }
+
+ private:
+  // What is added, or subtracted.
+  static Reg Part(const RGBAdjustment& by, int32_t sign) {
+    const auto part = [sign](int32_t delta) { return static_cast<uint32_t>(LMX_Pixel::Max(sign * delta, 0)); };
+    return Vector::Set32(LMX_Pixel::Pack(0, part(by.red), part(by.green), part(by.blue)));
+  }
+
+  const RGBAdjustment& by_;
+  Reg more_;
+  Reg less_;
+};
+
+template <class From, class To>
+void AdjustRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n) {
+  Transform<From, To>(to, from, RGBChange(*by), n);
+}
+
+struct NegativeChange {
+  static constexpr size_t kRegs = 1;
+  LMX_EXPAND void Wide(Reg* pixels) const { *pixels = Vector::AndNot(*pixels, Vector::Set32(0xFFFFFF)); }
+  LMX_EXPAND uint32_t One(uint32_t pixel) const { return LMX_Pixel::Negative(pixel); }
+};
+
+template <class From, class To>
+void Negative(uint8_t* to, const uint8_t* from, size_t n) {
+  Transform<From, To>(to, from, NegativeChange(), n);
+}
+
+// -------------------------------------------------------------------------------------------------------------- sums
+
+class WideRGBSums {
+ public:
+  LMX_EXPAND void Add(Reg working) {
+    red_ = Vector::Add64(red_, Vector::SumBytes(Vector::And(working, Vector::Set32(0xFF0000))));
+    green_ = Vector::Add64(green_, Vector::SumBytes(Vector::And(working, Vector::Set32(0xFF00))));
+    blue_ = Vector::Add64(blue_, Vector::SumBytes(Vector::And(working, Vector::Set32(0xFF))));
+  }
+  LMX_EXPAND void AddTo(RGBSums* sums) const {
+    sums->red += Vector::SumOf64(red_);
+    sums->green += Vector::SumOf64(green_);
+    sums->blue += Vector::SumOf64(blue_);
+  }
+
+ private:
+  Reg red_ = Vector::Zero();
+  Reg green_ = Vector::Zero();
+  Reg blue_ = Vector::Zero();
+};
+
+template <class Form>
+void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
+  WideRGBSums wide;
+  size_t i = 0;
+  for (; i + kWide <= n; i += kWide) {
+    Reg working;
+    if (Form::Read(Vector::Load(stored + 4 * i), &working)) {
+      wide.Add(working);
+    } else {
+      for (size_t j = i; j < i + kWide; ++j) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * j));
+    }
+  }
+  wide.AddTo(sums);
+  for (; i < n; ++i) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * i));
+}
+
+// The sum of saturations depends on the order of its terms in its last bits only. While it stays between two powers of
+// two, B and 2 B, every term is rounded to a multiple of B / 2^52 when it is added, whatever the sum: (v + B) - B rounds
+// a term like that, and rounded terms add up exactly in any order. For the rounding to depend on the sum, a term would
+// have to lie halfway between two multiples. From a sum of 256 to one of 2^45 none does: (max - min) / max, with a max
+// of at most 255, is further than its own rounding error from every halfway point.
+constexpr double kFirstWideSum = 256;
+constexpr size_t kSumBlock = 32 * kWide;  // pixels; each adds at most 1
+
+// The largest power of two that is at most `x`, which is normal and positive.
+LMX_EXPAND double BinadeOf(double x) {
+  uint64_t bits;
+  memcpy(&bits, &x, sizeof bits);
+  bits &= 0x7FF0000000000000;
+  memcpy(&x, &bits, sizeof x);
+  return x;
+}
+
+// Adds kSumBlock pixels; false, and nothing added, when a pixel needs its definition.
+template <class Form>
+LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored) {
+  const Vector::Doubles base = Vector::SetDouble(BinadeOf(sums->saturation));
+  const auto rounded = [base](Vector::Doubles delta, Vector::Doubles max) {
+    return Vector::Sub(Vector::Add(Vector::Divide(delta, max), base), base);
+  };
+  Vector::Doubles saturation = Vector::SetDouble(0);
+  Reg brightness = Vector::Zero();
+  WideRGBSums rgb;
+  for (size_t i = 0; i < kSumBlock; i += kWide) {
+    Reg working;
+    if (!Form::Read(Vector::Load(stored + 4 * i), &working)) return false;
+    rgb.Add(working);
+    const Reg green = Vector::Right32<8>(working), red = Vector::Right32<16>(working);
+    const Reg max = Vector::And(Vector::Max8(Vector::Max8(red, green), working), Vector::Set32(0xFF));
+    const Reg min = Vector::And(Vector::Min8(Vector::Min8(red, green), working), Vector::Set32(0xFF));
+    brightness = Vector::Add32(brightness, max);
+    const Reg delta = Vector::Sub32(max, min);
+    const Reg divisor = Vector::Max16(max, Vector::Set32(1));  // black adds 0
+    saturation = Vector::Add(saturation, rounded(Vector::LowToDouble(delta), Vector::LowToDouble(divisor)));
+    saturation = Vector::Add(saturation, rounded(Vector::HighToDouble(delta), Vector::HighToDouble(divisor)));
+  }
+  rgb.AddTo(&sums->rgb);
+  sums->saturation += Vector::SumOf(saturation);
+  sums->brightness += Vector::SumOf64(Vector::SumPairs32(brightness)) * 0.00390625;
+  return true;
+}
+
+template <class Form>
+void SumHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
+  size_t i = 0;
+  while (i < n) {
+    const size_t block = n - i < kSumBlock ? n - i : kSumBlock;
+    const bool isWide = block == kSumBlock && sums->saturation >= kFirstWideSum &&
+                        sums->saturation + kSumBlock < 2 * BinadeOf(sums->saturation);
+    if (!isWide || !AddBlock<Form>(sums, stored + 4 * i)) {
+      for (size_t j = i; j < i + block; ++j) LMX_Pixel::AddHSV(sums, Form::ReadOne(stored + 4 * j));
+    }
+    i += block;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,245 @@
+// A register of pixels: what the wide kernels share. Conversions between stored and working pixels, and the loop that
+// takes a run through them.
+//
+// Included after a Vector header. Everything lives in an anonymous namespace, so that no two levels share a function.
+// What does not fill a register, and what the fast arithmetic does not cover, goes pixel by pixel through LMX_Pixel.h.
+#pragma once
+
+#include "RunKernels.h"
+
+namespace {
+
+using Reg = Vector::Reg;
+constexpr size_t kWide = Vector::kPixels;
+
+// Sixteen-bit channels, two halves of a register of pixels.
+struct Channels {
+  Reg low;
+  Reg high;
+};
+
+LMX_EXPAND Channels Unpack(Reg pixels) {
+  return {Vector::UnpackLow8(pixels), Vector::UnpackHigh8(pixels)};
+}
+LMX_EXPAND Reg Pack(const Channels& c) {
+  return Vector::Pack16(c.low, c.high);
+}
+
+LMX_EXPAND Reg Select(Reg mask, Reg a, Reg b) {
+  return Vector::Or(Vector::And(mask, a), Vector::AndNot(mask, b));
+}
+
+// x / 255, truncated, of 16-bit lanes.
+LMX_EXPAND Reg Divide255(Reg x) {
+  return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
+}
+
+// ------------------------------------------------------------------------------------------------ bitmap-context form
+
+// For each alpha a: 2^s in the low half and R in the high half, with a' = a 2^s in 128..255 and R = ceil((255 - a')
+// 65536 / a'). Then k 255 / a is k' + (k' R >> 16), truncated, for every k' = k 2^s <= a'.
+struct Reciprocals {
+  uint32_t of[256];
+
+  constexpr Reciprocals() : of() {
+    for (uint32_t a = 1; a < 256; ++a) {
+      uint32_t scale = 1;
+      while (a * scale < 128) scale *= 2;
+      const uint32_t scaled = a * scale;
+      of[a] = ((255 - scaled) * 65536 + scaled - 1) / scaled << 16 | scale;
+    }
+  }
+};
+constexpr Reciprocals kReciprocals;
+
+// Stored pixels, alpha lowest, to straight channels; the alpha channels become 255. No channel exceeds its alpha.
+LMX_EXPAND Channels Straighten(Reg stored, Reg alpha) {
+  const Reg entries = Vector::LookUp(kReciprocals.of, alpha);
+  const auto straighten = [](Reg k, Reg entry) {
+    const Reg scaled = Vector::MulLow16(k, Vector::Spread16<0xA0>(entry));
+    return Vector::Add16(scaled, Vector::MulHigh16(scaled, Vector::Spread16<0xF5>(entry)));
+  };
+  const Channels k = Unpack(stored);
+  return {straighten(k.low, Vector::DoubleLow32(entries)), straighten(k.high, Vector::DoubleHigh32(entries))};
+}
+
+LMX_EXPAND bool AnyExceeds(Reg stored, Reg alpha) {
+  const Reg pairs = Vector::Or(alpha, Vector::Left32<8>(alpha));
+  const Reg everywhere = Vector::Or(pairs, Vector::Left32<16>(pairs));
+  return !Vector::IsZero(Vector::SubSaturated8(stored, everywhere));
+}
+
+struct ContextForm {
+  static constexpr uint32_t kAlpha = 0xFF;
+
+  // False, and nothing done, when a colour exceeds its alpha.
+  LMX_EXPAND static bool Read(Reg stored, Reg* working) {
+    if (Vector::HasBits(stored, Vector::Set32(kAlpha))) {
+      *working = Vector::SwapBytes(stored);
+      return true;
+    }
+    const Reg alpha = Vector::And(stored, Vector::Set32(kAlpha));
+    if (Vector::IsZero(alpha)) {
+      *working = Vector::Zero();
+      return true;
+    }
+    if (AnyExceeds(stored, alpha)) return false;
+    const Reg colours = Vector::AndNot(Vector::Set32(kAlpha), Pack(Straighten(stored, alpha)));
+    *working = Vector::SwapBytes(Vector::Or(colours, alpha));
+    return true;
+  }
+
+  LMX_EXPAND static Reg Write(Reg working) {
+    if (Vector::HasBits(working, Vector::Set32(0xFF000000))) return Vector::SwapBytes(working);
+    if (Vector::IsZero(Vector::And(working, Vector::Set32(0xFF000000)))) return Vector::Zero();
+    const auto premultiply = [](Reg k) {
+      // The alpha channel is multiplied by 255.
+      const Reg factor = Vector::Or(Vector::Spread16<0xFF>(k), Vector::Left64<48>(Vector::Set32(0xFF)));
+      return Divide255(Vector::MulLow16(k, factor));
+    };
+    const Channels k = Unpack(working);
+    return Vector::SwapBytes(Pack({premultiply(k.low), premultiply(k.high)}));
+  }
+
+  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::ReadContext(stored); }
+  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::WriteContext(stored, pixel); }
+};
+
+// ------------------------------------------------------------------------------------------------------- buffer form
+
+struct BufferForm {
+  LMX_EXPAND static bool Read(Reg stored, Reg* working) {
+    const Reg transparency = Vector::And(stored, Vector::Set32(0xFF000000));
+    const Reg alpha = Vector::Sub32(Vector::Set32(0xFF000000), Vector::Left32<1>(transparency));
+    const Reg clear = Vector::Equal32(transparency, Vector::Set32(0x7F000000));
+    *working = Vector::Or(Vector::And(stored, Vector::Set32(0xFFFFFF)), Vector::AndNot(clear, alpha));
+    return true;
+  }
+
+  LMX_EXPAND static Reg Write(Reg working) {
+    const Reg halved = Vector::And(Vector::Right32<1>(working), Vector::Set32(0x7F000000));
+    const Reg word = Vector::Or(halved, Vector::And(working, Vector::Set32(0xFFFFFF)));
+    return Vector::Xor(word, Vector::Set32(0x7F000000));
+  }
+
+  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::ReadBuffer(stored); }
+  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::WriteBuffer(stored, pixel); }
+};
+
+// The form of working pixels, so that reading and writing are transformations, too.
+struct WorkingForm {
+  LMX_EXPAND static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
+  LMX_EXPAND static Reg Write(Reg working) { return working; }
+  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) {
+    uint32_t pixel;
+    memcpy(&pixel, stored, 4);
+    return pixel;
+  }
+  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { memcpy(stored, &pixel, 4); }
+};
+
+// -------------------------------------------------------------------------------------------------------- conversions
+
+// From one form to another, through working pixels.
+template <class From, class To>
+struct Conversion {
+  LMX_EXPAND static bool Wide(Reg in, Reg* out) {
+    Reg working;
+    if (!From::Read(in, &working)) return false;
+    *out = To::Write(working);
+    return true;
+  }
+};
+
+// A channel k comes back as k where its alpha divides 255 k, and as k - 1 elsewhere.
+template <>
+struct Conversion<ContextForm, ContextForm> {
+  LMX_EXPAND static bool Wide(Reg in, Reg* out) {
+    const Reg alpha = Vector::And(in, Vector::Set32(0xFF));
+    if (Vector::HasBits(in, Vector::Set32(0xFF))) return *out = in, true;
+    if (Vector::IsZero(alpha)) return *out = Vector::Zero(), true;
+    if (AnyExceeds(in, alpha)) return false;
+    const auto lessRemainder = [](Reg k, Reg straight) {
+      const Reg product = Vector::MulLow16(straight, Vector::Spread16<0x00>(k));
+      const Reg exact = Vector::Equal16(product, Vector::MulLow16(k, Vector::Set16(255)));
+      return Vector::Sub16(k, Vector::Add16(Vector::Set16(1), exact));
+    };
+    const Channels k = Unpack(in);
+    const Channels straight = Straighten(in, alpha);
+    *out = Pack({lessRemainder(k.low, straight.low), lessRemainder(k.high, straight.high)});
+    return true;
+  }
+};
+
+// Only the highest bit is lost.
+template <>
+struct Conversion<BufferForm, BufferForm> {
+  LMX_EXPAND static bool Wide(Reg in, Reg* out) { return *out = Vector::And(in, Vector::Set32(0x7FFFFFFF)), true; }
+};
+
+template <class From, class To>
+LMX_EXPAND void ConvertOne(uint8_t* to, const uint8_t* from) {
+  To::WriteOne(to, From::ReadOne(from));
+}
+
+template <class From, class To>
+void Convert(uint8_t* to, const uint8_t* from, size_t n) {
+  size_t i = 0;
+  for (; i + kWide <= n; i += kWide) {
+    Reg out;
+    if (Conversion<From, To>::Wide(Vector::Load(from + 4 * i), &out)) {
+      Vector::Store(to + 4 * i, out);
+    } else {
+      for (size_t j = i; j < i + kWide; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * j);
+    }
+  }
+  for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * i);
+}
+
+template <class From, class To>
+void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
+  size_t i = 0;
+  for (; i + kWide <= n; i += kWide) {
+    Reg out;
+    if (Conversion<From, To>::Wide(Vector::Reverse(Vector::Load(from + 4 * (n - i - kWide))), &out)) {
+      Vector::Store(to + 4 * i, out);
+    } else {
+      for (size_t j = i; j < i + kWide; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * (n - 1 - j));
+    }
+  }
+  for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * (n - 1 - i));
+}
+
+template <class Form>
+void Read(uint32_t* working, const uint8_t* stored, size_t n) {
+  Convert<Form, WorkingForm>(reinterpret_cast<uint8_t*>(working), stored, n);
+}
+
+template <class Form>
+void Write(uint8_t* stored, const uint32_t* working, size_t n) {
+  Convert<WorkingForm, Form>(stored, reinterpret_cast<const uint8_t*>(working), n);
+}
+
+// Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.
+template <class From, class To, class Change>
+LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
+  constexpr size_t kStep = Change::kRegs * kWide;
+  const auto one = [&](size_t i) { To::WriteOne(to + 4 * i, change.One(From::ReadOne(from + 4 * i))); };
+  size_t i = 0;
+  for (; i + kStep <= n; i += kStep) {
+    Reg working[Change::kRegs];
+    bool isWide = true;
+    for (size_t r = 0; r < Change::kRegs; ++r) {
+      isWide = From::Read(Vector::Load(from + 4 * (i + r * kWide)), &working[r]) && isWide;
+    }
+    if (isWide) {
+      change.Wide(working);
+      for (size_t r = 0; r < Change::kRegs; ++r) Vector::Store(to + 4 * (i + r * kWide), To::Write(working[r]));
+    } else {
+      for (size_t j = i; j < i + kStep; ++j) one(j);
+    }
+  }
+  for (; i < n; ++i) one(i);
+}
+
+}  // namespace
