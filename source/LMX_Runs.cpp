@@ -31,6 +31,13 @@ std::size_t Size(std::int32_t n) {
   return static_cast<std::size_t>(n);
 }
 
+std::uint8_t* Bytes(std::uint32_t* pixels) {
+  return reinterpret_cast<std::uint8_t*>(pixels);
+}
+const std::uint8_t* Bytes(const std::uint32_t* pixels) {
+  return reinterpret_cast<const std::uint8_t*>(pixels);
+}
+
 // Calls kernel(to, from, n, i) for a run that both pictures hold. Where they do not, the run goes in pieces through a
 // buffer, in which what is missing is clear; `i` is the first pixel of the piece.
 template <class Kernel>
@@ -44,9 +51,9 @@ void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t 
   std::uint32_t in[kChunk], out[kChunk];
   for (std::int32_t i = 0; i < n; i += kChunk) {
     const std::int32_t part = std::min(kChunk, n - i);
-    ReadStored(from.picture, from.x + i, from.y, part, in);
-    kernel(reinterpret_cast<std::uint8_t*>(out), reinterpret_cast<const std::uint8_t*>(in), Size(part), i);
-    WriteStored(to.picture, to.x + i, to.y, part, out);
+    std::uint8_t* const room = RoomForRun(to.picture, to.x + i, to.y, part, out);
+    kernel(room, StoredRun(from.picture, from.x + i, from.y, part, in), Size(part), i);
+    PutRun(to.picture, to.x + i, to.y, part, room, out);
   }
 }
 
@@ -55,33 +62,43 @@ void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 void ReadRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* working) {
   const Clipped part = Clip(picture, x, y, n);
   std::fill_n(working, part.before, 0);
-  gRunKernels.read[FormOf(picture)](working + part.before, part.address, Size(part.count));
+  gRunKernels.copy[FormOf(picture)][kWorkingForm](Bytes(working + part.before), part.address, Size(part.count));
   std::fill(working + part.before + part.count, working + n, 0);
 }
 
 void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
               const std::uint32_t* working) {
   const Clipped part = Clip(picture, x, y, n);
-  gRunKernels.write[FormOf(picture)](part.address, working + part.before, Size(part.count));
+  gRunKernels.copy[kWorkingForm][FormOf(picture)](part.address, Bytes(working + part.before), Size(part.count));
 }
 
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working) {
   const Clipped part = Clip(picture, x, y, n);
   std::uint8_t stored[4];
-  gRunKernels.write[FormOf(picture)](stored, &working, 1);
+  gRunKernels.copy[kWorkingForm][FormOf(picture)](stored, Bytes(&working), 1);
   gRunKernels.fill(part.address, stored, Size(part.count));
 }
 
-void ReadStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* stored) {
+const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                              std::uint32_t* spare) {
   const Clipped part = Clip(picture, x, y, n);
-  if (part.count < n) std::fill_n(stored, n, picture.buffer ? 0x7F000000 : 0);
-  if (part.count > 0) std::memcpy(stored + part.before, part.address, Size(part.count) * 4);
+  if (part.count == n) return part.address;
+  std::fill_n(spare, n, picture.buffer ? 0x7F000000 : 0);
+  if (part.count > 0) std::memcpy(spare + part.before, part.address, Size(part.count) * 4);
+  return Bytes(spare);
 }
 
-void WriteStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                 const std::uint32_t* stored) {
+std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                         std::uint32_t* spare) {
   const Clipped part = Clip(picture, x, y, n);
-  if (part.count > 0) std::memcpy(part.address, stored + part.before, Size(part.count) * 4);
+  return part.count == n ? part.address : Bytes(spare);
+}
+
+void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
+            const std::uint32_t* spare) {
+  if (room != Bytes(spare)) return;
+  const Clipped part = Clip(picture, x, y, n);
+  if (part.count > 0) std::memcpy(part.address, spare + part.before, Size(part.count) * 4);
 }
 
 void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {

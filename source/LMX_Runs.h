@@ -9,7 +9,7 @@
 #include "LMX_Picture.h"
 #include "kernels/RunKernels.h"
 
-inline StorageForm FormOf(const LMX_Picture& picture) {
+inline PixelForm FormOf(const LMX_Picture& picture) {
   return picture.buffer ? kBufferForm : kContextForm;
 }
 
@@ -22,12 +22,19 @@ void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::i
 /// Writes the same working pixel n times.
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working);
 
-/// Reads n pixels as the picture stores them, into words of its StorageForm. What lies outside is a clear pixel.
-void ReadStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* stored);
+/// A run of n pixels as the picture stores it: where it lies if the picture holds all of it, else a copy in `spare`, with
+/// clear pixels for what is missing.
+const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                              std::uint32_t* spare);
 
-/// Writes n pixels that are in the picture's own StorageForm.
-void WriteStored(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                 const std::uint32_t* stored);
+/// Where to put a run of n pixels as the picture stores it: where it belongs if the picture holds all of it, else
+/// `spare`. PutRun has to follow when it is there.
+std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                         std::uint32_t* spare);
+
+/// Moves what of the run belongs into the picture there, if it is in `spare`.
+void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
+            const std::uint32_t* spare);
 
 /// A place in a picture.
 struct PixelPosition {

@@ -1,5 +1,5 @@
 // Workers of flips and quarter turns. Rows that stay rows are copied one by one; columns that become rows are turned in
-// tiles, kLanes columns at a time, so that both pictures are walked by cache lines. Half turns and three-quarter turns
+// tiles, so that both pictures are walked by cache lines. Half turns and three-quarter turns
 // are flips and quarter turns under another name.
 #include "PrivFlipRotate.h"
 
@@ -35,42 +35,42 @@ struct Turn {
   Order resultRows;
 };
 
-// Reads `lanes` columns of the source and writes them as `lanes` rows of the result. Column `firstColumn` becomes row
-// `firstRow`; the rows of its neighbours follow in steps of `rowStep`, 1 or -1. Pixels are turned as they are stored, and
-// converted on their way into the result.
+// A tile is kTileColumns columns of the source and as many rows of the result, kTileRows pixels of each.
+constexpr std::int32_t kTileColumns = 64;
+constexpr std::int32_t kTileRows = 64;
+
+// Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row `firstRow`; the rows of its
+// neighbours follow in steps of `rowStep`, 1 or -1.
 void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
-                 std::int32_t rowStep, std::int32_t lanes, Order rows) {
-  constexpr std::int32_t kTile = 64;
-  const auto convert = gRunKernels.copy[FormOf(source)][FormOf(result)];
-  std::uint32_t groups[kTile * kLanes] = {};
-  std::uint32_t runs[kLanes * kTile];
+                 std::int32_t rowStep, std::int32_t lines, Order rows) {
+  const auto transpose = gRunKernels.transpose[FormOf(source)][FormOf(result)];
+  std::uint32_t spareFrom[kTileRows][kTileColumns], spareTo[kTileColumns][kTileRows];
+  const std::uint8_t* from[kTileRows];
+  std::uint8_t* to[kTileColumns];
   ColumnWalk walk(source, rows == Order::kForward ? 0 : source.height - 1);
-  for (std::int32_t x = 0; x < result.width; x += kTile) {
-    const std::int32_t n = std::min(kTile, result.width - x);
+  for (std::int32_t x = 0; x < result.width; x += kTileRows) {
+    const std::int32_t n = std::min(kTileRows, result.width - x);
     for (std::int32_t i = 0; i < n; ++i) {
-      ReadStored(source, firstColumn, walk.Row(), lanes, groups + i * kLanes);
+      from[i] = StoredRun(source, firstColumn, walk.Row(), lines, spareFrom[i]);
       rows == Order::kForward ? walk.Down() : walk.Up();
     }
-    gRunKernels.gatherLanes(runs, kTile, groups, kLanes, static_cast<std::size_t>(n));
-    for (std::int32_t lane = 0; lane < lanes; ++lane) {
-      std::uint8_t* const run = reinterpret_cast<std::uint8_t*>(runs + lane * kTile);
-      convert(run, run, static_cast<std::size_t>(n));
-      WriteStored(result, x, firstRow + lane * rowStep, n, runs + lane * kTile);
-    }
+    for (std::int32_t i = 0; i < lines; ++i) to[i] = RoomForRun(result, x, firstRow + i * rowStep, n, spareTo[i]);
+    transpose(to, from, static_cast<std::size_t>(n), static_cast<std::size_t>(lines));
+    for (std::int32_t i = 0; i < lines; ++i) PutRun(result, x, firstRow + i * rowStep, n, to[i], spareTo[i]);
   }
 }
 
 void TurnPicture(const LMX_Picture& source, const LMX_Picture& result, const Turn& turn, long yield) {
   YieldPace pace(yield);
   for (std::int32_t done = 0; done < result.height;) {
-    const std::int32_t lanes = pace.BeginLines(result.width, std::min(kLanes, result.height - done));
-    const std::int32_t top = turn.resultRows == Order::kForward ? done : result.height - done - lanes;
+    const std::int32_t lines = pace.BeginLines(result.width, std::min(kTileColumns, result.height - done));
+    const std::int32_t top = turn.resultRows == Order::kForward ? done : result.height - done - lines;
     if (turn.columns == Order::kForward) {
-      TurnColumns(source, result, top, top, 1, lanes, turn.rows);
+      TurnColumns(source, result, top, top, 1, lines, turn.rows);
     } else {
-      TurnColumns(source, result, source.width - top - lanes, top + lanes - 1, -1, lanes, turn.rows);
+      TurnColumns(source, result, source.width - top - lines, top + lines - 1, -1, lines, turn.rows);
     }
-    done += lanes;
+    done += lines;
   }
 }
 

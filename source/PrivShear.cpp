@@ -119,51 +119,57 @@ void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Pictu
 
 // ---------------------------------------------------------------------------------------------------------- columns
 
-void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t lanes, const Frame& frame) {
+void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t columns, const Frame& frame) {
   ColumnWalk walk(result, 0);
-  for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) FillRun(result, x, walk.Row(), lanes, frame.pixel);
+  for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) FillRun(result, x, walk.Row(), columns, frame.pixel);
 }
 
 // Neighbouring columns are turned into runs, kRows rows at a time, and blended along themselves. The columns of a strip
-// are displaced by up to kLanes pixels against each other, so that kApart rows of the piece before stay at hand.
+// are displaced by up to a pixel each against each other, so that kApart rows of the piece before stay at hand.
+constexpr std::int32_t kColumns = 32;
 constexpr std::int32_t kRows = 64;
-constexpr std::int32_t kApart = 32;
-static_assert(kApart >= kLanes + 2);
+constexpr std::int32_t kApart = kColumns + 16;
+static_assert(kApart >= kColumns + 2);
 
 // Columns of a picture as runs of stored pixels: the rows that were read last, and kApart before them.
 class ColumnRuns {
  public:
   // Reading starts at row `first`.
-  ColumnRuns(const LMX_Picture& picture, std::int32_t x, std::int32_t lanes, std::int32_t first)
-      : picture_(picture), x_(x), lanes_(lanes), next_(first), walk_(picture, first) {}
+  ColumnRuns(const LMX_Picture& picture, std::int32_t x, std::int32_t columns, std::int32_t first)
+      : picture_(picture), x_(x), columns_(columns), next_(first), walk_(picture, first) {}
 
   // Reads the next n <= kRows rows.
   void Read(std::int32_t n) {
-    std::uint32_t groups[kRows * kLanes] = {};
-    for (std::int32_t i = 0; i < n; ++i, walk_.Down()) {
-      ReadStored(picture_, x_, walk_.Row(), lanes_, groups + i * kLanes);
+    std::uint32_t spare[kRows][kColumns];
+    const std::uint8_t* from[kRows];
+    std::uint8_t* to[kColumns];
+    for (std::int32_t i = 0; i < n; ++i, walk_.Down())
+      from[i] = StoredRun(picture_, x_, walk_.Row(), columns_, spare[i]);
+    for (std::int32_t i = 0; i < columns_; ++i) {
+      std::copy_n(runs_[i] + count_, kApart, runs_[i]);
+      to[i] = reinterpret_cast<std::uint8_t*>(runs_[i] + kApart);
     }
-    for (auto& run : runs_) std::copy_n(run + count_, kApart, run);
-    gRunKernels.gatherLanes(runs_[0] + kApart, kApart + kRows, groups, kLanes, static_cast<std::size_t>(n));
+    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(n),
+                                                      static_cast<std::size_t>(columns_));
     next_ += n;
     count_ = n;
   }
 
   // Row `r` of a column; the following rows come behind it.
-  const std::uint8_t* At(std::int32_t lane, std::int32_t r) const {
-    return reinterpret_cast<const std::uint8_t*>(runs_[lane] + (r - next_ + count_ + kApart));
+  const std::uint8_t* At(std::int32_t column, std::int32_t r) const {
+    return reinterpret_cast<const std::uint8_t*>(runs_[column] + (r - next_ + count_ + kApart));
   }
   // The same pixel as a working one.
-  std::uint32_t PixelAt(std::int32_t lane, std::int32_t r) const { return picture_.ReadPixel(At(lane, r)); }
+  std::uint32_t PixelAt(std::int32_t column, std::int32_t r) const { return picture_.ReadPixel(At(column, r)); }
 
  private:
   const LMX_Picture& picture_;
   std::int32_t x_;
-  std::int32_t lanes_;
+  std::int32_t columns_;
   std::int32_t next_;       // the row that is read next
   std::int32_t count_ = 0;  // rows of the last piece
   ColumnWalk walk_;
-  std::uint32_t runs_[kLanes][kApart + kRows] = {};
+  std::uint32_t runs_[kColumns][kApart + kRows] = {};
 };
 
 // A working pixel as a picture stores it.
@@ -174,7 +180,7 @@ std::uint32_t Stored(const LMX_Picture& picture, std::uint32_t working) {
 }
 
 // Rows y to y + n - 1 of one column of the result, as it stores them.
-void ShearPiece(const LMX_Picture& source, const ColumnRuns& columns, const LMX_Picture& result, std::int32_t lane,
+void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Picture& result, std::int32_t column,
                 const Line& line, std::int32_t y, std::int32_t n, const Frame& frame, std::uint32_t* pixels) {
   const std::int32_t begin = std::clamp(line.begin, y, y + n);
   const std::int32_t end = std::clamp(line.end, y, y + n);
@@ -184,33 +190,33 @@ void ShearPiece(const LMX_Picture& source, const ColumnRuns& columns, const LMX_
   if (begin < end) {
     const bool isFirst = begin == line.begin && !line.cut;
     const std::uint32_t before =
-        isFirst ? frame.Beside(columns.PixelAt(lane, begin + shift)) : columns.PixelAt(lane, begin + shift - 1);
+        isFirst ? frame.Beside(runs.PixelAt(column, begin + shift)) : runs.PixelAt(column, begin + shift - 1);
     gRunKernels.blend[FormOf(source)][FormOf(result)](reinterpret_cast<std::uint8_t*>(pixels + (begin - y)),
-                                                      columns.At(lane, begin + shift), before, line.fraction,
+                                                      runs.At(column, begin + shift), before, line.fraction,
                                                       static_cast<std::size_t>(end - begin));
   }
   std::fill(pixels + (end - y), pixels + n, frameStored);
   if (line.fraction > 0 && line.end >= y && line.end < y + n) {
-    pixels[line.end - y] = Stored(result, EdgePixel(columns.PixelAt(lane, line.end + shift - 1), line.fraction, frame));
+    pixels[line.end - y] = Stored(result, EdgePixel(runs.PixelAt(column, line.end + shift - 1), line.fraction, frame));
   }
 }
 
-// Makes columns x to x + lanes - 1 of the result from the same number of the source's, from `sourceX` on.
+// Makes columns x to x + columns - 1 of the result from the same number of the source's, from `sourceX` on.
 void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result, std::int32_t x,
-                  std::int32_t lanes, const Line* lines, const Frame& frame) {
+                  std::int32_t columns, const Line* lines, const Frame& frame) {
   // Rows of the result that are not all frame, the first row of the source that is needed, and the first that the row
   // at `top` does not need.
   std::int32_t top = result.height;
   std::int32_t bottom = 0;
-  for (const Line* line = lines; line < lines + lanes; ++line) {
+  for (const Line* line = lines; line < lines + columns; ++line) {
     if (!line->Shows()) continue;
     top = std::min(top, line->begin);
     bottom = std::max(bottom, std::min(line->end + 1, result.height));
   }
-  if (bottom == 0) return FillColumns(result, x, lanes, frame);
+  if (bottom == 0) return FillColumns(result, x, columns, frame);
   std::int32_t origin = source.height;
   std::int32_t ahead = 0;
-  for (const Line* line = lines; line < lines + lanes; ++line) {
+  for (const Line* line = lines; line < lines + columns; ++line) {
     if (!line->Shows()) continue;
     origin = std::min(origin, line->Origin());
     ahead = std::max(ahead, line->first - line->begin + top);
@@ -218,23 +224,27 @@ void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Pic
 
   ColumnWalk walk(result, 0);
   const auto fillRows = [&](std::int32_t from, std::int32_t to) {
-    for (std::int32_t y = from; y < to; ++y, walk.Down()) FillRun(result, x, walk.Row(), lanes, frame.pixel);
+    for (std::int32_t y = from; y < to; ++y, walk.Down()) FillRun(result, x, walk.Row(), columns, frame.pixel);
   };
   fillRows(0, top);
-  ColumnRuns columns(source, sourceX, lanes, origin);
-  columns.Read(ahead - origin);
-  std::uint32_t stored[kLanes * kRows] = {};
-  std::uint32_t groups[kRows * kLanes];
+  ColumnRuns runs(source, sourceX, columns, origin);
+  runs.Read(ahead - origin);
+  std::uint32_t pieces[kColumns][kRows];
+  std::uint32_t spare[kRows][kColumns];
+  const std::uint8_t* from[kColumns];
+  std::uint8_t* to[kRows];
+  for (std::int32_t i = 0; i < columns; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(pieces[i]);
   for (std::int32_t y = top; y < bottom; y += kRows) {
     const std::int32_t n = std::min(kRows, bottom - y);
-    columns.Read(kRows);
-    for (std::int32_t i = 0; i < lanes; ++i) {
-      ShearPiece(source, columns, result, i, lines[i], y, n, frame, stored + i * kRows);
+    runs.Read(kRows);
+    for (std::int32_t i = 0; i < columns; ++i) {
+      ShearPiece(source, runs, result, i, lines[i], y, n, frame, pieces[i]);
     }
-    gRunKernels.scatterLanes(groups, kLanes, stored, kRows, static_cast<std::size_t>(n));
-    for (std::int32_t i = 0; i < n; ++i, walk.Down()) {
-      WriteStored(result, x, walk.Row(), lanes, groups + i * kLanes);
-    }
+    ColumnWalk put = walk;
+    for (std::int32_t i = 0; i < n; ++i, walk.Down()) to[i] = RoomForRun(result, x, walk.Row(), columns, spare[i]);
+    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(columns),
+                                                      static_cast<std::size_t>(n));
+    for (std::int32_t i = 0; i < n; ++i, put.Down()) PutRun(result, x, put.Row(), columns, to[i], spare[i]);
   }
   fillRows(bottom, result.height);
 }
@@ -272,21 +282,21 @@ void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, 
   const Placement at = Place(source.height, source.width, result.height, result.width, shear);
   const Frame frame(frame_color);
   // Where rows are missing, each column has to be walked from its own first row.
-  const std::int32_t widest = HasEveryRow(source) ? kLanes : 1;
+  const std::int32_t widest = HasEveryRow(source) ? kColumns : 1;
   YieldPace pace(yield);
   std::int64_t offset = at.offset;
   for (std::int32_t x = 0; x < result.width;) {
     const std::int32_t regionEnd = x < at.begin ? at.begin : x < at.end ? at.end : result.width;
-    const std::int32_t lanes = pace.BeginLines(result.height, std::min(widest, regionEnd - x));
+    const std::int32_t columns = pace.BeginLines(result.height, std::min(widest, regionEnd - x));
     if (x < at.begin || x >= at.end) {
-      FillColumns(result, x, lanes, frame);
+      FillColumns(result, x, columns, frame);
     } else {
-      Line lines[kLanes];
-      for (std::int32_t i = 0; i < lanes; ++i, offset -= at.step) {
+      Line lines[kColumns];
+      for (std::int32_t i = 0; i < columns; ++i, offset -= at.step) {
         lines[i] = LineAt(offset, source.height, result.height);
       }
-      ShearColumns(source, at.firstLine + (x - at.begin), result, x, lanes, lines, frame);
+      ShearColumns(source, at.firstLine + (x - at.begin), result, x, columns, lines, frame);
     }
-    x += lanes;
+    x += columns;
   }
 }

@@ -91,7 +91,7 @@ class ColumnWriter {
 };
 
 // Lines of a row pass. They go through a tile, so that their pixels come and go in runs.
-constexpr std::int32_t kRows = 2 * kLanes;
+constexpr std::int32_t kRows = 32;
 constexpr std::int32_t kTile = 64;
 
 class RowReader {
@@ -112,14 +112,15 @@ class RowReader {
  private:
   void Fill() {
     std::copy_n(tile_[kTile], kRows, tile_[0]);
-    for (std::int32_t first = 0; first < lines_; first += kLanes) {
-      std::uint32_t runs[kLanes * kTile] = {};
-      for (std::int32_t i = 0; i < std::min(kLanes, lines_ - first); ++i) {
-        ReadRun(picture_, x_, y_ + first + i, kTile, runs + i * kTile);
-      }
-      gRunKernels.scatterLanes(tile_[1] + first, kRows, runs, kTile, kTile);
-    }
-    x_ += kTile;
+    std::uint32_t spare[kRows][kTile];
+    const std::uint8_t* from[kRows];
+    std::uint8_t* to[kTile];
+    const std::int32_t n = std::min(kTile, picture_.width - x_);
+    for (std::int32_t i = 0; i < lines_; ++i) from[i] = StoredRun(picture_, x_, y_ + i, n, spare[i]);
+    for (std::int32_t i = 0; i < n; ++i) to[i] = reinterpret_cast<std::uint8_t*>(tile_[1 + i]);
+    gRunKernels.transpose[FormOf(picture_)][kWorkingForm](to, from, static_cast<std::size_t>(lines_),
+                                                          static_cast<std::size_t>(n));
+    x_ += n;
     next_ = 0;
   }
 
@@ -141,13 +142,14 @@ class RowWriter {
   }
 
   void Finish() {
-    for (std::int32_t first = 0; first < lines_; first += kLanes) {
-      std::uint32_t runs[kLanes * kTile];
-      gRunKernels.gatherLanes(runs, kTile, tile_[0] + first, kRows, static_cast<std::size_t>(inTile_));
-      for (std::int32_t i = 0; i < std::min(kLanes, lines_ - first); ++i) {
-        WriteRun(picture_, x_, y_ + first + i, inTile_, runs + i * kTile);
-      }
-    }
+    std::uint32_t spare[kRows][kTile];
+    const std::uint8_t* from[kTile];
+    std::uint8_t* to[kRows];
+    for (std::int32_t i = 0; i < inTile_; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(tile_[i]);
+    for (std::int32_t i = 0; i < lines_; ++i) to[i] = RoomForRun(picture_, x_, y_ + i, inTile_, spare[i]);
+    gRunKernels.transpose[kWorkingForm][FormOf(picture_)](to, from, static_cast<std::size_t>(inTile_),
+                                                          static_cast<std::size_t>(lines_));
+    for (std::int32_t i = 0; i < lines_; ++i) PutRun(picture_, x_, y_ + i, inTile_, to[i], spare[i]);
     x_ += inTile_;
     inTile_ = 0;
   }
@@ -158,7 +160,7 @@ class RowWriter {
   std::int32_t lines_;
   std::int32_t x_ = 0;
   std::int32_t inTile_ = 0;
-  std::uint32_t tile_[kTile][kRows] = {};
+  std::uint32_t tile_[kTile][kRows];
 };
 
 // Makes `length` groups. The destination never takes more units than the source has, so that a line is not used up before

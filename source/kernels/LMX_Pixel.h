@@ -90,6 +90,14 @@ struct LMX_Pixel {
     memcpy(stored, &word, sizeof word);
   }
 
+  /// A working pixel in memory, which may lie at any address.
+  LMX_EXPAND static uint32_t Load(const uint8_t* working) {
+    uint32_t pixel;
+    memcpy(&pixel, working, sizeof pixel);
+    return pixel;
+  }
+  LMX_EXPAND static void Store(uint8_t* working, uint32_t pixel) { memcpy(working, &pixel, sizeof pixel); }
+
   // -------------------------------------------------------------------------------------------------------------- HSV
 
   /// Hue 0 to 6143 in 1/1024 of a sector of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a grey; saturation 0 to

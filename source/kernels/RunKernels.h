@@ -8,8 +8,8 @@
 //   - n may be 0; nothing has to be aligned;
 //   - exactly n pixels of each run are read or written, nothing beyond;
 //   - the runs must not overlap.
-// Stored runs are in one of the two forms of LMX_Pixel.h; working runs are arrays of working pixels. A kernel from
-// stored to stored pixels comes for each pair of forms: kernel[form of `from`][form of `to`].
+// Stored runs are in one of the two forms of LMX_Pixel.h; working runs are arrays of working pixels. A kernel comes for
+// each pair of the forms that it can take: kernel[form of `from`][form of `to`].
 #pragma once
 
 #include <stddef.h>
@@ -21,24 +21,16 @@
 #define LMX_X86
 #endif
 
-/// How a picture keeps its pixels; the index into the tables below.
-enum StorageForm { kContextForm = 0, kBufferForm = 1, kStorageForms = 2 };
-
-/// Neighbouring lines that are turned from columns into runs, or back, together: a cache line of pixels.
-constexpr int kLanes = 16;
+/// The forms in which a run's pixels can be: as a picture keeps them, and as working pixels. The index into the tables
+/// below.
+enum PixelForm { kContextForm = 0, kBufferForm = 1, kStorageForms = 2, kWorkingForm = 2, kForms = 3 };
 
 struct RunKernels {
   /// The level's name: "plain", or the instruction set of the highest level that filled in.
   const char* level;
 
-  /// Stored to working pixels.
-  void (*read[kStorageForms])(uint32_t* working, const uint8_t* stored, size_t n);
-
-  /// Working to stored pixels.
-  void (*write[kStorageForms])(uint8_t* stored, const uint32_t* working, size_t n);
-
-  /// Reads and writes in one. `to` may be `from`.
-  void (*copy[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
+  /// Reads and writes, from any form to any other. `to` may be `from`.
+  void (*copy[kForms][kForms])(uint8_t* to, const uint8_t* from, size_t n);
 
   /// The same from right to left: pixel i of `to` becomes pixel n - 1 - i of `from`.
   void (*copyMirrored[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
@@ -60,12 +52,9 @@ struct RunKernels {
   void (*sumRGB[kStorageForms])(RGBSums* sums, const uint8_t* stored, size_t n);
   void (*sumHSV[kStorageForms])(HSVSums* sums, const uint8_t* stored, size_t n);
 
-  /// Turns n groups of kLanes pixels, `pitch` pixels apart, into kLanes runs, `stride` pixels apart: pixel i of run l is
-  /// pixel l of group i.
-  void (*gatherLanes)(uint32_t* runs, size_t stride, const uint32_t* groups, size_t pitch, size_t n);
-
-  /// The way back: kLanes runs into n groups.
-  void (*scatterLanes)(uint32_t* groups, size_t pitch, const uint32_t* runs, size_t stride, size_t n);
+  /// Turns columns into runs: copies pixel c of the run from[r] to pixel r of the run to[c], for r < rows and c < columns.
+  /// From working to working pixels it moves pixels as they are, whatever their form.
+  void (*transpose[kForms][kForms])(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns);
 
   /// Box averages of two working runs: (first (units - ofSecond) + second ofSecond) / units in each channel, with
   /// units of 1 to 32768 and 0 <= ofSecond <= units. `averages` may be either run.

@@ -3,32 +3,36 @@
 
 namespace {
 
-template <StorageForm form>
-LMX_EXPAND uint32_t Read(const uint8_t* stored) {
-  return form == kBufferForm ? LMX_Pixel::ReadBuffer(stored) : LMX_Pixel::ReadContext(stored);
+template <PixelForm form>
+LMX_EXPAND uint32_t Read(const uint8_t* pixel) {
+  switch (form) {
+    case kContextForm:
+      return LMX_Pixel::ReadContext(pixel);
+    case kBufferForm:
+      return LMX_Pixel::ReadBuffer(pixel);
+    default:
+      return LMX_Pixel::Load(pixel);
+  }
 }
 
-template <StorageForm form>
-LMX_EXPAND void Write(uint8_t* stored, uint32_t pixel) {
-  form == kBufferForm ? LMX_Pixel::WriteBuffer(stored, pixel) : LMX_Pixel::WriteContext(stored, pixel);
+template <PixelForm form>
+LMX_EXPAND void Write(uint8_t* to, uint32_t pixel) {
+  switch (form) {
+    case kContextForm:
+      return LMX_Pixel::WriteContext(to, pixel);
+    case kBufferForm:
+      return LMX_Pixel::WriteBuffer(to, pixel);
+    default:
+      return LMX_Pixel::Store(to, pixel);
+  }
 }
 
-template <StorageForm form>
-void ReadRun(uint32_t* working, const uint8_t* stored, size_t n) {
-  for (size_t i = 0; i < n; ++i) working[i] = Read<form>(stored + 4 * i);
-}
-
-template <StorageForm form>
-void WriteRun(uint8_t* stored, const uint32_t* working, size_t n) {
-  for (size_t i = 0; i < n; ++i) Write<form>(stored + 4 * i, working[i]);
-}
-
-template <StorageForm from_form, StorageForm to_form>
+template <PixelForm from_form, PixelForm to_form>
 void CopyRun(uint8_t* to, const uint8_t* from, size_t n) {
   for (size_t i = 0; i < n; ++i) Write<to_form>(to + 4 * i, Read<from_form>(from + 4 * i));
 }
 
-template <StorageForm from_form, StorageForm to_form>
+template <PixelForm from_form, PixelForm to_form>
 void CopyRunMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   for (size_t i = 0; i < n; ++i) Write<to_form>(to + 4 * i, Read<from_form>(from + 4 * (n - 1 - i)));
 }
@@ -37,22 +41,22 @@ void FillRun(uint8_t* stored, const uint8_t* pixel, size_t n) {
   for (size_t i = 0; i < n; ++i) memcpy(stored + 4 * i, pixel, 4);
 }
 
-template <StorageForm from_form, StorageForm to_form>
+template <PixelForm from_form, PixelForm to_form>
 void AdjustRunHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
   for (size_t i = 0; i < n; ++i) Write<to_form>(to + 4 * i, LMX_Pixel::AdjustHSV(Read<from_form>(from + 4 * i), *by));
 }
 
-template <StorageForm from_form, StorageForm to_form>
+template <PixelForm from_form, PixelForm to_form>
 void AdjustRunRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n) {
   for (size_t i = 0; i < n; ++i) Write<to_form>(to + 4 * i, LMX_Pixel::AdjustRGB(Read<from_form>(from + 4 * i), *by));
 }
 
-template <StorageForm from_form, StorageForm to_form>
+template <PixelForm from_form, PixelForm to_form>
 void NegativeRun(uint8_t* to, const uint8_t* from, size_t n) {
   for (size_t i = 0; i < n; ++i) Write<to_form>(to + 4 * i, LMX_Pixel::Negative(Read<from_form>(from + 4 * i)));
 }
 
-template <StorageForm from_form, StorageForm to_form>
+template <PixelForm from_form, PixelForm to_form>
 void BlendRun(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
   for (size_t i = 0; i < n; ++i) {
     const uint32_t pixel = Read<from_form>(from + 4 * i);
@@ -61,25 +65,20 @@ void BlendRun(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fracti
   }
 }
 
-template <StorageForm form>
+template <PixelForm form>
 void SumRunRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   for (size_t i = 0; i < n; ++i) LMX_Pixel::AddRGB(sums, Read<form>(stored + 4 * i));
 }
 
-template <StorageForm form>
+template <PixelForm form>
 void SumRunHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
   for (size_t i = 0; i < n; ++i) LMX_Pixel::AddHSV(sums, Read<form>(stored + 4 * i));
 }
 
-void GatherLanes(uint32_t* runs, size_t stride, const uint32_t* groups, size_t pitch, size_t n) {
-  for (size_t lane = 0; lane < kLanes; ++lane) {
-    for (size_t i = 0; i < n; ++i) runs[lane * stride + i] = groups[i * pitch + lane];
-  }
-}
-
-void ScatterLanes(uint32_t* groups, size_t pitch, const uint32_t* runs, size_t stride, size_t n) {
-  for (size_t i = 0; i < n; ++i) {
-    for (size_t lane = 0; lane < kLanes; ++lane) groups[i * pitch + lane] = runs[lane * stride + i];
+template <PixelForm from_form, PixelForm to_form>
+void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns) {
+  for (size_t c = 0; c < columns; ++c) {
+    for (size_t r = 0; r < rows; ++r) Write<to_form>(to[c] + 4 * r, Read<from_form>(from[r] + 4 * c));
   }
 }
 
@@ -98,9 +97,14 @@ void AverageCoverage(uint32_t* averages, const uint32_t* sums, uint32_t units, s
   for (size_t i = 0; i < n; ++i) averages[i] = LMX_Pixel::AverageCoverage(sums + 4 * i, units);
 }
 
-template <StorageForm from_form, StorageForm to_form>
-void FillForms(RunKernels* kernels) {
+template <PixelForm from_form, PixelForm to_form>
+void FillMoves(RunKernels* kernels) {
   kernels->copy[from_form][to_form] = CopyRun<from_form, to_form>;
+  kernels->transpose[from_form][to_form] = Transpose<from_form, to_form>;
+}
+
+template <PixelForm from_form, PixelForm to_form>
+void FillChanges(RunKernels* kernels) {
   kernels->copyMirrored[from_form][to_form] = CopyRunMirrored<from_form, to_form>;
   kernels->adjustHSV[from_form][to_form] = AdjustRunHSV<from_form, to_form>;
   kernels->adjustRGB[from_form][to_form] = AdjustRunRGB<from_form, to_form>;
@@ -108,25 +112,30 @@ void FillForms(RunKernels* kernels) {
   kernels->blend[from_form][to_form] = BlendRun<from_form, to_form>;
 }
 
-template <StorageForm form>
+template <PixelForm form>
 void FillForm(RunKernels* kernels) {
-  kernels->read[form] = ReadRun<form>;
-  kernels->write[form] = WriteRun<form>;
+  FillMoves<form, kContextForm>(kernels);
+  FillMoves<form, kBufferForm>(kernels);
+  FillMoves<form, kWorkingForm>(kernels);
+}
+
+template <PixelForm form>
+void FillStorageForm(RunKernels* kernels) {
+  FillForm<form>(kernels);
+  FillChanges<form, kContextForm>(kernels);
+  FillChanges<form, kBufferForm>(kernels);
   kernels->sumRGB[form] = SumRunRGB<form>;
   kernels->sumHSV[form] = SumRunHSV<form>;
-  FillForms<form, kContextForm>(kernels);
-  FillForms<form, kBufferForm>(kernels);
 }
 
 }  // namespace
 
 void FillPlain(RunKernels* kernels) {
   kernels->level = "plain";
-  FillForm<kContextForm>(kernels);
-  FillForm<kBufferForm>(kernels);
+  FillStorageForm<kContextForm>(kernels);
+  FillStorageForm<kBufferForm>(kernels);
+  FillForm<kWorkingForm>(kernels);
   kernels->fill = FillRun;
-  kernels->gatherLanes = GatherLanes;
-  kernels->scatterLanes = ScatterLanes;
   kernels->mix = Mix;
   kernels->addCoverage = AddCoverage;
   kernels->averageCoverage = AverageCoverage;

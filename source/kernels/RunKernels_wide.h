@@ -6,9 +6,14 @@
 
 namespace {
 
-template <StorageForm from, StorageForm to, class From, class To>
-void FillForms(RunKernels* kernels) {
+template <PixelForm from, PixelForm to, class From, class To>
+void FillMoves(RunKernels* kernels) {
   kernels->copy[from][to] = Convert<From, To>;
+  kernels->transpose[from][to] = Transpose<From, To>;
+}
+
+template <PixelForm from, PixelForm to, class From, class To>
+void FillChanges(RunKernels* kernels) {
   kernels->copyMirrored[from][to] = ConvertMirrored<From, To>;
   kernels->adjustHSV[from][to] = AdjustHSV<From, To>;
   kernels->adjustRGB[from][to] = AdjustRGB<From, To>;
@@ -16,22 +21,27 @@ void FillForms(RunKernels* kernels) {
   kernels->blend[from][to] = Blend<From, To>;
 }
 
-template <StorageForm form, class Form>
+template <PixelForm form, class Form>
 void FillForm(RunKernels* kernels) {
-  kernels->read[form] = Read<Form>;
-  kernels->write[form] = Write<Form>;
+  FillMoves<form, kContextForm, Form, ContextForm>(kernels);
+  FillMoves<form, kBufferForm, Form, BufferForm>(kernels);
+  FillMoves<form, kWorkingForm, Form, WorkingForm>(kernels);
+}
+
+template <PixelForm form, class Form>
+void FillStorageForm(RunKernels* kernels) {
+  FillForm<form, Form>(kernels);
+  FillChanges<form, kContextForm, Form, ContextForm>(kernels);
+  FillChanges<form, kBufferForm, Form, BufferForm>(kernels);
   kernels->sumRGB[form] = SumRGB<Form>;
   kernels->sumHSV[form] = SumHSV<Form>;
-  FillForms<form, kContextForm, Form, ContextForm>(kernels);
-  FillForms<form, kBufferForm, Form, BufferForm>(kernels);
 }
 
 void FillWide(RunKernels* kernels) {
-  FillForm<kContextForm, ContextForm>(kernels);
-  FillForm<kBufferForm, BufferForm>(kernels);
+  FillStorageForm<kContextForm, ContextForm>(kernels);
+  FillStorageForm<kBufferForm, BufferForm>(kernels);
+  FillForm<kWorkingForm, WorkingForm>(kernels);
   kernels->fill = Fill;
-  kernels->gatherLanes = GatherLanes;
-  kernels->scatterLanes = ScatterLanes;
   kernels->mix = Mix;
   kernels->addCoverage = AddCoverage;
   kernels->averageCoverage = AverageCoverage;

@@ -1,4 +1,4 @@
-// The wide kernels of the geometric methods: fills, lanes, blends and box filters. Included after a Vector header.
+// The wide kernels of the geometric methods: fills, blends and box filters. Included after a Vector header.
 #pragma once
 
 #include "WidePixels.h"
@@ -12,38 +12,6 @@ void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
   size_t i = 0;
   for (; i + kWide <= n; i += kWide) Vector::Store(stored + 4 * i, words);
   for (; i < n; ++i) memcpy(stored + 4 * i, &word, 4);
-}
-
-// ------------------------------------------------------------------------------------------------------------- lanes
-
-void GatherLanes(uint32_t* runs, size_t stride, const uint32_t* groups, size_t pitch, size_t n) {
-  size_t i = 0;
-  for (; i + kWide <= n; i += kWide) {
-    for (size_t lane = 0; lane < kLanes; lane += kWide) {
-      Reg square[kWide];
-      for (size_t j = 0; j < kWide; ++j) square[j] = Vector::Load(groups + (i + j) * pitch + lane);
-      Vector::Transpose(square);
-      for (size_t j = 0; j < kWide; ++j) Vector::Store(runs + (lane + j) * stride + i, square[j]);
-    }
-  }
-  for (; i < n; ++i) {
-    for (size_t lane = 0; lane < kLanes; ++lane) runs[lane * stride + i] = groups[i * pitch + lane];
-  }
-}
-
-void ScatterLanes(uint32_t* groups, size_t pitch, const uint32_t* runs, size_t stride, size_t n) {
-  size_t i = 0;
-  for (; i + kWide <= n; i += kWide) {
-    for (size_t lane = 0; lane < kLanes; lane += kWide) {
-      Reg square[kWide];
-      for (size_t j = 0; j < kWide; ++j) square[j] = Vector::Load(runs + (lane + j) * stride + i);
-      Vector::Transpose(square);
-      for (size_t j = 0; j < kWide; ++j) Vector::Store(groups + (i + j) * pitch + lane, square[j]);
-    }
-  }
-  for (; i < n; ++i) {
-    for (size_t lane = 0; lane < kLanes; ++lane) groups[i * pitch + lane] = runs[lane * stride + i];
-  }
 }
 
 // ------------------------------------------------------------------------------------------------------------ blends

@@ -130,12 +130,8 @@ struct BufferForm {
 struct WorkingForm {
   LMX_EXPAND static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
   LMX_EXPAND static Reg Write(Reg working) { return working; }
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) {
-    uint32_t pixel;
-    memcpy(&pixel, stored, 4);
-    return pixel;
-  }
-  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { memcpy(stored, &pixel, 4); }
+  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::Load(stored); }
+  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::Store(stored, pixel); }
 };
 
 // -------------------------------------------------------------------------------------------------------- conversions
@@ -210,14 +206,33 @@ void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * (n - 1 - i));
 }
 
-template <class Form>
-void Read(uint32_t* working, const uint8_t* stored, size_t n) {
-  Convert<Form, WorkingForm>(reinterpret_cast<uint8_t*>(working), stored, n);
+// A square of the transposition; false, and nothing done, when a pixel needs its definition.
+template <class From, class To>
+LMX_EXPAND bool TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
+  Reg square[kWide];
+  for (size_t i = 0; i < kWide; ++i) {
+    if (!Conversion<From, To>::Wide(Vector::Load(from[r + i] + 4 * c), &square[i])) return false;
+  }
+  Vector::Transpose(square);
+  for (size_t i = 0; i < kWide; ++i) Vector::Store(to[c + i] + 4 * r, square[i]);
+  return true;
 }
 
-template <class Form>
-void Write(uint8_t* stored, const uint32_t* working, size_t n) {
-  Convert<WorkingForm, Form>(stored, reinterpret_cast<const uint8_t*>(working), n);
+template <class From, class To>
+void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns) {
+  const auto each = [&](size_t r0, size_t r1, size_t c0, size_t c1) {
+    for (size_t c = c0; c < c1; ++c) {
+      for (size_t r = r0; r < r1; ++r) ConvertOne<From, To>(to[c] + 4 * r, from[r] + 4 * c);
+    }
+  };
+  const size_t wideRows = rows - rows % kWide, wideColumns = columns - columns % kWide;
+  for (size_t c = 0; c < wideColumns; c += kWide) {
+    for (size_t r = 0; r < wideRows; r += kWide) {
+      if (!TransposeSquare<From, To>(to, from, r, c)) each(r, r + kWide, c, c + kWide);
+    }
+  }
+  each(wideRows, rows, 0, wideColumns);
+  each(0, rows, wideColumns, columns);
 }
 
 // Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.

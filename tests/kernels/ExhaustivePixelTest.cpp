@@ -32,7 +32,7 @@ void AddChannelsAndAlphas(Domain& domain) {
 TEST(AllChannelsAndAlphas, ReadContext) {
   Domain domain(
       [](const RunKernels& k, Pixels& out, const Pixels& in) {
-        k.read[kContextForm](out.data(), Bytes(in), in.size());
+        k.copy[kContextForm][kWorkingForm](Bytes(out), Bytes(in), in.size());
       },
       [](std::uint32_t memory) { return definition::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory)); });
   struct Swapped {
@@ -45,46 +45,46 @@ TEST(AllChannelsAndAlphas, ReadContext) {
 TEST(AllChannelsAndAlphas, WriteContext) {
   Domain domain(
       [](const RunKernels& k, Pixels& out, const Pixels& in) {
-        k.write[kContextForm](Bytes(out), in.data(), in.size());
+        k.copy[kWorkingForm][kContextForm](Bytes(out), Bytes(in), in.size());
       },
       [](std::uint32_t pixel) { return __builtin_bswap32(definition::WritePixel(Form::BitmapContext, pixel)); });
   AddChannelsAndAlphas(domain);
 }
 
 TEST(AllChannelsAndAlphas, ReadBuffer) {
-  Domain domain(
-      [](const RunKernels& k, Pixels& out, const Pixels& in) { k.read[kBufferForm](out.data(), Bytes(in), in.size()); },
-      [](std::uint32_t word) { return definition::ReadPixel(Form::Buffer, word); });
+  Domain domain([](const RunKernels& k, Pixels& out,
+                   const Pixels& in) { k.copy[kBufferForm][kWorkingForm](Bytes(out), Bytes(in), in.size()); },
+                [](std::uint32_t word) { return definition::ReadPixel(Form::Buffer, word); });
   AddChannelsAndAlphas(domain);
 }
 
 TEST(AllChannelsAndAlphas, WriteBuffer) {
   Domain domain([](const RunKernels& k, Pixels& out,
-                   const Pixels& in) { k.write[kBufferForm](Bytes(out), in.data(), in.size()); },
+                   const Pixels& in) { k.copy[kWorkingForm][kBufferForm](Bytes(out), Bytes(in), in.size()); },
                 [](std::uint32_t pixel) { return definition::WritePixel(Form::Buffer, pixel); });
   AddChannelsAndAlphas(domain);
 }
 
-std::uint32_t ReadMemory(StorageForm form, std::uint32_t memory) {
+std::uint32_t ReadMemory(PixelForm form, std::uint32_t memory) {
   return form == kBufferForm ? definition::ReadPixel(Form::Buffer, memory)
                              : definition::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory));
 }
 
-std::uint32_t WriteMemory(StorageForm form, std::uint32_t pixel) {
+std::uint32_t WriteMemory(PixelForm form, std::uint32_t pixel) {
   return form == kBufferForm ? definition::WritePixel(Form::Buffer, pixel)
                              : __builtin_bswap32(definition::WritePixel(Form::BitmapContext, pixel));
 }
 
 TEST(AllChannelsAndAlphas, Copies) {
-  for (const StorageForm from : {kContextForm, kBufferForm}) {
-    for (const StorageForm to : {kContextForm, kBufferForm}) {
+  for (const PixelForm from : {kContextForm, kBufferForm}) {
+    for (const PixelForm to : {kContextForm, kBufferForm}) {
       SCOPED_TRACE(testing::Message() << "form " << from << " to form " << to);
       Domain domain([=](const RunKernels& k, Pixels& out,
                         const Pixels& in) { k.copy[from][to](Bytes(out), Bytes(in), in.size()); },
                     [=](std::uint32_t memory) { return WriteMemory(to, ReadMemory(from, memory)); });
       struct InMemory {
         decltype(domain)& to;
-        StorageForm form;
+        PixelForm form;
         bool Add(std::uint32_t word) { return to.Add(form == kBufferForm ? word : __builtin_bswap32(word)); }
       } inMemory = {domain, from};
       AddChannelsAndAlphas(inMemory);

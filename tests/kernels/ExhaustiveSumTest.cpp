@@ -25,7 +25,7 @@ std::vector<std::uint32_t> ManyFractions() {
 }
 
 // What a kernel makes of pairs of pixels: each second pixel of the run follows the one that it is blended with.
-void BlendPairs(const NamedKernels& level, StorageForm form, const Pixels& pixels, const Pixels& before,
+void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels, const Pixels& before,
                 std::uint32_t fraction, Pixels* actual) {
   Pixels pairs, blended(2 * pixels.size());
   for (std::size_t i = 0; i < pixels.size(); ++i) pairs.insert(pairs.end(), {before[i], pixels[i]});

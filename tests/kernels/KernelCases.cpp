@@ -23,61 +23,48 @@ void ForEachPixel(const KernelCall& call, Pixel pixel) {
   for (std::size_t i = 0; i < call.arguments.n; ++i) pixel(i);
 }
 
-template <StorageForm form>
-std::uint32_t ReadOne(const std::uint8_t* stored) {
-  return form == kContextForm ? LMX_Pixel::ReadContext(stored) : LMX_Pixel::ReadBuffer(stored);
+template <PixelForm form>
+std::uint32_t ReadOne(const std::uint8_t* pixel) {
+  return form == kContextForm  ? LMX_Pixel::ReadContext(pixel)
+         : form == kBufferForm ? LMX_Pixel::ReadBuffer(pixel)
+                               : LMX_Pixel::Load(pixel);
 }
-template <StorageForm form>
-void WriteOne(std::uint8_t* stored, std::uint32_t pixel) {
-  form == kContextForm ? LMX_Pixel::WriteContext(stored, pixel) : LMX_Pixel::WriteBuffer(stored, pixel);
+template <PixelForm form>
+void WriteOne(std::uint8_t* to, std::uint32_t pixel) {
+  form == kContextForm  ? LMX_Pixel::WriteContext(to, pixel)
+  : form == kBufferForm ? LMX_Pixel::WriteBuffer(to, pixel)
+                        : LMX_Pixel::Store(to, pixel);
 }
-template <StorageForm form>
-constexpr Operand kStored = form == kContextForm ? Operand::ContextPixels : Operand::BufferPixels;
+template <PixelForm form>
+constexpr Operand kRun = form == kContextForm  ? Operand::ContextPixels
+                         : form == kBufferForm ? Operand::BufferPixels
+                                               : Operand::Pixels;
+template <PixelForm form>
+constexpr Operand kRows = form == kContextForm  ? Operand::ContextRows
+                          : form == kBufferForm ? Operand::BufferRows
+                                                : Operand::WorkingRows;
 
-std::size_t Slot(std::size_t table, StorageForm form) {
+std::size_t Slot(std::size_t table, PixelForm form) {
   return table + static_cast<std::size_t>(form) * sizeof(void*);
 }
-std::size_t Slot(std::size_t table, StorageForm from, StorageForm to) {
-  return Slot(table + static_cast<std::size_t>(from) * kStorageForms * sizeof(void*), to);
-}
-
-template <StorageForm form>
-KernelCase ReadCase(const char* name) {
-  return {name,
-          Slot(offsetof(RunKernels, read), form),
-          Operand::Pixels,
-          false,
-          {{kStored<form>, false}},
-          [](const RunKernels& k, const KernelCall& c) { k.read[form](Out(c), InBytes(c), c.arguments.n); },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) { Out(c)[i] = ReadOne<form>(InBytes(c) + 4 * i); });
-          }};
-}
-
-template <StorageForm form>
-KernelCase WriteCase(const char* name) {
-  return {name,
-          Slot(offsetof(RunKernels, write), form),
-          kStored<form>,
-          false,
-          {{Operand::Pixels, false}},
-          [](const RunKernels& k, const KernelCall& c) { k.write[form](OutBytes(c), In(c), c.arguments.n); },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) { WriteOne<form>(OutBytes(c) + 4 * i, In(c)[i]); });
-          }};
+// In a table of `forms` x `forms` slots.
+std::size_t Slot(std::size_t table, PixelForm from, PixelForm to, int forms = kStorageForms) {
+  return Slot(table + static_cast<std::size_t>(from * forms) * sizeof(void*), to);
 }
 
 // What happens to each pixel between reading and writing, and which slot does it to a run.
 struct Copying {
   static constexpr std::size_t kTable = offsetof(RunKernels, copy);
-  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+  static constexpr int kTableForms = kForms;
+  static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.copy[from][to](OutBytes(c), InBytes(c), c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return pixel; }
 };
 struct AdjustingHSV {
   static constexpr std::size_t kTable = offsetof(RunKernels, adjustHSV);
-  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+  static constexpr int kTableForms = kStorageForms;
+  static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.adjustHSV[from][to](OutBytes(c), InBytes(c), &c.arguments.hsv, c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
@@ -86,7 +73,8 @@ struct AdjustingHSV {
 };
 struct AdjustingRGB {
   static constexpr std::size_t kTable = offsetof(RunKernels, adjustRGB);
-  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+  static constexpr int kTableForms = kStorageForms;
+  static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.adjustRGB[from][to](OutBytes(c), InBytes(c), &c.arguments.rgb, c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
@@ -95,19 +83,20 @@ struct AdjustingRGB {
 };
 struct Negating {
   static constexpr std::size_t kTable = offsetof(RunKernels, negative);
-  static void Call(const RunKernels& k, StorageForm from, StorageForm to, const KernelCall& c) {
+  static constexpr int kTableForms = kStorageForms;
+  static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.negative[from][to](OutBytes(c), InBytes(c), c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return LMX_Pixel::Negative(pixel); }
 };
 
-template <class Change, StorageForm from, StorageForm to>
+template <class Change, PixelForm from, PixelForm to>
 KernelCase ChangeCase(const char* name) {
   return {name,
-          Slot(Change::kTable, from, to),
-          kStored<to>,
+          Slot(Change::kTable, from, to, Change::kTableForms),
+          kRun<to>,
           false,
-          {{kStored<from>, true}},
+          {{kRun<from>, true}},
           [](const RunKernels& k, const KernelCall& c) { Change::Call(k, from, to, c); },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
@@ -116,13 +105,13 @@ KernelCase ChangeCase(const char* name) {
           }};
 }
 
-template <StorageForm from, StorageForm to>
+template <PixelForm from, PixelForm to>
 KernelCase CopyMirroredCase(const char* name) {
   return {name,
           Slot(offsetof(RunKernels, copyMirrored), from, to),
-          kStored<to>,
+          kRun<to>,
           false,
-          {{kStored<from>, false}},
+          {{kRun<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
             k.copyMirrored[from][to](OutBytes(c), InBytes(c), c.arguments.n);
           },
@@ -145,47 +134,45 @@ KernelCase FillCase() {
           }};
 }
 
-KernelCase GatherCase() {
-  return {"gather_lanes",
-          offsetof(RunKernels, gatherLanes),
-          Operand::LaneRuns,
+// The addresses of `count` runs, `stride` pixels apart.
+template <class Byte, class Run>
+std::vector<Byte*> Addresses(Run* first, std::size_t stride, std::size_t count) {
+  std::vector<Byte*> addresses;
+  for (std::size_t i = 0; i < count; ++i) addresses.push_back(first + 4 * i * stride);
+  return addresses;
+}
+
+template <PixelForm from, PixelForm to>
+KernelCase TransposeCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, transpose), from, to, kForms),
+          Operand::Columns,
           false,
-          {{Operand::Groups, false}},
+          {{kRows<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.gatherLanes(Out(c), c.arguments.stride, In(c), c.arguments.pitch, c.arguments.n);
+            const KernelArguments& a = c.arguments;
+            const auto rows = Addresses<const std::uint8_t>(InBytes(c), a.pitch, a.n);
+            const auto columns = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.columns);
+            k.transpose[from][to](columns.data(), rows.data(), a.n, a.columns);
           },
           [](const KernelCall& c) {
+            const KernelArguments& a = c.arguments;
             ForEachPixel(c, [&](std::size_t i) {
-              for (std::size_t l = 0; l < kLanes; ++l)
-                Out(c)[l * c.arguments.stride + i] = In(c)[i * c.arguments.pitch + l];
+              for (std::size_t column = 0; column < a.columns; ++column) {
+                WriteOne<to>(OutBytes(c) + 4 * (column * a.stride + i),
+                             ReadOne<from>(InBytes(c) + 4 * (i * a.pitch + column)));
+              }
             });
           }};
 }
 
-KernelCase ScatterCase() {
-  return {"scatter_lanes",
-          offsetof(RunKernels, scatterLanes),
-          Operand::Groups,
-          false,
-          {{Operand::LaneRuns, false}},
-          [](const RunKernels& k, const KernelCall& c) {
-            k.scatterLanes(Out(c), c.arguments.pitch, In(c), c.arguments.stride, c.arguments.n);
-          },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) {
-              for (std::size_t l = 0; l < kLanes; ++l)
-                Out(c)[i * c.arguments.pitch + l] = In(c)[l * c.arguments.stride + i];
-            });
-          }};
-}
-
-template <StorageForm from, StorageForm to>
+template <PixelForm from, PixelForm to>
 KernelCase BlendCase(const char* name) {
   return {name,
           Slot(offsetof(RunKernels, blend), from, to),
-          kStored<to>,
+          kRun<to>,
           false,
-          {{kStored<from>, false}},
+          {{kRun<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
             k.blend[from][to](OutBytes(c), InBytes(c), c.arguments.before, c.arguments.fraction, c.arguments.n);
           },
@@ -269,13 +256,13 @@ void AddColour(RGBSums* sums, std::uint32_t pixel) {
   sums->blue += LMX_Pixel::Blue(pixel);
 }
 
-template <StorageForm form>
+template <PixelForm form>
 KernelCase SumRGBCase(const char* name) {
   return {name,
           Slot(offsetof(RunKernels, sumRGB), form),
           Operand::RGBTotals,
           true,
-          {{kStored<form>, false}},
+          {{kRun<form>, false}},
           [](const RunKernels& k, const KernelCall& c) {
             k.sumRGB[form](static_cast<RGBSums*>(c.output), InBytes(c), c.arguments.n);
           },
@@ -286,13 +273,13 @@ KernelCase SumRGBCase(const char* name) {
           }};
 }
 
-template <StorageForm form>
+template <PixelForm form>
 KernelCase SumHSVCase(const char* name) {
   return {name,
           Slot(offsetof(RunKernels, sumHSV), form),
           Operand::HSVTotals,
           true,
-          {{kStored<form>, false}},
+          {{kRun<form>, false}},
           [](const RunKernels& k, const KernelCall& c) {
             k.sumHSV[form](static_cast<HSVSums*>(c.output), InBytes(c), c.arguments.n);
           },
@@ -316,16 +303,26 @@ KernelCase SumHSVCase(const char* name) {
 }  // namespace
 
 const std::vector<KernelCase>& KernelCases() {
-  constexpr StorageForm kContext = kContextForm, kBuffer = kBufferForm;
+  constexpr PixelForm kContext = kContextForm, kBuffer = kBufferForm, kWorking = kWorkingForm;
   static const std::vector<KernelCase> cases = {
-      ReadCase<kContext>("read_context"),
-      ReadCase<kBuffer>("read_buffer"),
-      WriteCase<kContext>("write_context"),
-      WriteCase<kBuffer>("write_buffer"),
       ChangeCase<Copying, kContext, kContext>("copy_context_context"),
       ChangeCase<Copying, kContext, kBuffer>("copy_context_buffer"),
+      ChangeCase<Copying, kContext, kWorking>("copy_context_working"),
       ChangeCase<Copying, kBuffer, kContext>("copy_buffer_context"),
       ChangeCase<Copying, kBuffer, kBuffer>("copy_buffer_buffer"),
+      ChangeCase<Copying, kBuffer, kWorking>("copy_buffer_working"),
+      ChangeCase<Copying, kWorking, kContext>("copy_working_context"),
+      ChangeCase<Copying, kWorking, kBuffer>("copy_working_buffer"),
+      ChangeCase<Copying, kWorking, kWorking>("copy_working_working"),
+      TransposeCase<kContext, kContext>("transpose_context_context"),
+      TransposeCase<kContext, kBuffer>("transpose_context_buffer"),
+      TransposeCase<kContext, kWorking>("transpose_context_working"),
+      TransposeCase<kBuffer, kContext>("transpose_buffer_context"),
+      TransposeCase<kBuffer, kBuffer>("transpose_buffer_buffer"),
+      TransposeCase<kBuffer, kWorking>("transpose_buffer_working"),
+      TransposeCase<kWorking, kContext>("transpose_working_context"),
+      TransposeCase<kWorking, kBuffer>("transpose_working_buffer"),
+      TransposeCase<kWorking, kWorking>("transpose_working_working"),
       CopyMirroredCase<kContext, kContext>("copy_mirrored_context_context"),
       CopyMirroredCase<kContext, kBuffer>("copy_mirrored_context_buffer"),
       CopyMirroredCase<kBuffer, kContext>("copy_mirrored_buffer_context"),
@@ -351,8 +348,6 @@ const std::vector<KernelCase>& KernelCases() {
       SumRGBCase<kBuffer>("sum_rgb_buffer"),
       SumHSVCase<kContext>("sum_hsv_context"),
       SumHSVCase<kBuffer>("sum_hsv_buffer"),
-      GatherCase(),
-      ScatterCase(),
       MixCase(),
       AddCoverageCase(),
       AverageCoverageCase(),

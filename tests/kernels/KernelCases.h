@@ -9,14 +9,20 @@
 #include "kernels/RunKernels.h"
 #include "support/Random.h"
 
+/// The most columns that are transposed, and the most pixels between two runs.
+constexpr std::size_t kMostColumns = 40;
+constexpr std::size_t kMostGap = 20;
+
 /// What lies at a pointer that a kernel gets, and so how many bytes.
 enum class Operand {
   ContextPixels,  ///< a stored run; any address
   BufferPixels,   ///< the same in the other form
   Pixels,         ///< a working run
   OnePixel,       ///< a single stored pixel
-  Groups,         ///< n groups of kLanes pixels, `pitch` apart
-  LaneRuns,       ///< kLanes runs, `stride` apart
+  ContextRows,    ///< n stored runs of `columns` pixels, `pitch` apart
+  BufferRows,     ///< the same in the other form
+  WorkingRows,    ///< the same, working pixels
+  Columns,        ///< `columns` runs of n pixels of any form, `stride` apart
   RGBTotals,      ///< RGBSums
   HSVTotals,      ///< HSVSums
   Runs,           ///< `count` working runs, `stride` apart
@@ -27,6 +33,7 @@ enum class Operand {
 struct KernelArguments {
   std::size_t n;
   std::size_t stride;
+  std::size_t columns;
   std::size_t pitch;
   std::size_t count;
   std::uint32_t before;

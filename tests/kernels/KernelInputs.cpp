@@ -62,10 +62,10 @@ std::uint32_t MakeColour(const Style& style, std::uint32_t most, Random& random)
 std::uint32_t MakePixel(Operand form, const Style& style, std::size_t i, Random& random) {
   const std::uint32_t alpha = MakeAlpha(style, i, random);
   const bool wellFormed = style.wellFormed && i != style.malformed;
-  if (form == Operand::ContextPixels) {
+  if (form == Operand::ContextPixels || form == Operand::ContextRows) {
     return __builtin_bswap32(alpha << 24 | MakeColour(style, wellFormed ? alpha : 255, random));
   }
-  if (form == Operand::BufferPixels) {
+  if (form == Operand::BufferPixels || form == Operand::BufferRows) {
     const std::uint32_t transparency = wellFormed ? 127 - alpha / 2 : 255 - alpha;
     return transparency << 24 | MakeColour(style, 255, random);
   }
@@ -107,6 +107,11 @@ void MakeCoverage(const KernelArguments& arguments, Random& random, std::uint32_
   }
 }
 
+// `count` runs of n pixels, `stride` pixels apart.
+std::size_t SizeOfRuns(std::size_t count, std::size_t stride, std::size_t n) {
+  return count == 0 || n == 0 ? 0 : 4 * ((count - 1) * stride + n);
+}
+
 }  // namespace
 
 std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
@@ -117,16 +122,18 @@ std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
       return 4 * arguments.n;
     case Operand::OnePixel:
       return 4;
-    case Operand::Groups:
-      return arguments.n == 0 ? 0 : 4 * ((arguments.n - 1) * arguments.pitch + kLanes);
-    case Operand::LaneRuns:
-      return arguments.n == 0 ? 0 : 4 * ((kLanes - 1) * arguments.stride + arguments.n);
+    case Operand::ContextRows:
+    case Operand::BufferRows:
+    case Operand::WorkingRows:
+      return SizeOfRuns(arguments.n, arguments.pitch, arguments.columns);
+    case Operand::Columns:
+      return SizeOfRuns(arguments.columns, arguments.stride, arguments.n);
     case Operand::RGBTotals:
       return sizeof(RGBSums);
     case Operand::HSVTotals:
       return sizeof(HSVSums);
     case Operand::Runs:
-      return arguments.n == 0 ? 0 : 4 * ((arguments.count - 1) * arguments.stride + arguments.n);
+      return SizeOfRuns(arguments.count, arguments.stride, arguments.n);
     case Operand::Coverage:
       return 16 * arguments.n;
   }
@@ -138,6 +145,9 @@ std::size_t AlignmentOf(Operand operand) {
     case Operand::ContextPixels:
     case Operand::BufferPixels:
     case Operand::OnePixel:
+    case Operand::ContextRows:
+    case Operand::BufferRows:
+    case Operand::Columns:
       return 1;
     case Operand::HSVTotals:
       return alignof(HSVSums);
@@ -155,8 +165,10 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   const auto delta = [&] { return random.Below(2) == 0 ? random.OneOf(kDeltas) : random.Between(-255, 255); };
   KernelArguments arguments = {};
   arguments.n = n;
-  arguments.stride = n + (random.Below(2) == 0 ? 0 : random.Below(20));
-  arguments.pitch = kLanes + (random.Below(2) == 0 ? 0 : random.Below(20));
+  arguments.stride = n + (random.Below(2) == 0 ? 0 : random.Below(kMostGap + 1));
+  constexpr std::uint32_t kColumns[] = {0, 1, 4, 8, 16, 24, 32};
+  arguments.columns = random.Below(2) == 0 ? random.OneOf(kColumns) : random.Below(kMostColumns + 1);
+  arguments.pitch = arguments.columns + (random.Below(2) == 0 ? 0 : random.Below(kMostGap + 1));
   arguments.before = random.Word();
   arguments.fraction = MakeFraction(random);
   arguments.units = random.Below(4) != 0 ? random.OneOf(kUnits) : 1 + random.Below(32768);
