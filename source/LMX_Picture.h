@@ -121,19 +121,28 @@ class LMX_Picture {
 /// beyond the last, the walk stays where it is; in a bitmap context it goes on.
 class ColumnWalk {
  public:
-  ColumnWalk(const LMX_Picture& picture, std::int32_t row) : picture_(picture), row_(row) {}
+  enum Direction { kDown = 1, kUp = -1 };
 
+  ColumnWalk(const LMX_Picture& picture, std::int32_t row, Direction direction = kDown)
+      : picture_(picture), row_(row), step_(direction) {}
+
+  const LMX_Picture& Picture() const { return picture_; }
   std::int32_t Row() const { return row_; }
-  void Down() {
-    if (!picture_.buffer || (row_ < picture_.height - 1 && Leads(row_, row_ + 1))) ++row_;
+  std::int32_t Step() const { return step_; }
+  void Next() {
+    if (!picture_.buffer || (IsRow(row_) && IsRow(row_ + step_) && HasRow(row_) && HasRow(row_ + step_))) row_ += step_;
   }
-  void Up() {
-    if (!picture_.buffer || (row_ > 0 && row_ <= picture_.height - 1 && Leads(row_, row_ - 1))) --row_;
+  /// Makes `steps` >= 1 steps of which all but the last lead from row to row.
+  void Skip(std::int32_t steps) {
+    row_ += (steps - 1) * step_;
+    Next();
   }
 
  private:
-  bool Leads(std::int32_t from, std::int32_t to) const { return picture_.RowAddress(from) && picture_.RowAddress(to); }
+  bool IsRow(std::int32_t row) const { return row >= 0 && row < picture_.height; }
+  bool HasRow(std::int32_t row) const { return picture_.RowAddress(row) != nullptr; }
 
   const LMX_Picture& picture_;
   std::int32_t row_;
+  std::int32_t step_;
 };

@@ -38,6 +38,46 @@ const std::uint8_t* Bytes(const std::uint32_t* pixels) {
   return reinterpret_cast<const std::uint8_t*>(pixels);
 }
 
+// A run as the picture stores it: where it lies if the picture holds all of it, else a copy in `spare`, with clear pixels
+// for what is missing.
+const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                              std::uint32_t* spare) {
+  const Clipped part = Clip(picture, x, y, n);
+  if (part.count == n) return part.address;
+  std::fill_n(spare, n, picture.buffer ? 0x7F000000 : 0);
+  if (part.count > 0) std::memcpy(spare + part.before, part.address, Size(part.count) * 4);
+  return Bytes(spare);
+}
+
+// Where to put a run: where it belongs if the picture holds all of it, else `spare`.
+std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                         std::uint32_t* spare) {
+  const Clipped part = Clip(picture, x, y, n);
+  return part.count == n ? part.address : Bytes(spare);
+}
+
+// Moves what of a run belongs into the picture there, if the run is in `spare`.
+void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
+            const std::uint32_t* spare) {
+  if (room != Bytes(spare)) return;
+  const Clipped part = Clip(picture, x, y, n);
+  if (part.count > 0) std::memcpy(part.address, spare + part.before, Size(part.count) * 4);
+}
+
+// Gives the addresses of `count` runs of n pixels in rows from.y, from.y + step, ... if the picture holds all of them.
+template <class Byte>
+bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, Byte** runs) {
+  const LMX_Picture& picture = from.picture;
+  const std::int64_t last = static_cast<std::int64_t>(from.y) + static_cast<std::int64_t>(step) * (count - 1);
+  if (count < 1 || Clip(picture, from.x, from.y, n).count < n || last < 0 || last >= picture.height) return false;
+  for (std::int32_t i = 0; i < count; ++i) {
+    std::uint8_t* const row = picture.RowAddress(from.y + i * step);
+    if (!row) return false;
+    runs[i] = row + 4 * static_cast<std::ptrdiff_t>(from.x);
+  }
+  return true;
+}
+
 // Calls kernel(to, from, n, i) for a run that both pictures hold. Where they do not, the run goes in pieces through a
 // buffer, in which what is missing is clear; `i` is the first pixel of the piece.
 template <class Kernel>
@@ -79,26 +119,48 @@ void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::in
   gRunKernels.fill(part.address, stored, Size(part.count));
 }
 
-const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                              std::uint32_t* spare) {
-  const Clipped part = Clip(picture, x, y, n);
-  if (part.count == n) return part.address;
-  std::fill_n(spare, n, picture.buffer ? 0x7F000000 : 0);
-  if (part.count > 0) std::memcpy(spare + part.before, part.address, Size(part.count) * 4);
-  return Bytes(spare);
+void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                const std::uint8_t** runs) {
+  if (RunsInside(from, step, n, count, runs)) return;
+  for (std::int32_t i = 0; i < count; ++i, spare += n) {
+    runs[i] = StoredRun(from.picture, from.x, from.y + i * step, n, spare);
+  }
 }
 
-std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                         std::uint32_t* spare) {
-  const Clipped part = Clip(picture, x, y, n);
-  return part.count == n ? part.address : Bytes(spare);
+void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                const std::uint8_t** runs) {
+  if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return walk.Skip(count);
+  for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
+    runs[i] = StoredRun(walk.Picture(), x, walk.Row(), n, spare);
+  }
 }
 
-void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
-            const std::uint32_t* spare) {
-  if (room != Bytes(spare)) return;
-  const Clipped part = Clip(picture, x, y, n);
-  if (part.count > 0) std::memcpy(part.address, spare + part.before, Size(part.count) * 4);
+void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                 std::uint8_t** runs) {
+  if (RunsInside(to, step, n, count, runs)) return;
+  for (std::int32_t i = 0; i < count; ++i, spare += n) {
+    runs[i] = RoomForRun(to.picture, to.x, to.y + i * step, n, spare);
+  }
+}
+
+void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
+             std::uint8_t* const* runs) {
+  for (std::int32_t i = 0; i < count; ++i, spare += n) PutRun(to.picture, to.x, to.y + i * step, n, runs[i], spare);
+}
+
+void RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                 std::uint8_t** runs) {
+  if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return;
+  for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
+    runs[i] = RoomForRun(walk.Picture(), x, walk.Row(), n, spare);
+  }
+}
+
+void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
+             std::uint8_t* const* runs) {
+  for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
+    PutRun(walk.Picture(), x, walk.Row(), n, runs[i], spare);
+  }
 }
 
 void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
@@ -144,6 +206,17 @@ void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n
     if (i > 0) ReadRun(from.picture, from.x + i - 1, from.y, 1, &before);
     blend(out, in, before, fraction, count);
   });
+}
+
+void HalveRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
+  const auto halve = gRunKernels.halve[FormOf(from.picture)][FormOf(to.picture)];
+  std::uint32_t in[2 * kChunk], out[kChunk];
+  for (std::int32_t i = 0; i < n; i += kChunk) {
+    const std::int32_t part = std::min(kChunk, n - i);
+    std::uint8_t* const room = RoomForRun(to.picture, to.x + i, to.y, part, out);
+    halve(room, StoredRun(from.picture, from.x + 2 * i, from.y, 2 * part, in), Size(part));
+    PutRun(to.picture, to.x + i, to.y, part, room, out);
+  }
 }
 
 void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums) {

@@ -22,26 +22,35 @@ void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::i
 /// Writes the same working pixel n times.
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working);
 
-/// A run of n pixels as the picture stores it: where it lies if the picture holds all of it, else a copy in `spare`, with
-/// clear pixels for what is missing.
-const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                              std::uint32_t* spare);
-
-/// Where to put a run of n pixels as the picture stores it: where it belongs if the picture holds all of it, else
-/// `spare`. PutRun has to follow when it is there.
-std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                         std::uint32_t* spare);
-
-/// Moves what of the run belongs into the picture there, if it is in `spare`.
-void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
-            const std::uint32_t* spare);
-
 /// A place in a picture.
 struct PixelPosition {
   const LMX_Picture& picture;
   std::int32_t x;
   std::int32_t y;
 };
+
+/// Runs of pixels as a picture stores them, one above another, for kernels that take several at a time: `count` runs of n
+/// pixels, in rows from.y, from.y + step, ... Each lies in the picture, if that holds all of it, else in `spare`, which has
+/// room for all of them: there it is a copy, with clear pixels for what is missing.
+void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                const std::uint8_t** runs);
+
+/// The same from column x on, in the rows along a walk, which goes on behind them.
+void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                const std::uint8_t** runs);
+
+/// Room for such runs: in the picture if that holds all of a run, else in `spare`. PutRuns has to follow, which moves from
+/// there what belongs into the picture.
+void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                 std::uint8_t** runs);
+void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
+             std::uint8_t* const* runs);
+
+/// The same along a walk: PutRuns makes its steps.
+void RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+                 std::uint8_t** runs);
+void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
+             std::uint8_t* const* runs);
 
 /// Reads n pixels from `from` on and writes them from `to` on, which may be the same place.
 void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
@@ -58,6 +67,9 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 /// of the one before, 0 to 65535. `to` is in another picture.
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction);
+
+/// Makes n pixels, each the truncated mean of two neighbours of the 2 n pixels from `from` on.
+void HalveRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
 
 /// Adds n pixels to the sums.
 void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums);

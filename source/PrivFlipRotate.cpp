@@ -44,19 +44,17 @@ constexpr std::int32_t kTileRows = 64;
 void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
                  std::int32_t rowStep, std::int32_t lines, Order rows) {
   const auto transpose = gRunKernels.transpose[FormOf(source)][FormOf(result)];
-  std::uint32_t spareFrom[kTileRows][kTileColumns], spareTo[kTileColumns][kTileRows];
+  std::uint32_t spareFrom[kTileRows * kTileColumns], spareTo[kTileColumns * kTileRows];
   const std::uint8_t* from[kTileRows];
   std::uint8_t* to[kTileColumns];
-  ColumnWalk walk(source, rows == Order::kForward ? 0 : source.height - 1);
+  ColumnWalk walk =
+      rows == Order::kForward ? ColumnWalk(source, 0) : ColumnWalk(source, source.height - 1, ColumnWalk::kUp);
   for (std::int32_t x = 0; x < result.width; x += kTileRows) {
     const std::int32_t n = std::min(kTileRows, result.width - x);
-    for (std::int32_t i = 0; i < n; ++i) {
-      from[i] = StoredRun(source, firstColumn, walk.Row(), lines, spareFrom[i]);
-      rows == Order::kForward ? walk.Down() : walk.Up();
-    }
-    for (std::int32_t i = 0; i < lines; ++i) to[i] = RoomForRun(result, x, firstRow + i * rowStep, n, spareTo[i]);
+    StoredRuns(walk, firstColumn, lines, n, spareFrom, from);
+    RoomForRuns({result, x, firstRow}, rowStep, n, lines, spareTo, to);
     transpose(to, from, static_cast<std::size_t>(n), static_cast<std::size_t>(lines));
-    for (std::int32_t i = 0; i < lines; ++i) PutRun(result, x, firstRow + i * rowStep, n, to[i], spareTo[i]);
+    PutRuns({result, x, firstRow}, rowStep, n, lines, spareTo, to);
   }
 }
 

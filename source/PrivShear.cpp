@@ -121,55 +121,58 @@ void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Pictu
 
 void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t columns, const Frame& frame) {
   ColumnWalk walk(result, 0);
-  for (std::int32_t y = 0; y < result.height; ++y, walk.Down()) FillRun(result, x, walk.Row(), columns, frame.pixel);
+  for (std::int32_t y = 0; y < result.height; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.pixel);
 }
 
-// Neighbouring columns are turned into runs, kRows rows at a time, and blended along themselves. The columns of a strip
-// are displaced by up to a pixel each against each other, so that kApart rows of the piece before stay at hand.
-constexpr std::int32_t kColumns = 32;
+// Neighbouring columns are turned into runs, kRows rows at a time, and blended along themselves. As they are displaced by
+// up to a pixel each against each other, a piece of kRows rows of the result needs up to kRows + kColumns + 1 rows of the
+// source, and what is read ahead is less than kRows.
+constexpr std::int32_t kColumns = 64;
 constexpr std::int32_t kRows = 64;
-constexpr std::int32_t kApart = kColumns + 16;
-static_assert(kApart >= kColumns + 2);
+constexpr std::int32_t kRowsKept = 256;
+constexpr std::int32_t kApart = 16;  // between rings, so that their rows do not compete for the same lines of the cache
+static_assert(kRowsKept % kRows == 0 && kRowsKept >= 3 * kRows + kColumns);
 
-// Columns of a picture as runs of stored pixels: the rows that were read last, and kApart before them.
+// Columns of a picture as runs of stored pixels: rings of the last kRowsKept rows.
 class ColumnRuns {
  public:
   // Reading starts at row `first`.
   ColumnRuns(const LMX_Picture& picture, std::int32_t x, std::int32_t columns, std::int32_t first)
-      : picture_(picture), x_(x), columns_(columns), next_(first), walk_(picture, first) {}
+      : picture_(picture), x_(x), columns_(columns), first_(first), next_(first), walk_(picture, first) {}
 
-  // Reads the next n <= kRows rows.
-  void Read(std::int32_t n) {
-    std::uint32_t spare[kRows][kColumns];
-    const std::uint8_t* from[kRows];
-    std::uint8_t* to[kColumns];
-    for (std::int32_t i = 0; i < n; ++i, walk_.Down())
-      from[i] = StoredRun(picture_, x_, walk_.Row(), columns_, spare[i]);
-    for (std::int32_t i = 0; i < columns_; ++i) {
-      std::copy_n(runs_[i] + count_, kApart, runs_[i]);
-      to[i] = reinterpret_cast<std::uint8_t*>(runs_[i] + kApart);
-    }
-    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(n),
-                                                      static_cast<std::size_t>(columns_));
-    next_ += n;
-    count_ = n;
+  // Reads on until row `last` is there.
+  void ReadTo(std::int32_t last) {
+    while (next_ <= last) Read();
   }
 
-  // Row `r` of a column; the following rows come behind it.
+  // Row `r` of a column. Rows follow behind it in the ring, up to its end.
   const std::uint8_t* At(std::int32_t column, std::int32_t r) const {
-    return reinterpret_cast<const std::uint8_t*>(runs_[column] + (r - next_ + count_ + kApart));
+    return reinterpret_cast<const std::uint8_t*>(rings_[column] + Place(r));
   }
+  std::int32_t UpToEnd(std::int32_t r) const { return kRowsKept - Place(r); }
   // The same pixel as a working one.
   std::uint32_t PixelAt(std::int32_t column, std::int32_t r) const { return picture_.ReadPixel(At(column, r)); }
 
  private:
+  std::int32_t Place(std::int32_t r) const { return (r - first_) % kRowsKept; }
+
+  void Read() {
+    std::uint32_t spare[kRows * kColumns];
+    const std::uint8_t* from[kRows];
+    std::uint8_t* to[kColumns];
+    StoredRuns(walk_, x_, columns_, kRows, spare, from);
+    for (std::int32_t i = 0; i < columns_; ++i) to[i] = reinterpret_cast<std::uint8_t*>(rings_[i] + Place(next_));
+    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, kRows, static_cast<std::size_t>(columns_));
+    next_ += kRows;
+  }
+
   const LMX_Picture& picture_;
   std::int32_t x_;
   std::int32_t columns_;
-  std::int32_t next_;       // the row that is read next
-  std::int32_t count_ = 0;  // rows of the last piece
+  std::int32_t first_;
+  std::int32_t next_;  // the row that is read next
   ColumnWalk walk_;
-  std::uint32_t runs_[kColumns][kApart + kRows] = {};
+  std::uint32_t rings_[kColumns][kRowsKept + kApart];
 };
 
 // A working pixel as a picture stores it.
@@ -187,13 +190,15 @@ void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Pic
   const std::int32_t shift = line.first - line.begin;  // from rows of the result to rows of the source
   const std::uint32_t frameStored = Stored(result, frame.pixel);
   std::fill_n(pixels, begin - y, frameStored);
-  if (begin < end) {
-    const bool isFirst = begin == line.begin && !line.cut;
+  for (std::int32_t at = begin; at < end;) {
+    const std::int32_t r = at + shift;
+    const std::int32_t part = std::min(end - at, runs.UpToEnd(r));
     const std::uint32_t before =
-        isFirst ? frame.Beside(runs.PixelAt(column, begin + shift)) : runs.PixelAt(column, begin + shift - 1);
-    gRunKernels.blend[FormOf(source)][FormOf(result)](reinterpret_cast<std::uint8_t*>(pixels + (begin - y)),
-                                                      runs.At(column, begin + shift), before, line.fraction,
-                                                      static_cast<std::size_t>(end - begin));
+        at == line.begin && !line.cut ? frame.Beside(runs.PixelAt(column, r)) : runs.PixelAt(column, r - 1);
+    gRunKernels.blend[FormOf(source)][FormOf(result)](reinterpret_cast<std::uint8_t*>(pixels + (at - y)),
+                                                      runs.At(column, r), before, line.fraction,
+                                                      static_cast<std::size_t>(part));
+    at += part;
   }
   std::fill(pixels + (end - y), pixels + n, frameStored);
   if (line.fraction > 0 && line.end >= y && line.end < y + n) {
@@ -204,47 +209,42 @@ void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Pic
 // Makes columns x to x + columns - 1 of the result from the same number of the source's, from `sourceX` on.
 void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result, std::int32_t x,
                   std::int32_t columns, const Line* lines, const Frame& frame) {
-  // Rows of the result that are not all frame, the first row of the source that is needed, and the first that the row
-  // at `top` does not need.
+  // Rows of the result that are not all frame, the first row of the source that is needed, and how far the rows of the
+  // source are behind those of the result at most.
   std::int32_t top = result.height;
   std::int32_t bottom = 0;
+  std::int32_t origin = source.height;
+  std::int32_t shift = -result.height;
   for (const Line* line = lines; line < lines + columns; ++line) {
     if (!line->Shows()) continue;
     top = std::min(top, line->begin);
     bottom = std::max(bottom, std::min(line->end + 1, result.height));
+    origin = std::min(origin, line->Origin());
+    shift = std::max(shift, line->first - line->begin);
   }
   if (bottom == 0) return FillColumns(result, x, columns, frame);
-  std::int32_t origin = source.height;
-  std::int32_t ahead = 0;
-  for (const Line* line = lines; line < lines + columns; ++line) {
-    if (!line->Shows()) continue;
-    origin = std::min(origin, line->Origin());
-    ahead = std::max(ahead, line->first - line->begin + top);
-  }
 
   ColumnWalk walk(result, 0);
   const auto fillRows = [&](std::int32_t from, std::int32_t to) {
-    for (std::int32_t y = from; y < to; ++y, walk.Down()) FillRun(result, x, walk.Row(), columns, frame.pixel);
+    for (std::int32_t y = from; y < to; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.pixel);
   };
   fillRows(0, top);
   ColumnRuns runs(source, sourceX, columns, origin);
-  runs.Read(ahead - origin);
   std::uint32_t pieces[kColumns][kRows];
-  std::uint32_t spare[kRows][kColumns];
+  std::uint32_t spare[kRows * kColumns];
   const std::uint8_t* from[kColumns];
   std::uint8_t* to[kRows];
   for (std::int32_t i = 0; i < columns; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(pieces[i]);
   for (std::int32_t y = top; y < bottom; y += kRows) {
     const std::int32_t n = std::min(kRows, bottom - y);
-    runs.Read(kRows);
+    runs.ReadTo(y + n - 1 + shift);
     for (std::int32_t i = 0; i < columns; ++i) {
       ShearPiece(source, runs, result, i, lines[i], y, n, frame, pieces[i]);
     }
-    ColumnWalk put = walk;
-    for (std::int32_t i = 0; i < n; ++i, walk.Down()) to[i] = RoomForRun(result, x, walk.Row(), columns, spare[i]);
+    RoomForRuns(walk, x, columns, n, spare, to);
     gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(columns),
                                                       static_cast<std::size_t>(n));
-    for (std::int32_t i = 0; i < n; ++i, put.Down()) PutRun(result, x, put.Row(), columns, to[i], spare[i]);
+    PutRuns(walk, x, columns, n, spare, to);
   }
   fillRows(bottom, result.height);
 }

@@ -37,10 +37,10 @@ Units UnitsFor(std::int32_t from, std::int32_t to) {
 }
 
 // A pass works on neighbouring lines side by side, since all of them share the same units. A group is one pixel of each
-// of these lines; readers give the next groups, writers take one after the other.
+// of these lines. Readers give windows of groups, beginning with the one that is in hand; writers take groups one by one.
 
-// Lines of a column pass: a piece of a row long enough to be worth the walk from row to row.
-constexpr std::int32_t kColumns = 128;
+// Lines of a column pass: a piece of a row, which is a group where it lies.
+constexpr std::int32_t kColumns = 512;
 
 class ColumnReader {
  public:
@@ -49,24 +49,34 @@ class ColumnReader {
   ColumnReader(const LMX_Picture& picture, std::int32_t x, std::int32_t lines)
       : picture_(picture), x_(x), lines_(lines), walk_(picture, 0) {}
 
-  // The next groups, 1 to `atMost`. They stay until the next call.
-  const std::uint32_t* Next(std::uint32_t /*atMost*/, std::uint32_t* count) {
-    std::uint32_t* const group = groups_[turn_ ^= 1];
-    ReadRun(picture_, x_, walk_.Row(), lines_, group);
-    walk_.Down();
-    *count = 1;
-    return group;
+  PixelForm Form() const { return FormOf(picture_); }
+
+  // The next `count` <= kMostBoxRuns groups.
+  const std::uint8_t* const* Window(std::uint32_t count) {
+    if (at_ + count > kMostGroups) {
+      std::copy(groups_ + at_, groups_ + end_, groups_);
+      end_ -= at_;
+      at_ = 0;
+    }
+    for (; end_ < at_ + count; ++end_) {
+      StoredRuns(walk_, x_, lines_, 1, spare_[read_++ % kMostBoxRuns], groups_ + end_);
+    }
+    return groups_ + at_;
   }
-  // The group before the one that came last.
-  const std::uint32_t* Before() const { return groups_[turn_ ^ 1]; }
+  void Advance(std::uint32_t groups) { at_ += groups; }
 
  private:
+  static constexpr std::uint32_t kMostGroups = 2 * kMostBoxRuns;
+
   const LMX_Picture& picture_;
   std::int32_t x_;
   std::int32_t lines_;
   ColumnWalk walk_;
-  int turn_ = 0;
-  std::uint32_t groups_[2][kColumns];
+  std::uint32_t at_ = 0;
+  std::uint32_t end_ = 0;
+  std::uint32_t read_ = 0;
+  const std::uint8_t* groups_[kMostGroups];
+  std::uint32_t spare_[kMostBoxRuns][kColumns];
 };
 
 class ColumnWriter {
@@ -75,11 +85,11 @@ class ColumnWriter {
       : picture_(picture), x_(x), lines_(lines), walk_(picture, 0) {}
 
   // Where the next group goes, until it is done.
-  std::uint32_t* Group() { return group_; }
-  void Done() {
-    WriteRun(picture_, x_, walk_.Row(), lines_, group_);
-    walk_.Down();
+  std::uint8_t* Group() {
+    RoomForRuns(walk_, x_, lines_, 1, spare_, &group_);
+    return group_;
   }
+  void Done() { PutRuns(walk_, x_, lines_, 1, spare_, &group_); }
   void Finish() {}
 
  private:
@@ -87,10 +97,11 @@ class ColumnWriter {
   std::int32_t x_;
   std::int32_t lines_;
   ColumnWalk walk_;
-  std::uint32_t group_[kColumns];
+  std::uint8_t* group_ = nullptr;
+  std::uint32_t spare_[kColumns];
 };
 
-// Lines of a row pass. They go through a tile, so that their pixels come and go in runs.
+// Lines of a row pass. They go through a tile, in which pixels of a column are neighbours.
 constexpr std::int32_t kRows = 32;
 constexpr std::int32_t kTile = 64;
 
@@ -98,58 +109,63 @@ class RowReader {
  public:
   static constexpr std::int32_t kMostLines = kRows;
 
-  RowReader(const LMX_Picture& picture, std::int32_t y, std::int32_t lines) : picture_(picture), y_(y), lines_(lines) {}
-
-  const std::uint32_t* Next(std::uint32_t atMost, std::uint32_t* count) {
-    if (next_ == kTile) Fill();
-    *count = std::min<std::uint32_t>(atMost, kTile - next_);
-    const std::uint32_t* const groups = tile_[1 + next_];
-    next_ += *count;
-    return groups;
+  RowReader(const LMX_Picture& picture, std::int32_t y, std::int32_t lines) : picture_(picture), y_(y), lines_(lines) {
+    for (std::uint32_t i = 0; i < kMostGroups; ++i) groups_[i] = reinterpret_cast<std::uint8_t*>(tile_[i]);
   }
-  const std::uint32_t* Before() const { return tile_[next_ - 1]; }
+
+  static PixelForm Form() { return kWorkingForm; }
+
+  const std::uint8_t* const* Window(std::uint32_t count) {
+    while (end_ < at_ + count) Read();
+    return groups_ + at_;
+  }
+  void Advance(std::uint32_t groups) { at_ += groups; }
 
  private:
-  void Fill() {
-    std::copy_n(tile_[kTile], kRows, tile_[0]);
-    std::uint32_t spare[kRows][kTile];
-    const std::uint8_t* from[kRows];
-    std::uint8_t* to[kTile];
+  static constexpr std::uint32_t kMostGroups = kMostBoxRuns + kTile;
+
+  void Read() {
     const std::int32_t n = std::min(kTile, picture_.width - x_);
-    for (std::int32_t i = 0; i < lines_; ++i) from[i] = StoredRun(picture_, x_, y_ + i, n, spare[i]);
-    for (std::int32_t i = 0; i < n; ++i) to[i] = reinterpret_cast<std::uint8_t*>(tile_[1 + i]);
-    gRunKernels.transpose[FormOf(picture_)][kWorkingForm](to, from, static_cast<std::size_t>(lines_),
+    std::copy(tile_[at_], tile_[end_], tile_[0]);
+    end_ -= at_;
+    at_ = 0;
+    std::uint32_t spare[kRows * kTile];
+    const std::uint8_t* from[kRows];
+    StoredRuns({picture_, x_, y_}, 1, n, lines_, spare, from);
+    gRunKernels.transpose[FormOf(picture_)][kWorkingForm](groups_ + end_, from, static_cast<std::size_t>(lines_),
                                                           static_cast<std::size_t>(n));
     x_ += n;
-    next_ = 0;
+    end_ += static_cast<std::uint32_t>(n);
   }
 
   const LMX_Picture& picture_;
   std::int32_t y_;
   std::int32_t lines_;
   std::int32_t x_ = 0;
-  std::uint32_t next_ = kTile;
-  std::uint32_t tile_[1 + kTile][kRows];  // the last group of the tile before comes first
+  std::uint32_t at_ = 0;
+  std::uint32_t end_ = 0;
+  std::uint8_t* groups_[kMostGroups];
+  std::uint32_t tile_[kMostGroups][kRows];
 };
 
 class RowWriter {
  public:
   RowWriter(const LMX_Picture& picture, std::int32_t y, std::int32_t lines) : picture_(picture), y_(y), lines_(lines) {}
 
-  std::uint32_t* Group() { return tile_[inTile_]; }
+  std::uint8_t* Group() { return reinterpret_cast<std::uint8_t*>(tile_[inTile_]); }
   void Done() {
     if (++inTile_ == kTile) Finish();
   }
 
   void Finish() {
-    std::uint32_t spare[kRows][kTile];
+    std::uint32_t spare[kRows * kTile];
     const std::uint8_t* from[kTile];
     std::uint8_t* to[kRows];
     for (std::int32_t i = 0; i < inTile_; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(tile_[i]);
-    for (std::int32_t i = 0; i < lines_; ++i) to[i] = RoomForRun(picture_, x_, y_ + i, inTile_, spare[i]);
-    gRunKernels.transpose[kWorkingForm][FormOf(picture_)](to, from, static_cast<std::size_t>(inTile_),
-                                                          static_cast<std::size_t>(lines_));
-    for (std::int32_t i = 0; i < lines_; ++i) PutRun(picture_, x_, y_ + i, inTile_, to[i], spare[i]);
+    RoomForRuns({picture_, x_, y_}, 1, inTile_, lines_, spare, to);
+    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(inTile_),
+                                                      static_cast<std::size_t>(lines_));
+    PutRuns({picture_, x_, y_}, 1, inTile_, lines_, spare, to);
     x_ += inTile_;
     inTile_ = 0;
   }
@@ -163,43 +179,55 @@ class RowWriter {
   std::uint32_t tile_[kTile][kRows];
 };
 
-// Makes `length` groups. The destination never takes more units than the source has, so that a line is not used up before
-// its end.
+// One group from more groups than a kernel takes at once.
+template <class Reader>
+void AverageGroups(Reader& reader, std::uint8_t* to, PixelForm form, std::uint32_t count, const BoxUnits& units,
+                   std::size_t lines) {
+  std::uint32_t sums[4 * Reader::kMostLines];
+  std::fill_n(sums, 4 * lines, 0);
+  const auto add = [&](std::uint32_t groups, std::uint32_t unitsOfEach) {
+    gRunKernels.addToBoxes[reader.Form()](sums, reader.Window(groups), groups, unitsOfEach, lines);
+  };
+  add(1, units.first);
+  reader.Advance(1);
+  for (std::uint32_t left = count - 2; left > 0;) {
+    const std::uint32_t part = std::min<std::uint32_t>(left, kMostBoxRuns);
+    add(part, units.whole);
+    reader.Advance(part);
+    left -= part;
+  }
+  add(1, units.last);
+  gRunKernels.averageBoxes[form](to, sums, units.Of(count), lines);
+}
+
+// Makes `length` groups in the form of a picture. The destination never takes more units than the source has, so that a
+// line is not used up before its end.
 template <class Reader, class Writer>
-void StretchLines(Reader&& reader, Writer&& writer, const Units& units, std::int32_t length, std::size_t lines) {
-  const std::uint32_t* group = nullptr;
-  std::uint32_t remaining = 0;  // units of `group` that are still to be taken
-  std::uint32_t count;
+void StretchLines(Reader&& reader, Writer&& writer, PixelForm form, const Units& units, std::int32_t length,
+                  std::size_t lines) {
+  std::uint32_t remaining = units.perSource;  // units of the group in hand that are still to be taken
   for (std::int32_t i = 0; i < length; ++i) {
-    if (remaining == 0) {
-      group = reader.Next(1, &count);
-      remaining = units.perSource;
-    }
+    std::uint8_t* const to = writer.Group();
     if (remaining >= units.perDestination) {  // all from one pixel, which is its own average
-      std::copy_n(group, lines, writer.Group());
+      gRunKernels.copy[reader.Form()][form](to, *reader.Window(1), lines);
       remaining -= units.perDestination;
-    } else if (std::uint32_t need = units.perDestination - remaining; need <= units.perSource) {
-      group = reader.Next(1, &count);
-      gRunKernels.mix(writer.Group(), reader.Before(), group, need, units.perDestination, lines);
-      remaining = units.perSource - need;
     } else {
-      std::uint32_t sums[4 * Reader::kMostLines];
-      std::fill_n(sums, 4 * lines, 0);
-      gRunKernels.addCoverage(sums, group, 0, 1, remaining, lines);
-      while (need >= units.perSource) {
-        const std::uint32_t* const whole = reader.Next(need / units.perSource, &count);
-        gRunKernels.addCoverage(sums, whole, Reader::kMostLines, count, units.perSource, lines);
-        need -= count * units.perSource;
+      const std::uint32_t need = units.perDestination - remaining;
+      const std::uint32_t count = 1 + (need + units.perSource - 1) / units.perSource;
+      const BoxUnits taken = {remaining, units.perSource, need - (count - 2) * units.perSource};
+      if (count <= kMostBoxRuns) {
+        gRunKernels.box[reader.Form()][form](to, reader.Window(count), count, &taken, lines);
+        reader.Advance(count - 1);
+      } else {
+        AverageGroups(reader, to, form, count, taken, lines);
       }
-      remaining = 0;
-      if (need > 0) {
-        group = reader.Next(1, &count);
-        gRunKernels.addCoverage(sums, group, 0, 1, need, lines);
-        remaining = units.perSource - need;
-      }
-      gRunKernels.averageCoverage(writer.Group(), sums, units.perDestination, lines);
+      remaining = units.perSource - taken.last;
     }
     writer.Done();
+    if (remaining == 0) {
+      reader.Advance(1);
+      remaining = units.perSource;
+    }
   }
   writer.Finish();
 }
@@ -212,8 +240,18 @@ void Pass(const LMX_Picture& source, const LMX_Picture& destination, std::int32_
   YieldPace pace(yield);
   for (std::int32_t line = 0; line < lines;) {
     const std::int32_t n = pace.BeginLines(to, std::min(Reader::kMostLines, lines - line));
-    StretchLines(Reader(source, line, n), Writer(destination, line, n), units, to, static_cast<std::size_t>(n));
+    StretchLines(Reader(source, line, n), Writer(destination, line, n), FormOf(destination), units, to,
+                 static_cast<std::size_t>(n));
     line += n;
+  }
+}
+
+// The row pass to half the length, which needs no tile.
+void HalveRows(const LMX_Picture& source, const LMX_Picture& destination, long yield) {
+  YieldPace pace(yield);
+  for (std::int32_t y = 0; y < destination.height; ++y) {
+    pace.BeginLines(destination.width, 1);
+    HalveRun({destination, 0, y}, {source, 0, y}, destination.width);
   }
 }
 
@@ -258,6 +296,7 @@ void PrivStretch_NonVector_NoMask(LMX_Picture& source, LMX_Picture& result, long
 }
 
 void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield) {
+  if (source.width == static_cast<std::int64_t>(destination.width) * 2) return HalveRows(source, destination, yield);
   Pass<RowReader, RowWriter>(source, destination, source.width, destination.width, destination.height, yield);
 }
 

@@ -15,6 +15,7 @@
 #include <string.h>
 
 #define LMX_EXPAND inline __attribute__((always_inline))
+#define LMX_EXPANDED __attribute__((always_inline))  // the same behind the parameters of a lambda
 
 /// What an HSV adjustment does to each pixel.
 struct HSVAdjustment {
@@ -186,24 +187,17 @@ struct LMX_Pixel {
 
   // -------------------------------------------------------------------------------------------------------- box filter
 
-  /// The average of two pixels of which `units` units are taken, `ofSecond` of them from the second.
-  LMX_EXPAND static uint32_t Mix(uint32_t first, uint32_t second, uint32_t ofSecond, uint32_t units) {
-    uint32_t sums[4] = {};
-    AddCoverage(sums, first, units - ofSecond);
-    AddCoverage(sums, second, ofSecond);
-    return AverageCoverage(sums, units);
+  /// Adds `units` times each channel to the four sums of a box.
+  LMX_EXPAND static void AddToBox(uint32_t* sums, uint32_t pixel, uint32_t units) {
+    sums[0] += Alpha(pixel) * units;
+    sums[1] += Red(pixel) * units;
+    sums[2] += Green(pixel) * units;
+    sums[3] += Blue(pixel) * units;
   }
 
-  /// Adds `units` times each channel to the four sums of a box, which are in the order of the pixel's bytes.
-  LMX_EXPAND static void AddCoverage(uint32_t* sums, uint32_t pixel, uint32_t units) {
-    sums[0] += Blue(pixel) * units;
-    sums[1] += Green(pixel) * units;
-    sums[2] += Red(pixel) * units;
-    sums[3] += Alpha(pixel) * units;
-  }
-
-  LMX_EXPAND static uint32_t AverageCoverage(const uint32_t* sums, uint32_t units) {
-    return Pack(sums[3] / units, sums[2] / units, sums[1] / units, sums[0] / units);
+  /// The average of what was added, `units` in all.
+  LMX_EXPAND static uint32_t BoxAverage(const uint32_t* sums, uint32_t units) {
+    return Pack(sums[0] / units, sums[1] / units, sums[2] / units, sums[3] / units);
   }
 
   // ------------------------------------------------------------------------------------------------------------- sums

@@ -25,6 +25,17 @@
 /// below.
 enum PixelForm { kContextForm = 0, kBufferForm = 1, kStorageForms = 2, kWorkingForm = 2, kForms = 3 };
 
+constexpr size_t kMostBoxRuns = 32;
+
+/// How many units of each run are in a box average: each at least 1, all together at most 32768.
+struct BoxUnits {
+  uint32_t first;
+  uint32_t whole;  ///< of each run between the first and the last
+  uint32_t last;
+
+  LMX_EXPAND uint32_t Of(size_t count) const { return first + static_cast<uint32_t>(count - 2) * whole + last; }
+};
+
 struct RunKernels {
   /// The level's name: "plain", or the instruction set of the highest level that filled in.
   const char* level;
@@ -56,17 +67,20 @@ struct RunKernels {
   /// From working to working pixels it moves pixels as they are, whatever their form.
   void (*transpose[kForms][kForms])(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns);
 
-  /// Box averages of two working runs: (first (units - ofSecond) + second ofSecond) / units in each channel, with
-  /// units of 1 to 32768 and 0 <= ofSecond <= units. `averages` may be either run.
-  void (*mix)(uint32_t* averages, const uint32_t* first, const uint32_t* second, uint32_t ofSecond, uint32_t units,
-              size_t n);
+  /// Box averages: reads `count` runs (2 to kMostBoxRuns), takes units.first times the first, units.last times the last and
+  /// units.whole times each of the others, divides by all these units, and writes.
+  void (*box[kForms][kStorageForms])(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits* units,
+                                     size_t n);
 
-  /// Adds to box sums: `units` (at most 32767) times each channel of `count` working runs, `stride` pixels apart. There
-  /// are four sums a pixel, in the order of its bytes. What is added up in a sum must stay below 255 x 32768.
-  void (*addCoverage)(uint32_t* sums, const uint32_t* runs, size_t stride, size_t count, uint32_t units, size_t n);
+  /// The same of any number of runs, in steps: addToBoxes reads `count` runs (1 to kMostBoxRuns) and adds `units` times
+  /// each to the sums, averageBoxes divides them by all the units that were added (at most 32768), and writes. There are
+  /// four sums a pixel, 0 at first, in an order that only these two know.
+  void (*addToBoxes[kForms])(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n);
+  void (*averageBoxes[kStorageForms])(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n);
 
-  /// Divides the box sums of n pixels by `units` (1 to 32768, at least what was added to each).
-  void (*averageCoverage)(uint32_t* averages, const uint32_t* sums, uint32_t units, size_t n);
+  /// Averages of neighbours: pixel i of `to` is the mean of the pixels 2 i and 2 i + 1 of `from`, truncated. n is the
+  /// number of averages.
+  void (*halve[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
 };
 
 /// The kernels in use.

@@ -82,19 +82,39 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
   }
 }
 
-void Mix(uint32_t* averages, const uint32_t* first, const uint32_t* second, uint32_t ofSecond, uint32_t units,
-         size_t n) {
-  for (size_t i = 0; i < n; ++i) averages[i] = LMX_Pixel::Mix(first[i], second[i], ofSecond, units);
-}
-
-void AddCoverage(uint32_t* sums, const uint32_t* runs, size_t stride, size_t count, uint32_t units, size_t n) {
-  for (size_t run = 0; run < count; ++run) {
-    for (size_t i = 0; i < n; ++i) LMX_Pixel::AddCoverage(sums + 4 * i, runs[run * stride + i], units);
+template <PixelForm from_form, PixelForm to_form>
+void Box(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits* units, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    uint32_t sums[4] = {};
+    LMX_Pixel::AddToBox(sums, Read<from_form>(runs[0] + 4 * i), units->first);
+    for (size_t run = 1; run + 1 < count; ++run) {
+      LMX_Pixel::AddToBox(sums, Read<from_form>(runs[run] + 4 * i), units->whole);
+    }
+    LMX_Pixel::AddToBox(sums, Read<from_form>(runs[count - 1] + 4 * i), units->last);
+    Write<to_form>(to + 4 * i, LMX_Pixel::BoxAverage(sums, units->Of(count)));
   }
 }
 
-void AverageCoverage(uint32_t* averages, const uint32_t* sums, uint32_t units, size_t n) {
-  for (size_t i = 0; i < n; ++i) averages[i] = LMX_Pixel::AverageCoverage(sums + 4 * i, units);
+template <PixelForm form>
+void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
+  for (size_t run = 0; run < count; ++run) {
+    for (size_t i = 0; i < n; ++i) LMX_Pixel::AddToBox(sums + 4 * i, Read<form>(runs[run] + 4 * i), units);
+  }
+}
+
+template <PixelForm form>
+void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
+  for (size_t i = 0; i < n; ++i) Write<form>(to + 4 * i, LMX_Pixel::BoxAverage(sums + 4 * i, units));
+}
+
+template <PixelForm from_form, PixelForm to_form>
+void Halve(uint8_t* to, const uint8_t* from, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    uint32_t sums[4] = {};
+    LMX_Pixel::AddToBox(sums, Read<from_form>(from + 8 * i), 1);
+    LMX_Pixel::AddToBox(sums, Read<from_form>(from + 8 * i + 4), 1);
+    Write<to_form>(to + 4 * i, LMX_Pixel::BoxAverage(sums, 2));
+  }
 }
 
 template <PixelForm from_form, PixelForm to_form>
@@ -110,6 +130,7 @@ void FillChanges(RunKernels* kernels) {
   kernels->adjustRGB[from_form][to_form] = AdjustRunRGB<from_form, to_form>;
   kernels->negative[from_form][to_form] = NegativeRun<from_form, to_form>;
   kernels->blend[from_form][to_form] = BlendRun<from_form, to_form>;
+  kernels->halve[from_form][to_form] = Halve<from_form, to_form>;
 }
 
 template <PixelForm form>
@@ -117,6 +138,9 @@ void FillForm(RunKernels* kernels) {
   FillMoves<form, kContextForm>(kernels);
   FillMoves<form, kBufferForm>(kernels);
   FillMoves<form, kWorkingForm>(kernels);
+  kernels->box[form][kContextForm] = Box<form, kContextForm>;
+  kernels->box[form][kBufferForm] = Box<form, kBufferForm>;
+  kernels->addToBoxes[form] = AddToBoxes<form>;
 }
 
 template <PixelForm form>
@@ -126,6 +150,7 @@ void FillStorageForm(RunKernels* kernels) {
   FillChanges<form, kBufferForm>(kernels);
   kernels->sumRGB[form] = SumRunRGB<form>;
   kernels->sumHSV[form] = SumRunHSV<form>;
+  kernels->averageBoxes[form] = AverageBoxes<form>;
 }
 
 }  // namespace
@@ -136,7 +161,4 @@ void FillPlain(RunKernels* kernels) {
   FillStorageForm<kBufferForm>(kernels);
   FillForm<kWorkingForm>(kernels);
   kernels->fill = FillRun;
-  kernels->mix = Mix;
-  kernels->addCoverage = AddCoverage;
-  kernels->averageCoverage = AverageCoverage;
 }

@@ -1,6 +1,7 @@
 // The wide kernels, for any width of register: a unit per level includes its Vector header, and then this one.
 #pragma once
 
+#include "WideBoxes.h"
 #include "WideColour.h"
 #include "WideGeometry.h"
 
@@ -19,6 +20,7 @@ void FillChanges(RunKernels* kernels) {
   kernels->adjustRGB[from][to] = AdjustRGB<From, To>;
   kernels->negative[from][to] = Negative<From, To>;
   kernels->blend[from][to] = Blend<From, To>;
+  kernels->halve[from][to] = Halve<From, To>;
 }
 
 template <PixelForm form, class Form>
@@ -26,6 +28,9 @@ void FillForm(RunKernels* kernels) {
   FillMoves<form, kContextForm, Form, ContextForm>(kernels);
   FillMoves<form, kBufferForm, Form, BufferForm>(kernels);
   FillMoves<form, kWorkingForm, Form, WorkingForm>(kernels);
+  kernels->box[form][kContextForm] = Box<Form, ContextForm>;
+  kernels->box[form][kBufferForm] = Box<Form, BufferForm>;
+  kernels->addToBoxes[form] = AddToBoxes<Form>;
 }
 
 template <PixelForm form, class Form>
@@ -35,6 +40,7 @@ void FillStorageForm(RunKernels* kernels) {
   FillChanges<form, kBufferForm, Form, BufferForm>(kernels);
   kernels->sumRGB[form] = SumRGB<Form>;
   kernels->sumHSV[form] = SumHSV<Form>;
+  kernels->averageBoxes[form] = AverageBoxes<Form>;
 }
 
 void FillWide(RunKernels* kernels) {
@@ -42,9 +48,6 @@ void FillWide(RunKernels* kernels) {
   FillStorageForm<kBufferForm, BufferForm>(kernels);
   FillForm<kWorkingForm, WorkingForm>(kernels);
   kernels->fill = Fill;
-  kernels->mix = Mix;
-  kernels->addCoverage = AddCoverage;
-  kernels->averageCoverage = AverageCoverage;
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ struct Vector {
   LMX_EXPAND static Reg Sub8(Reg a, Reg b) { return _mm256_sub_epi8(a, b); }
   LMX_EXPAND static Reg AddSaturated8(Reg a, Reg b) { return _mm256_adds_epu8(a, b); }
   LMX_EXPAND static Reg SubSaturated8(Reg a, Reg b) { return _mm256_subs_epu8(a, b); }
+  LMX_EXPAND static Reg Average8(Reg a, Reg b) { return _mm256_avg_epu8(a, b); }
   LMX_EXPAND static Reg Average16(Reg a, Reg b) { return _mm256_avg_epu16(a, b); }  // (a + b + 1) / 2
   LMX_EXPAND static Reg MulLow16(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
   LMX_EXPAND static Reg MulHigh16(Reg a, Reg b) { return _mm256_mulhi_epu16(a, b); }
@@ -89,6 +90,8 @@ struct Vector {
   LMX_EXPAND static Reg UnpackLow16(Reg a) { return _mm256_unpacklo_epi16(a, Zero()); }
   LMX_EXPAND static Reg UnpackHigh16(Reg a) { return _mm256_unpackhi_epi16(a, Zero()); }
   LMX_EXPAND static Reg Pack32(Reg low, Reg high) { return _mm256_packs_epi32(low, high); }  // of 0 to 32767
+  LMX_EXPAND static Reg Interleave8Low(Reg a, Reg b) { return _mm256_unpacklo_epi8(a, b); }
+  LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm256_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm256_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm256_unpackhi_epi8(a, a); }
   LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm256_unpacklo_epi32(a, a); }
@@ -109,21 +112,9 @@ struct Vector {
     return _mm256_permutevar8x32_epi32(a, _mm256_set_epi32(0, 1, 2, 3, 4, 5, 6, 7));
   }
 
-  // The channels of kPixels / 4 pixels in 32-bit lanes, in the order of their bytes, and the way back of four registers
-  // of them, which hold 0 to 255.
-  LMX_EXPAND static Reg LoadWide(const uint32_t* p) {
-    return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
-  }
-  LMX_EXPAND static Reg PackWide(Reg a, Reg b, Reg c, Reg d) {
-    const Reg packed = _mm256_packus_epi16(_mm256_packs_epi32(a, b), _mm256_packs_epi32(c, d));
-    return _mm256_permutevar8x32_epi32(packed, _mm256_set_epi32(7, 3, 6, 2, 5, 1, 4, 0));
-  }
-
-  // Every pixel one place up; `first` comes in below.
-  LMX_EXPAND static Reg ShiftIn(Reg a, uint32_t first) {
-    const Reg up = _mm256_permutevar8x32_epi32(a, _mm256_set_epi32(6, 5, 4, 3, 2, 1, 0, 0));
-    return _mm256_blend_epi32(up, _mm256_castsi128_si256(_mm_cvtsi32_si128(static_cast<int>(first))), 1);
-  }
+  // Every other pixel of two registers that follow each other.
+  LMX_EXPAND static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
+  LMX_EXPAND static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
   // table[index] in each 32-bit lane.
   LMX_EXPAND static Reg LookUp(const uint32_t* table, Reg index) {
@@ -165,6 +156,13 @@ struct Vector {
       r[i] = _mm256_permute2x128_si256(fours[i], fours[i + 4], 0x20);
       r[i + 4] = _mm256_permute2x128_si256(fours[i], fours[i + 4], 0x31);
     }
+  }
+
+ private:
+  template <int i>
+  LMX_EXPAND static Reg Shuffled(Reg a, Reg b) {
+    const __m256 pairs = _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), i);
+    return _mm256_permute4x64_epi64(_mm256_castps_si256(pairs), _MM_SHUFFLE(3, 1, 2, 0));
   }
 };
 

@@ -35,6 +35,7 @@ struct Vector {
   LMX_EXPAND static Reg Sub8(Reg a, Reg b) { return _mm_sub_epi8(a, b); }
   LMX_EXPAND static Reg AddSaturated8(Reg a, Reg b) { return _mm_adds_epu8(a, b); }
   LMX_EXPAND static Reg SubSaturated8(Reg a, Reg b) { return _mm_subs_epu8(a, b); }
+  LMX_EXPAND static Reg Average8(Reg a, Reg b) { return _mm_avg_epu8(a, b); }
   LMX_EXPAND static Reg Average16(Reg a, Reg b) { return _mm_avg_epu16(a, b); }  // (a + b + 1) / 2
   LMX_EXPAND static Reg MulLow16(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
   LMX_EXPAND static Reg MulHigh16(Reg a, Reg b) { return _mm_mulhi_epu16(a, b); }
@@ -89,6 +90,8 @@ struct Vector {
   LMX_EXPAND static Reg UnpackLow16(Reg a) { return _mm_unpacklo_epi16(a, Zero()); }
   LMX_EXPAND static Reg UnpackHigh16(Reg a) { return _mm_unpackhi_epi16(a, Zero()); }
   LMX_EXPAND static Reg Pack32(Reg low, Reg high) { return _mm_packs_epi32(low, high); }  // of 0 to 32767
+  LMX_EXPAND static Reg Interleave8Low(Reg a, Reg b) { return _mm_unpacklo_epi8(a, b); }
+  LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm_unpackhi_epi8(a, a); }
   LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm_unpacklo_epi32(a, a); }
@@ -107,20 +110,9 @@ struct Vector {
   }
   LMX_EXPAND static Reg Reverse(Reg a) { return _mm_shuffle_epi32(a, _MM_SHUFFLE(0, 1, 2, 3)); }
 
-  // The channels of kPixels / 4 pixels in 32-bit lanes, in the order of their bytes, and the way back of four registers
-  // of them, which hold 0 to 255.
-  LMX_EXPAND static Reg LoadWide(const uint32_t* p) {
-    const Reg pixel = _mm_cvtsi32_si128(static_cast<int>(*p));
-    return _mm_unpacklo_epi16(_mm_unpacklo_epi8(pixel, Zero()), Zero());
-  }
-  LMX_EXPAND static Reg PackWide(Reg a, Reg b, Reg c, Reg d) {
-    return _mm_packus_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d));
-  }
-
-  // Every pixel one place up; `first` comes in below.
-  LMX_EXPAND static Reg ShiftIn(Reg a, uint32_t first) {
-    return _mm_or_si128(_mm_slli_si128(a, 4), _mm_cvtsi32_si128(static_cast<int>(first)));
-  }
+  // Every other pixel of two registers that follow each other.
+  LMX_EXPAND static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
+  LMX_EXPAND static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
   // table[index] in each 32-bit lane.
   LMX_EXPAND static Reg LookUp(const uint32_t* table, Reg index) {
@@ -152,6 +144,12 @@ struct Vector {
     r[1] = _mm_unpackhi_epi64(a, b);
     r[2] = _mm_unpacklo_epi64(c, d);
     r[3] = _mm_unpackhi_epi64(c, d);
+  }
+
+ private:
+  template <int i>
+  LMX_EXPAND static Reg Shuffled(Reg a, Reg b) {
+    return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), i));
   }
 };
 

@@ -206,33 +206,45 @@ void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * (n - 1 - i));
 }
 
-// A square of the transposition; false, and nothing done, when a pixel needs its definition.
+// A square of a transposition.
 template <class From, class To>
-LMX_EXPAND bool TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
+LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
+  bool isWide = true;
   for (size_t i = 0; i < kWide; ++i) {
-    if (!Conversion<From, To>::Wide(Vector::Load(from[r + i] + 4 * c), &square[i])) return false;
+    square[i] = Vector::Load(from[r + i] + 4 * c);
+    isWide = Conversion<From, To>::Wide(square[i], &square[i]) && isWide;
   }
-  Vector::Transpose(square);
-  for (size_t i = 0; i < kWide; ++i) Vector::Store(to[c + i] + 4 * r, square[i]);
-  return true;
+  if (isWide) {
+    Vector::Transpose(square);
+    for (size_t i = 0; i < kWide; ++i) Vector::Store(to[c + i] + 4 * r, square[i]);
+    return;
+  }
+  for (size_t j = c; j < c + kWide; ++j) {
+    for (size_t i = r; i < r + kWide; ++i) ConvertOne<From, To>(to[j] + 4 * i, from[i] + 4 * j);
+  }
 }
 
+// By blocks of kLine x kLine pixels, so that lines of the cache are read and written whole.
 template <class From, class To>
 void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns) {
-  const auto each = [&](size_t r0, size_t r1, size_t c0, size_t c1) {
+  constexpr size_t kLine = 16;
+  static_assert(kLine % kWide == 0);
+  const size_t blockRows = rows - rows % kLine, blockColumns = columns - columns % kLine;
+  for (size_t r = 0; r < blockRows; r += kLine) {
+    for (size_t c = 0; c < blockColumns; c += kLine) {
+      for (size_t j = c; j < c + kLine; j += kWide) {
+        for (size_t i = r; i < r + kLine; i += kWide) TransposeSquare<From, To>(to, from, i, j);
+      }
+    }
+  }
+  const auto rest = [&](size_t r0, size_t r1, size_t c0, size_t c1) {
     for (size_t c = c0; c < c1; ++c) {
       for (size_t r = r0; r < r1; ++r) ConvertOne<From, To>(to[c] + 4 * r, from[r] + 4 * c);
     }
   };
-  const size_t wideRows = rows - rows % kWide, wideColumns = columns - columns % kWide;
-  for (size_t c = 0; c < wideColumns; c += kWide) {
-    for (size_t r = 0; r < wideRows; r += kWide) {
-      if (!TransposeSquare<From, To>(to, from, r, c)) each(r, r + kWide, c, c + kWide);
-    }
-  }
-  each(wideRows, rows, 0, wideColumns);
-  each(0, rows, wideColumns, columns);
+  rest(blockRows, rows, 0, blockColumns);
+  rest(0, rows, blockColumns, columns);
 }
 
 // Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.
@@ -245,7 +257,8 @@ LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change
     Reg working[Change::kRegs];
     bool isWide = true;
     for (size_t r = 0; r < Change::kRegs; ++r) {
-      isWide = From::Read(Vector::Load(from + 4 * (i + r * kWide)), &working[r]) && isWide;
+      working[r] = Vector::Load(from + 4 * (i + r * kWide));
+      isWide = From::Read(working[r], &working[r]) && isWide;
     }
     if (isWide) {
       change.Wide(working);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "Exhaustive.h"
@@ -86,62 +87,100 @@ TEST(AllFractions, Blend) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------------ averages
+// --------------------------------------------------------------------------------------------------------------- boxes
 
-// Truncation shows at the two ends of each quotient, so these decide: all quotients, all units.
-TEST(AllUnitsAndQuotients, AverageCoverage) {
-  const std::vector<NamedKernels> levels = LevelsHere();
-  Pixels sums(4 * 256), expected(256), actual(256);
-  for (std::uint32_t units = 1; units <= 32768; ++units) {
-    for (std::uint32_t quotient = 0; quotient < 256; ++quotient) {
-      const std::uint32_t lowest = quotient * units;
-      const std::uint32_t highest = quotient < 255 ? lowest + units - 1 : lowest;
-      for (std::uint32_t k = 0; k < 4; ++k) sums[4 * quotient + k] = k % 2 == 0 ? lowest : highest;
-      expected[quotient] = quotient * 0x01010101;
-    }
-    for (const NamedKernels& level : levels) {
-      level.kernels.averageCoverage(actual.data(), sums.data(), units, actual.size());
-      ASSERT_TRUE(SameRun(expected, expected, actual, level.level)) << "units " << units;
-    }
-  }
+// Opaque pixels of a buffer.
+Pixels Opaque(const Pixels& channels) {
+  Pixels pixels;
+  for (const std::uint32_t channel : channels)
+    pixels.push_back(channel | (channel * 7 % 256) << 8 | (255 - channel) << 16);
+  return pixels;
 }
 
-TEST(AllUnitsAndChannels, AddCoverage) {
-  const std::vector<NamedKernels> levels = LevelsHere();
-  Pixels pixels(32);
-  for (std::uint32_t units = 1; units <= 32767; ++units) {
-    for (std::uint32_t i = 0; i < pixels.size(); ++i) pixels[i] = (units * 32 + i) * 0x9E3779B1u | (i == 5 ? ~0u : 0u);
-    for (const NamedKernels& level : levels) {
-      Pixels sums(4 * pixels.size(), 1000000000u);
-      level.kernels.addCoverage(sums.data(), pixels.data(), 0, 1, units, pixels.size());
-      for (std::size_t i = 0; i < sums.size(); ++i) {
-        const std::uint32_t channel = pixels[i / 4] >> (8 * (i % 4)) & 0xFF;
-        ASSERT_EQ(sums[i], 1000000000u + channel * units) << level.level << ", units " << units;
-      }
-    }
-  }
+Pixels EveryChannel() {
+  Pixels channels(256);
+  for (std::uint32_t i = 0; i < 256; ++i) channels[i] = i;
+  return Opaque(channels);
 }
 
 // All distances of two channels with all weights, of units at which the arithmetic changes and of some others.
-TEST(AllDistancesAndWeights, Mix) {
+TEST(AllDistancesAndWeights, BoxOfTwo) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels first, second;
   for (std::uint32_t i = 0; i < 256; ++i) {
-    first.push_back(i | 255 << 8 | (255 - i) << 16 | i << 24);
-    second.push_back(0 | i << 8 | 255 << 16 | (255 - i) << 24);
+    first.push_back(i | 255 << 8 | (255 - i) << 16);
+    second.push_back(0 | i << 8 | 255 << 16);
   }
+  const std::uint8_t* const runs[] = {Bytes(std::as_const(first)), Bytes(std::as_const(second))};
   Pixels expected(first.size()), actual(first.size());
-  for (const std::uint32_t units : {32768u, 32767u, 32766u, 32740u, 32704u, 32703u, 20000u, 257u, 3u, 1u}) {
+  for (const std::uint32_t units : {32768u, 32767u, 32766u, 32740u, 32704u, 32703u, 20000u, 257u, 3u, 2u}) {
     const std::uint32_t step = units > 32766 || units < 300 ? 1 : 13;
-    for (std::uint32_t ofSecond = 0; ofSecond <= units; ofSecond += step) {
-      for (std::size_t i = 0; i < first.size(); ++i) {
-        expected[i] = plain::Mix(first[i], second[i], ofSecond, units);
-      }
+    for (std::uint32_t last = 1; last < units; last += step) {
+      for (std::size_t i = 0; i < first.size(); ++i) expected[i] = plain::Mix(first[i], second[i], last, units);
+      const BoxUnits box = {units - last, 0, last};
       for (const NamedKernels& level : levels) {
-        level.kernels.mix(actual.data(), first.data(), second.data(), ofSecond, units, actual.size());
-        ASSERT_TRUE(SameRun(first, expected, actual, level.level)) << ofSecond << " of " << units;
+        level.kernels.box[kBufferForm][kBufferForm](Bytes(actual), runs, 2, &box, actual.size());
+        ASSERT_TRUE(SameRun(first, expected, actual, level.level)) << last << " of " << units;
       }
     }
+  }
+}
+
+// A constant colour stays what it is, whatever the units.
+TEST(AllUnitsOfManyRuns, BoxOfOneColour) {
+  const std::vector<NamedKernels> levels = LevelsHere();
+  const Pixels colours = EveryChannel();
+  Pixels actual(colours.size());
+  const std::vector<const std::uint8_t*> runs(kMostBoxRuns, Bytes(colours));
+  for (std::uint32_t whole = 1; whole <= 16000; whole += whole < 1200 ? 1 : 97) {
+    const std::uint32_t count = std::min<std::uint32_t>(2 + 32700 / whole, kMostBoxRuns);
+    const std::uint32_t ends = std::min(32768 - (count - 2) * whole, 2 * whole);
+    for (std::uint32_t first = 1; first < ends; first += 1 + ends / 5) {
+      const BoxUnits box = {first, whole, ends - first};
+      for (const NamedKernels& level : levels) {
+        level.kernels.box[kBufferForm][kBufferForm](Bytes(actual), runs.data(), count, &box, actual.size());
+        ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << count << " runs, " << first << ", " << whole;
+      }
+    }
+  }
+}
+
+// All units: a colour of which everything was taken is the highest sum that still gives it, with one unit of the next
+// darker one it is the lowest that gives the darker one.
+TEST(AllUnits, AverageBoxes) {
+  const std::vector<NamedKernels> levels = LevelsHere();
+  const Pixels colours = EveryChannel();
+  Pixels darker = colours, actual(colours.size());
+  for (std::uint32_t& pixel : darker) {
+    for (int shift = 0; shift < 24; shift += 8) pixel -= (pixel >> shift & 0xFF) > 0 ? 1u << shift : 0;
+  }
+  const std::uint8_t* const run = Bytes(colours);
+  const std::uint8_t* const darkerRun = Bytes(std::as_const(darker));
+  for (std::uint32_t units = 1; units < 32768; ++units) {
+    for (const NamedKernels& level : levels) {
+      Pixels sums(4 * colours.size());
+      level.kernels.addToBoxes[kBufferForm](sums.data(), &run, 1, units, colours.size());
+      level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units, colours.size());
+      ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << "units " << units;
+      level.kernels.addToBoxes[kBufferForm](sums.data(), &darkerRun, 1, 1, colours.size());
+      level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units + 1, colours.size());
+      ASSERT_TRUE(SameRun(colours, darker, actual, level.level)) << "units " << units << " + 1";
+    }
+  }
+}
+
+TEST(AllPairsOfChannels, Halve) {
+  Pixels pairs, expected;
+  for (std::uint32_t a = 0; a < 256; ++a) {
+    for (std::uint32_t b = 0; b < 256; ++b) {
+      pairs.insert(pairs.end(), {a | b << 8 | a << 16, b | a << 8 | 255 << 16});
+      expected.push_back((a + b) / 2 | (a + b) / 2 << 8 | (a + 255) / 2 << 16);
+    }
+  }
+  for (const NamedKernels& level : LevelsHere()) {
+    Pixels actual(expected.size());
+    level.kernels.halve[kBufferForm][kBufferForm](Bytes(actual), Bytes(std::as_const(pairs)), actual.size());
+    EXPECT_TRUE(SameRun(expected, expected, actual, level.level));
   }
 }
 

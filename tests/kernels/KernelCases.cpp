@@ -4,14 +4,8 @@
 
 namespace {
 
-std::uint32_t* Out(const KernelCall& call) {
-  return static_cast<std::uint32_t*>(call.output);
-}
 std::uint8_t* OutBytes(const KernelCall& call) {
   return static_cast<std::uint8_t*>(call.output);
-}
-const std::uint32_t* In(const KernelCall& call, int index = 0) {
-  return static_cast<const std::uint32_t*>(call.inputs[index]);
 }
 const std::uint8_t* InBytes(const KernelCall& call) {
   return static_cast<const std::uint8_t*>(call.inputs[0]);
@@ -43,6 +37,13 @@ template <PixelForm form>
 constexpr Operand kRows = form == kContextForm  ? Operand::ContextRows
                           : form == kBufferForm ? Operand::BufferRows
                                                 : Operand::WorkingRows;
+
+template <PixelForm form>
+constexpr Operand kRuns = form == kContextForm  ? Operand::ContextRuns
+                          : form == kBufferForm ? Operand::BufferRuns
+                                                : Operand::WorkingRuns;
+template <PixelForm form>
+constexpr Operand kPairs = form == kContextForm ? Operand::ContextPairs : Operand::BufferPairs;
 
 std::size_t Slot(std::size_t table, PixelForm form) {
   return table + static_cast<std::size_t>(form) * sizeof(void*);
@@ -190,62 +191,85 @@ std::uint32_t Channel(std::uint32_t pixel, int byte) {
   return pixel >> (8 * byte) & 0xFF;
 }
 
-KernelCase MixCase() {
-  return {"mix",
-          offsetof(RunKernels, mix),
-          Operand::Pixels,
-          false,
-          {{Operand::Pixels, true}, {Operand::Pixels, true}},
-          [](const RunKernels& k, const KernelCall& c) {
-            k.mix(Out(c), In(c, 0), In(c, 1), c.arguments.ofSecond, c.arguments.units, c.arguments.n);
-          },
-          [](const KernelCall& c) {
-            const std::uint32_t units = c.arguments.units, ofSecond = c.arguments.ofSecond;
-            ForEachPixel(c, [&](std::size_t i) {
-              Out(c)[i] = 0;
-              for (int k = 0; k < 4; ++k) {
-                const std::uint32_t sum =
-                    Channel(In(c, 0)[i], k) * (units - ofSecond) + Channel(In(c, 1)[i], k) * ofSecond;
-                Out(c)[i] |= sum / units << (8 * k);
-              }
-            });
-          }};
+// The average of one box: pixel(run) is a run's pixel, units[run] what is taken of it.
+template <class PixelOfRun>
+std::uint32_t BoxOf(const std::vector<std::uint32_t>& units, PixelOfRun pixel) {
+  std::uint32_t average = 0;
+  for (int k = 0; k < 4; ++k) {
+    std::uint64_t sum = 0, all = 0;
+    for (std::size_t run = 0; run < units.size(); ++run) {
+      sum += std::uint64_t{Channel(pixel(run), k)} * units[run];
+      all += units[run];
+    }
+    average |= static_cast<std::uint32_t>(sum / all) << (8 * k);
+  }
+  return average;
 }
 
-KernelCase AddCoverageCase() {
-  return {"add_coverage",
-          offsetof(RunKernels, addCoverage),
-          Operand::Coverage,
-          true,
-          {{Operand::Runs, false}},
-          [](const RunKernels& k, const KernelCall& c) {
-            k.addCoverage(Out(c), In(c), c.arguments.stride, c.arguments.count, c.arguments.part, c.arguments.n);
-          },
-          [](const KernelCall& c) {
-            for (std::size_t run = 0; run < c.arguments.count; ++run) {
-              const std::uint32_t* const pixels = In(c) + run * c.arguments.stride;
-              ForEachPixel(c, [&](std::size_t i) {
-                for (std::size_t k = 0; k < 4; ++k) {
-                  Out(c)[4 * i + k] += Channel(pixels[i], static_cast<int>(k)) * c.arguments.part;
-                }
-              });
-            }
-          }};
+std::vector<std::uint32_t> UnitsOfRuns(const KernelArguments& a) {
+  std::vector<std::uint32_t> units(a.count, a.box.whole);
+  units.front() = a.box.first;
+  units.back() = a.box.last;
+  return units;
 }
 
-KernelCase AverageCoverageCase() {
-  return {"average_coverage",
-          offsetof(RunKernels, averageCoverage),
-          Operand::Pixels,
+template <PixelForm from, PixelForm to>
+void DefineBox(const KernelCall& c) {
+  const std::vector<std::uint32_t> units = UnitsOfRuns(c.arguments);
+  ForEachPixel(c, [&](std::size_t i) {
+    WriteOne<to>(OutBytes(c) + 4 * i, BoxOf(units, [&](std::size_t run) {
+                   return ReadOne<from>(InBytes(c) + 4 * (run * c.arguments.stride + i));
+                 }));
+  });
+}
+
+template <PixelForm from, PixelForm to>
+KernelCase BoxCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, box), from, to),
+          kRun<to>,
           false,
-          {{Operand::Coverage, false}},
+          {{kRuns<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.averageCoverage(Out(c), In(c), c.arguments.units, c.arguments.n);
+            const auto runs = Addresses<const std::uint8_t>(InBytes(c), c.arguments.stride, c.arguments.count);
+            k.box[from][to](OutBytes(c), runs.data(), runs.size(), &c.arguments.box, c.arguments.n);
           },
+          DefineBox<from, to>};
+}
+
+// The two kernels of a box in steps, as they are used: the sums are theirs.
+template <PixelForm from, PixelForm to>
+KernelCase BoxInStepsCase(const char* name, std::size_t slot) {
+  return {name,
+          slot,
+          kRun<to>,
+          false,
+          {{kRuns<from>, false}},
+          [](const RunKernels& k, const KernelCall& c) {
+            const KernelArguments& a = c.arguments;
+            const auto runs = Addresses<const std::uint8_t>(InBytes(c), a.stride, a.count);
+            std::vector<std::uint32_t> sums(4 * a.n);
+            k.addToBoxes[from](sums.data(), runs.data(), 1, a.box.first, a.n);
+            if (a.count > 2) k.addToBoxes[from](sums.data(), runs.data() + 1, a.count - 2, a.box.whole, a.n);
+            k.addToBoxes[from](sums.data(), runs.data() + a.count - 1, 1, a.box.last, a.n);
+            k.averageBoxes[to](OutBytes(c), sums.data(), a.box.Of(a.count), a.n);
+          },
+          DefineBox<from, to>};
+}
+
+template <PixelForm from, PixelForm to>
+KernelCase HalveCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, halve), from, to),
+          kRun<to>,
+          false,
+          {{kPairs<from>, false}},
+          [](const RunKernels& k, const KernelCall& c) { k.halve[from][to](OutBytes(c), InBytes(c), c.arguments.n); },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
-              Out(c)[i] = 0;
-              for (std::size_t k = 0; k < 4; ++k) Out(c)[i] |= In(c)[4 * i + k] / c.arguments.units << (8 * k);
+              WriteOne<to>(OutBytes(c) + 4 * i, BoxOf({1, 1}, [&](std::size_t neighbour) {
+                             return ReadOne<from>(InBytes(c) + 4 * (2 * i + neighbour));
+                           }));
             });
           }};
 }
@@ -348,9 +372,21 @@ const std::vector<KernelCase>& KernelCases() {
       SumRGBCase<kBuffer>("sum_rgb_buffer"),
       SumHSVCase<kContext>("sum_hsv_context"),
       SumHSVCase<kBuffer>("sum_hsv_buffer"),
-      MixCase(),
-      AddCoverageCase(),
-      AverageCoverageCase(),
+      BoxCase<kContext, kContext>("box_context_context"),
+      BoxCase<kContext, kBuffer>("box_context_buffer"),
+      BoxCase<kBuffer, kContext>("box_buffer_context"),
+      BoxCase<kBuffer, kBuffer>("box_buffer_buffer"),
+      BoxCase<kWorking, kContext>("box_working_context"),
+      BoxCase<kWorking, kBuffer>("box_working_buffer"),
+      BoxInStepsCase<kContext, kBuffer>("add_to_boxes_context", Slot(offsetof(RunKernels, addToBoxes), kContext)),
+      BoxInStepsCase<kBuffer, kContext>("add_to_boxes_buffer", Slot(offsetof(RunKernels, addToBoxes), kBuffer)),
+      BoxInStepsCase<kWorking, kContext>("add_to_boxes_working", Slot(offsetof(RunKernels, addToBoxes), kWorking)),
+      BoxInStepsCase<kWorking, kContext>("average_boxes_context", Slot(offsetof(RunKernels, averageBoxes), kContext)),
+      BoxInStepsCase<kWorking, kBuffer>("average_boxes_buffer", Slot(offsetof(RunKernels, averageBoxes), kBuffer)),
+      HalveCase<kContext, kContext>("halve_context_context"),
+      HalveCase<kContext, kBuffer>("halve_context_buffer"),
+      HalveCase<kBuffer, kContext>("halve_buffer_context"),
+      HalveCase<kBuffer, kBuffer>("halve_buffer_buffer"),
   };
   return cases;
 }

@@ -25,8 +25,11 @@ enum class Operand {
   Columns,        ///< `columns` runs of n pixels of any form, `stride` apart
   RGBTotals,      ///< RGBSums
   HSVTotals,      ///< HSVSums
-  Runs,           ///< `count` working runs, `stride` apart
-  Coverage,       ///< four box sums for each of n pixels
+  ContextRuns,    ///< `count` stored runs, `stride` apart
+  BufferRuns,     ///< the same in the other form
+  WorkingRuns,    ///< the same, working pixels
+  ContextPairs,   ///< a stored run of 2 n pixels
+  BufferPairs,    ///< the same in the other form
 };
 
 /// The arguments that are no runs. Each kernel uses some.
@@ -38,9 +41,7 @@ struct KernelArguments {
   std::size_t count;
   std::uint32_t before;
   std::uint32_t fraction;
-  std::uint32_t units;
-  std::uint32_t ofSecond;  ///< of the units
-  std::uint32_t part;      ///< of the units, for each of `count`
+  BoxUnits box;
   HSVAdjustment hsv;
   RGBAdjustment rgb;
 };

@@ -59,13 +59,17 @@ std::uint32_t MakeColour(const Style& style, std::uint32_t most, Random& random)
   return colour[0] << 16 | colour[1] << 8 | colour[2];
 }
 
+bool IsOneOf(Operand operand, std::initializer_list<Operand> operands) {
+  return std::find(operands.begin(), operands.end(), operand) != operands.end();
+}
+
 std::uint32_t MakePixel(Operand form, const Style& style, std::size_t i, Random& random) {
   const std::uint32_t alpha = MakeAlpha(style, i, random);
   const bool wellFormed = style.wellFormed && i != style.malformed;
-  if (form == Operand::ContextPixels || form == Operand::ContextRows) {
+  if (IsOneOf(form, {Operand::ContextPixels, Operand::ContextRows, Operand::ContextRuns, Operand::ContextPairs})) {
     return __builtin_bswap32(alpha << 24 | MakeColour(style, wellFormed ? alpha : 255, random));
   }
-  if (form == Operand::BufferPixels || form == Operand::BufferRows) {
+  if (IsOneOf(form, {Operand::BufferPixels, Operand::BufferRows, Operand::BufferRuns, Operand::BufferPairs})) {
     const std::uint32_t transparency = wellFormed ? 127 - alpha / 2 : 255 - alpha;
     return transparency << 24 | MakeColour(style, 255, random);
   }
@@ -97,14 +101,22 @@ HSVSums MakeHSVSums(Random& random) {
   return {MakeRGBSums(random), saturation, random.Below(1 << 24) / 256.0};
 }
 
-// Box sums that `units` units of pixels can give, with the quotients' edges among them.
-void MakeCoverage(const KernelArguments& arguments, Random& random, std::uint32_t* sums) {
-  const std::uint32_t units = arguments.units;
-  for (std::size_t i = 0; i < 4 * arguments.n; ++i) {
-    std::uint32_t sum = random.Below(257) * units;
-    if (sum > 0 && random.Below(2) == 0) --sum;
-    sums[i] = std::min(sum, random.Below(2) == 0 ? 255 * units : random.Below(255 * units + 1));
+// Of two runs, or of several in which those between have as much as either end at most. Often all units together are
+// 32768 or little less, as they are in use.
+BoxUnits MakeBoxUnits(std::size_t count, Random& random) {
+  constexpr std::uint32_t kAll[] = {256, 257, 32703, 32704, 32705, 32766, 32767, 32767, 32768, 32768};
+  const std::uint32_t all = random.Below(4) != 0 ? random.OneOf(kAll) : 2 + random.Below(32767);
+  if (count == 2) {
+    const std::uint32_t firsts[] = {1, all / 2, all - 1, 1 + random.Below(all - 1)};
+    const std::uint32_t first = random.OneOf(firsts);
+    return {first, 0, all - first};
   }
+  const std::uint32_t runs = static_cast<std::uint32_t>(count);
+  const std::uint32_t most = std::max(all, 4 * runs);
+  const std::uint32_t whole = std::min(most / (runs - 1), 1 + random.Below(most / (runs - 1)) * 2);
+  const std::uint32_t ends = std::max(2u, most - (runs - 2) * whole);
+  const std::uint32_t first = 1 + random.Below(ends - 1);
+  return {first, whole, ends - first};
 }
 
 // `count` runs of n pixels, `stride` pixels apart.
@@ -132,10 +144,13 @@ std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
       return sizeof(RGBSums);
     case Operand::HSVTotals:
       return sizeof(HSVSums);
-    case Operand::Runs:
+    case Operand::ContextRuns:
+    case Operand::BufferRuns:
+    case Operand::WorkingRuns:
       return SizeOfRuns(arguments.count, arguments.stride, arguments.n);
-    case Operand::Coverage:
-      return 16 * arguments.n;
+    case Operand::ContextPairs:
+    case Operand::BufferPairs:
+      return 8 * arguments.n;
   }
   return 0;
 }
@@ -148,6 +163,10 @@ std::size_t AlignmentOf(Operand operand) {
     case Operand::ContextRows:
     case Operand::BufferRows:
     case Operand::Columns:
+    case Operand::ContextRuns:
+    case Operand::BufferRuns:
+    case Operand::ContextPairs:
+    case Operand::BufferPairs:
       return 1;
     case Operand::HSVTotals:
       return alignof(HSVSums);
@@ -160,7 +179,6 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   constexpr std::int32_t kShifts[] = {0, 1, -1, 1024, -1024, 3071, 6143, -6144, INT32_MIN};
   constexpr std::int32_t kFactors[] = {0, 1, 1, 2, 3, 255, 999};
   constexpr std::int32_t kDeltas[] = {0, 1, -1, 127, -128, 255, -255};
-  constexpr std::uint32_t kUnits[] = {1, 2, 3, 255, 256, 257, 32703, 32704, 32705, 32766, 32767, 32767, 32768, 32768};
   const auto factor = [&] { return 1024 * (random.Below(2) == 0 ? random.OneOf(kFactors) : random.Between(0, 999)); };
   const auto delta = [&] { return random.Below(2) == 0 ? random.OneOf(kDeltas) : random.Between(-255, 255); };
   KernelArguments arguments = {};
@@ -171,11 +189,8 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   arguments.pitch = arguments.columns + (random.Below(2) == 0 ? 0 : random.Below(kMostGap + 1));
   arguments.before = random.Word();
   arguments.fraction = MakeFraction(random);
-  arguments.units = random.Below(4) != 0 ? random.OneOf(kUnits) : 1 + random.Below(32768);
-  const std::uint32_t ofSecond[] = {0, 1, arguments.units / 2, arguments.units - 1, arguments.units};
-  arguments.ofSecond = random.Below(4) == 0 ? random.OneOf(ofSecond) : random.Below(arguments.units + 1);
-  arguments.count = 1 + random.Below(5);
-  arguments.part = std::min<std::uint32_t>(arguments.units, 32767) / static_cast<std::uint32_t>(arguments.count);
+  arguments.count = 2 + (random.Below(4) == 0 ? random.Below(kMostBoxRuns - 1) : random.Below(4));
+  arguments.box = MakeBoxUnits(arguments.count, random);
   const std::int32_t shift = random.Below(2) == 0 ? random.OneOf(kShifts) : random.Between(-6144, 6143);
   const std::int32_t saturation = factor(), value = factor();
   arguments.hsv = {shift, saturation, value};
@@ -191,9 +206,6 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
       return;
     case Operand::HSVTotals:
       *static_cast<HSVSums*>(bytes) = MakeHSVSums(random);
-      return;
-    case Operand::Coverage:
-      MakeCoverage(arguments, random, static_cast<std::uint32_t*>(bytes));
       return;
     default:
       MakePixels(operand, SizeOf(operand, arguments) / 4, random, bytes);

@@ -48,12 +48,11 @@ bool Parse(const char* text, Trial* trial) {
 
 std::string Text(const KernelArguments& a) {
   char text[256];
-  std::snprintf(
-      text, sizeof text,
-      "stride=%zu columns=%zu pitch=%zu count=%zu before=%08x fraction=%u units=%u second=%u part=%u hsv={%d, %d, %d} "
-      "rgb={%d, %d, %d}",
-      a.stride, a.columns, a.pitch, a.count, a.before, a.fraction, a.units, a.ofSecond, a.part, a.hsv.hueShift,
-      a.hsv.saturationScale, a.hsv.valueScale, a.rgb.red, a.rgb.green, a.rgb.blue);
+  std::snprintf(text, sizeof text,
+                "stride=%zu columns=%zu pitch=%zu count=%zu before=%08x fraction=%u box={%u, %u, %u} hsv={%d, %d, %d} "
+                "rgb={%d, %d, %d}",
+                a.stride, a.columns, a.pitch, a.count, a.before, a.fraction, a.box.first, a.box.whole, a.box.last,
+                a.hsv.hueShift, a.hsv.saturationScale, a.hsv.valueScale, a.rgb.red, a.rgb.green, a.rgb.blue);
   return text;
 }
 

@@ -62,13 +62,13 @@ TEST_F(AddressTest, ABufferWithoutRecordOrTableHasNoRows) {
 
 std::int32_t RowBelow(const LMX_Picture& picture, std::int32_t row) {
   ColumnWalk walk(picture, row);
-  walk.Down();
+  walk.Next();
   return walk.Row();
 }
 
 std::int32_t RowAbove(const LMX_Picture& picture, std::int32_t row) {
-  ColumnWalk walk(picture, row);
-  walk.Up();
+  ColumnWalk walk(picture, row, ColumnWalk::kUp);
+  walk.Next();
   return walk.Row();
 }
 
@@ -129,15 +129,20 @@ TEST_F(AddressTest, AWalkTakesManySteps) {
   fake::Buffer buffer(1, 4);
   LMX_Picture picture(buffer.Handle());
   ASSERT_TRUE(picture.Lock());
-  ColumnWalk walk(picture, 0);
+  ColumnWalk down(picture, 0), up(picture, 3, ColumnWalk::kUp);
   for (const int expected : {1, 2, 3, 3, 3}) {
-    walk.Down();
-    EXPECT_EQ(walk.Row(), expected);
+    down.Next();
+    EXPECT_EQ(down.Row(), expected);
   }
   for (const int expected : {2, 1, 0, 0, 0}) {
-    walk.Up();
-    EXPECT_EQ(walk.Row(), expected);
+    up.Next();
+    EXPECT_EQ(up.Row(), expected);
   }
+  ColumnWalk skip(picture, 0);
+  skip.Skip(3);
+  EXPECT_EQ(skip.Row(), 3);
+  skip.Skip(1);
+  EXPECT_EQ(skip.Row(), 3);
 }
 
 // ------------------------------------------------------------------------------------------------------------- pixels
