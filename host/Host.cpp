@@ -99,6 +99,10 @@ bool Host::IsLoaded(const std::string& path) {
   return Library::IsResident(path);
 }
 
+void Host::KeepLoaded(const std::string& path) {
+  Library::KeepResident(path);
+}
+
 const REALmoduleDefinition* Host::Module() const {
   return state_->module;
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "ResidentLibrary.h"
 #include "Value.h"
 
 namespace host {
@@ -46,12 +47,23 @@ void* OpenCopy(const std::string& path) {
 }  // namespace
 
 void Library::Unload() {
+  if (resident_ != nullptr) {
+    std::exchange(resident_, nullptr)->inUse = false;
+    handle_ = nullptr;
+  }
   if (handle_ != nullptr) dlclose(std::exchange(handle_, nullptr));
 }
 
 void Library::Load(const std::string& path) {
   if (handle_ != nullptr) throw Error("a library is loaded already");
   const std::string absolute = Absolute(path);
+  if (ResidentLibrary* resident = ResidentLibrary::Find(absolute); resident != nullptr && !resident->inUse) {
+    resident->PutVariablesBack();
+    resident->inUse = true;
+    resident_ = resident;
+    handle_ = resident->Handle();
+    return;
+  }
   handle_ = IsResident(absolute) ? OpenCopy(absolute) : Open(absolute);
 }
 
@@ -66,6 +78,13 @@ bool Library::IsResident(const std::string& path) {
   if (handle == nullptr) return false;
   dlclose(handle);
   return true;
+}
+
+void Library::KeepResident(const std::string& path) {
+  const std::string absolute = Absolute(path);
+  if (ResidentLibrary::Find(absolute) != nullptr) return;
+  if (IsResident(absolute)) throw Error("the library is loaded already: " + path);
+  ResidentLibrary::Keep(absolute, ResidentLibrary(Open(absolute)));
 }
 
 }  // namespace host
