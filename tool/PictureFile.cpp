@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "Errors.h"
+#include "JpegTables.h"
 #include "Stb.h"
 
 namespace tool {
@@ -105,6 +106,7 @@ Size ClaimedSize(const std::string& path, const Bytes& bytes) {
   }
   int width = 0, height = 0, channels = 0;
   if (!StartsWith(bytes, {0xFF, 0xD8})) Fail(path, "is neither a PNG nor a JPEG picture");
+  if (!HuffmanTablesFit(bytes)) Fail(path, "is a damaged JPEG picture: a table has more than 256 codes");
   if (stbi_info_from_memory(bytes.data(), static_cast<int>(bytes.size()), &width, &height, &channels) == 0) {
     Fail(path, "is a damaged JPEG picture");
   }

@@ -95,6 +95,35 @@ TEST_F(HostileFileTest, ClaimsOfHugeSizes) {
   ExpectRefused(Hostile(Claiming(0, 5)), "damaged");
 }
 
+// The decoder would write such a table behind its own.
+const Bytes kOversizedTable = {0xFF, 0xC4, 0x00, 0x13, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                               0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+Bytes JpegWith(const Bytes& inserted, std::size_t at) {
+  Bytes bytes = Jpeg(OpaqueImage(19, 11));
+  bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(at), inserted.begin(), inserted.end());
+  return bytes;
+}
+
+TEST_F(HostileFileTest, OversizedTablesOfAJpeg) {
+  const char* why = "a table has more than 256 codes";
+  const std::size_t scan = Jpeg(OpaqueImage(19, 11)).size() - 40;
+  ExpectRefused(Hostile(JpegWith(kOversizedTable, 2)), why);     // the first segment
+  ExpectRefused(Hostile(JpegWith(kOversizedTable, 20)), why);    // behind the first one
+  ExpectRefused(Hostile(JpegWith(kOversizedTable, scan)), why);  // between scans
+  Bytes padded = {0, 0};
+  padded.insert(padded.end(), kOversizedTable.begin(), kOversizedTable.end());
+  ExpectRefused(Hostile(JpegWith(padded, 20)), why);  // behind bytes that belong to no segment
+}
+
+// What programs keep in a JPEG can look like anything.
+TEST_F(HostileFileTest, TablesInACommentAreNone) {
+  Bytes comment = {0xFF, 0xFE, 0x00, static_cast<unsigned char>(2 + kOversizedTable.size())};
+  comment.insert(comment.end(), kOversizedTable.begin(), kOversizedTable.end());
+  const Ended ended = Lmx({"GetAverageRGB", Hostile(JpegWith(comment, 20))});
+  EXPECT_EQ(ended.status, 0) << ended.error;
+}
+
 TEST_F(HostileFileTest, DamageAnywhereNeverCrashes) {
   const Bytes sources[] = {Png(OpaqueImage(19, 11)), Jpeg(OpaqueImage(19, 11))};
   std::mt19937 random(7);
