@@ -40,7 +40,7 @@ quietly() {
 build() {
   local preset=$1 folder=build/$1 werror=ON
   shift
-  case $preset in sanitize* | coverage) werror=OFF ;; esac
+  case $preset in sanitize* | fuzz* | coverage) werror=OFF ;; esac
   mkdir -p "$folder"
   quietly "$folder/configure.log" cmake --preset "$preset" -DLMX_WERROR=$werror &&
     quietly "$folder/build.log" cmake --build "$folder" --parallel "$jobs" ${1:+--target "$@"}

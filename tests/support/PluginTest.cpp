@@ -21,8 +21,6 @@ using host::Value;
 
 namespace {
 
-// More than any test needs; beyond it the host of the tests has no memory.
-constexpr std::int64_t kMostPixels = 1 << 17;
 // Pixels that are compared at the yields of one call.
 constexpr std::size_t kMostLookedAt = 100000;
 // A process has room for a limited number of separate pieces of memory.
@@ -35,7 +33,7 @@ bool WorksInPlace(const std::string& name) {
 
 NewPicture Planned(const Setting& setting, std::size_t number, int width, int height) {
   NewPicture plan = number <= setting.newPictures.size() ? setting.newPictures[number - 1] : NewPicture{};
-  if (std::int64_t{width} * height > kMostPixels && plan.fault == Fault::None) {
+  if (std::int64_t{width} * height > setting.mostPixels && plan.fault == Fault::None) {
     plan.fault = Fault::NoPixels;
     plan.variant = 0;
   }
@@ -110,6 +108,18 @@ void CheckMeans(const Outcome& expected, const std::vector<Value>& before, const
 }
 
 }  // namespace
+
+MakePicture NewValues(const Setting& setting) {
+  return [&setting](std::size_t number, int width, int height) {
+    return MakeValue(Planned(setting, number, width, height), width, height);
+  };
+}
+
+std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Setting& setting) {
+  return [&setting](int ordinal, host::PictureShape& shape) {
+    MakeShape(Planned(setting, static_cast<std::size_t>(ordinal), shape.width, shape.height), shape);
+  };
+}
 
 std::string LibraryPath() {
   const char* other = std::getenv("LMX_LIBRARY");
@@ -213,13 +223,8 @@ class PluginTest::Watch {
 };
 
 void PluginTest::CheckCall(const MethodCall& call, const Setting& setting) {
-  const MakePicture make = [&](std::size_t number, int width, int height) {
-    return MakeValue(Planned(setting, number, width, height), width, height);
-  };
-  host_.newPictures.change = [&](int number, host::PictureShape& shape) {
-    MakeShape(Planned(setting, static_cast<std::size_t>(number), shape.width, shape.height), shape);
-  };
-  const Outcome expected = call.define(setting.source ? &*setting.source : nullptr, make);
+  host_.newPictures.change = NewShapes(setting);
+  const Outcome expected = call.define(setting.source ? &*setting.source : nullptr, NewValues(setting));
 
   Picture source;
   if (setting.source) source = ToHost(*setting.source, setting.layout, setting.variant);

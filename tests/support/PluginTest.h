@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -37,7 +38,12 @@ struct Setting {
   host::Layout layout = {};                         ///< of the source
   unsigned variant = 0;                             ///< of the source's fault
   std::vector<NewPicture> newPictures;              ///< in order; more are like the default
+  std::int64_t mostPixels = 1 << 17;                ///< for a larger new picture the host has no memory
 };
+
+/// What the host makes in that setting, which must outlive them: as values, and as the host is told (host::NewPictures).
+definition::MakePicture NewValues(const Setting& setting);
+std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Setting& setting);
 
 /// A method with arguments, for the plug-in and for the definition.
 struct MethodCall {

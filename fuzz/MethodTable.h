@@ -1,0 +1,29 @@
+// The sixteen methods as the fuzzer calls them: what they take, and their definitions.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "support/Definition.h"
+#include "support/PluginTest.h"
+
+namespace fuzz {
+
+struct Method {
+  const char* name;
+  bool hasSource;
+  /// One letter for each argument behind the source: integer, double, boolean, colour; I and D are ByRef.
+  const char* types;
+  /// Which of its new pictures is returned, counted from 1; 0: none.
+  std::size_t result;
+  /// Nil for the two methods that tell the last error, which take no picture and make none.
+  definition::Outcome (*define)(const definition::StoredPicture* source, const std::vector<host::Value>& arguments,
+                                const definition::MakePicture& make);
+
+  bool InPlace() const;
+};
+
+/// In the order in which the plug-in registers them.
+const std::vector<Method>& Methods();
+
+}  // namespace fuzz

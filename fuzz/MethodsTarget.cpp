@@ -1,0 +1,58 @@
+// The methods: a call with any arguments on any picture, in a host that works or does not. A call that the definition
+// covers is compared with it to the last pixel and yield.
+
+#include "FaultyCall.h"
+#include "Finding.h"
+#include "host/Host.h"
+#include "support/PluginTest.h"
+
+namespace fuzz {
+namespace {
+
+class CleanCall : public support::PluginTest {
+ public:
+  void Check(const MethodInput& input) {
+    const Method& method = MethodOf(input);
+    const std::vector<host::Value> arguments = Arguments(input);
+    const support::Setting setting = SettingOf(input);
+    CheckCall({method.name, method.hasSource, arguments,
+               [&](const definition::StoredPicture* source, const definition::MakePicture& make) {
+                 return method.define(source, arguments, make);
+               }},
+              setting);
+  }
+
+ private:
+  void TestBody() override {}
+};
+
+void CheckTable() {
+  host::Host host;
+  host.Load(support::LibraryPath());
+  bool same = host.Methods().size() == Methods().size();
+  for (std::size_t i = 0; same && i < Methods().size(); ++i) same = host.Methods()[i].name == Methods()[i].name;
+  if (!same) Report("the plug-in has other methods than the fuzzer's table");
+}
+
+}  // namespace
+}  // namespace fuzz
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  host::Host::KeepLoaded(support::LibraryPath());
+  fuzz::ReportFailedAssertions();
+  fuzz::CheckTable();
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  const fuzz::MethodInput input = fuzz::Decode(bytes, size);
+  if (fuzz::ConcernsLoading(input)) {
+    fuzz::CheckLoad(input);
+  } else if (fuzz::KindOf(input.fault) == fuzz::FaultKind::None && !fuzz::HasDefects(input) &&
+             fuzz::MethodOf(input).define != nullptr) {
+    fuzz::CleanCall().Check(input);
+  } else {
+    fuzz::CheckFaultyCall(input);
+  }
+  return 0;
+}

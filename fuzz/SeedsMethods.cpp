@@ -1,0 +1,189 @@
+// Seeds of the methods: every method in its usual form, at the edges of its arguments, on every kind of picture, and
+// with every fault of the host.
+
+#include <cfloat>
+#include <climits>
+#include <cstring>
+#include <limits>
+
+#include "MethodInput.h"
+#include "Seeds.h"
+
+namespace fuzz {
+namespace {
+
+constexpr std::uint8_t kRaw = 4;        // of an integer: its 32 bits
+constexpr std::uint8_t kRawDouble = 3;  // its 64 bits
+constexpr std::uint8_t kWrong = 240;    // see MethodInput.h
+
+ArgumentInput Integer(std::int32_t value) {
+  return {kRaw, static_cast<std::uint32_t>(value)};
+}
+
+ArgumentInput Double(double value) {
+  ArgumentInput argument = {kRawDouble, 0};
+  std::memcpy(&argument.bits, &value, sizeof value);
+  return argument;
+}
+
+// What a method's arguments mean, for values that lead somewhere.
+double UsualDouble(const Method& method, std::size_t index) {
+  if (std::strstr(method.name, "Shear_") != nullptr || std::strstr(method.name, "LMX_Shear") != nullptr) return 0.3;
+  return std::strstr(method.name, "Rotate") != nullptr ? 30.0 : 40.0 - 19.5 * static_cast<double>(index % 3);
+}
+
+std::int32_t UsualInteger(const Method& method, std::size_t index) {
+  if (std::strstr(method.name, "FlipRotate") != nullptr && index == 2) return 90;
+  if (index + 1 == std::strlen(method.types)) return 1;  // yields after every line
+  static constexpr std::int32_t kUsual[] = {1, 2, 5, 4, 10, -20, 30};
+  return kUsual[index % std::size(kUsual)];
+}
+
+MethodInput Usual(std::size_t index) {
+  MethodInput input;
+  input.method = static_cast<std::uint8_t>(index);
+  input.source.width = 9;
+  input.source.height = 7;
+  const Method& method = MethodOf(input);
+  for (std::size_t i = 0; method.types[i] != '\0'; ++i) {
+    const char type = method.types[i];
+    if (type == 'i') input.arguments.push_back(Integer(UsualInteger(method, i)));
+    if (type == 'd') input.arguments.push_back(Double(UsualDouble(method, i)));
+    if (type == 'c') input.arguments.push_back({0, 0x40C08020u * (i + 1) & 0xFFFFFFFF});
+    if (std::strchr("bID", type) != nullptr) input.arguments.push_back({1, 0});
+  }
+  // Opaque, translucent, clear, and colours above their alpha; read as either form.
+  input.words = {0xFF102030, 0x80706050, 0x00010203, 0x10FFFFFF, 0x7F336699, 0xFFFFFFFF, 0x40804020, 0xC8FF00FF};
+  return input;
+}
+
+class Collection {
+ public:
+  void Add(const MethodInput& input) { seeds_.push_back(Encode(input)); }
+
+  void AddEdgesOfArguments(const MethodInput& usual) {
+    static constexpr double kDoubles[] = {0.0,
+                                          -0.0,
+                                          1.0,
+                                          -1.0,
+                                          0.5,
+                                          45.0,
+                                          90.0,
+                                          180.0,
+                                          359.99999999999994,
+                                          360.0,
+                                          -360.0,
+                                          999.9999,
+                                          1000.0,
+                                          DBL_MAX,
+                                          DBL_MIN,
+                                          DBL_EPSILON,
+                                          -1e-300,
+                                          std::numeric_limits<double>::denorm_min(),
+                                          std::numeric_limits<double>::infinity(),
+                                          -std::numeric_limits<double>::infinity(),
+                                          std::numeric_limits<double>::quiet_NaN()};
+    static constexpr std::int32_t kIntegers[] = {0,   -1,  1,   INT_MIN, INT_MAX, 255,   -255,  256,  -89,
+                                                 -90, 180, 270, 359,     360,     32768, 65535, 65536};
+    const char* types = MethodOf(usual).types;
+    for (std::size_t i = 0; i < usual.arguments.size(); ++i) {
+      MethodInput input = usual;
+      for (const std::int32_t value : kIntegers) {
+        if (types[i] == 'i') input.arguments[i] = Integer(value), Add(input);
+      }
+      for (const double value : kDoubles) {
+        if (types[i] == 'd') input.arguments[i] = Double(value), Add(input);
+      }
+      input.arguments[i].kind = 7;
+      if (std::strchr("bID", types[i]) != nullptr) Add(input);
+    }
+  }
+
+  void AddPictures(const MethodInput& usual) {
+    for (std::uint8_t form = 0; form < 4; ++form) {
+      for (std::uint8_t layout = 0; layout < 8; ++layout) {
+        MethodInput input = usual;
+        input.sourcePicture.form = form & 1;
+        input.sourcePicture.layout = layout;
+        input.sourcePicture.padding = 13;
+        for (PictureInput& picture : input.newPictures) {
+          picture = input.sourcePicture;
+          picture.form = form >> 1;
+        }
+        Add(input);
+        input.source.flaw = kWrong;
+        input.source.missing = static_cast<std::uint16_t>(1 << layout | 1 << 2 * layout);
+        Add(input);
+      }
+    }
+    for (const auto& [width, height] : {std::pair(0, 5), std::pair(5, 0), std::pair(1, 1), std::pair(1, 40),
+                                        std::pair(40, 1), std::pair(40, 40), std::pair(255, 3), std::pair(3, 255)}) {
+      MethodInput input = usual;
+      input.source.width = static_cast<std::uint8_t>(width);
+      input.source.height = static_cast<std::uint8_t>(height);
+      input.source.length = 1025;
+      input.source.content = 3;
+      Add(input);
+    }
+    MethodInput nil = usual;
+    nil.source.flaw = 255;
+    Add(nil);
+  }
+
+  void AddWrongPictures(const MethodInput& usual) {
+    for (int wrong = kWrong; wrong < 256; ++wrong) {
+      for (std::size_t which = 0; which <= MethodInput::kNewPictures; ++which) {
+        for (const int form : {0, 1}) {
+          MethodInput input = usual;
+          PictureInput& picture = which == 0 ? input.sourcePicture : input.newPictures[which - 1];
+          picture.form = static_cast<std::uint8_t>(form);
+          picture.fault = static_cast<std::uint8_t>(wrong);
+          Add(input);
+          picture.fault = 0;
+          picture.defect = static_cast<std::uint8_t>(wrong);
+          picture.amount = 3;
+          Add(input);
+        }
+      }
+    }
+  }
+
+  void AddFaults(const MethodInput& usual) {
+    for (std::uint8_t kind = kWrong; kind < kWrong + 4; ++kind) {
+      for (std::uint8_t service = 0; service < host::kServiceCount; ++service) {
+        for (const int at : {0, 1, 2, 3, 7}) {
+          MethodInput input = usual;
+          input.fault = {kind, service, static_cast<std::uint8_t>(at)};
+          Add(input);
+        }
+      }
+    }
+    for (const int version : {255, 254, 253, 252}) {
+      MethodInput input = usual;
+      input.version = static_cast<std::uint8_t>(version);
+      Add(input);
+    }
+  }
+
+  std::vector<Bytes> Take() { return std::move(seeds_); }
+
+ private:
+  std::vector<Bytes> seeds_;
+};
+
+}  // namespace
+
+std::vector<Bytes> MethodSeeds() {
+  Collection seeds;
+  for (std::size_t i = 0; i < Methods().size(); ++i) {
+    const MethodInput usual = Usual(i);
+    seeds.Add(usual);
+    seeds.AddEdgesOfArguments(usual);
+    seeds.AddPictures(usual);
+    seeds.AddWrongPictures(usual);
+    seeds.AddFaults(usual);
+  }
+  return seeds.Take();
+}
+
+}  // namespace fuzz
