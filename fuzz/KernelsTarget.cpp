@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <string>
 
 #include "Archive.h"
@@ -84,7 +85,8 @@ class Trial {
   void RunOnce(const std::string& level, const RunKernels& kernels, std::uint8_t pattern) const {
     constexpr std::size_t kLargest = 4 * kLanes * (kLongest + 40);
     static GuardedRun output(kLargest);
-    static GuardedRun inputs[kMostInputs] = {GuardedRun(kLargest), GuardedRun(kLargest), GuardedRun(kLargest)};
+    static std::deque<GuardedRun> inputs;
+    while (inputs.size() < kMostInputs) inputs.emplace_back(kLargest);
     ::KernelCall call = {arguments_, nullptr, {}};
     for (std::size_t i = 0; i < kernel_.inputs.size(); ++i) {
       if (inPlace_ == i + 1) continue;

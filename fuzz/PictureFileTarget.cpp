@@ -10,7 +10,7 @@
 
 #include "Finding.h"
 #include "tool/Errors.h"
-#include "tool/JpegTables.h"
+#include "tool/Malformed.h"
 #include "tool/PictureFile.h"
 #include "tool/Stb.h"
 

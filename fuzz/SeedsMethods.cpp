@@ -12,9 +12,11 @@
 namespace fuzz {
 namespace {
 
-constexpr std::uint8_t kRaw = 4;        // of an integer: its 32 bits
-constexpr std::uint8_t kRawDouble = 3;  // its 64 bits
-constexpr std::uint8_t kWrong = 240;    // see MethodInput.h
+constexpr std::uint8_t kNearWidth = 1;   // of an integer: the source's width and a little
+constexpr std::uint8_t kNearHeight = 2;  // the same for its height
+constexpr std::uint8_t kRaw = 4;         // its 32 bits
+constexpr std::uint8_t kRawDouble = 3;   // of a double: its 64 bits
+constexpr std::uint8_t kWrong = 240;     // see MethodInput.h
 
 ArgumentInput Integer(std::int32_t value) {
   return {kRaw, static_cast<std::uint32_t>(value)};
@@ -130,9 +132,20 @@ class Collection {
     Add(nil);
   }
 
+  // Around a line of the source, and two of them.
+  void AddPaces(const MethodInput& usual) {
+    for (int pixels = -1; pixels <= 1; ++pixels) {
+      for (const std::uint8_t size : {kNearWidth, kNearHeight}) {
+        MethodInput input = usual;
+        if (!input.arguments.empty()) input.arguments.back() = {size, static_cast<std::uint8_t>(pixels)};
+        Add(input);
+      }
+    }
+  }
+
   void AddWrongPictures(const MethodInput& usual) {
-    for (int wrong = kWrong; wrong < 256; ++wrong) {
-      for (std::size_t which = 0; which <= MethodInput::kNewPictures; ++which) {
+    for (int wrong = kWrong; wrong < kWrong + 12; ++wrong) {
+      for (std::size_t which = 0; which <= MethodOf(usual).result; ++which) {
         for (const int form : {0, 1}) {
           MethodInput input = usual;
           PictureInput& picture = which == 0 ? input.sourcePicture : input.newPictures[which - 1];
@@ -148,13 +161,16 @@ class Collection {
     }
   }
 
+  // Each service at its first calls; the kinds of faults differ in their last two bits.
   void AddFaults(const MethodInput& usual) {
     for (std::uint8_t kind = kWrong; kind < kWrong + 4; ++kind) {
       for (std::uint8_t service = 0; service < host::kServiceCount; ++service) {
-        for (const int at : {0, 1, 2, 3, 7}) {
+        for (std::uint8_t at = 0; at < 4; ++at) {
           MethodInput input = usual;
-          input.fault = {kind, service, static_cast<std::uint8_t>(at)};
-          Add(input);
+          input.fault = {kind, service, at};
+          const bool once = KindOf(input.fault) == FaultKind::Withhold || ConcernsStart(input.fault);
+          const bool byService = KindOf(input.fault) != FaultKind::ConstructorThrows;
+          if ((at == 0 || !once) && (service == 0 || byService)) Add(input);
         }
       }
     }
@@ -168,6 +184,8 @@ class Collection {
   std::vector<Bytes> Take() { return std::move(seeds_); }
 
  private:
+  static bool ConcernsStart(const FaultInput& fault) { return ServiceOf(fault) <= host::Service::GetClassRef; }
+
   std::vector<Bytes> seeds_;
 };
 
@@ -180,6 +198,7 @@ std::vector<Bytes> MethodSeeds() {
     seeds.Add(usual);
     seeds.AddEdgesOfArguments(usual);
     seeds.AddPictures(usual);
+    seeds.AddPaces(usual);
     seeds.AddWrongPictures(usual);
     seeds.AddFaults(usual);
   }

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "Errors.h"
-#include "JpegTables.h"
+#include "Malformed.h"
 #include "Stb.h"
 
 namespace tool {
@@ -102,6 +102,7 @@ Size ClaimedSize(const std::string& path, const Bytes& bytes) {
   constexpr std::size_t kPngWidth = 16, kPngHeight = 20, kPngSizeEnd = 24;
   if (StartsWith(bytes, {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'})) {
     if (bytes.size() < kPngSizeEnd) Fail(path, "is damaged: it ends in its header");
+    if (!ChunksFit(bytes)) Fail(path, "is damaged: it ends too early");
     return {BigEndian(bytes.data() + kPngWidth), BigEndian(bytes.data() + kPngHeight)};
   }
   int width = 0, height = 0, channels = 0;

@@ -87,6 +87,37 @@ TEST_F(HostileFileTest, PngWithDamagedPixels) {
   ExpectRefused(Hostile(bytes), "damaged");
 }
 
+// Where addresses have 32 bits, the end of such a chunk would lie before its start.
+TEST_F(HostileFileTest, PngWithAChunkThatIsLongerThanTheFile) {
+  constexpr std::ptrdiff_t kBehindHeader = 33;
+  for (const int high : {0x00, 0x60, 0x7F, 0xFF}) {
+    for (const char* type : {"tEXt", "IDAT", "CgBI"}) {
+      Bytes bytes = Png(SmallImage());
+      Bytes chunk = {static_cast<unsigned char>(high), 0xFF, 0xFF, 0xF0};
+      chunk.insert(chunk.end(), type, type + 4);
+      bytes.insert(bytes.begin() + kBehindHeader, chunk.begin(), chunk.end());
+      ExpectRefused(Hostile(bytes), "ends too early");
+    }
+  }
+}
+
+TEST_F(HostileFileTest, PngThatEndsWithinTheHeadOfAChunk) {
+  Bytes bytes = Png(SmallImage());
+  bytes.resize(bytes.size() - 12);  // without the chunk that ends it
+  for (const unsigned char byte : Text("\x4E\x44\xAE\x42tEX")) {
+    bytes.push_back(byte);
+    ExpectRefused(Hostile(bytes), "ends too early");
+  }
+}
+
+TEST_F(HostileFileTest, PngWithBytesBehindItsEnd) {
+  for (const std::size_t count : {std::size_t{1}, std::size_t{8}, std::size_t{12}, std::size_t{100}}) {
+    Bytes bytes = Png(SmallImage());
+    bytes.resize(bytes.size() + count, 0xFF);
+    EXPECT_EQ(Lmx({"GetAverageRGB", Hostile(bytes)}).status, 0) << count;
+  }
+}
+
 TEST_F(HostileFileTest, ClaimsOfHugeSizes) {
   ExpectRefused(Hostile(Claiming(100000, 100000)), "too large: 100000 x 100000");
   ExpectRefused(Hostile(Claiming(8193, 8192)), "too large");

@@ -1,18 +1,24 @@
-#include "JpegTables.h"
+#include "Malformed.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 
 namespace tool {
 namespace {
 
+// PNG: a chunk has a length and a type, in four bytes each, its data, and a checksum.
+constexpr std::size_t kSignature = 8, kChunkHead = 8, kChecksum = 4;
+
+// JPEG: markers, and what a table is made of.
 constexpr unsigned kFill = 0xFF, kStartOfScan = 0xDA, kHuffmanTables = 0xC4, kComment = 0xFE, kStandalone = 0xD0;
 constexpr std::size_t kStartOfImage = 2;  // bytes
 constexpr unsigned kMostCodes = 256;
 constexpr int kLengths = 16;  // of codes, in bits from 1 on
 
-class Scanner {
+class JpegScanner {
  public:
-  explicit Scanner(const std::vector<unsigned char>& bytes) : bytes_(bytes) {}
+  explicit JpegScanner(const std::vector<unsigned char>& bytes) : bytes_(bytes) {}
 
   // While one segment follows the other, what programs have put into theirs is skipped: it can look like anything.
   // Where that ends, with the first scan or because the file is no longer what it should be, a decoder may find tables
@@ -56,8 +62,23 @@ class Scanner {
 
 }  // namespace
 
-bool HuffmanTablesFit(const std::vector<unsigned char>& bytes) {
-  return Scanner(bytes).AllFit();
+bool ChunksFit(const std::vector<unsigned char>& png) {
+  static constexpr unsigned char kEnd[] = {'I', 'E', 'N', 'D'};
+  std::size_t at = kSignature;
+  while (at + kChunkHead <= png.size()) {
+    const auto type = png.begin() + static_cast<std::ptrdiff_t>(at + 4);
+    if (std::equal(std::begin(kEnd), std::end(kEnd), type)) return true;  // whatever follows is not read
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < 4; ++i) length = length << 8 | png[at + i];
+    at += kChunkHead;
+    if (length > png.size() - at) return false;
+    at += length + kChecksum;
+  }
+  return false;
+}
+
+bool HuffmanTablesFit(const std::vector<unsigned char>& jpeg) {
+  return JpegScanner(jpeg).AllFit();
 }
 
 }  // namespace tool

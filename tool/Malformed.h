@@ -1,0 +1,15 @@
+// What is looked for in a picture file before it is given to the decoder that is built in: claims that this one believes,
+// and that would make it read or write outside its memory.
+#pragma once
+
+#include <vector>
+
+namespace tool {
+
+/// Whether all chunks of a PNG lie within the file, up to the one that ends it.
+bool ChunksFit(const std::vector<unsigned char>& png);
+
+/// Whether every Huffman table that a decoder may meet in a JPEG has at most 256 codes.
+bool HuffmanTablesFit(const std::vector<unsigned char>& jpeg);
+
+}  // namespace tool
