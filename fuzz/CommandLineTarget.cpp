@@ -1,6 +1,7 @@
 // Texts as users and plug-ins write them. The first byte says what the text is: a command line, one word a line, which
 // is carried out on a small picture if it means something; the value of an argument; or a declaration.
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <sstream>
@@ -87,6 +88,8 @@ void CheckValue(host::Type type, const std::string& text) {
   }
   tool::ReadableText(value);
   const std::string json = tool::JsonText(value);
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
+  if (std::any_of(json.begin(), json.end(), isControl)) Report("a control character in JSON");
   if (type == host::Type::String) return;
   if (!Same(tool::ParseValue(type, tool::ProgramText(value)), value)) Report("a value is not what a program has");
   const bool hasJson = type == host::Type::Integer || (type == host::Type::Double && json != "null");

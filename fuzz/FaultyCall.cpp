@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "Expectation.h"
 #include "Finding.h"
@@ -45,7 +44,7 @@ bool Same(const Value& a, const Value& b) {
   if (!a.Is<double>() || !b.Is<double>()) return a == b;
   const double x = a.AsDouble();
   const double y = b.AsDouble();
-  return std::memcmp(&x, &y, sizeof x) == 0 || (std::isnan(x) && std::isnan(y));
+  return (x == y && std::signbit(x) == std::signbit(y)) || (std::isnan(x) && std::isnan(y));
 }
 
 void Require(bool holds, const char* what) {

@@ -248,7 +248,7 @@ bool HasDefects(const MethodInput& input) {
 void Spoil(const PictureInput& input, host::PictureShape& shape) {
   static constexpr int kDepths[] = {1, 8, 16, 24, 31, 33, 64, 128};
   const bool context = shape.storage == host::Storage::BitmapContext;
-  const int amount = input.amount;
+  const auto amount = static_cast<int>(input.amount);
   switch (WrongKind(input.defect)) {
     case 1:
       shape.width = std::max(shape.width + amount, 0);
@@ -278,7 +278,11 @@ void Spoil(const PictureInput& input, host::PictureShape& shape) {
       if (!context && shape.height > 0) shape.defects.nilRows = {(amount & 127) % shape.height};
       break;
     case 10:
-      shape.defects.pictureType = static_cast<std::uint32_t>(amount);
+      // One form that claims to be the other would be a lie that nobody can notice.
+      if (const auto type = static_cast<std::uint32_t>(amount);
+          type != kPictureTypeBitmapContext && type != kPictureTypeBuffer) {
+        shape.defects.pictureType = type;
+      }
       break;
     case 11:
       (context ? shape.defects.nilPixels : shape.defects.nilData) = true;
