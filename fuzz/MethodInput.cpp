@@ -248,7 +248,7 @@ bool HasDefects(const MethodInput& input) {
 void Spoil(const PictureInput& input, host::PictureShape& shape) {
   static constexpr int kDepths[] = {1, 8, 16, 24, 31, 33, 64, 128};
   const bool context = shape.storage == host::Storage::BitmapContext;
-  const auto amount = static_cast<int>(input.amount);
+  const int amount = (input.amount ^ 0x80) - 0x80;
   switch (WrongKind(input.defect)) {
     case 1:
       shape.width = std::max(shape.width + amount, 0);

@@ -19,7 +19,7 @@ struct PictureInput {
   std::uint8_t padding = 0;  ///< bytes
   std::uint8_t fault = 0;    ///< see FaultOf
   std::uint8_t defect = 0;   ///< see Spoil
-  std::int8_t amount = 0;    ///< of the defect
+  std::uint8_t amount = 0;   ///< of the defect, as a signed byte
 };
 
 struct SourceInput {

@@ -93,6 +93,8 @@ std::vector<Bytes> CommandLineSeeds() {
         "d-0.5e-3",
         "dnan",
         "d1e308",
+        "d0.30000000000000004",
+        "d-359.99999999999994",
         "d4.9e-324",
         "byes",
         "bFALSE",
