@@ -30,7 +30,7 @@ class Trial {
       : input_(input), kernel_(KernelCases()[input.kernel % KernelCases().size()]) {
     Random random(rest.Bytes(), rest.Left());
     const std::size_t n = input.n == KernelInput::kLongRun ? input.length % (kLongest + 1) : input.n;
-    arguments_ = MakeArguments(std::min(n, kernel_.mostPixels), random);
+    arguments_ = MakeArguments(n, random);
     for (std::size_t i = 0; i < kernel_.inputs.size(); ++i) {
       inputs_[i] = Contents(kernel_.inputs[i].operand, random);
       shifts_[i] = random.Below(16);
@@ -83,7 +83,7 @@ class Trial {
   }
 
   void RunOnce(const std::string& level, const RunKernels& kernels, std::uint8_t pattern) const {
-    constexpr std::size_t kLargest = 4 * kLanes * (kLongest + 40);
+    constexpr std::size_t kLargest = 4 * (kMostColumns + kMostGap) * (kLongest + kMostGap);
     static GuardedRun output(kLargest);
     static std::deque<GuardedRun> inputs;
     while (inputs.size() < kMostInputs) inputs.emplace_back(kLargest);
