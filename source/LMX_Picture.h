@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "HostCalls.h"
-#include "kernels/LMX_Pixel.h"
+#include "kernels/RunKernels.h"
 
 /// The host's `picture` class, of which new pictures are made. Stored at start-up; nil when the host does not know it.
 extern REALclassRefStruct* gPictureClassRef;
@@ -50,6 +50,7 @@ class LMX_Picture {
   /// a host may throw here would leave the other wrappers of the call unreleased.
   void Release() noexcept {
     if (!picture) return;
+    FinishStreaming();
     ForgetPixels();
     REALpictureStruct* const released = picture;
     picture = nullptr;

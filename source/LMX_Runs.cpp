@@ -78,6 +78,11 @@ bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, st
   return true;
 }
 
+// What is changed in place is in the cache already.
+const RunKernels& KernelsBetween(const PixelPosition& from, const PixelPosition& to) {
+  return &from.picture == &to.picture ? gRunKernels : KernelsFor(to.picture);
+}
+
 // Calls kernel(to, from, n, i) for a run that both pictures hold. Where they do not, the run goes in pieces through a
 // buffer, in which what is missing is clear; `i` is the first pixel of the piece.
 template <class Kernel>
@@ -116,7 +121,7 @@ void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::in
   const Clipped part = Clip(picture, x, y, n);
   std::uint8_t stored[4];
   gRunKernels.copy[kWorkingForm][FormOf(picture)](stored, Bytes(&working), 1);
-  gRunKernels.fill(part.address, stored, Size(part.count));
+  KernelsFor(picture).fill(part.address, stored, Size(part.count));
 }
 
 void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
@@ -164,7 +169,7 @@ void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t coun
 }
 
 void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const auto copy = gRunKernels.copy[FormOf(from.picture)][FormOf(to.picture)];
+  const auto copy = KernelsBetween(from, to).copy[FormOf(from.picture)][FormOf(to.picture)];
   Transform(to, from, n, [copy](auto* out, auto* in, std::size_t count, std::int32_t) { copy(out, in, count); });
 }
 
@@ -172,7 +177,8 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
   const Clipped source = Clip(from.picture, from.x, from.y, n);
   const Clipped target = Clip(to.picture, to.x, to.y, n);
   if (source.count == n && target.count == n) {
-    gRunKernels.copyMirrored[FormOf(from.picture)][FormOf(to.picture)](target.address, source.address, Size(n));
+    KernelsBetween(from, to).copyMirrored[FormOf(from.picture)][FormOf(to.picture)](target.address, source.address,
+                                                                                    Size(n));
     return;
   }
   std::uint32_t working[kChunk];
@@ -185,23 +191,23 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
 }
 
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by) {
-  const auto adjust = gRunKernels.adjustHSV[FormOf(from.picture)][FormOf(to.picture)];
+  const auto adjust = KernelsBetween(from, to).adjustHSV[FormOf(from.picture)][FormOf(to.picture)];
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
 }
 
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by) {
-  const auto adjust = gRunKernels.adjustRGB[FormOf(from.picture)][FormOf(to.picture)];
+  const auto adjust = KernelsBetween(from, to).adjustRGB[FormOf(from.picture)][FormOf(to.picture)];
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
 }
 
 void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const auto negate = gRunKernels.negative[FormOf(from.picture)][FormOf(to.picture)];
+  const auto negate = KernelsBetween(from, to).negative[FormOf(from.picture)][FormOf(to.picture)];
   Transform(to, from, n, [negate](auto* out, auto* in, std::size_t count, std::int32_t) { negate(out, in, count); });
 }
 
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction) {
-  const auto blend = gRunKernels.blend[FormOf(from.picture)][FormOf(to.picture)];
+  const auto blend = KernelsBetween(from, to).blend[FormOf(from.picture)][FormOf(to.picture)];
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t i) {
     if (i > 0) ReadRun(from.picture, from.x + i - 1, from.y, 1, &before);
     blend(out, in, before, fraction, count);
@@ -209,7 +215,7 @@ void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n
 }
 
 void HalveRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const auto halve = gRunKernels.halve[FormOf(from.picture)][FormOf(to.picture)];
+  const auto halve = KernelsBetween(from, to).halve[FormOf(from.picture)][FormOf(to.picture)];
   std::uint32_t in[2 * kChunk], out[kChunk];
   for (std::int32_t i = 0; i < n; i += kChunk) {
     const std::int32_t part = std::min(kChunk, n - i);

@@ -43,7 +43,7 @@ constexpr std::int32_t kTileRows = 64;
 // neighbours follow in steps of `rowStep`, 1 or -1.
 void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
                  std::int32_t rowStep, std::int32_t lines, Order rows) {
-  const auto transpose = gRunKernels.transpose[FormOf(source)][FormOf(result)];
+  const auto transpose = KernelsFor(result).transpose[FormOf(source)][FormOf(result)];
   std::uint32_t spareFrom[kTileRows * kTileColumns], spareTo[kTileColumns * kTileRows];
   const std::uint8_t* from[kTileRows];
   std::uint8_t* to[kTileColumns];

@@ -242,8 +242,8 @@ void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Pic
       ShearPiece(source, runs, result, i, lines[i], y, n, frame, pieces[i]);
     }
     RoomForRuns(walk, x, columns, n, spare, to);
-    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(columns),
-                                                      static_cast<std::size_t>(n));
+    KernelsFor(result).transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(columns),
+                                                             static_cast<std::size_t>(n));
     PutRuns(walk, x, columns, n, spare, to);
   }
   fillRows(bottom, result.height);

@@ -84,6 +84,8 @@ class ColumnWriter {
   ColumnWriter(const LMX_Picture& picture, std::int32_t x, std::int32_t lines)
       : picture_(picture), x_(x), lines_(lines), walk_(picture, 0) {}
 
+  // What makes groups.
+  const RunKernels& Kernels() const { return KernelsFor(picture_); }
   // Where the next group goes, until it is done.
   std::uint8_t* Group() {
     RoomForRuns(walk_, x_, lines_, 1, spare_, &group_);
@@ -152,6 +154,7 @@ class RowWriter {
  public:
   RowWriter(const LMX_Picture& picture, std::int32_t y, std::int32_t lines) : picture_(picture), y_(y), lines_(lines) {}
 
+  static const RunKernels& Kernels() { return gRunKernels; }
   std::uint8_t* Group() { return reinterpret_cast<std::uint8_t*>(tile_[inTile_]); }
   void Done() {
     if (++inTile_ == kTile) Finish();
@@ -163,8 +166,8 @@ class RowWriter {
     std::uint8_t* to[kRows];
     for (std::int32_t i = 0; i < inTile_; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(tile_[i]);
     RoomForRuns({picture_, x_, y_}, 1, inTile_, lines_, spare, to);
-    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(inTile_),
-                                                      static_cast<std::size_t>(lines_));
+    KernelsFor(picture_).transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(inTile_),
+                                                               static_cast<std::size_t>(lines_));
     PutRuns({picture_, x_, y_}, 1, inTile_, lines_, spare, to);
     x_ += inTile_;
     inTile_ = 0;
@@ -209,14 +212,14 @@ void StretchLines(Reader&& reader, Writer&& writer, PixelForm form, const Units&
   for (std::int32_t i = 0; i < length; ++i) {
     std::uint8_t* const to = writer.Group();
     if (remaining >= units.perDestination) {  // all from one pixel, which is its own average
-      gRunKernels.copy[reader.Form()][form](to, *reader.Window(1), lines);
+      writer.Kernels().copy[reader.Form()][form](to, *reader.Window(1), lines);
       remaining -= units.perDestination;
     } else {
       const std::uint32_t need = units.perDestination - remaining;
       const std::uint32_t count = 1 + (need + units.perSource - 1) / units.perSource;
       const BoxUnits taken = {remaining, units.perSource, need - (count - 2) * units.perSource};
       if (count <= kMostBoxRuns) {
-        gRunKernels.box[reader.Form()][form](to, reader.Window(count), count, &taken, lines);
+        writer.Kernels().box[reader.Form()][form](to, reader.Window(count), count, &taken, lines);
         reader.Advance(count - 1);
       } else {
         AverageGroups(reader, to, form, count, taken, lines);

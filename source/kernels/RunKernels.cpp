@@ -4,12 +4,19 @@
 #include "KernelLevel.h"
 
 RunKernels gRunKernels;
+RunKernels gStreamingKernels;
 
 void SelectRunKernels() {
   FillPlain(&gRunKernels);
+  FillPlain(&gStreamingKernels);
 #ifdef LMX_X86
+  const auto use = [](void (*fill)(RunKernels*), void (*stream)(RunKernels*)) {
+    fill(&gRunKernels);
+    fill(&gStreamingKernels);
+    stream(&gStreamingKernels);
+  };
   __builtin_cpu_init();
-  if (kHighestLevel >= KernelLevel::sse2) FillSse2(&gRunKernels);
-  if (kHighestLevel >= KernelLevel::avx2 && __builtin_cpu_supports("avx2")) FillAvx2(&gRunKernels);
+  if (kHighestLevel >= KernelLevel::sse2) use(FillSse2, StreamSse2);
+  if (kHighestLevel >= KernelLevel::avx2 && __builtin_cpu_supports("avx2")) use(FillAvx2, StreamAvx2);
 #endif
 }

@@ -83,15 +83,25 @@ struct RunKernels {
   void (*halve[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
 };
 
-/// The kernels in use.
+/// The kernels in use, and those that write past the cache, for pictures that are too large to stay there.
 extern RunKernels gRunKernels;
+extern RunKernels gStreamingKernels;
 
-/// Fills gRunKernels with the best level that this processor has. Called once, when the plug-in starts.
+/// Fills both with the best level that this processor has. Called once, when the plug-in starts.
 void SelectRunKernels();
 
-/// The levels, each on top of the one before.
+/// The levels, each on top of the one before; Stream puts what writes past the cache on top of its level.
 void FillPlain(RunKernels* kernels);
 #ifdef LMX_X86
 void FillSse2(RunKernels* kernels);
+void StreamSse2(RunKernels* kernels);
 void FillAvx2(RunKernels* kernels);
+void StreamAvx2(RunKernels* kernels);
 #endif
+
+/// Puts what was written past the cache before everything that follows, as other processors see it.
+LMX_EXPAND void FinishStreaming() {
+#ifdef LMX_X86
+  __builtin_ia32_sfence();
+#endif
+}

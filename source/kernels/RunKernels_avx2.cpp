@@ -7,3 +7,7 @@ void FillAvx2(RunKernels* kernels) {
   FillWide(kernels);
   kernels->level = "avx2";
 }
+
+void StreamAvx2(RunKernels* kernels) {
+  FillAllWrites<Streamed>(kernels);
+}

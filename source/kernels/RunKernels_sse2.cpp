@@ -7,3 +7,7 @@ void FillSse2(RunKernels* kernels) {
   FillWide(kernels);
   kernels->level = "sse2";
 }
+
+void StreamSse2(RunKernels* kernels) {
+  FillAllWrites<Streamed>(kernels);
+}

@@ -89,14 +89,16 @@ void BoxOne(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnit
 }
 
 // Calls wide(i, &out) for each whole register, and averages what it refuses, or leaves over, one by one.
-template <class From, class To, class Wide>
+template <class From, class To, class Stores, class Wide>
 LMX_EXPAND void BoxRegisters(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits& units, size_t n,
                              const Wide& wide) {
+  const size_t ahead = Stores::Ahead(to, n);
   size_t i = 0;
+  for (; i < ahead; ++i) BoxOne<From, To>(to, runs, count, units, i);
   for (; i + kWide <= n; i += kWide) {
     Reg out;
     if (wide(i, &out)) {
-      Vector::Store(to + 4 * i, out);
+      Stores::Store(to + 4 * i, out);
     } else {
       for (size_t j = i; j < i + kWide; ++j) BoxOne<From, To>(to, runs, count, units, j);
     }
@@ -104,12 +106,12 @@ LMX_EXPAND void BoxRegisters(uint8_t* to, const uint8_t* const* runs, size_t cou
   for (; i < n; ++i) BoxOne<From, To>(to, runs, count, units, i);
 }
 
-template <class From, class To, class Part>
+template <class From, class To, class Stores, class Part>
 void MixRuns(uint8_t* to, const uint8_t* const* runs, const BoxUnits& units, size_t n) {
   const Part part(units);
   const uint8_t* const first = runs[0];
   const uint8_t* const second = runs[1];
-  BoxRegisters<From, To>(to, runs, 2, units, n, [&](size_t i, Reg* out) LMX_EXPANDED {
+  BoxRegisters<From, To, Stores>(to, runs, 2, units, n, [&](size_t i, Reg* out) LMX_EXPANDED {
     return Mixing<From, To, Part>::Wide(first + 4 * i, second + 4 * i, part, out);
   });
 }
@@ -155,7 +157,7 @@ LMX_EXPAND bool SumRuns(const uint8_t* const* runs, size_t count, size_t i, Chan
   return true;
 }
 
-template <class From, class To>
+template <class From, class To, class Stores>
 void AverageRuns(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits& units, size_t n) {
   const Reg ends = Vector::Set32(units.last << 16 | units.first);
   const Reg whole = Vector::Set32(units.whole);
@@ -165,7 +167,7 @@ void AverageRuns(uint8_t* to, const uint8_t* const* runs, size_t count, const Bo
     const Reg high = Vector::Pack32(Vector::Right32<15>(a), Vector::Right32<15>(b));
     return DivideByUnits(high, Vector::Pack32(Vector::And(a, rest), Vector::And(b, rest)), missing);
   };
-  BoxRegisters<From, To>(to, runs, count, units, n, [&](size_t i, Reg* out) LMX_EXPANDED {
+  BoxRegisters<From, To, Stores>(to, runs, count, units, n, [&](size_t i, Reg* out) LMX_EXPANDED {
     Reg first, last;
     Channels between;
     if (!From::Read(Vector::Load(runs[0] + 4 * i), &first)) return false;
@@ -177,17 +179,17 @@ void AverageRuns(uint8_t* to, const uint8_t* const* runs, size_t count, const Bo
   });
 }
 
-template <class From, class To>
+template <class From, class To, class Stores>
 void Box(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits* units, size_t n) {
   const uint32_t all = units->Of(count);
   if (all < 32768 - kMostMissing) {
     for (size_t i = 0; i < n; ++i) BoxOne<From, To>(to, runs, count, *units, i);
   } else if (count > 2) {
-    AverageRuns<From, To>(to, runs, count, *units, n);
+    AverageRuns<From, To, Stores>(to, runs, count, *units, n);
   } else if (all == 32768) {
-    MixRuns<From, To, WholeMixPart>(to, runs, *units, n);
+    MixRuns<From, To, Stores, WholeMixPart>(to, runs, *units, n);
   } else {
-    MixRuns<From, To, MixPart>(to, runs, *units, n);
+    MixRuns<From, To, Stores, MixPart>(to, runs, *units, n);
   }
 }
 

@@ -147,7 +147,7 @@ class HSVChange {
 template <class From, class To>
 void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
   if (by->hueShift != INT32_MIN) {
-    Transform<From, To>(to, from, HSVChange(*by), n);
+    Transform<From, To, Cached>(to, from, HSVChange(*by), n);
     return;
   }
   for (size_t i = 0; i < n; ++i) To::WriteOne(to + 4 * i, LMX_Pixel::AdjustHSV(From::ReadOne(from + 4 * i), *by));
@@ -178,9 +178,9 @@ class RGBChange {
   Reg less_;
 };
 
-template <class From, class To>
+template <class From, class To, class Stores>
 void AdjustRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n) {
-  Transform<From, To>(to, from, RGBChange(*by), n);
+  Transform<From, To, Stores>(to, from, RGBChange(*by), n);
 }
 
 struct NegativeChange {
@@ -191,7 +191,7 @@ struct NegativeChange {
 
 template <class From, class To>
 void Negative(uint8_t* to, const uint8_t* from, size_t n) {
-  Transform<From, To>(to, from, NegativeChange(), n);
+  Transform<From, To, Cached>(to, from, NegativeChange(), n);
 }
 
 // -------------------------------------------------------------------------------------------------------------- sums

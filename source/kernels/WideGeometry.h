@@ -5,13 +5,15 @@
 
 namespace {
 
+template <class Stores>
 void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
-  uint32_t word;
-  memcpy(&word, pixel, 4);
+  const uint32_t word = LMX_Pixel::Load(pixel);
   const Reg words = Vector::Set32(word);
+  const size_t ahead = Stores::Ahead(stored, n);
   size_t i = 0;
-  for (; i + kWide <= n; i += kWide) Vector::Store(stored + 4 * i, words);
-  for (; i < n; ++i) memcpy(stored + 4 * i, &word, 4);
+  for (; i < ahead; ++i) LMX_Pixel::Store(stored + 4 * i, word);
+  for (; i + kWide <= n; i += kWide) Stores::Store(stored + 4 * i, words);
+  for (; i < n; ++i) LMX_Pixel::Store(stored + 4 * i, word);
 }
 
 // ------------------------------------------------------------------------------------------------------------ blends
@@ -83,9 +85,9 @@ struct Blending<ContextForm, ContextForm> {
   }
 };
 
-template <class From, class To>
+template <class From, class To, class Stores>
 void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
-  if (fraction == 0) return Convert<From, To>(to, from, n);
+  if (fraction == 0) return Convert<From, To, Stores>(to, from, n);
   if (n == 0) return;
   To::WriteOne(to, LMX_Pixel::Blend(From::ReadOne(from), before, fraction));
   const auto one = [&](size_t i) {
@@ -93,18 +95,23 @@ void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
     To::WriteOne(to + 4 * i, LMX_Pixel::Blend(pixel, From::ReadOne(from + 4 * (i - 1)), fraction));
   };
   const BlendPart part(fraction);
+  const size_t ahead = 1 + Stores::Ahead(to + 4, n - 1);
   size_t i = 1;
-  while (n - i >= kWide || (n > kWide && i < n)) {
-    if (n - i < kWide) i = n - kWide;  // the last register; some pixels once more
+  for (; i < ahead; ++i) one(i);
+  for (; i + kWide <= n; i += kWide) {
     Reg out;
     if (Blending<From, To>::Wide(from + 4 * i, part, &out)) {
-      Vector::Store(to + 4 * i, out);
+      Stores::Store(to + 4 * i, out);
     } else {
       for (size_t j = i; j < i + kWide; ++j) one(j);
     }
-    i += kWide;
   }
-  for (; i < n; ++i) one(i);
+  Reg out;
+  if (i < n && n > kWide && Blending<From, To>::Wide(from + 4 * (n - kWide), part, &out)) {
+    Vector::Store(to + 4 * (n - kWide), out);  // some pixels once more
+  } else {
+    for (; i < n; ++i) one(i);
+  }
 }
 
 }  // namespace

@@ -34,6 +34,22 @@ LMX_EXPAND Reg Divide255(Reg x) {
   return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
 }
 
+// How registers of results are stored: as ever, or past the cache. A kernel makes the first Ahead pixels of a run one by
+// one, and stores registers from there on.
+struct Cached {
+  LMX_EXPAND static size_t Ahead(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
+  LMX_EXPAND static void Store(void* p, Reg a) { Vector::Store(p, a); }
+};
+struct Streamed {
+  LMX_EXPAND static size_t Ahead(const uint8_t* to, size_t n) {
+    const size_t behind = reinterpret_cast<uintptr_t>(to) % sizeof(Reg);
+    if (behind % 4 != 0) return n;
+    const size_t ahead = behind == 0 ? 0 : (sizeof(Reg) - behind) / 4;
+    return ahead < n ? ahead : n;
+  }
+  LMX_EXPAND static void Store(void* p, Reg a) { Vector::Stream(p, a); }
+};
+
 // ------------------------------------------------------------------------------------------------ bitmap-context form
 
 // For each alpha a: 2^s in the low half and R in the high half, with a' = a 2^s in 128..255 and R = ceil((255 - a')
@@ -178,13 +194,15 @@ LMX_EXPAND void ConvertOne(uint8_t* to, const uint8_t* from) {
   To::WriteOne(to, From::ReadOne(from));
 }
 
-template <class From, class To>
+template <class From, class To, class Stores>
 void Convert(uint8_t* to, const uint8_t* from, size_t n) {
+  const size_t ahead = Stores::Ahead(to, n);
   size_t i = 0;
+  for (; i < ahead; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * i);
   for (; i + kWide <= n; i += kWide) {
     Reg out;
     if (Conversion<From, To>::Wide(Vector::Load(from + 4 * i), &out)) {
-      Vector::Store(to + 4 * i, out);
+      Stores::Store(to + 4 * i, out);
     } else {
       for (size_t j = i; j < i + kWide; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * j);
     }
@@ -192,13 +210,15 @@ void Convert(uint8_t* to, const uint8_t* from, size_t n) {
   for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * i);
 }
 
-template <class From, class To>
+template <class From, class To, class Stores>
 void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
+  const size_t ahead = Stores::Ahead(to, n);
   size_t i = 0;
+  for (; i < ahead; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * (n - 1 - i));
   for (; i + kWide <= n; i += kWide) {
     Reg out;
     if (Conversion<From, To>::Wide(Vector::Reverse(Vector::Load(from + 4 * (n - i - kWide))), &out)) {
-      Vector::Store(to + 4 * i, out);
+      Stores::Store(to + 4 * i, out);
     } else {
       for (size_t j = i; j < i + kWide; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * (n - 1 - j));
     }
@@ -207,7 +227,7 @@ void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
 }
 
 // A square of a transposition.
-template <class From, class To>
+template <class From, class To, class Stores>
 LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
   bool isWide = true;
@@ -217,7 +237,7 @@ LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, 
   }
   if (isWide) {
     Vector::Transpose(square);
-    for (size_t i = 0; i < kWide; ++i) Vector::Store(to[c + i] + 4 * r, square[i]);
+    for (size_t i = 0; i < kWide; ++i) Stores::Store(to[c + i] + 4 * r, square[i]);
     return;
   }
   for (size_t j = c; j < c + kWide; ++j) {
@@ -226,15 +246,18 @@ LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, 
 }
 
 // By blocks of kLine x kLine pixels, so that lines of the cache are read and written whole.
-template <class From, class To>
+template <class From, class To, class Stores>
 void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns) {
   constexpr size_t kLine = 16;
   static_assert(kLine % kWide == 0);
+  for (size_t c = 0; c < columns; ++c) {
+    if (Stores::Ahead(to[c], rows) != 0) return Transpose<From, To, Cached>(to, from, rows, columns);
+  }
   const size_t blockRows = rows - rows % kLine, blockColumns = columns - columns % kLine;
   for (size_t r = 0; r < blockRows; r += kLine) {
     for (size_t c = 0; c < blockColumns; c += kLine) {
       for (size_t j = c; j < c + kLine; j += kWide) {
-        for (size_t i = r; i < r + kLine; i += kWide) TransposeSquare<From, To>(to, from, i, j);
+        for (size_t i = r; i < r + kLine; i += kWide) TransposeSquare<From, To, Stores>(to, from, i, j);
       }
     }
   }
@@ -248,11 +271,13 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
 }
 
 // Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.
-template <class From, class To, class Change>
+template <class From, class To, class Stores, class Change>
 LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
   constexpr size_t kStep = Change::kRegs * kWide;
   const auto one = [&](size_t i) { To::WriteOne(to + 4 * i, change.One(From::ReadOne(from + 4 * i))); };
+  const size_t ahead = Stores::Ahead(to, n);
   size_t i = 0;
+  for (; i < ahead; ++i) one(i);
   for (; i + kStep <= n; i += kStep) {
     Reg working[Change::kRegs];
     bool isWide = true;
@@ -262,7 +287,7 @@ LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change
     }
     if (isWide) {
       change.Wide(working);
-      for (size_t r = 0; r < Change::kRegs; ++r) Vector::Store(to + 4 * (i + r * kWide), To::Write(working[r]));
+      for (size_t r = 0; r < Change::kRegs; ++r) Stores::Store(to + 4 * (i + r * kWide), To::Write(working[r]));
     } else {
       for (size_t j = i; j < i + kStep; ++j) one(j);
     }

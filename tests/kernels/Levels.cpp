@@ -7,7 +7,9 @@ const std::vector<Level>& Levels() {
       {"plain", FillPlain, [] { return true; }},
 #ifdef LMX_X86
       {"sse2", FillSse2, [] { return true; }},
+      {"sse2_streaming", StreamSse2, [] { return true; }},
       {"avx2", FillAvx2, [] { return __builtin_cpu_supports("avx2") != 0; }},
+      {"avx2_streaming", StreamAvx2, [] { return __builtin_cpu_supports("avx2") != 0; }},
 #endif
   };
   return levels;
@@ -17,6 +19,10 @@ std::vector<std::string> LevelNames() {
   std::vector<std::string> names;
   for (const Level& level : Levels()) names.emplace_back(level.name);
   return names;
+}
+
+bool IsStreaming(const std::string& level) {
+  return level.find("_streaming") != std::string::npos;
 }
 
 bool RunsHere(const std::string& level) {

@@ -12,11 +12,14 @@ struct Level {
   bool (*runsHere)();
 };
 
-/// Lowest first; each fills in on top of those before it.
+/// Lowest first; each fills in on top of those before it. What writes past the cache counts as a level of its own.
 const std::vector<Level>& Levels();
 
 /// The names of all levels.
 std::vector<std::string> LevelNames();
+
+/// Whether it is what writes past the cache.
+bool IsStreaming(const std::string& level);
 
 /// Whether this processor can run the level.
 bool RunsHere(const std::string& level);
