@@ -121,7 +121,9 @@ void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::in
   const Clipped part = Clip(picture, x, y, n);
   std::uint8_t stored[4];
   gRunKernels.copy[kWorkingForm][FormOf(picture)](stored, Bytes(&working), 1);
-  KernelsFor(picture).fill(part.address, stored, Size(part.count));
+  // Pieces of rows share lines of the cache with what lies beside them.
+  const RunKernels& kernels = part.count == picture.width ? KernelsFor(picture) : gRunKernels;
+  kernels.fill(part.address, stored, Size(part.count));
 }
 
 void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,

@@ -19,7 +19,6 @@ void FillWrites(RunKernels* kernels) {
   FillMoves<from, to, From, To, Stores>(kernels);
   kernels->copyMirrored[from][to] = ConvertMirrored<From, To, Stores>;
   kernels->adjustRGB[from][to] = AdjustRGB<From, To, Stores>;
-  kernels->blend[from][to] = Blend<From, To, Stores>;
   kernels->box[from][to] = Box<From, To, Stores>;
 }
 
@@ -37,6 +36,7 @@ template <PixelForm from, PixelForm to, class From, class To>
 void FillChanges(RunKernels* kernels) {
   kernels->adjustHSV[from][to] = AdjustHSV<From, To>;
   kernels->negative[from][to] = Negative<From, To>;
+  kernels->blend[from][to] = Blend<From, To>;
   kernels->halve[from][to] = Halve<From, To>;
 }
 

@@ -85,9 +85,9 @@ struct Blending<ContextForm, ContextForm> {
   }
 };
 
-template <class From, class To, class Stores>
+template <class From, class To>
 void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
-  if (fraction == 0) return Convert<From, To, Stores>(to, from, n);
+  if (fraction == 0) return Convert<From, To, Cached>(to, from, n);
   if (n == 0) return;
   To::WriteOne(to, LMX_Pixel::Blend(From::ReadOne(from), before, fraction));
   const auto one = [&](size_t i) {
@@ -95,13 +95,11 @@ void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
     To::WriteOne(to + 4 * i, LMX_Pixel::Blend(pixel, From::ReadOne(from + 4 * (i - 1)), fraction));
   };
   const BlendPart part(fraction);
-  const size_t ahead = 1 + Stores::Ahead(to + 4, n - 1);
   size_t i = 1;
-  for (; i < ahead; ++i) one(i);
   for (; i + kWide <= n; i += kWide) {
     Reg out;
     if (Blending<From, To>::Wide(from + 4 * i, part, &out)) {
-      Stores::Store(to + 4 * i, out);
+      Vector::Store(to + 4 * i, out);
     } else {
       for (size_t j = i; j < i + kWide; ++j) one(j);
     }
