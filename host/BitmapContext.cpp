@@ -1,7 +1,7 @@
 // The five functions through which the plug-in reads a bitmap context. The process exports them, as the host's
-// framework would; a test can leave out any. A context is good while its picture is locked.
+// framework would; a test can leave out any. A Host's context is good while its picture is locked.
+#include "BitmapContext.h"
 
-#include <cstddef>
 #include <string>
 
 #include "HostState.h"
@@ -9,15 +9,7 @@
 namespace host {
 namespace {
 
-const PictureMemory* ContextMemory(CGContextRef context, const char* function) {
-  const ObjectTable& table = ObjectTable::Instance();
-  if (const PictureObject* picture = table.FindContext(context)) return picture->memory.get();
-  if (HostState::current != nullptr) {
-    HostState::current->Complain(std::string(function) + " called with " + table.Describe(context) +
-                                 ", which is no context of a locked picture");
-  }
-  return nullptr;
-}
+ContextKeeper gKeeper = DescribeContext;
 
 // Sizes are reported as they are, negative ones too.
 std::size_t Reported(int value) {
@@ -26,33 +18,45 @@ std::size_t Reported(int value) {
 
 }  // namespace
 
-void LinkBitmapContext() {}
+void SetContextKeeper(ContextKeeper keeper) {
+  gKeeper = keeper;
+}
+
+BitmapContext DescribeContext(CGContextRef context, const char* function) {
+  const ObjectTable& table = ObjectTable::Instance();
+  if (const PictureObject* picture = table.FindContext(context)) {
+    const PictureMemory& memory = *picture->memory;
+    const PictureShape& shape = memory.Shape();
+    return {Reported(shape.width), Reported(shape.height), Reported(shape.defects.bitsPerPixel),
+            Reported(memory.BytesPerRow()), memory.ContextPixels()};
+  }
+  if (HostState::current != nullptr) {
+    HostState::current->Complain(std::string(function) + " called with " + table.Describe(context) +
+                                 ", which is no context of a locked picture");
+  }
+  return {};
+}
 
 }  // namespace host
 
 #define LMX_HOST_EXPORT extern "C" __attribute__((visibility("default"), used))
 
 LMX_HOST_EXPORT std::size_t CGBitmapContextGetWidth(CGContextRef context) {
-  const auto* memory = host::ContextMemory(context, __func__);
-  return memory == nullptr ? 0 : host::Reported(memory->Shape().width);
+  return host::gKeeper(context, __func__).width;
 }
 
 LMX_HOST_EXPORT std::size_t CGBitmapContextGetHeight(CGContextRef context) {
-  const auto* memory = host::ContextMemory(context, __func__);
-  return memory == nullptr ? 0 : host::Reported(memory->Shape().height);
+  return host::gKeeper(context, __func__).height;
 }
 
 LMX_HOST_EXPORT std::size_t CGBitmapContextGetBitsPerPixel(CGContextRef context) {
-  const auto* memory = host::ContextMemory(context, __func__);
-  return memory == nullptr ? 0 : host::Reported(memory->Shape().defects.bitsPerPixel);
+  return host::gKeeper(context, __func__).bitsPerPixel;
 }
 
 LMX_HOST_EXPORT std::size_t CGBitmapContextGetBytesPerRow(CGContextRef context) {
-  const auto* memory = host::ContextMemory(context, __func__);
-  return memory == nullptr ? 0 : host::Reported(memory->BytesPerRow());
+  return host::gKeeper(context, __func__).bytesPerRow;
 }
 
 LMX_HOST_EXPORT void* CGBitmapContextGetData(CGContextRef context) {
-  const auto* memory = host::ContextMemory(context, __func__);
-  return memory == nullptr ? nullptr : memory->ContextPixels();
+  return host::gKeeper(context, __func__).pixels;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "BitmapContext.h"
 #include "HostState.h"
 
 namespace host {
@@ -72,7 +73,7 @@ void HostState::CheckModule(const REALmoduleDefinition& definition) {
 
 Host::Host(const Options& options) : newPictures(options.newPictures) {
   if (HostState::current != nullptr) throw Error("another Host lives");
-  LinkBitmapContext();
+  SetContextKeeper(DescribeContext);
   state_ = std::make_unique<HostState>(*this, options);
   HostState::current = state_.get();
 }

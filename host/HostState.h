@@ -56,7 +56,4 @@ struct HostState {
 /// The resolver that the plug-in gets.
 void* Resolve(const char* entryName);
 
-/// The first reference to the file of the bitmap context functions, so that an archive's copy of it is linked in.
-void LinkBitmapContext();
-
 }  // namespace host

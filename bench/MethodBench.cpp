@@ -1,0 +1,140 @@
+// Times every method at every level of kernels, beside memcpy of the source picture.
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <vector>
+
+#include "Options.h"
+#include "Timing.h"
+#include "Workbench.h"
+#include "host/Value.h"
+
+namespace bench {
+namespace {
+
+constexpr const char* kUsage =
+    R"(bench_methods [option...]: times the methods, each at every level, beside memcpy of the picture
+
+  --size=WxH           the picture (default 1920x1080)
+  --form=context       or buffer; both if not given
+  --content=TEXT       contents whose name has this in it: opaque, fading, soft
+  --operation=TEXT     operations whose name has this in it
+  --level=NAME         only this level: plain, sse2, avx2, ...
+  --folder=PATH        where the libraries are (default: the build folder)
+  --seconds=S          for each operation (default 0.3), and at least
+  --least=N            rounds (default 5)
+  --json               one object per line and measurement
+  --help               this text
+)";
+
+struct Loaded {
+  Level level;
+  std::unique_ptr<Plugin> plugin;
+};
+
+struct Size {
+  int width = 0;
+  int height = 0;
+  double Pixels() const { return static_cast<double>(width) * height; }
+};
+
+class MethodBench {
+ public:
+  explicit MethodBench(const Options& options)
+      : options_(options),
+        budget_{static_cast<int>(options.Number("least", 5)), options.Number("seconds", 0.3)},
+        json_(options.Has("json")) {
+    if (std::sscanf(options.Text("size", "1920x1080").c_str(), "%dx%d", &size_.width, &size_.height) != 2 ||
+        size_.width < 1 || size_.height < 1) {
+      throw host::Error("a size is WxH");
+    }
+    for (const Level& level : LevelsIn(options.Text("folder", LMX_FOLDER))) {
+      if (options.Text("level", level.name) != level.name) continue;
+      plugins_.push_back({level, std::make_unique<Plugin>(level.file)});
+    }
+    if (plugins_.empty()) throw host::Error("there is no such level");
+  }
+
+  void Run() const {
+    for (const Content& content : Contents()) {
+      if (!options_.Wants("content", content.name)) continue;
+      const Pixels pixels = Draw(content, size_.width, size_.height);
+      if (options_.Wants("form", "context")) RunOn(content, pixels, host::Storage::BitmapContext);
+      if (options_.Wants("form", "buffer")) RunOn(content, pixels, host::Storage::Buffer);
+    }
+  }
+
+ private:
+  void RunOn(const Content& content, const Pixels& pixels, host::Storage storage) const {
+    const char* const form = storage == host::Storage::BitmapContext ? "context" : "buffer";
+    Workbench workbench(storage, pixels, size_.width, size_.height);
+    if (!json_) WriteHead(form, content);
+    for (const Operation& operation : Operations()) {
+      if (!options_.Wants("operation", operation.name)) continue;
+      std::vector<std::function<void()>> works = {workbench.Copy()};
+      for (const Loaded& loaded : plugins_) works.push_back(workbench.Call(*loaded.plugin, operation));
+      const std::vector<Timing> timings = MeasureInTurn(works, budget_);
+      if (json_) {
+        WriteJson(form, content, operation, timings);
+      } else {
+        WriteRow(operation, timings);
+      }
+      workbench.Clear();
+    }
+  }
+
+  double Nanoseconds(double seconds) const { return seconds * 1e9 / size_.Pixels(); }
+
+  void WriteHead(const char* form, const Content& content) const {
+    std::printf("%s, %s, %d x %d, %d-bit: ns per pixel, multiple of memcpy, half of the rounds within\n", form,
+                content.name, size_.width, size_.height, static_cast<int>(8 * sizeof(void*)));
+    std::printf("%-22s %7s", "", "memcpy");
+    for (const Loaded& loaded : plugins_) std::printf("  %26s", loaded.level.name.c_str());
+    std::printf("\n");
+  }
+
+  void WriteRow(const Operation& operation, const std::vector<Timing>& timings) const {
+    std::printf("%-22s %7.3f", operation.name, Nanoseconds(timings[0].median));
+    for (std::size_t i = 1; i < timings.size(); ++i) {
+      const Timing& timing = timings[i];
+      std::printf("  %8.3f %7.2fx %+3.0f%% %+3.0f%%", Nanoseconds(timing.median), timing.median / timings[0].median,
+                  100 * (timing.low / timing.median - 1), 100 * (timing.high / timing.median - 1));
+    }
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+
+  void WriteJson(const char* form, const Content& content, const Operation& operation,
+                 const std::vector<Timing>& timings) const {
+    for (std::size_t i = 1; i < timings.size(); ++i) {
+      std::printf(R"({"bits":%d,"form":"%s","content":"%s","width":%d,"height":%d,"operation":"%s","level":"%s",)"
+                  R"("memcpy":%.5f,"ns":%.5f,"low":%.5f,"high":%.5f})"
+                  "\n",
+                  static_cast<int>(8 * sizeof(void*)), form, content.name, size_.width, size_.height, operation.name,
+                  plugins_[i - 1].level.name.c_str(), Nanoseconds(timings[0].median), Nanoseconds(timings[i].median),
+                  Nanoseconds(timings[i].low), Nanoseconds(timings[i].high));
+    }
+    std::fflush(stdout);
+  }
+
+  const Options& options_;
+  const Budget budget_;
+  const bool json_;
+  Size size_;
+  std::vector<Loaded> plugins_;
+};
+
+}  // namespace
+}  // namespace bench
+
+int main(int argc, char** argv) {
+  try {
+    bench::PinToOneCore();
+    const bench::Options options(argc, argv, bench::kUsage);
+    bench::MethodBench(options).Run();
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "bench_methods: %s\n", error.what());
+    return 1;
+  }
+}

@@ -1,0 +1,108 @@
+#include "Operations.h"
+
+namespace bench {
+namespace {
+
+constexpr double kClear = 0xFF000000;
+constexpr double kSky = 0x3070D0;
+constexpr double kWhite = 0xF0F8FF;
+constexpr double kGround = 0x305010;
+
+template <int flipH, int flipV, int rotation>
+std::vector<double> Turn(int, int) {
+  return {flipH, flipV, rotation, 0};
+}
+
+template <int degrees>
+std::vector<double> Rotate(int, int) {
+  return {degrees, kClear, 0};
+}
+
+template <int percent>
+std::vector<double> Stretch(int width, int height) {
+  const auto size = [](int length) { return length * percent / 100 > 0 ? length * percent / 100 : 1; };
+  return {double(size(width)), double(size(height)), 0};
+}
+
+std::vector<double> StretchOdd(int width, int height) {
+  const auto size = [](int length) { return length * 10 / 37 > 0 ? length * 10 / 37 : 1; };
+  return {double(size(width)), double(size(height)), 0};
+}
+
+std::vector<double> ShearH(int width, int height) {
+  return {double(width + height * 3 / 10), double(height), 0.3, kClear, 0};
+}
+
+std::vector<double> ShearV(int width, int height) {
+  return {double(width), double(height + width * 3 / 10), 0.3, kClear, 0};
+}
+
+std::vector<double> TrimWhole(int width, int height) {
+  return {0, 0, double(width), double(height), kClear, 0};
+}
+
+// Three quarters of each side; never nothing.
+std::vector<double> TrimInside(int width, int height) {
+  return {double(width / 8), double(height / 8), double(width - width / 4), double(height - height / 4), kClear, 0};
+}
+
+// A twentieth of each side around the picture.
+std::vector<double> TrimBorder(int width, int height) {
+  const int x = width / 20, y = height / 20;
+  return {double(-x), double(-y), double(width + 2 * x), double(height + 2 * y), kClear, 0};
+}
+
+std::vector<double> AdjustHSV(int width, int height) {
+  return {0, 0, double(width), double(height), 30, 1, 1, 0, 0};
+}
+
+std::vector<double> AdjustRGB(int width, int height) {
+  return {0, 0, double(width), double(height), 20, -10, 5, 0};
+}
+
+std::vector<double> Average(int width, int height) {
+  return {0, 0, double(width), double(height), 0};
+}
+
+std::vector<double> Gradient(int width, int height) {
+  return {double(width), double(height), kSky, kWhite, 0};
+}
+
+std::vector<double> DoubleGradient(int width, int height) {
+  return {double(width), double(height), kSky, kWhite, kGround, 0};
+}
+
+}  // namespace
+
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> operations = {
+      {"flip horizontal", "FlipRotate", false, true, Turn<1, 0, 0>},
+      {"flip vertical", "FlipRotate", false, true, Turn<0, 1, 0>},
+      {"half turn", "FlipRotate", false, true, Turn<0, 0, 180>},
+      {"turn 90", "FlipRotate", false, true, Turn<0, 0, 90>},
+      {"turn 270", "FlipRotate", false, true, Turn<0, 0, 270>},
+      {"shear horizontal 0.3", "ShearHorizontal", false, true, ShearH},
+      {"shear vertical 0.3", "ShearVertical", false, true, ShearV},
+      {"rotate 30", "FreeRotateByShear", false, true, Rotate<30>},
+      {"rotate 75", "FreeRotateByShear", false, true, Rotate<75>},
+      {"stretch 1/2", "Stretch", false, true, Stretch<50>},
+      {"stretch 1/3.7", "Stretch", false, true, StretchOdd},
+      {"stretch 0.9", "Stretch", false, true, Stretch<90>},
+      {"stretch 1.5", "Stretch", false, true, Stretch<150>},
+      {"stretch 3", "Stretch", false, true, Stretch<300>},
+      {"trim whole", "Trim", false, true, TrimWhole},
+      {"trim inside", "Trim", false, true, TrimInside},
+      {"trim border", "Trim", false, true, TrimBorder},
+      {"HSV", "AdjustHSV", false, true, AdjustHSV},
+      {"HSV in place", "AdjustHSV_InPlace", true, true, AdjustHSV},
+      {"RGB", "AdjustRGB", false, true, AdjustRGB},
+      {"RGB in place", "AdjustRGB_InPlace", true, true, AdjustRGB},
+      {"average RGB", "GetAverageRGB", false, true, Average},
+      {"average HSV", "GetAverageHSV", false, true, Average},
+      {"gradient", "MakeGradient", false, false, Gradient},
+      {"double gradient", "MakeDoubleGradient", false, false, DoubleGradient},
+  };
+  return operations;
+}
+
+}  // namespace bench

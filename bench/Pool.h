@@ -1,0 +1,60 @@
+// Pictures that cost next to nothing, for measuring: their memory comes from blocks that were touched before, below
+// 4 GiB, and is used again for the next picture of that size. Nothing is checked.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "HostInterface.h"
+#include "host/Picture.h"
+
+namespace bench {
+
+/// A picture of the pool. Its address is the handle that methods get, and its own bitmap context.
+struct PoolPicture {
+  bool used = false;
+  host::Storage storage = host::Storage::BitmapContext;
+  int width = 0;
+  int height = 0;
+  std::uint8_t* pixels = nullptr;  ///< rows without gaps from the top
+  REALpictureBuffer* record = nullptr;
+  std::uint32_t* rows = nullptr;
+
+  std::size_t Bytes() const { return 4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
+  REALpictureStruct* Handle() { return reinterpret_cast<REALpictureStruct*>(this); }
+};
+
+class Pool {
+ public:
+  Pool() = default;
+  ~Pool();
+  Pool(const Pool&) = delete;
+  Pool& operator=(const Pool&) = delete;
+
+  /// A picture without pixels as yet. Ends the process when all are used: somebody forgot to give them back.
+  PoolPicture* Take();
+  /// Gives it memory, with whatever an earlier picture left there.
+  void SetSize(PoolPicture& picture, host::Storage storage, int width, int height);
+  void GiveBack(PoolPicture& picture);
+
+  /// Returns the memory that no picture uses to the system, so that the next operation has room.
+  void ReleaseUnused();
+
+ private:
+  struct Block {
+    std::uint8_t* memory;
+    std::size_t size;
+    bool used;
+  };
+
+  std::uint8_t* Memory(std::size_t size);
+  void LayOutRecord(PoolPicture& picture);
+
+  static constexpr std::size_t kMostPictures = 8;
+  std::array<PoolPicture, kMostPictures> pictures_;
+  std::vector<Block> blocks_;
+};
+
+}  // namespace bench

@@ -1,0 +1,57 @@
+#include "Timing.h"
+
+#include <sched.h>
+#include <time.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace bench {
+namespace {
+
+double ProcessorSeconds() {
+  timespec now;
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+Timing Summary(std::vector<double> seconds) {
+  std::sort(seconds.begin(), seconds.end());
+  const std::size_t last = seconds.size() - 1;
+  return {seconds[seconds.size() / 2], seconds[last / 4], seconds[last - last / 4]};
+}
+
+}  // namespace
+
+std::vector<Timing> MeasureInTurn(const std::vector<std::function<void()>>& works, const Budget& budget) {
+  using Clock = std::chrono::steady_clock;
+  for (const auto& work : works) work();
+  std::vector<std::vector<double>> seconds(works.size());
+  const Clock::time_point start = Clock::now();
+  const auto elapsed = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
+  for (int round = 0; round < budget.least || elapsed() < budget.seconds; ++round) {
+    for (std::size_t i = 0; i < works.size(); ++i) {
+      const double before = ProcessorSeconds();
+      works[i]();
+      seconds[i].push_back(ProcessorSeconds() - before);
+    }
+  }
+  std::vector<Timing> timings;
+  for (std::vector<double>& series : seconds) timings.push_back(Summary(std::move(series)));
+  return timings;
+}
+
+void PinToOneCore() {
+  cpu_set_t allowed;
+  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) return;
+  for (std::size_t core = CPU_SETSIZE; core-- > 0;) {
+    if (!CPU_ISSET(core, &allowed)) continue;
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(core, &one);
+    sched_setaffinity(0, sizeof one, &one);
+    return;
+  }
+}
+
+}  // namespace bench

@@ -1,0 +1,28 @@
+// Times of pieces of work, measured in turn so that whatever disturbs one disturbs all.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+namespace bench {
+
+/// Seconds of processor time that one repetition took, of all threads; what other processes took is not in it.
+struct Timing {
+  double median = 0;
+  double low = 0;   ///< a quarter of the repetitions was faster
+  double high = 0;  ///< a quarter was slower
+};
+
+/// How long to go on: until both `least` rounds and `seconds` are reached.
+struct Budget {
+  int least = 5;
+  double seconds = 0.15;
+};
+
+/// Does all works once without looking, then round by round, each in its turn.
+std::vector<Timing> MeasureInTurn(const std::vector<std::function<void()>>& works, const Budget& budget);
+
+/// Keeps the process on one of the cores that it may use: the last, which systems use least for their own work.
+void PinToOneCore();
+
+}  // namespace bench
