@@ -3,8 +3,8 @@
 #include <cstring>
 #include <utility>
 
-#include "host/BitmapContext.h"
 #include "HostInterface.h"
+#include "host/BitmapContext.h"
 #include "host/Value.h"
 
 // On 32-bit the plug-in may call with any stack; the build realigns it in every function here.
