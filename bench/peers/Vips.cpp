@@ -1,0 +1,142 @@
+#include <vips/vips.h>
+
+#include <cmath>
+
+#include "Peer.h"
+
+namespace bench {
+namespace {
+
+using Image = std::shared_ptr<VipsImage>;
+using Step = std::function<int(VipsImage* from, VipsImage** to)>;
+
+void Drop(VipsImage* image) {
+  g_object_unref(image);
+}
+
+Image Wrap(const PeerPicture& p) {
+  const std::size_t size = 4 * static_cast<std::size_t>(p.width) * static_cast<std::size_t>(p.height);
+  const Image memory(vips_image_new_from_memory(p.words, size, p.width, p.height, 4, VIPS_FORMAT_UCHAR), Drop);
+  VipsImage* image = nullptr;
+  Require(vips_copy(memory.get(), &image, "interpretation", VIPS_INTERPRETATION_sRGB, nullptr) == 0, "vips_copy");
+  return {image, Drop};
+}
+
+Image Apply(const Image& from, const Step& step) {
+  VipsImage* to = nullptr;
+  Require(step(from.get(), &to) == 0, "a vips operation");
+  return {to, Drop};
+}
+
+// Builds the pipeline, as every call of the plug-in builds its own, and runs it into memory.
+std::function<void()> Run(const Image& source, const std::vector<Step>& steps) {
+  return [=] {
+    Image image = source;
+    for (const Step& step : steps) image = Apply(image, step);
+    std::size_t size = 0;
+    void* const pixels = vips_image_write_to_memory(image.get(), &size);
+    Require(pixels != nullptr, "vips_image_write_to_memory");
+    g_free(pixels);
+  };
+}
+
+// Runs it into the sums of channels.
+std::function<void()> Measure(const Image& source, const std::vector<Step>& steps) {
+  return [=] {
+    Image image = source;
+    for (const Step& step : steps) image = Apply(image, step);
+    Apply(image, [](VipsImage* from, VipsImage** to) { return vips_stats(from, to, nullptr); });
+  };
+}
+
+Step Linear(std::vector<double> factors, std::vector<double> offsets) {
+  return [=](VipsImage* from, VipsImage** to) {
+    return vips_linear(from, to, factors.data(), offsets.data(), static_cast<int>(factors.size()), "uchar", TRUE,
+                       nullptr);
+  };
+}
+
+Step Affine(double a, double b, double c, double d) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_affine(from, to, a, b, c, d, nullptr); };
+}
+
+Step Rotate(double degrees) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_rotate(from, to, degrees, nullptr); };
+}
+
+Step Turn(VipsAngle angle) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_rot(from, to, angle, nullptr); };
+}
+
+Step Flip(VipsDirection direction) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_flip(from, to, direction, nullptr); };
+}
+
+Step Shrink(double factor) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_shrink(from, to, factor, factor, nullptr); };
+}
+
+Step Enlarge(double factor) {
+  return [=](VipsImage* from, VipsImage** to) {
+    return vips_resize(from, to, factor, "kernel", VIPS_KERNEL_LINEAR, nullptr);
+  };
+}
+
+Step Crop(int x, int y, int width, int height) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_extract_area(from, to, x, y, width, height, nullptr); };
+}
+
+Step Embed(int x, int y, int width, int height) {
+  return [=](VipsImage* from, VipsImage** to) { return vips_embed(from, to, x, y, width, height, nullptr); };
+}
+
+// Its bands are taken as red, green, blue, alpha; the order costs nothing.
+Step ToHsv() {
+  return [](VipsImage* from, VipsImage** to) { return vips_sRGB2HSV(from, to, nullptr); };
+}
+
+Step FromHsv() {
+  return [](VipsImage* from, VipsImage** to) { return vips_HSV2sRGB(from, to, nullptr); };
+}
+
+std::vector<PeerWork> Prepare(const PeerPicture& s) {
+  const Image p = Wrap(s);
+  const int w = s.width, h = s.height, x = w / 20, y = h / 20;
+  const char* const exact = "the same pixels; translucent ones are moved, not converted";
+  const char* const warp = "one bilinear warp; premultiplied";
+  return {
+      {"flip horizontal", exact, Run(p, {Flip(VIPS_DIRECTION_HORIZONTAL)})},
+      {"flip vertical", exact, Run(p, {Flip(VIPS_DIRECTION_VERTICAL)})},
+      {"half turn", exact, Run(p, {Turn(VIPS_ANGLE_D180)})},
+      {"turn 90", exact, Run(p, {Turn(VIPS_ANGLE_D90)})},
+      {"turn 270", exact, Run(p, {Turn(VIPS_ANGLE_D270)})},
+      {"trim whole", exact, Run(p, {Crop(0, 0, w, h)})},
+      {"trim inside", exact, Run(p, {Crop(w / 8, h / 8, w * 3 / 4, h * 3 / 4)})},
+      {"trim border", exact, Run(p, {Embed(x, y, w + 2 * x, h + 2 * y)})},
+      {"shear horizontal 0.3", warp, Run(p, {Affine(1, -0.3, 0, 1)})},
+      {"shear vertical 0.3", warp, Run(p, {Affine(1, 0, -0.3, 1)})},
+      {"rotate 30", "one bilinear warp instead of three shears; premultiplied", Run(p, {Rotate(30)})},
+      {"rotate 75", "one bilinear warp instead of a turn and three shears; premultiplied", Run(p, {Rotate(75)})},
+      {"stretch 1/2", "means of 2 x 2, rounded once in each direction; premultiplied", Run(p, {Shrink(2)})},
+      {"stretch 1/3.7", "area: means of 3 x 3, then a linear kernel; premultiplied", Run(p, {Shrink(3.7)})},
+      {"stretch 0.9", "a linear kernel; premultiplied", Run(p, {Enlarge(0.9)})},
+      {"stretch 1.5", "bilinear instead of box; premultiplied", Run(p, {Enlarge(1.5)})},
+      {"stretch 3", "bilinear instead of box; premultiplied", Run(p, {Enlarge(3)})},
+      {"HSV", "hue in 256 steps, clamped instead of turned; 8-bit saturation and value; premultiplied",
+       Run(p, {ToHsv(), Linear({1, 1, 1, 1}, {21, 0, 0, 0}), FromHsv()})},
+      {"RGB", "in floating point; on premultiplied colours", Run(p, {Linear({1, 1, 1, 1}, {5, -10, 20, 0})})},
+      {"average RGB", "four channels, with smallest, largest and deviation; of premultiplied colours", Measure(p, {})},
+      {"average HSV", "mean of 8-bit hues, saturations and values; premultiplied", Measure(p, {ToHsv()})},
+  };
+}
+
+}  // namespace
+
+Peer Vips() {
+  Require(vips_init("bench") == 0, "vips_init");
+  vips_concurrency_set(1);
+  vips_cache_set_max(0);
+  return {"libvips", vips_version_string(), true, Prepare};
+}
+
+}  // namespace bench
