@@ -20,6 +20,7 @@ constexpr const char* kUsage =
   --content=TEXT       contents whose name has this in it: opaque, fading, soft
   --operation=TEXT     operations whose name has this in it
   --level=NAME         only this level: plain, sse2, avx2, ...
+  --no-plain           all levels but plain, which takes long on large pictures
   --folder=PATH        where the libraries are (default: the build folder)
   --seconds=S          for each operation (default 0.3), and at least
   --least=N            rounds (default 5)
@@ -50,6 +51,7 @@ class MethodBench {
     }
     for (const Level& level : LevelsIn(options.Text("folder", LMX_FOLDER))) {
       if (options.Text("level", level.name) != level.name) continue;
+      if (options.Has("no-plain") && level.name == "plain") continue;
       plugins_.push_back({level, std::make_unique<Plugin>(level.file)});
     }
     if (plugins_.empty()) throw host::Error("there is no such level");
