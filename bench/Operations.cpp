@@ -1,5 +1,7 @@
 #include "Operations.h"
 
+#include <algorithm>
+
 namespace bench {
 namespace {
 
@@ -18,32 +20,36 @@ std::vector<double> Rotate(int, int) {
   return {degrees, kClear, 0};
 }
 
-template <int percent>
+// A part of a length, never nothing.
+int Scaled(int length, int numerator, int denominator) {
+  return std::max(length * numerator / denominator, 1);
+}
+
+template <int numerator, int denominator>
 std::vector<double> Stretch(int width, int height) {
-  const auto size = [](int length) { return length * percent / 100 > 0 ? length * percent / 100 : 1; };
-  return {double(size(width)), double(size(height)), 0};
+  const int newWidth = Scaled(width, numerator, denominator), newHeight = Scaled(height, numerator, denominator);
+  return {double(newWidth), double(newHeight), 0};
 }
 
-std::vector<double> StretchOdd(int width, int height) {
-  const auto size = [](int length) { return length * 10 / 37 > 0 ? length * 10 / 37 : 1; };
-  return {double(size(width)), double(size(height)), 0};
-}
-
+// Results hold the whole slanted picture.
 std::vector<double> ShearH(int width, int height) {
-  return {double(width + height * 3 / 10), double(height), 0.3, kClear, 0};
+  const int room = height * 3 / 10;
+  return {double(width + room), double(height), 0.3, kClear, 0};
 }
 
 std::vector<double> ShearV(int width, int height) {
-  return {double(width), double(height + width * 3 / 10), 0.3, kClear, 0};
+  const int room = width * 3 / 10;
+  return {double(width), double(height + room), 0.3, kClear, 0};
 }
 
 std::vector<double> TrimWhole(int width, int height) {
   return {0, 0, double(width), double(height), kClear, 0};
 }
 
-// Three quarters of each side; never nothing.
+// Three quarters of each side.
 std::vector<double> TrimInside(int width, int height) {
-  return {double(width / 8), double(height / 8), double(width - width / 4), double(height - height / 4), kClear, 0};
+  const int x = width / 8, y = height / 8;
+  return {double(x), double(y), double(Scaled(width, 3, 4)), double(Scaled(height, 3, 4)), kClear, 0};
 }
 
 // A twentieth of each side around the picture.
@@ -85,11 +91,11 @@ const std::vector<Operation>& Operations() {
       {"shear vertical 0.3", "ShearVertical", false, true, ShearV},
       {"rotate 30", "FreeRotateByShear", false, true, Rotate<30>},
       {"rotate 75", "FreeRotateByShear", false, true, Rotate<75>},
-      {"stretch 1/2", "Stretch", false, true, Stretch<50>},
-      {"stretch 1/3.7", "Stretch", false, true, StretchOdd},
-      {"stretch 0.9", "Stretch", false, true, Stretch<90>},
-      {"stretch 1.5", "Stretch", false, true, Stretch<150>},
-      {"stretch 3", "Stretch", false, true, Stretch<300>},
+      {"stretch 1/2", "Stretch", false, true, Stretch<1, 2>},
+      {"stretch 1/3.7", "Stretch", false, true, Stretch<10, 37>},
+      {"stretch 0.9", "Stretch", false, true, Stretch<9, 10>},
+      {"stretch 1.5", "Stretch", false, true, Stretch<3, 2>},
+      {"stretch 3", "Stretch", false, true, Stretch<3, 1>},
       {"trim whole", "Trim", false, true, TrimWhole},
       {"trim inside", "Trim", false, true, TrimInside},
       {"trim border", "Trim", false, true, TrimBorder},

@@ -19,7 +19,7 @@ namespace bench {
 /// The pool from which methods get their pictures, and the form in which new ones come. One lives at a time.
 class PluginPool : public Pool {
  public:
-  explicit PluginPool(host::Storage storage);
+  explicit PluginPool(host::Storage form);
   ~PluginPool();
   PluginPool(const PluginPool&) = delete;
   PluginPool& operator=(const PluginPool&) = delete;

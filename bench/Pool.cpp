@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "host/GuardedMemory.h"
-#include "host/Value.h"
 
 namespace bench {
 namespace {
@@ -16,8 +15,10 @@ constexpr std::size_t kMostRows = 1 << 16;
 
 std::uint8_t* Map(std::size_t size) {
   void* const memory = host::ReserveInaccessible(size, host::GuardedMemory::Where::Below4GiB);
-  if (memory == nullptr || mprotect(memory, size, PROT_READ | PROT_WRITE) != 0) {
-    throw host::Error("no memory for a picture of " + std::to_string(size / 4) + " pixels");
+  if (memory == nullptr) return nullptr;
+  if (mprotect(memory, size, PROT_READ | PROT_WRITE) != 0) {
+    munmap(memory, size);
+    return nullptr;
   }
   std::memset(memory, 0x5A, size);  // touches every page
   return static_cast<std::uint8_t*>(memory);
@@ -51,6 +52,9 @@ void Pool::SetSize(PoolPicture& picture, host::Storage storage, int width, int h
   picture.width = std::max(width, 0);
   picture.height = std::max(height, 0);
   picture.pixels = Memory(std::max<std::size_t>(picture.Bytes(), 1));
+  if (picture.pixels == nullptr || static_cast<std::size_t>(picture.height) > kMostRows) {
+    picture.width = picture.height = 0;
+  }
   if (storage == host::Storage::Buffer) LayOutRecord(picture);
 }
 
@@ -73,7 +77,11 @@ std::uint8_t* Pool::Memory(std::size_t size) {
   for (Block& block : blocks_) {
     if (!block.used && block.size >= size && (best == nullptr || block.size < best->size)) best = &block;
   }
-  if (best == nullptr) best = &blocks_.emplace_back(Block{Map(size), size, false});
+  if (best == nullptr) {
+    std::uint8_t* const memory = Map(size);
+    if (memory == nullptr) return nullptr;
+    best = &blocks_.emplace_back(Block{memory, size, false});
+  }
   best->used = true;
   return best->memory;
 }
@@ -81,7 +89,6 @@ std::uint8_t* Pool::Memory(std::size_t size) {
 void Pool::LayOutRecord(PoolPicture& picture) {
   if (picture.record == nullptr) picture.record = reinterpret_cast<REALpictureBuffer*>(Map(sizeof *picture.record));
   if (picture.rows == nullptr) picture.rows = reinterpret_cast<std::uint32_t*>(Map(4 * kMostRows));
-  if (static_cast<std::size_t>(picture.height) > kMostRows) throw host::Error("a picture has too many rows");
   picture.record->width = picture.width;
   picture.record->height = picture.height;
   picture.record->rowTable = Word(picture.rows);

@@ -35,7 +35,7 @@ class Pool {
 
   /// A picture without pixels as yet. Ends the process when all are used: somebody forgot to give them back.
   PoolPicture* Take();
-  /// Gives it memory, with whatever an earlier picture left there.
+  /// Gives it memory, with whatever an earlier picture left there. Without memory its size is 0 x 0.
   void SetSize(PoolPicture& picture, host::Storage storage, int width, int height);
   void GiveBack(PoolPicture& picture);
 

@@ -36,8 +36,8 @@ std::vector<Timing> MeasureInTurn(const std::vector<std::function<void()>>& work
       seconds[i].push_back(ProcessorSeconds() - before);
     }
   }
-  std::vector<Timing> timings;
-  for (std::vector<double>& series : seconds) timings.push_back(Summary(std::move(series)));
+  std::vector<Timing> timings(works.size());
+  std::transform(seconds.begin(), seconds.end(), timings.begin(), Summary);
   return timings;
 }
 

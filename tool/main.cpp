@@ -4,6 +4,7 @@
 #include <iostream>
 #include <new>
 
+#include "Bench.h"
 #include "Chart.h"
 #include "CommandLine.h"
 #include "Errors.h"
@@ -23,9 +24,13 @@ void WriteVersion(std::ostream& out) {
       << ")\n";
 }
 
+std::string PluginFile(const CommandLine& line) {
+  if (line.plugin) return *line.plugin;
+  return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libLMX.so").string();
+}
+
 void Load(host::Host& plugin, const CommandLine& line) {
-  const auto beside = [] { return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libLMX.so"; };
-  plugin.Load(line.plugin ? *line.plugin : beside().string());
+  plugin.Load(PluginFile(line));
   if (!plugin.messageBoxes.empty()) throw Failure("the plug-in says: " + plugin.messageBoxes.front());
   if (plugin.Module() == nullptr) throw Failure("the plug-in registers no methods");
 }
@@ -78,6 +83,13 @@ void ShowList(const CommandLine& line) {
   WriteMethodList(std::cout, plugin);
 }
 
+void TimeMethods(const CommandLine& line) {
+  ExpectOperands(line, 1);
+  const std::vector<std::string>& operands = line.steps.front().operands;
+  if (operands.empty()) throw UsageError("on which picture? lmx bench photo.jpg");
+  WriteBench(std::cout, PluginFile(line), ReadPicture(operands.front()), line.storage, line.json);
+}
+
 void RunMethods(const CommandLine& line) {
   host::Options options;
   options.newPictures.storage = line.storage;
@@ -112,6 +124,7 @@ void Act(const CommandLine& line) {
   if (word == "list") return ShowList(line);
   if (word == "help") return ShowHelp(line);
   if (word == "chart") return DrawChart(line);
+  if (word == "bench") return TimeMethods(line);
   RunMethods(line);
 }
 

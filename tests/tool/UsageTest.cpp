@@ -55,7 +55,7 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
     EXPECT_EQ(ended.status, 0);
     for (const char* part :
          {"--output", "--storage", "--yield", "--opaque", "--verbose", "--json", "--plugin", "--help", "--version",
-          "lmx list", "lmx help", "lmx chart", "#rrggbb", "&hTTRRGGBB", "130"}) {
+          "lmx list", "lmx help", "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
       EXPECT_TRUE(Contains(ended.out, part)) << part;
     }
   }
@@ -153,6 +153,8 @@ TEST_F(UsageTest, WrongOptions) {
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--json=yes"}, {"--json"});
   ExpectWrong({"list", "everything"}, {"list"});
   ExpectWrong({"chart", "x", "-o", "OUT"}, {"chart"});
+  ExpectWrong({"bench"}, {"picture"});
+  ExpectWrong({"bench", "SMALL", "SMALL"}, {"bench"});
 }
 
 TEST_F(UsageTest, EverythingIsCheckedBeforeAnyPictureIsRead) {

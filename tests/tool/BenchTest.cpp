@@ -1,0 +1,74 @@
+// `lmx bench`: a line for each operation, whatever the times are.
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "Files.h"
+#include "Process.h"
+
+namespace tool_test {
+namespace {
+
+using BenchTest = FileTest;
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+// Operations that stand for all methods on pictures, and for those that make one.
+const std::vector<std::string> kSome = {"flip horizontal", "turn 90",     "shear vertical 0.3", "rotate 30",
+                                        "stretch 1/2",     "trim border", "HSV in place",       "RGB",
+                                        "average RGB",     "average HSV", "gradient",           "double gradient"};
+
+// The operations of lines that match, whose first group is the name; failures for lines that do not.
+std::set<std::string> OperationsIn(const std::vector<std::string>& lines, const std::regex& shape) {
+  std::set<std::string> names;
+  for (const std::string& line : lines) {
+    std::smatch match;
+    if (!std::regex_match(line, match, shape)) {
+      ADD_FAILURE() << line;
+      continue;
+    }
+    EXPECT_TRUE(names.insert(match[1]).second) << "twice: " << match[1];
+    EXPECT_GT(std::stod(match[2]), 0) << line;
+    EXPECT_GT(std::stod(match[3]), 0) << line;
+  }
+  return names;
+}
+
+TEST_F(BenchTest, TellsNanosecondsAndMultiplesOfMemcpyForEveryOperation) {
+  const Ended ended = Lmx({"bench", Given("photo.png", OpaqueImage(64, 48)), "--storage=buffer"});
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  std::vector<std::string> lines = Lines(ended.out);
+  ASSERT_GE(lines.size(), 2 + kSome.size());
+  const std::string bits = sizeof(void*) == 4 ? "32-bit" : "64-bit";
+  EXPECT_EQ(lines[0], "64 x 48 pixels, buffer, " + bits);
+  EXPECT_EQ(lines[1], "operation             ns per pixel   x memcpy");
+  lines.erase(lines.begin(), lines.begin() + 2);
+  const std::set<std::string> names =
+      OperationsIn(lines, std::regex(R"((\S+(?: \S+)*) +([0-9]+\.[0-9]{3}) +([0-9]+\.[0-9]{2}))"));
+  for (const std::string& name : kSome) EXPECT_EQ(names.count(name), 1u) << name;
+}
+
+TEST_F(BenchTest, WorksOnTheSmallestPictureAndForScripts) {
+  const Ended ended = Lmx({"bench", Given("dot.png", {1, 1, {0x80FF0000}}), "--json"});
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  const std::regex shape(R"re(\{"operation":"([^"]+)","nanoseconds":([0-9.]+),"memcpy":([0-9.]+)\})re");
+  const std::set<std::string> names = OperationsIn(Lines(ended.out), shape);
+  for (const std::string& name : kSome) EXPECT_EQ(names.count(name), 1u) << name;
+}
+
+TEST_F(BenchTest, NeedsAPictureThatCanBeRead) {
+  const Ended ended = Lmx({"bench", Path("missing.png")});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(ended.out, "");
+  EXPECT_NE(ended.error.find("missing.png"), std::string::npos) << ended.error;
+}
+
+}  // namespace
+}  // namespace tool_test
