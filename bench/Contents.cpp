@@ -12,6 +12,7 @@ std::uint8_t Opaque(int, int, int) {
   return 255;
 }
 
+// From clear on the left to opaque on the right.
 std::uint8_t Fading(int x, int, int width) {
   return static_cast<std::uint8_t>(x * 255 / std::max(width - 1, 1));
 }
@@ -22,7 +23,7 @@ std::uint8_t SoftDiscs(int x, int y, int) {
   return static_cast<std::uint8_t>(std::clamp(255 - outside * 32, 0.0, 255.0));
 }
 
-// One period of waves for each channel.
+// Sines make it smooth, like a photo; noise comes on top.
 std::vector<float> Wave(int length, double step, double phase) {
   std::vector<float> wave(static_cast<std::size_t>(length));
   for (std::size_t i = 0; i < wave.size(); ++i)
@@ -40,11 +41,7 @@ std::uint32_t Stored(std::uint32_t straight, host::Storage storage) {
 }  // namespace
 
 const std::vector<Content>& Contents() {
-  static const std::vector<Content> contents = {
-      {"opaque", "like a photo: smooth, with noise", Opaque},
-      {"fading", "the same, from clear on the left to opaque on the right", Fading},
-      {"soft", "the same on discs with soft edges, mostly opaque", SoftDiscs},
-  };
+  static const std::vector<Content> contents = {{"opaque", Opaque}, {"fading", Fading}, {"soft", SoftDiscs}};
   return contents;
 }
 

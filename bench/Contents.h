@@ -14,7 +14,6 @@ using Pixels = std::vector<std::uint32_t>;
 
 struct Content {
   const char* name;
-  const char* meaning;
   std::uint8_t (*alpha)(int x, int y, int width);
 };
 

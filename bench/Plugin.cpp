@@ -18,7 +18,7 @@ PoolPicture& Picture(void* handle) {
   return *static_cast<PoolPicture*>(handle);
 }
 
-// ---- The services ----------------------------------------------------------------------------------------------------
+// ---- The services -------------------------------------------------------------------------------------------------
 
 void RegisterVersion(int) {}
 void Yield() {}
@@ -87,7 +87,7 @@ void* Resolve(const char* entryName) {
 
 }  // namespace
 
-// ---- The pool --------------------------------------------------------------------------------------------------------
+// ---- The pool -----------------------------------------------------------------------------------------------------
 
 PluginPool::PluginPool(host::Storage form) : storage(form) {
   if (gPool != nullptr) throw host::Error("one pool at a time");
@@ -104,7 +104,7 @@ PoolPicture* PluginPool::Make(int width, int height) {
   return picture;
 }
 
-// ---- Methods ---------------------------------------------------------------------------------------------------------
+// ---- Methods ------------------------------------------------------------------------------------------------------
 
 MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers)
     : method_(method) {
