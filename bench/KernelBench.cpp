@@ -1,7 +1,7 @@
 // Times every kernel at every level that this processor has, from the list of cases that the tests use.
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <utility>
 #include <vector>
 
 #include "KernelCases.h"
@@ -26,39 +26,13 @@ constexpr std::size_t kLengths[] = {16, 512, 1920};
 constexpr const char* kContents[] = {"opaque", "translucent"};
 constexpr double kBatchSeconds = 50e-6;
 
-bool IsRows(Operand operand) {
-  return operand == Operand::ContextRows || operand == Operand::BufferRows || operand == Operand::WorkingRows;
-}
-
-// Whether the operand holds pixels whose alpha can matter.
-bool HasAlpha(Operand operand) {
-  return IsRows(operand) || operand == Operand::ContextPixels || operand == Operand::BufferPixels ||
-         operand == Operand::Pixels || operand == Operand::Runs;
-}
-
-std::uint32_t PixelOf(Operand operand, bool opaque, Random& random) {
-  const std::uint32_t alpha = opaque ? 255 : 1 + random.Below(254);
-  const bool context = operand == Operand::ContextPixels || operand == Operand::ContextRows;
-  const auto channel = [&] { return random.Below(context ? alpha + 1 : 256); };
-  const std::uint32_t red = channel(), green = channel(), blue = channel();
-  const std::uint32_t colour = red << 16 | green << 8 | blue;
-  if (context) return __builtin_bswap32(alpha << 24 | colour);
-  if (operand == Operand::BufferPixels || operand == Operand::BufferRows) return (127 - alpha / 2) << 24 | colour;
-  return alpha << 24 | colour;
-}
-
-// Arguments of ordinary use; MakeArguments looks for the edges.
+// Arguments of ordinary use where MakeArguments looks for the edges, and runs that follow each other without a gap.
 KernelArguments OrdinaryArguments(std::size_t n, Random& random) {
   KernelArguments arguments = MakeArguments(n, random);
   arguments.stride = n;
-  arguments.columns = 16;
-  arguments.pitch = 480;
-  arguments.count = 2;
+  arguments.columns = arguments.pitch = 16;
   arguments.before = 0xFF406080;
   arguments.fraction = 20000;
-  arguments.units = 1000;
-  arguments.ofSecond = 300;
-  arguments.part = 500;
   arguments.hsv = {512, 1024, 1024};
   arguments.rgb = {20, -10, 5};
   return arguments;
@@ -67,44 +41,40 @@ KernelArguments OrdinaryArguments(std::size_t n, Random& random) {
 // The operands of one call, in ordinary memory.
 class Operands {
  public:
-  Operands(const KernelCase& kernel, std::size_t n, bool opaque) {
+  Operands(const KernelCase& kernel, std::size_t n, bool opaque) : pixels_(n) {
     Random random(1);
     call_.arguments = OrdinaryArguments(n, random);
-    pixels_ = n;
-    call_.output = Make(kernel.output, opaque, random);
+    call_.output = Make(kernel.output, opaque, random).first;
     for (std::size_t i = 0; i < kernel.inputs.size(); ++i) {
-      const Operand operand = kernel.inputs[i].operand;
-      call_.inputs[i] = Make(operand, opaque, random);
-      dependOnAlpha_ = dependOnAlpha_ || HasAlpha(operand);
-      if (IsRows(operand)) pixels_ = n * call_.arguments.columns;
-      if (operand == Operand::Runs) pixels_ = n * call_.arguments.count;
+      const auto [place, isPixels] = Make(kernel.inputs[i].operand, opaque, random);
+      call_.inputs[i] = place;
+      haveAlpha_ = haveAlpha_ || isPixels;
     }
   }
 
   const KernelCall& Call() const { return call_; }
-  bool DependOnAlpha() const { return dependOnAlpha_; }
-  /// How many a call works on.
+  bool HaveAlpha() const { return haveAlpha_; }
+  /// How many a call works on: those of the largest operand.
   std::size_t Pixels() const { return pixels_; }
 
  private:
-  void* Make(Operand operand, bool opaque, Random& random) {
+  // Where the operand lies, and whether it is pixels.
+  std::pair<void*, bool> Make(Operand operand, bool opaque, Random& random) {
     constexpr std::size_t kLine = 64;
     const std::size_t size = SizeOf(operand, call_.arguments);
     std::vector<std::uint8_t>& memory = memories_.emplace_back(size + kLine);
     const std::size_t past = reinterpret_cast<std::uintptr_t>(memory.data()) % kLine;
     std::uint8_t* const place = memory.data() + (kLine - past);
-    MakeOperand(operand, call_.arguments, random, place);
-    for (std::size_t i = 0; HasAlpha(operand) && i + 4 <= size; i += 4) {
-      const std::uint32_t pixel = PixelOf(operand, opaque, random);
-      std::memcpy(place + i, &pixel, 4);
-    }
-    return place;
+    const bool isPixels = MakeOrdinaryPixels(operand, call_.arguments, opaque, random, place);
+    if (!isPixels) MakeOperand(operand, call_.arguments, random, place);
+    if (isPixels) pixels_ = std::max(pixels_, size / 4);
+    return {place, isPixels};
   }
 
   KernelCall call_ = {};
   std::vector<std::vector<std::uint8_t>> memories_;
-  std::size_t pixels_ = 0;
-  bool dependOnAlpha_ = false;
+  std::size_t pixels_;
+  bool haveAlpha_ = false;
 };
 
 // How many calls take about as long as a batch shall.
@@ -137,8 +107,8 @@ class KernelBench {
  private:
   void RunOn(const KernelCase& kernel, std::size_t n, bool opaque) const {
     const Operands operands(kernel, n, opaque);
-    if (!operands.DependOnAlpha() && !opaque) return;
-    const char* const content = operands.DependOnAlpha() ? kContents[opaque ? 0 : 1] : "any";
+    if (!operands.HaveAlpha() && !opaque) return;
+    const char* const content = operands.HaveAlpha() ? kContents[opaque ? 0 : 1] : "any";
     std::vector<std::function<void()>> batches;
     std::vector<double> pixels;
     for (const NamedKernels& level : levels_) {

@@ -81,3 +81,7 @@ KernelArguments MakeArguments(std::size_t n, Random& random);
 /// Contents of an operand: runs that are wholly opaque, wholly clear, mostly the one or the other, well-formed and
 /// malformed, grey and coloured. `operand` can be an input, or an output that is added to.
 void MakeOperand(Operand operand, const KernelArguments& arguments, Random& random, void* bytes);
+
+/// Well-formed pixels that are all opaque or of any alpha, for times; false, and nothing done, where an operand's bytes
+/// are no pixels with an alpha that could matter.
+bool MakeOrdinaryPixels(Operand operand, const KernelArguments& arguments, bool opaque, Random& random, void* bytes);

@@ -76,8 +76,7 @@ std::uint32_t MakePixel(Operand form, const Style& style, std::size_t i, Random&
   return alpha << 24 | MakeColour(style, 255, random);
 }
 
-void MakePixels(Operand form, std::size_t count, Random& random, void* bytes) {
-  const Style style = MakeStyle(count, random);
+void MakePixels(Operand form, std::size_t count, const Style& style, Random& random, void* bytes) {
   for (std::size_t i = 0; i < count; ++i) {
     const std::uint32_t pixel = MakePixel(form, style, i, random);
     std::memcpy(static_cast<std::uint8_t*>(bytes) + 4 * i, &pixel, 4);
@@ -208,6 +207,15 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
       *static_cast<HSVSums*>(bytes) = MakeHSVSums(random);
       return;
     default:
-      MakePixels(operand, SizeOf(operand, arguments) / 4, random, bytes);
+      const std::size_t count = SizeOf(operand, arguments) / 4;
+      MakePixels(operand, count, MakeStyle(count, random), random, bytes);
   }
+}
+
+bool MakeOrdinaryPixels(Operand operand, const KernelArguments& arguments, bool opaque, Random& random, void* bytes) {
+  constexpr Operand kOthers[] = {Operand::OnePixel, Operand::Columns, Operand::RGBTotals, Operand::HSVTotals};
+  if (std::find(std::begin(kOthers), std::end(kOthers), operand) != std::end(kOthers)) return false;
+  const std::size_t count = SizeOf(operand, arguments) / 4;
+  MakePixels(operand, count, {opaque ? Alphas::Opaque : Alphas::Any, Colours::Any, true, 0, count}, random, bytes);
+  return true;
 }
