@@ -33,6 +33,18 @@ struct Loaded {
   std::unique_ptr<Plugin> plugin;
 };
 
+// What a level took, and the copy before it.
+struct Pair {
+  Timing copy;
+  Timing call;
+};
+
+std::vector<Pair> Pairs(const std::vector<Timing>& timings) {
+  std::vector<Pair> pairs(timings.size() / 2);
+  for (std::size_t i = 0; i < pairs.size(); ++i) pairs[i] = {timings[2 * i], timings[2 * i + 1]};
+  return pairs;
+}
+
 struct Size {
   int width = 0;
   int height = 0;
@@ -73,9 +85,13 @@ class MethodBench {
     if (!json_) WriteHead(form, content);
     for (const Operation& operation : Operations()) {
       if (!options_.Wants("operation", operation.name)) continue;
-      std::vector<std::function<void()>> works = {workbench.Copy()};
-      for (const Loaded& loaded : plugins_) works.push_back(workbench.Call(*loaded.plugin, operation));
-      const std::vector<Timing> timings = MeasureInTurn(works, budget_);
+      // A copy before each call, so that every level finds the caches alike.
+      std::vector<std::function<void()>> works;
+      for (const Loaded& loaded : plugins_) {
+        works.push_back(workbench.Copy());
+        works.push_back(workbench.Call(*loaded.plugin, operation));
+      }
+      const std::vector<Pair> timings = Pairs(MeasureInTurn(works, budget_));
       if (json_) {
         WriteJson(form, content, operation, timings);
       } else {
@@ -95,26 +111,26 @@ class MethodBench {
     std::printf("\n");
   }
 
-  void WriteRow(const Operation& operation, const std::vector<Timing>& timings) const {
-    std::printf("%-22s %7.3f", operation.name, Nanoseconds(timings[0].median));
-    for (std::size_t i = 1; i < timings.size(); ++i) {
-      const Timing& timing = timings[i];
-      std::printf("  %8.3f %7.2fx %+3.0f%% %+3.0f%%", Nanoseconds(timing.median), timing.median / timings[0].median,
-                  100 * (timing.low / timing.median - 1), 100 * (timing.high / timing.median - 1));
+  void WriteRow(const Operation& operation, const std::vector<Pair>& timings) const {
+    std::printf("%-22s %7.3f", operation.name, Nanoseconds(timings.front().copy.median));
+    for (const auto& [copy, call] : timings) {
+      std::printf("  %8.3f %7.2fx %+3.0f%% %+3.0f%%", Nanoseconds(call.median), call.median / copy.median,
+                  100 * (call.low / call.median - 1), 100 * (call.high / call.median - 1));
     }
     std::printf("\n");
     std::fflush(stdout);
   }
 
   void WriteJson(const char* form, const Content& content, const Operation& operation,
-                 const std::vector<Timing>& timings) const {
-    for (std::size_t i = 1; i < timings.size(); ++i) {
+                 const std::vector<Pair>& timings) const {
+    for (std::size_t i = 0; i < timings.size(); ++i) {
+      const auto& [copy, call] = timings[i];
       std::printf(R"({"bits":%d,"form":"%s","content":"%s","width":%d,"height":%d,"operation":"%s","level":"%s",)"
                   R"("memcpy":%.5f,"ns":%.5f,"low":%.5f,"high":%.5f})"
                   "\n",
                   static_cast<int>(8 * sizeof(void*)), form, content.name, size_.width, size_.height, operation.name,
-                  plugins_[i - 1].level.name.c_str(), Nanoseconds(timings[0].median), Nanoseconds(timings[i].median),
-                  Nanoseconds(timings[i].low), Nanoseconds(timings[i].high));
+                  plugins_[i].level.name.c_str(), Nanoseconds(copy.median), Nanoseconds(call.median),
+                  Nanoseconds(call.low), Nanoseconds(call.high));
     }
     std::fflush(stdout);
   }

@@ -9,8 +9,8 @@ import statistics
 import subprocess
 
 CONTENTS = {"opaque": "opaque", "fading": "alpha from 0 to 255", "soft": "soft edges"}
-PACKAGES = ("g++ libc6 libyuv0 libopencv-core406 libpixman-1-0 liblept5 libvips42 libstb-dev libimlib2 "
-            "libgraphicsmagick-q16-3").split()
+PACKAGES = ("g++ libc6-dev libyuv-dev libopencv-core-dev libpixman-1-dev libleptonica-dev libvips-dev libstb-dev "
+            "libimlib2-dev libgraphicsmagick1-dev").split()
 
 
 def lines_of(file):

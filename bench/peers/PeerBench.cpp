@@ -65,10 +65,11 @@ class PeerBench {
     for (const Peer& peer : peers) {
       if (!options_.Wants("peer", peer.library) || (translucent && !peer.knowsAlpha)) continue;
       for (const PeerWork& work : peer.prepare(source.Picture())) {
-        if (!options_.Wants("operation", work.operation)) continue;
+        const Operation& operation = Operations()[IndexOf(work)];
+        if (!options_.Wants("operation", operation.name) || (translucent && !operation.takesPicture)) continue;
         // A copy before each, so that both find their source equally warm.
         const std::function<void()> copy = workbench.Copy();
-        const std::function<void()> call = workbench.Call(plugin_, Operations()[IndexOf(work)]);
+        const std::function<void()> call = workbench.Call(plugin_, operation);
         Tell(content, peer, work, MeasureInTurn({copy, call, copy, work.work}, budget_));
         workbench.Clear();
       }
@@ -78,7 +79,7 @@ class PeerBench {
  private:
   void Tell(const Content& content, const Peer& peer, const PeerWork& work, const std::vector<Timing>& timings) const {
     const auto ns = [](const Timing& timing) { return timing.median * 1e9 / (double{kWidth} * kHeight); };
-    const double memcpyNs = ns(timings[0]), ours = ns(timings[1]), theirs = ns(timings[3]);
+    const double memcpyNs = (ns(timings[0]) + ns(timings[2])) / 2, ours = ns(timings[1]), theirs = ns(timings[3]);
     if (options_.Has("json")) {
       std::printf(R"({"content":"%s","index":%zu,"operation":"%s","library":"%s","version":"%s","difference":"%s",)"
                   R"("memcpy":%.5f,"ours":%.5f,"theirs":%.5f})"
