@@ -178,7 +178,7 @@ def sections(results):
     parts = {"machine": "\n".join([
         f"- Processor: {host['cpu']} ({host['caches']}), one core, one thread",
         f"- System: {host['kernel']}; compiler: {host['compiler']}, Release (`-O2`)",
-        f"- Command: `{host['command']}`, {host['date']}, at {host['commit']}",
+        f"- Command: `{host['command']}`, {host['date']}",
         f"- Packages: {', '.join(host['packages'])}",
     ])}
     if results.get("methods"):
