@@ -54,6 +54,7 @@ void Pool::SetSize(PoolPicture& picture, host::Storage storage, int width, int h
   picture.pixels = Memory(std::max<std::size_t>(picture.Bytes(), 1));
   if (picture.pixels == nullptr || static_cast<std::size_t>(picture.height) > kMostRows) {
     picture.width = picture.height = 0;
+    ++shortages_;
   }
   if (storage == host::Storage::Buffer) LayOutRecord(picture);
 }

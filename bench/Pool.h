@@ -38,6 +38,8 @@ class Pool {
   /// Gives it memory, with whatever an earlier picture left there. Without memory its size is 0 x 0.
   void SetSize(PoolPicture& picture, host::Storage storage, int width, int height);
   void GiveBack(PoolPicture& picture);
+  /// How many pictures have had no memory.
+  int Shortages() const { return shortages_; }
 
   /// Returns the memory that no picture uses to the system, so that the next operation has room.
   void ReleaseUnused();
@@ -55,6 +57,7 @@ class Pool {
   static constexpr std::size_t kMostPictures = 8;
   std::array<PoolPicture, kMostPictures> pictures_;
   std::vector<Block> blocks_;
+  int shortages_ = 0;
 };
 
 }  // namespace bench

@@ -32,7 +32,7 @@ std::vector<Level> LevelsIn(const std::string& folder) {
 
 Workbench::Workbench(host::Storage storage, const Pixels& pixels, int width, int height)
     : pool_(storage), source_(pool_.Make(width, height)), copy_(pool_.Make(width, height)) {
-  if (source_->Bytes() == 0 || copy_->Bytes() == 0) throw host::Error("no memory for the picture");
+  if (pool_.Shortages() != 0) throw host::Error("no memory for the picture");
   Store(pixels, *source_);
 }
 
@@ -45,12 +45,14 @@ std::function<void()> Workbench::Call(const Plugin& plugin, const Operation& ope
   if (operation.inPlace) Copy()();
   auto call =
       std::make_shared<MethodCall>(plugin.Method(operation.method), operation.inPlace ? copy_ : source_, arguments);
+  const int shortages = pool_.Shortages();
   PoolPicture* const result = (*call)();
   const std::int32_t error = plugin.LastError();
   const bool empty = call->ReturnsPicture() && (result == nullptr || result->Bytes() == 0);
   if (result != nullptr) pool_.GiveBack(*result);
+  if (pool_.Shortages() != shortages) throw host::Error("no memory for its pictures");
   if (error != 0) throw host::Error("failed with code " + std::to_string(error));
-  if (empty) throw host::Error("no picture came out, perhaps for lack of memory");
+  if (empty) throw host::Error("gave no picture");
   return [this, call] {
     if (PoolPicture* const picture = (*call)()) pool_.GiveBack(*picture);
   };
