@@ -70,6 +70,15 @@ class LMX_Picture {
     return Address(reinterpret_cast<const std::uint32_t*>(Address(buffer->rowTable))[r]);
   }
 
+  /// Whether the pixels of every row can be used: they have 32 bits, and no row of a buffer is missing.
+  bool HasEveryRow() const {
+    if (bitsPerPixel != 32) return false;
+    for (std::int32_t r = 0; buffer && r < height; ++r) {
+      if (!RowAddress(r)) return false;
+    }
+    return true;
+  }
+
   /// The working pixel of a stored one.
   std::uint32_t ReadPixel(const std::uint8_t* address) const {
     if (buffer) return LMX_Pixel::ReadBuffer(address);

@@ -249,15 +249,6 @@ void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Pic
   fillRows(bottom, result.height);
 }
 
-// Whether no row of a buffer is missing, so that a walk down any column passes every row.
-bool HasEveryRow(const LMX_Picture& picture) {
-  if (!picture.buffer) return true;
-  for (std::int32_t r = 0; r < picture.height; ++r) {
-    if (!picture.RowAddress(r)) return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color,
@@ -282,7 +273,7 @@ void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, 
   const Placement at = Place(source.height, source.width, result.height, result.width, shear);
   const Frame frame(frame_color);
   // Where rows are missing, each column has to be walked from its own first row.
-  const std::int32_t widest = HasEveryRow(source) ? kColumns : 1;
+  const std::int32_t widest = source.HasEveryRow() ? kColumns : 1;
   YieldPace pace(yield);
   std::int64_t offset = at.offset;
   for (std::int32_t x = 0; x < result.width;) {

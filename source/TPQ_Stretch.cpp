@@ -36,6 +36,55 @@ Units UnitsFor(std::int32_t from, std::int32_t to) {
   return {perSource, perSource * static_cast<std::uint32_t>(from) / static_cast<std::uint32_t>(to)};
 }
 
+// The boxes of a line, one destination pixel after the other. The destination never takes more units than the source has,
+// so that a line is not used up before its end.
+class Boxes {
+ public:
+  // A box begins with the source pixel in hand and has `count` of them; `advance` is how far that one moves afterwards.
+  struct Box {
+    std::uint32_t count;
+    BoxUnits units;
+    std::uint32_t advance;
+  };
+
+  explicit Boxes(const Units& units) : units_(units), remaining_(units.perSource) {}
+
+  Box Next() {
+    Box box = {1, {units_.perDestination, 0, 0}, 0};
+    if (remaining_ >= units_.perDestination) {
+      remaining_ -= units_.perDestination;
+    } else {
+      const std::uint32_t need = units_.perDestination - remaining_;
+      box.count = 1 + (need + units_.perSource - 1) / units_.perSource;
+      box.units = {remaining_, units_.perSource, need - (box.count - 2) * units_.perSource};
+      remaining_ = units_.perSource - box.units.last;
+    }
+    box.advance = box.count - 1;
+    if (remaining_ == 0) {
+      ++box.advance;
+      remaining_ = units_.perSource;
+    }
+    return box;
+  }
+
+  // The most source pixels that a box can have.
+  std::uint32_t MostPixels() const { return 2 + units_.perDestination / units_.perSource; }
+
+ private:
+  Units units_;
+  std::uint32_t remaining_;  // units of the source pixel in hand that are still to be taken
+};
+
+// Averages n pixels from up to kMostBoxRuns runs. Of one run every pixel is its own average.
+void AverageRuns(const RunKernels& kernels, PixelForm from, PixelForm to, const Boxes::Box& box,
+                 const std::uint8_t* const* runs, std::uint8_t* averages, std::size_t n) {
+  if (box.count == 1) {
+    kernels.copy[from][to](averages, *runs, n);
+  } else {
+    kernels.box[from][to](averages, runs, box.count, &box.units, n);
+  }
+}
+
 // A pass works on neighbouring lines side by side, since all of them share the same units. A group is one pixel of each
 // of these lines. Readers give windows of groups, beginning with the one that is in hand; writers take groups one by one.
 
@@ -184,78 +233,91 @@ class RowWriter {
 
 // One group from more groups than a kernel takes at once.
 template <class Reader>
-void AverageGroups(Reader& reader, std::uint8_t* to, PixelForm form, std::uint32_t count, const BoxUnits& units,
-                   std::size_t lines) {
+void AverageGroups(Reader& reader, const Boxes::Box& box, PixelForm form, std::uint8_t* to, std::size_t lines) {
   std::uint32_t sums[4 * Reader::kMostLines];
   std::fill_n(sums, 4 * lines, 0);
   const auto add = [&](std::uint32_t groups, std::uint32_t unitsOfEach) {
     gRunKernels.addToBoxes[reader.Form()](sums, reader.Window(groups), groups, unitsOfEach, lines);
   };
-  add(1, units.first);
+  add(1, box.units.first);
   reader.Advance(1);
-  for (std::uint32_t left = count - 2; left > 0;) {
+  for (std::uint32_t left = box.count - 2; left > 0;) {
     const std::uint32_t part = std::min<std::uint32_t>(left, kMostBoxRuns);
-    add(part, units.whole);
+    add(part, box.units.whole);
     reader.Advance(part);
     left -= part;
   }
-  add(1, units.last);
-  gRunKernels.averageBoxes[form](to, sums, units.Of(count), lines);
+  add(1, box.units.last);
+  gRunKernels.averageBoxes[form](to, sums, box.units.Of(box.count), lines);
+  reader.Advance(box.advance - (box.count - 1));
 }
 
-// Makes `length` groups in the form of a picture. The destination never takes more units than the source has, so that a
-// line is not used up before its end.
+// Makes `length` groups in the form of a picture.
 template <class Reader, class Writer>
 void StretchLines(Reader&& reader, Writer&& writer, PixelForm form, const Units& units, std::int32_t length,
                   std::size_t lines) {
-  std::uint32_t remaining = units.perSource;  // units of the group in hand that are still to be taken
+  Boxes boxes(units);
   for (std::int32_t i = 0; i < length; ++i) {
-    std::uint8_t* const to = writer.Group();
-    if (remaining >= units.perDestination) {  // all from one pixel, which is its own average
-      writer.Kernels().copy[reader.Form()][form](to, *reader.Window(1), lines);
-      remaining -= units.perDestination;
+    const Boxes::Box box = boxes.Next();
+    if (box.count <= kMostBoxRuns) {
+      AverageRuns(writer.Kernels(), reader.Form(), form, box, reader.Window(box.count), writer.Group(), lines);
+      reader.Advance(box.advance);
     } else {
-      const std::uint32_t need = units.perDestination - remaining;
-      const std::uint32_t count = 1 + (need + units.perSource - 1) / units.perSource;
-      const BoxUnits taken = {remaining, units.perSource, need - (count - 2) * units.perSource};
-      if (count <= kMostBoxRuns) {
-        writer.Kernels().box[reader.Form()][form](to, reader.Window(count), count, &taken, lines);
-        reader.Advance(count - 1);
-      } else {
-        AverageGroups(reader, to, form, count, taken, lines);
-      }
-      remaining = units.perSource - taken.last;
+      AverageGroups(reader, box, form, writer.Group(), lines);
     }
     writer.Done();
-    if (remaining == 0) {
-      reader.Advance(1);
-      remaining = units.perSource;
-    }
   }
   writer.Finish();
 }
 
-template <class Reader, class Writer>
-void Pass(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t from, std::int32_t to,
-          std::int32_t lines, long yield) {
-  if (from < 1 || to < 1 || IsBeyondPass(from, to)) return;  // a host that made a picture of another size
-  const Units units = UnitsFor(from, to);
-  YieldPace pace(yield);
-  for (std::int32_t line = 0; line < lines;) {
-    const std::int32_t n = pace.BeginLines(to, std::min(Reader::kMostLines, lines - line));
-    StretchLines(Reader(source, line, n), Writer(destination, line, n), FormOf(destination), units, to,
-                 static_cast<std::size_t>(n));
-    line += n;
+// Rows y to y + n - 1 of the row pass, n <= kRows.
+void StretchRows(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y, std::int32_t n) {
+  if (source.width == static_cast<std::int64_t>(destination.width) * 2) {
+    for (std::int32_t i = y; i < y + n; ++i) HalveRun({destination, 0, i}, {source, 0, i}, destination.width);
+    return;
   }
+  StretchLines(RowReader(source, y, n), RowWriter(destination, y, n), FormOf(destination),
+               UnitsFor(source.width, destination.width), destination.width, static_cast<std::size_t>(n));
 }
 
-// The row pass to half the length, which needs no tile.
-void HalveRows(const LMX_Picture& source, const LMX_Picture& destination, long yield) {
-  YieldPace pace(yield);
-  for (std::int32_t y = 0; y < destination.height; ++y) {
-    pace.BeginLines(destination.width, 1);
-    HalveRun({destination, 0, y}, {source, 0, y}, destination.width);
+// Columns x to x + n - 1 of the column pass, n <= kColumns.
+void StretchColumns(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t x, std::int32_t n) {
+  StretchLines(ColumnReader(source, x, n), ColumnWriter(destination, x, n), FormOf(destination),
+               UnitsFor(source.height, destination.height), destination.height, static_cast<std::size_t>(n));
+}
+
+// Whether a pass can be made; a host may have made a picture of another size.
+bool IsPass(std::int32_t from, std::int32_t to) {
+  return from >= 1 && to >= 1 && !IsBeyondPass(from, to);
+}
+
+// Both passes together, where nobody can see the difference: no yield shows what is complete, and no row is missing. The
+// rows of the temporary picture are used as soon as they are made. False, and nothing done, where it cannot be so.
+bool StretchAtOnce(const LMX_Picture& source, const LMX_Picture& temporary, const LMX_Picture& result) {
+  if (!IsPass(source.width, temporary.width) || !IsPass(temporary.height, result.height) ||
+      temporary.height != source.height || temporary.width != result.width || !temporary.HasEveryRow() ||
+      !result.HasEveryRow()) {
+    return false;
   }
+  Boxes boxes(UnitsFor(temporary.height, result.height));
+  if (boxes.MostPixels() > kMostBoxRuns) return false;
+  const RunKernels& kernels = KernelsFor(result);
+  std::int32_t made = 0;   // rows of the temporary picture
+  std::int32_t first = 0;  // its row in hand
+  for (std::int32_t y = 0; y < result.height; ++y) {
+    const Boxes::Box box = boxes.Next();
+    const std::int32_t count = static_cast<std::int32_t>(box.count);
+    for (std::int32_t n; made < first + count; made += n) {
+      n = std::min(kRows, temporary.height - made);
+      StretchRows(source, temporary, made, n);
+    }
+    const std::uint8_t* rows[kMostBoxRuns];
+    for (std::int32_t i = 0; i < count; ++i) rows[i] = temporary.RowAddress(first + i);
+    AverageRuns(kernels, FormOf(temporary), FormOf(result), box, rows, result.RowAddress(y),
+                static_cast<std::size_t>(result.width));
+    first += static_cast<std::int32_t>(box.advance);
+  }
+  return true;
 }
 
 }  // namespace
@@ -294,15 +356,27 @@ void PrivStretch_NonVector_NoMask(LMX_Picture& source, LMX_Picture& result, long
     gLMX_Error = kCantLockIntermediate;
     return;
   }
+  if (yield <= 0 && StretchAtOnce(source, temporary, result)) return;
   Priv_StetchHorizontal(source, temporary, yield);
   Priv_StetchVertical(temporary, result, yield);
 }
 
 void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield) {
-  if (source.width == static_cast<std::int64_t>(destination.width) * 2) return HalveRows(source, destination, yield);
-  Pass<RowReader, RowWriter>(source, destination, source.width, destination.width, destination.height, yield);
+  if (!IsPass(source.width, destination.width)) return;
+  YieldPace pace(yield);
+  for (std::int32_t y = 0; y < destination.height;) {
+    const std::int32_t n = pace.BeginLines(destination.width, std::min(kRows, destination.height - y));
+    StretchRows(source, destination, y, n);
+    y += n;
+  }
 }
 
 void Priv_StetchVertical(LMX_Picture& source, LMX_Picture& destination, long yield) {
-  Pass<ColumnReader, ColumnWriter>(source, destination, source.height, destination.height, destination.width, yield);
+  if (!IsPass(source.height, destination.height)) return;
+  YieldPace pace(yield);
+  for (std::int32_t x = 0; x < destination.width;) {
+    const std::int32_t n = pace.BeginLines(destination.height, std::min(kColumns, destination.width - x));
+    StretchColumns(source, destination, x, n);
+    x += n;
+  }
 }
