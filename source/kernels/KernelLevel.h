@@ -2,6 +2,6 @@
 // level differs from the plug-in in this one object.
 #pragma once
 
-enum class KernelLevel { plain, sse2, avx2 };
+enum class KernelLevel { plain, sse2, avx2, avx512 };
 
 extern const KernelLevel kHighestLevel;

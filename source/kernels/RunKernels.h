@@ -97,6 +97,8 @@ void FillSse2(RunKernels* kernels);
 void StreamSse2(RunKernels* kernels);
 void FillAvx2(RunKernels* kernels);
 void StreamAvx2(RunKernels* kernels);
+void FillAvx512(RunKernels* kernels);
+void StreamAvx512(RunKernels* kernels);
 #endif
 
 /// Puts what was written past the cache before everything that follows, as other processors see it.

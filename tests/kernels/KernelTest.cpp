@@ -245,6 +245,7 @@ TEST(KernelTable, HasOneCaseForEverySlot) {
 
 TEST(KernelTable, HasItsNameAndNoEmptySlotAtAnyLevel) {
   for (const std::string& level : LevelNames()) {
+    if (!RunsHere(level)) continue;
     const RunKernels kernels = KernelsOf(level);
     EXPECT_EQ(kernels.level, level.substr(0, level.find('_')));
     for (const KernelCase& kernel : KernelCases()) {
@@ -260,8 +261,8 @@ TEST(KernelTable, SelectedTablesAreThoseOfTheHighestLevelThatRunsHere) {
   RunKernels kernels = KernelsOf("plain"), streaming = kernels;
   for (const std::string& level : LevelNames()) {
     if (!RunsHere(level)) continue;
-    streaming = KernelsOf(level);
-    if (!IsStreaming(level)) kernels = streaming;
+    if (!IsVariant(level)) kernels = KernelsOf(level);
+    if (level == std::string(kernels.level) + "_streaming") streaming = KernelsOf(level);
   }
   SelectRunKernels();
   EXPECT_EQ(std::memcmp(&gRunKernels, &kernels, sizeof kernels), 0) << kernels.level;

@@ -2,14 +2,31 @@
 
 #include <algorithm>
 
+namespace {
+
+bool HasAvx2() {
+  return __builtin_cpu_supports("avx2") != 0;
+}
+bool HasAvx512() {
+  return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
+}
+
+}  // namespace
+
 const std::vector<Level>& Levels() {
   static const std::vector<Level> levels = {
       {"plain", FillPlain, [] { return true; }},
 #ifdef LMX_X86
       {"sse2", FillSse2, [] { return true; }},
       {"sse2_streaming", StreamSse2, [] { return true; }},
-      {"avx2", FillAvx2, [] { return __builtin_cpu_supports("avx2") != 0; }},
-      {"avx2_streaming", StreamAvx2, [] { return __builtin_cpu_supports("avx2") != 0; }},
+      {"avx2", FillAvx2, HasAvx2},
+      {"avx2_streaming", StreamAvx2, HasAvx2},
+      {"avx512", FillAvx512, HasAvx512},
+      {"avx512_streaming", StreamAvx512, HasAvx512},
+#endif
+#ifdef LMX_EMULATED_AVX512
+      {"avx512_emulated", FillAvx512Emulated, HasAvx2},
+      {"avx512_emulated_streaming", StreamAvx512Emulated, HasAvx2},
 #endif
   };
   return levels;
@@ -21,8 +38,8 @@ std::vector<std::string> LevelNames() {
   return names;
 }
 
-bool IsStreaming(const std::string& level) {
-  return level.find("_streaming") != std::string::npos;
+bool IsVariant(const std::string& level) {
+  return level.find('_') != std::string::npos;
 }
 
 bool RunsHere(const std::string& level) {
@@ -32,7 +49,7 @@ bool RunsHere(const std::string& level) {
 RunKernels KernelsOf(const std::string& level) {
   RunKernels kernels = {};
   for (const Level& l : Levels()) {
-    l.fill(&kernels);
+    if (l.runsHere()) l.fill(&kernels);  // filling in takes the level's instructions, too
     if (level == l.name) break;
   }
   return kernels;

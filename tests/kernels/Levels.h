@@ -12,14 +12,15 @@ struct Level {
   bool (*runsHere)();
 };
 
-/// Lowest first; each fills in on top of those before it. What writes past the cache counts as a level of its own.
+/// Lowest first; each fills in on top of those before it. Variants count as levels of their own: a level's way past the
+/// cache, and AVX-512 where it is emulated for processors without it.
 const std::vector<Level>& Levels();
 
 /// The names of all levels.
 std::vector<std::string> LevelNames();
 
-/// Whether it is what writes past the cache.
-bool IsStreaming(const std::string& level);
+/// Whether it is a variant, "<level>_<what>", and not what a library starts with.
+bool IsVariant(const std::string& level);
 
 /// Whether this processor can run the level.
 bool RunsHere(const std::string& level);
@@ -34,3 +35,7 @@ struct NamedKernels {
 
 /// Those of every level that this processor can run.
 std::vector<NamedKernels> LevelsHere();
+
+/// AVX-512 from its own sources, whose instructions are emulated.
+void FillAvx512Emulated(RunKernels* kernels);
+void StreamAvx512Emulated(RunKernels* kernels);

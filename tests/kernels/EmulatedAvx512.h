@@ -1,0 +1,72 @@
+// AVX-512 by way of SIMDe, which gives every intrinsic as portable code: includes its names, and what its version in
+// Debian 12 lacks.
+#pragma once
+
+#define SIMDE_ENABLE_NATIVE_ALIASES
+#include <simde/x86/avx512.h>
+//
+#include <cstdint>
+#include <cstring>
+
+namespace emulated {
+
+// Applies operation(low half), or of two halves, and puts the results together.
+template <class Operation>
+inline __m512i ByHalves(__m512i a, Operation operation) {
+  const __m512i low = _mm512_castsi256_si512(operation(_mm512_castsi512_si256(a)));
+  return _mm512_inserti64x4(low, operation(_mm512_extracti64x4_epi64(a, 1)), 1);
+}
+template <class Operation>
+inline __m512i ByHalves(__m512i a, __m512i b, Operation operation) {
+  const __m512i low = _mm512_castsi256_si512(operation(_mm512_castsi512_si256(a), _mm512_castsi512_si256(b)));
+  return _mm512_inserti64x4(low, operation(_mm512_extracti64x4_epi64(a, 1), _mm512_extracti64x4_epi64(b, 1)), 1);
+}
+
+}  // namespace emulated
+
+#undef _mm512_mulhi_epu16
+#define _mm512_mulhi_epu16(a, b) emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_mulhi_epu16(x, y); })
+#undef _mm512_madd_epi16
+#define _mm512_madd_epi16(a, b) emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_madd_epi16(x, y); })
+#undef _mm512_shufflelo_epi16
+#define _mm512_shufflelo_epi16(a, i) emulated::ByHalves(a, [](__m256i x) { return _mm256_shufflelo_epi16(x, i); })
+#undef _mm512_shufflehi_epi16
+#define _mm512_shufflehi_epi16(a, i) emulated::ByHalves(a, [](__m256i x) { return _mm256_shufflehi_epi16(x, i); })
+
+// Masks come from lanes and become lanes again.
+#undef _mm512_cmpeq_epi16_mask
+#define _mm512_cmpeq_epi16_mask(a, b) \
+  _mm512_movepi16_mask(emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_cmpeq_epi16(x, y); }))
+#undef _mm512_cmpgt_epi16_mask
+#define _mm512_cmpgt_epi16_mask(a, b) \
+  _mm512_movepi16_mask(emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_cmpgt_epi16(x, y); }))
+
+#undef _mm512_stream_si512
+#define _mm512_stream_si512(p, a) std::memcpy(p, &static_cast<const __m512i&>(a), 64)
+
+namespace emulated {
+
+inline __m512i Gather(__m512i index, const void* table) {
+  std::uint32_t lanes[16];
+  std::memcpy(lanes, &index, sizeof lanes);
+  for (std::uint32_t& lane : lanes) std::memcpy(&lane, static_cast<const char*>(table) + 4 * lane, sizeof lane);
+  std::memcpy(&index, lanes, sizeof lanes);
+  return index;
+}
+
+inline __m512d ToDoubles(__m256i a) {
+  std::int32_t lanes[8];
+  double doubles[8];
+  std::memcpy(lanes, &a, sizeof lanes);
+  for (int i = 0; i < 8; ++i) doubles[i] = lanes[i];
+  __m512d result;
+  std::memcpy(&result, doubles, sizeof result);
+  return result;
+}
+
+}  // namespace emulated
+
+#undef _mm512_i32gather_epi32
+#define _mm512_i32gather_epi32(index, table, scale) emulated::Gather(index, table)
+#undef _mm512_cvtepi32_pd
+#define _mm512_cvtepi32_pd(a) emulated::ToDoubles(a)
