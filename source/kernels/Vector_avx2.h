@@ -18,7 +18,6 @@ struct Vector {
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm256_setzero_si256(); }
-  LMX_EXPAND static Reg Set8(uint32_t v) { return _mm256_set1_epi8(static_cast<char>(v)); }
   LMX_EXPAND static Reg Set16(uint32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
   LMX_EXPAND static Reg Set32(uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
   LMX_EXPAND static Reg Set64(long long v) { return _mm256_set1_epi64x(v); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#ifdef LMX_X86
 namespace {
 
 bool HasAvx2() {
@@ -12,6 +13,7 @@ bool HasAvx512() {
 }
 
 }  // namespace
+#endif
 
 const std::vector<Level>& Levels() {
   static const std::vector<Level> levels = {
