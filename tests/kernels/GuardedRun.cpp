@@ -60,6 +60,10 @@ std::uint8_t GuardedRun::PatternByte(std::uint8_t pattern, std::size_t index) {
   return static_cast<std::uint8_t>(pattern + index * 37);
 }
 
+std::size_t GuardedRun::RingFrom(std::size_t index) const {
+  return first_ + index == run_ ? index + size_ : index;
+}
+
 void* GuardedRun::Place(std::size_t size, host::Flush flush, std::size_t shift, std::uint8_t pattern) {
   if (size > largest_ || shift > kRing) throw host::Error("a run that does not fit its guarded memory");
   size_ = size;
@@ -72,15 +76,13 @@ void* GuardedRun::Place(std::size_t size, host::Flush flush, std::size_t shift, 
     first_ = start_.Block(0);
     run_ = first_ + shift;
   }
-  for (std::size_t i = 0; i < watched_; ++i) first_[i] = PatternByte(pattern, i);
+  for (std::size_t i = RingFrom(0); i < watched_; i = RingFrom(i + 1)) first_[i] = PatternByte(pattern, i);
   return run_;
 }
 
 std::string GuardedRun::RingDamage() const {
-  for (std::size_t i = 0; i < watched_; ++i) {
-    const std::uint8_t* byte = first_ + i;
-    if (byte >= run_ && byte < run_ + size_) continue;
-    if (*byte != PatternByte(pattern_, i)) return Locate(byte);
+  for (std::size_t i = RingFrom(0); i < watched_; i = RingFrom(i + 1)) {
+    if (first_[i] != PatternByte(pattern_, i)) return Locate(first_ + i);
   }
   return {};
 }

@@ -16,8 +16,8 @@ class GuardedRun {
 
   explicit GuardedRun(std::size_t largest);
 
-  /// Gives `size` bytes, `shift` bytes away from the inaccessible page behind (Flush::End) or before them. All that is
-  /// accessible around them, and they too, holds `pattern` bytes, which differ from place to place.
+  /// Gives `size` bytes, `shift` bytes away from the inaccessible page behind (Flush::End) or before them, for the caller
+  /// to fill. All that is accessible around them holds `pattern` bytes, which differ from place to place.
   void* Place(std::size_t size, host::Flush flush, std::size_t shift, std::uint8_t pattern);
 
   /// Where the ring was changed, relative to the run's first byte; empty while it is as it was.
@@ -31,6 +31,8 @@ class GuardedRun {
 
  private:
   static std::uint8_t PatternByte(std::uint8_t pattern, std::size_t index);
+  /// The first index from this one on, counted from first_, that is not in the run.
+  std::size_t RingFrom(std::size_t index) const;
 
   std::size_t largest_;
   host::GuardedMemory end_;
