@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <link.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -77,8 +78,10 @@ TEST(LoadedLibrary, RunsTheBestLevelUpToItsCap) {
   }
 }
 
+// LMX_EXPECTED_LEVEL names it where somebody else knows the processor.
 TEST(LoadedLibrary, RunsTheBestLevelWithoutACap) {
-  EXPECT_EQ(LevelOf(LMX_LIBRARY_FILE), HighestUpTo(""));
+  const char* const expected = std::getenv("LMX_EXPECTED_LEVEL");
+  EXPECT_EQ(LevelOf(LMX_LIBRARY_FILE), expected ? expected : HighestUpTo(""));
 }
 
 }  // namespace
