@@ -67,15 +67,14 @@ host::Options OptionsOf(const MethodInput& input) {
 
 class FaultyCall {
  public:
-  explicit FaultyCall(const MethodInput& input)
-      : input_(input),
+  FaultyCall(host::Host& host, const MethodInput& input)
+      : host_(host),
+        input_(input),
         method_(MethodOf(input)),
         setting_(SettingOf(input)),
-        arguments_(Arguments(input)),
-        host_(OptionsOf(input)) {}
+        arguments_(Arguments(input)) {}
 
-  void Check() {
-    host_.Load(support::LibraryPath());
+  std::optional<int> Check() {
     host_.newPictures.change = [this](int ordinal, host::PictureShape& shape) { ShapeNewPicture(ordinal, shape); };
     if (method_.hasSource && setting_.source) MakeSource();
     Call();
@@ -83,6 +82,7 @@ class FaultyCall {
     CheckFailureGivesNothing();
     if (!HasDefects(input_)) CheckExpectation();
     CheckNextCall();
+    return thrower_ ? std::nullopt : std::optional(code_);
   }
 
  private:
@@ -211,11 +211,11 @@ class FaultyCall {
     Require(next.Is<Picture>() && host_.Complaints().empty(), "the next call fails");
   }
 
+  host::Host& host_;
   const MethodInput& input_;
   const Method& method_;
   const support::Setting setting_;
   const std::vector<Value> arguments_;
-  host::Host host_;
 
   Picture source_;
   host::Snapshot before_;
@@ -229,10 +229,9 @@ class FaultyCall {
 
 // ----------------------------------------------------------------------------------------------------------- messages
 
-void CheckMessage(const MethodInput& input) {
-  host::Host host(OptionsOf(input));
-  host.Load(support::LibraryPath());
+void CheckMessage(host::Host& host, const MethodInput& input) {
   host.ResetCounts();
+  const Value codeBefore = host.Call("GetLastError", {}).result;
   const int code = Arguments(input)[0].AsInteger();
   Inject(input.fault, host);
   Value text;
@@ -242,11 +241,19 @@ void CheckMessage(const MethodInput& input) {
   } catch (const host::Thrown&) {
     thrown = true;
   }
+  host.ClearFaults();
   Require(thrown == ThrowsAtOnce(input.fault, Service::BuildString), "an exception was lost, or came from nowhere");
   Require(text.IsNil() == (thrown || Lacks(input.fault, Service::BuildString)), "a text, or none");
   Require(text.IsNil() || text.AsText() == definition::ErrorMessage(code), "another text");
-  Require(host.Call("GetLastError", {}).result == Value(0), "the code has changed");
+  Require(host.Call("GetLastError", {}).result == codeBefore, "the code has changed");
   Require(host.Leaks().empty() && host.Complaints().empty(), "a text was lost");
+}
+
+// Asking for the code does not change it.
+int CheckLastError(host::Host& host) {
+  const Value code = host.Call("GetLastError", {}).result;
+  Require(host.Call("GetLastError", {}).result == code, "the code is gone when it has been read");
+  return code.AsInteger();
 }
 
 // ------------------------------------------------------------------------------------------------------------ loading
@@ -265,9 +272,16 @@ std::optional<Service> LoadThrower(const FaultInput& fault, bool recent) {
 
 }  // namespace
 
+std::optional<int> CheckCallIn(host::Host& host, const MethodInput& input) {
+  if (MethodOf(input).define != nullptr) return FaultyCall(host, input).Check();
+  if (*MethodOf(input).types != '\0') CheckMessage(host, input);
+  return CheckLastError(host);
+}
+
 void CheckFaultyCall(const MethodInput& input) {
-  if (MethodOf(input).define != nullptr) return FaultyCall(input).Check();
-  if (*MethodOf(input).types != '\0') CheckMessage(input);
+  host::Host host(OptionsOf(input));
+  host.Load(support::LibraryPath());
+  CheckCallIn(host, input);
 }
 
 bool ConcernsLoading(const MethodInput& input) {

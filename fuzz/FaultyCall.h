@@ -1,7 +1,10 @@
 // A call in which the host does something wrong that a definition alone cannot tell the outcome of.
 #pragma once
 
+#include <optional>
+
 #include "MethodInput.h"
+#include "host/Host.h"
 
 namespace fuzz {
 
@@ -9,6 +12,11 @@ namespace fuzz {
 /// definition; with defective pictures only what holds for every call is checked: no lock or reference is lost, nothing
 /// is written beside or into pictures that are not the call's to write, a failure gives nothing, the next call works.
 void CheckFaultyCall(const MethodInput& input);
+
+/// The same in a host that has had the plug-in for a while, and that was told to collect complaints. The fault is none
+/// that withholds a service, since the plug-in may know it already. Returns the code of the call; nothing if an exception
+/// left it.
+std::optional<int> CheckCallIn(host::Host& host, const MethodInput& input);
 
 /// Loads the plug-in into a host of the input's version, with the input's fault, and reports anything but what a host
 /// of that version must see.

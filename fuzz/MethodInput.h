@@ -5,10 +5,14 @@
 #include <optional>
 #include <vector>
 
-#include "MethodTable.h"
 #include "host/Service.h"
+#include "support/MethodTable.h"
+#include "support/PluginTest.h"
 
 namespace fuzz {
+
+using support::Method;
+using support::Methods;
 
 // Of bytes that stand for something wrong, only the highest values mean it, so that most inputs are well-formed.
 

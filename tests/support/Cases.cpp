@@ -1,53 +1,16 @@
 #include "Cases.h"
 
-#include <signal.h>
-#include <unistd.h>
-
-#include <array>
 #include <cfloat>
 #include <climits>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <string>
 
+#include "CrashReport.h"
+
 namespace support {
 namespace {
-
-constexpr std::array<int, 4> kCrashes = {SIGSEGV, SIGBUS, SIGILL, SIGFPE};
-
-// Names the running case when the process crashes in it.
-class CrashReport {
- public:
-  CrashReport() {
-    struct sigaction action = {};
-    action.sa_handler = Report;
-    for (std::size_t i = 0; i < kCrashes.size(); ++i) sigaction(kCrashes[i], &action, &before_[i]);
-  }
-  ~CrashReport() { Restore(); }
-  CrashReport(const CrashReport&) = delete;
-  CrashReport& operator=(const CrashReport&) = delete;
-
-  static void SetCase(const std::string& text) { std::snprintf(text_, sizeof text_, "crash in %s\n", text.c_str()); }
-
- private:
-  static void Restore() {
-    for (std::size_t i = 0; i < kCrashes.size(); ++i) sigaction(kCrashes[i], &before_[i], nullptr);
-  }
-  // The instruction then runs once more, into whoever was responsible before.
-  static void Report(int) {
-    if (write(STDERR_FILENO, text_, std::strlen(text_)) < 0) _exit(1);
-    Restore();
-  }
-
-  static char text_[200];
-  static std::array<struct sigaction, kCrashes.size()> before_;
-};
-
-char CrashReport::text_[200];
-std::array<struct sigaction, kCrashes.size()> CrashReport::before_;
 
 std::uint64_t Hash(const std::string& text) {
   std::uint64_t hash = 0xCBF29CE484222325;
@@ -63,7 +26,7 @@ int Multiplied(int count) {
 void RunCase(const std::string& test, std::uint64_t seed, const std::function<void(Random& random)>& body) {
   const std::string text = "LMX_CASE=" + std::to_string(seed) + " --gtest_filter=" + test;
   SCOPED_TRACE(text);
-  CrashReport::SetCase(text);
+  CrashReport::SetPlace(text);
   Random random(seed);
   body(random);
 }

@@ -122,6 +122,7 @@ class Shear {
 
   // Where a walk down a column from row first_ to another row gets: it ends at the row before a missing one.
   int WalkedTo(int row) const {
+    if (source_.missingRows.empty()) return row;
     const auto missing = [this](int r) { return source_.missingRows.count(r) != 0; };
     int r = static_cast<int>(first_);
     while (r < row && !missing(r) && !missing(r + 1)) ++r;
@@ -217,24 +218,23 @@ Outcome FreeRotateByShear(const StoredPicture* source, double rotation, std::uin
   const double d = rotation - q * 90;
   const bool swapped = quarter == 1 || quarter == 3;
   const Size size = {swapped ? source->height : source->width, swapped ? source->width : source->height};
+  const double theta = d * 3.14159 / 180.0;
+  const double t = std::tan(theta * -0.5);
+  const double u = std::sin(-theta);
+  const std::optional<int> w2 = ShearedLength(size.width, size.height, -t);
+  const std::optional<int> h3 = w2 ? ShearedLength(size.height, *w2, u) : std::nullopt;
+  if (!h3) return outcome;  // before any picture is made
+
   StoredPicture* t1 = MakeTemporary(outcome, size.width, size.height, make);
   if (t1 == nullptr) return outcome;
   FlipRotatePass(*source, *t1, false, false, quarter, outcome, yield, 1);
-
-  const double theta = d * 3.14159 / 180.0;
-  const std::int64_t squares = std::int64_t{size.height} * size.height + std::int64_t{size.width} * size.width;
-  if (squares > std::numeric_limits<std::int32_t>::max()) return outcome;
   const Size turned = TurnedSize(size, d, theta);
 
-  const double t = std::tan(theta * -0.5);
-  const std::optional<int> w2 = ShearedLength(size.width, size.height, -t);
-  StoredPicture* t2 = w2 ? MakeTemporary(outcome, *w2, size.height, make) : nullptr;
+  StoredPicture* t2 = MakeTemporary(outcome, *w2, size.height, make);
   if (t2 == nullptr) return outcome;
   Shear(*t1, *t2, true, -t, kFrame).Run(Pass(outcome, yield, 2, Order::TopDown, {1, 2}));
 
-  const double u = std::sin(-theta);
-  const std::optional<int> h3 = ShearedLength(size.height, *w2, u);
-  StoredPicture* t3 = h3 ? MakeTemporary(outcome, *w2, *h3, make) : nullptr;
+  StoredPicture* t3 = MakeTemporary(outcome, *w2, *h3, make);
   if (t3 == nullptr) return outcome;
   Shear(*t2, *t3, false, u, kFrame).Run(Pass(outcome, yield, 3, Order::LeftRight, {2, 3}));
 

@@ -121,6 +121,20 @@ std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Sett
   };
 }
 
+void CheckResults(const Outcome& expected, const Setting& setting, const std::vector<Value>& before,
+                  const Called& called) {
+  CheckMeans(expected, before, called.arguments);
+  ASSERT_EQ(called.result.IsNil(), expected.result == 0) << "nil, or not";
+  if (called.result) {
+    const StoredPicture& want = expected.made[expected.result - 1];
+    EXPECT_EQ(want.fault == Fault::None ? Difference(want, FromHost(called.result)) : "", "");
+  }
+  if (before[0].Is<Picture>() && setting.source->fault == Fault::None) {
+    EXPECT_EQ(Difference(expected.changed.value_or(*setting.source), FromHost(before[0].AsPicture())), "")
+        << "the source";
+  }
+}
+
 std::string LibraryPath() {
   const char* other = std::getenv("LMX_LIBRARY");
   return other == nullptr ? LMX_LIBRARY_FILE : other;
@@ -239,15 +253,7 @@ void PluginTest::CheckCall(const MethodCall& call, const Setting& setting) {
 
   EXPECT_EQ(called.code, expected.code);
   EXPECT_EQ(called.yields, static_cast<int>(expected.yields.size()));
-  CheckMeans(expected, arguments, called.arguments);
-  ASSERT_EQ(called.result.IsNil(), expected.result == 0) << "nil, or not";
-  if (called.result) {
-    const StoredPicture& want = expected.made[expected.result - 1];
-    EXPECT_EQ(want.fault == Fault::None ? Difference(want, FromHost(called.result)) : "", "");
-  }
-  if (setting.source && setting.source->fault == Fault::None) {
-    EXPECT_EQ(Difference(expected.changed.value_or(*setting.source), FromHost(source)), "") << "the source";
-  }
+  CheckResults(expected, setting, arguments, called);
 }
 
 }  // namespace support

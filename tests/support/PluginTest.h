@@ -54,6 +54,11 @@ struct MethodCall {
       define;
 };
 
+/// Compares what a call gave with the definition: the result, the values, and the source afterwards. `before` are the
+/// arguments as they were passed, the source included.
+void CheckResults(const definition::Outcome& expected, const Setting& setting, const std::vector<host::Value>& before,
+                  const Called& called);
+
 class PluginTest : public testing::Test {
  protected:
   PluginTest() { host_.Load(LibraryPath()); }

@@ -1,13 +1,13 @@
-// The sixteen methods as the fuzzer calls them: what they take, and their definitions.
+// The sixteen methods as tables of tests and fuzzers have them: what they take, and their definitions.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "support/Definition.h"
-#include "support/PluginTest.h"
+#include "Definition.h"
+#include "host/Value.h"
 
-namespace fuzz {
+namespace support {
 
 struct Method {
   const char* name;
@@ -26,4 +26,4 @@ struct Method {
 /// In the order in which the plug-in registers them.
 const std::vector<Method>& Methods();
 
-}  // namespace fuzz
+}  // namespace support

@@ -1,6 +1,6 @@
 #include "MethodTable.h"
 
-namespace fuzz {
+namespace support {
 namespace {
 
 using definition::MakePicture;
@@ -96,4 +96,4 @@ const std::vector<Method>& Methods() {
   return methods;
 }
 
-}  // namespace fuzz
+}  // namespace support

@@ -1,0 +1,406 @@
+// Calls from inside a yield of another call, to any depth: both must give what the definition gives, also where they
+// share a picture, and where an exception leaves some of them.
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+#include "DefinitionTest.h"
+#include "support/MethodTable.h"
+
+namespace {
+
+using definition::Form;
+using definition::Outcome;
+using definition::StoredPicture;
+using host::Colour;
+using host::Picture;
+using host::Value;
+using support::FromHost;
+using support::Method;
+using support::NewPicture;
+using support::OneIn;
+using support::Setting;
+
+constexpr Form kForms[] = {Form::BitmapContext, Form::Buffer};
+constexpr int kWidth = 9;
+constexpr int kHeight = 7;
+
+class Interrupted : public std::runtime_error {
+ public:
+  Interrupted() : std::runtime_error("interrupted") {}
+};
+
+// The methods that work on pictures.
+std::vector<const Method*> PictureMethods() {
+  std::vector<const Method*> methods;
+  for (const Method& method : support::Methods()) {
+    if (method.define != nullptr) methods.push_back(&method);
+  }
+  return methods;
+}
+
+// What stands between the source and the pace of yields.
+const std::vector<Value>& ArgumentsOf(const Method& method) {
+  static const Value kFrame = Colour{0x40208060}, kOther = Colour{0x00F0A010};
+  static const std::map<std::string, std::vector<Value>> arguments = {
+      {"LMX_AdjustHSV", {1, 1, 5, 4, 40.0, 1.0, 2.0, false}},
+      {"LMX_AdjustHSV_InPlace", {1, 1, 5, 4, -70.0, 2.0, 1.0, false}},
+      {"LMX_GetAverageHSV", {1, 0, 6, 5, -7.0, -8.0, -9.0}},
+      {"LMX_AdjustRGB", {1, 1, 5, 4, 10, -20, 30}},
+      {"LMX_AdjustRGB_InPlace", {0, 0, 8, 6, 30, 20, -10}},
+      {"LMX_GetAverageRGB", {1, 0, 6, 5, -7, -8, -9}},
+      {"LMX_FlipRotate", {true, false, 90}},
+      {"LMX_FreeRotateByShear", {130.0, kFrame}},
+      {"LMX_MakeGradient", {kWidth, kHeight, kFrame, kOther}},
+      {"LMX_MakeDoubleGradient", {kHeight, kWidth, kOther, kFrame, kOther}},
+      {"LMX_ShearHorizontal", {14, 8, 0.4, kFrame}},
+      {"LMX_ShearVertical", {8, 12, -0.6, kOther}},
+      {"LMX_Stretch", {13, 5}},
+      {"LMX_Trim", {-1, 1, 10, 7, kFrame}},
+  };
+  return arguments.at(method.name);
+}
+
+Setting NewPicturesOf(Form form) {
+  Setting setting;
+  setting.newPictures.assign(4, NewPicture{form, {}, definition::Fault::None, 0});
+  return setting;
+}
+
+class NestedCalls : public testing::Test {
+ protected:
+  using AtYield = std::function<void(int yield)>;  // counted from 0
+
+  NestedCalls() {
+    host_.Load(support::LibraryPath());
+    host_.onYield = [this] { Yield(); };
+    host_.newPictures.change = [this](int, host::PictureShape& shape) {
+      Level& level = *levels_.back();
+      support::NewShapes(level.setting)(++level.made, shape);
+    };
+  }
+
+  ~NestedCalls() override {
+    EXPECT_EQ(host_.Leaks().size(), lost_) << "pictures without an owner";
+    for (const host::LiveObject& leak : host_.Leaks()) EXPECT_EQ(leak.locks, 0);
+  }
+
+  // Calls a method on a picture of the host and compares everything with the definition. What it yields to may call
+  // this again.
+  void Check(const Method& method, const std::vector<Value>& arguments, Setting setting, Picture source,
+             const AtYield& atYield = nullptr) {
+    SCOPED_TRACE(method.name);
+    if (source && !setting.source) setting.source = FromHost(source);
+    const Outcome expected = method.define(setting.source ? &*setting.source : nullptr, arguments, NewValues(setting));
+    std::vector<Value> passed = arguments;
+    if (method.hasSource) passed.insert(passed.begin(), Value(source));
+    const int locksBefore = source ? source.Locks() : 0;
+    code_ = expected.code;
+
+    Level level = {setting, atYield, 0, 0};
+    levels_.push_back(&level);
+    support::Called called;
+    try {
+      host::Outcome outcome = host_.Call(method.name, passed);
+      called.result = outcome.result.AsPicture();
+      called.arguments = std::move(outcome.arguments);
+    } catch (const Interrupted&) {
+      levels_.pop_back();
+      CheckLeft(expected, level, source);
+      throw;
+    }
+    levels_.pop_back();
+    lost_ += static_cast<std::size_t>(expected.lost);
+    EXPECT_EQ(LastError(), code_);
+    EXPECT_EQ(level.yields, static_cast<int>(expected.yields.size()));
+    if (source) {
+      EXPECT_EQ(source.Locks(), locksBefore);
+    }
+    support::CheckResults(expected, setting, passed, called);
+  }
+
+  // The same with the method's usual arguments, and a picture of its own.
+  void Check(const Method& method, Form form, const AtYield& atYield = nullptr) {
+    Random random(static_cast<std::uint64_t>(form));
+    Setting setting = NewPicturesOf(form);
+    Picture source;
+    if (method.hasSource) {
+      setting.source = support::RandomPicture(random, form, kWidth, kHeight);
+      source = support::ToHost(*setting.source, {}, 0);
+    }
+    Check(method, EveryLine(method), setting, source, atYield);
+  }
+
+  static std::vector<Value> EveryLine(const Method& method) {
+    std::vector<Value> arguments = ArgumentsOf(method);
+    arguments.emplace_back(1);
+    return arguments;
+  }
+
+  int LastError() { return host_.Call("GetLastError", {}).result.AsInteger(); }
+
+  host::Host host_;
+
+ private:
+  struct Level {
+    const Setting& setting;
+    const AtYield& atYield;
+    int made;
+    int yields;
+  };
+
+  void Yield() {
+    Level& level = *levels_.back();
+    const int yield = level.yields++;
+    EXPECT_EQ(LastError(), code_) << "the code is that of the latest call";
+    if (level.atYield) level.atYield(yield);
+  }
+
+  // A result that was begun is nobody's any more; in place, the lines that were done are done.
+  void CheckLeft(const Outcome& expected, const Level& level, const Picture& source) {
+    const definition::Yield& last = expected.yields.at(static_cast<std::size_t>(level.yields - 1));
+    if (expected.result != 0) {
+      lost_ += static_cast<std::size_t>(std::count(last.alive.begin(), last.alive.end(), expected.result));
+    }
+    if (!source) return;
+    EXPECT_EQ(source.Locks(), 0);
+    StoredPicture want = *level.setting.source;
+    if (expected.changed) {
+      std::copy_n(expected.changed->words.begin(), last.linesDone * want.width, want.words.begin());
+    }
+    EXPECT_EQ(support::Difference(want, FromHost(source)), "") << "the source of a call that was left";
+  }
+
+  std::vector<Level*> levels_;
+  std::size_t lost_ = 0;
+  int code_ = 0;
+};
+
+// -------------------------------------------------------------------------------------------------------------- pairs
+
+TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
+  for (const Method* outer : PictureMethods()) {
+    for (const Method* inner : PictureMethods()) {
+      SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
+      int yields = 0;
+      for (const Form form : kForms) {
+        for (const Form innerForm : kForms) {
+          Check(*outer, form, [&](int) {
+            ++yields;
+            Check(*inner, innerForm);
+          });
+        }
+      }
+      ASSERT_EQ(yields == 0, std::string(outer->name) == "LMX_Trim") << "only a trim never yields";
+      if (HasFailure()) return;
+    }
+  }
+}
+
+TEST_F(NestedCalls, AFailureInsideLeavesItsCode) {
+  for (const Method* outer : PictureMethods()) {
+    const Method& inner = support::Methods()[14];
+    ASSERT_STREQ(inner.name, "LMX_Stretch");
+    Check(*outer, Form::Buffer, [&](int yield) {
+      if (yield == 0) Check(inner, {5, 0, 1}, {}, {});  // leaves 35, also behind the outer call
+    });
+  }
+}
+
+// ---------------------------------------------------------------------------------------------------- shared pictures
+
+TEST_F(NestedCalls, CallsInsideReadTheSameSource) {
+  for (const Method* outer : PictureMethods()) {
+    for (const Method* inner : PictureMethods()) {
+      if (!outer->hasSource || !inner->hasSource || inner->InPlace()) continue;
+      for (const Form form : kForms) {
+        SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
+        Random random(1);
+        const Picture source = support::ToHost(support::RandomPicture(random, form, kWidth, kHeight), {}, 0);
+        Check(*outer, EveryLine(*outer), NewPicturesOf(form), source, [&](int) {
+          EXPECT_EQ(source.Locks(), 1);
+          Check(*inner, EveryLine(*inner), NewPicturesOf(form), source);
+        });
+      }
+    }
+  }
+}
+
+TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
+  for (const Method* outer : PictureMethods()) {
+    for (const Method* inner : PictureMethods()) {
+      if (outer->result == 0 || !inner->hasSource || inner->InPlace()) continue;
+      for (const Form form : kForms) {
+        SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
+        host_.ResetCounts();
+        Check(*outer, form, [&](int) {
+          const auto pictures = support::LiveNewPictures(host_);
+          ASSERT_FALSE(pictures.empty());
+          for (const auto& [number, picture] : pictures) {
+            Check(*inner, EveryLine(*inner), NewPicturesOf(form), picture);
+          }
+        });
+      }
+    }
+  }
+}
+
+// Lines of the result that are done stay as the inner call left them; the others are made afterwards.
+TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
+  const std::vector<Value> change = {0, 0, 100, 100, 40, -50, 60, 0};
+  for (const Method* outer : PictureMethods()) {
+    if (outer->result != 1 || std::string(outer->name) == "LMX_Stretch") continue;
+    for (const Form form : kForms) {
+      SCOPED_TRACE(outer->name);
+      Random random(2);
+      const StoredPicture source = support::RandomPicture(random, form, kWidth, kHeight);
+      Setting setting = NewPicturesOf(form);
+      const Outcome plain = outer->define(outer->hasSource ? &source : nullptr, EveryLine(*outer), NewValues(setting));
+      if (plain.yields.empty()) continue;
+      const definition::Yield& yield = plain.yields[plain.yields.size() / 2];
+      const StoredPicture& made = plain.made[0];
+      const StoredPicture changed = *definition::AdjustRgbInPlace(&made, {0, 0, 100, 100}, {40, -50, 60}, 0).changed;
+
+      host_.newPictures.change = support::NewShapes(setting);
+      host_.ResetCounts();
+      int yields = 0;
+      host_.onYield = [&] {
+        if (yields++ != static_cast<int>(plain.yields.size() / 2)) return;
+        std::vector<Value> arguments = change;
+        arguments.insert(arguments.begin(), Value(support::LiveNewPictures(host_)[0].second));
+        host_.Call("AdjustRGB_InPlace", arguments);
+      };
+      std::vector<Value> arguments = EveryLine(*outer);
+      if (outer->hasSource) arguments.insert(arguments.begin(), Value(support::ToHost(source, {}, 0)));
+      const StoredPicture got = FromHost(host_.Call(outer->name, arguments).result.AsPicture());
+      StoredPicture want = made;
+      for (int y = 0; y < want.height; ++y) {
+        for (int x = 0; x < want.width; ++x) {
+          const int line = yield.order == definition::Order::LeftRight  ? x
+                           : yield.order == definition::Order::BottomUp ? want.height - 1 - y
+                                                                        : y;
+          if (line < yield.linesDone) want.Word(x, y) = changed.Word(x, y);
+        }
+      }
+      EXPECT_EQ(support::Difference(want, got), "");
+    }
+  }
+}
+
+// -------------------------------------------------------------------------------------------------------------- depth
+
+// Chains of random calls, each inside a yield of the one before. At the end of some an exception leaves a few of them.
+class NestedChains : public NestedCalls {
+ protected:
+  void Nest(Random& random, int depth, bool leaves) {
+    deepest_ = std::max(deepest_, ++depth_);
+    if (depth == 0) {
+      CallAnything(random);
+      --depth_;
+      if (leaves) throw Interrupted();
+      return;
+    }
+    const Method& method = *methods_[random.Below(static_cast<std::uint32_t>(methods_.size()))];
+    const Form form = support::RandomForm(random);
+    Setting setting = support::RandomNewPictures(random);
+    for (NewPicture& plan : setting.newPictures) plan.fault = definition::Fault::None;
+    Picture source;
+    if (method.hasSource) {
+      setting.source = support::RandomPicture(random, form, random.Between(8, 90), random.Between(8, 90));
+      setting.layout = support::RandomLayout(random, form);
+      source = support::ToHost(*setting.source, setting.layout, 0);
+    }
+    const int when = static_cast<int>(random.Below(4));
+    const bool catches = OneIn(random, 3);
+    const auto inside = [&](int yield) {
+      if (yield != when) return;
+      if (!catches) return Nest(random, depth - 1, leaves);
+      try {
+        Nest(random, depth - 1, leaves);
+      } catch (const Interrupted&) {
+        ++caught_;
+      }
+    };
+    try {
+      Check(method, EveryLine(method), setting, source, inside);
+    } catch (const Interrupted&) {
+      --depth_;
+      throw;
+    }
+    --depth_;
+  }
+
+  int deepest_ = 0;
+  int caught_ = 0;
+
+ private:
+  // Faults included.
+  void CallAnything(Random& random) {
+    const std::vector<const Method*> methods = PictureMethods();
+    const Method& method = *methods[random.Below(static_cast<std::uint32_t>(methods.size()))];
+    Setting setting = support::RandomSetting(random);
+    Picture source;
+    if (!method.hasSource) setting.source.reset();
+    if (setting.source) source = support::ToHost(*setting.source, setting.layout, setting.variant);
+    std::vector<Value> arguments = ArgumentsOf(method);
+    arguments.emplace_back(support::RandomYield(random, 10));
+    Check(method, arguments, setting, source);
+  }
+
+  static std::vector<const Method*> YieldingMethods() {
+    std::vector<const Method*> methods = PictureMethods();
+    methods.pop_back();  // the trim
+    return methods;
+  }
+
+  const std::vector<const Method*> methods_ = YieldingMethods();
+  int depth_ = 0;
+};
+
+TEST_F(NestedChains, OfRandomCalls) {
+  support::ForEachCase(150, [this](Random& random) { Nest(random, random.Between(2, 8), false); });
+  EXPECT_GE(deepest_, 9);
+}
+
+TEST_F(NestedChains, LeftByAnException) {
+  int left = 0;
+  support::ForEachCase(150, [&](Random& random) {
+    try {
+      Nest(random, random.Between(2, 8), true);
+    } catch (const Interrupted&) {
+      ++left;
+    }
+  });
+  EXPECT_GE(deepest_, 9);
+  EXPECT_GT(left, 0);
+  EXPECT_GT(caught_, 0);
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kInstrumented = true;
+#elif defined(__has_feature)
+constexpr bool kInstrumented = __has_feature(address_sanitizer);
+#else
+constexpr bool kInstrumented = false;
+#endif
+
+// Tiles and rings are not on the stack while a method yields.
+TEST_F(NestedCalls, WaitOnLittleOfTheStackEach) {
+  constexpr int kDepth = 40;
+  constexpr std::size_t kMostBytes = 16 * 1024;
+  for (const Method* method : PictureMethods()) {
+    if (std::string(method->name) == "LMX_Trim") continue;
+    SCOPED_TRACE(method->name);
+    std::vector<std::uintptr_t> stack;
+    std::function<void(int)> inside = [&](int yield) {
+      if (yield != 0) return;
+      stack.push_back(reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
+      if (stack.size() < kDepth) Check(*method, Form::BitmapContext, inside);
+    };
+    Check(*method, Form::BitmapContext, inside);
+    ASSERT_EQ(stack.size(), static_cast<std::size_t>(kDepth));
+    for (std::size_t i = 1; i < stack.size() && !kInstrumented; ++i) EXPECT_LE(stack[i - 1] - stack[i], kMostBytes);
+  }
+}
+
+}  // namespace
