@@ -209,6 +209,14 @@ class Soak {
   std::set<std::string> succeeded_;
 };
 
+// Starts anew without the allocator's cache, whose pieces would count as allocated.
+void RunWithoutCache(char** arguments) {
+  constexpr const char* kVariable = "GLIBC_TUNABLES";
+  if (!kMemoryIsPlain || std::getenv(kVariable) != nullptr) return;
+  setenv(kVariable, "glibc.malloc.tcache_count=0", 1);
+  execv("/proc/self/exe", arguments);
+}
+
 // The number behind `--name=`.
 std::uint64_t Option(int count, char** arguments, const std::string& name, std::uint64_t otherwise) {
   const std::string start = "--" + name + "=";
@@ -225,6 +233,7 @@ std::uint64_t Option(int count, char** arguments, const std::string& name, std::
 
 int main(int argc, char** argv) {
   using Clock = std::chrono::steady_clock;
+  fuzz::RunWithoutCache(argv);
   const std::uint64_t calls = fuzz::Option(argc, argv, "calls", 20000);
   const std::uint64_t seed = fuzz::Option(argc, argv, "seed", 1);
   const std::uint64_t first = fuzz::Option(argc, argv, "first", 1);

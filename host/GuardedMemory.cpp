@@ -67,7 +67,9 @@ void* ReserveInaccessible(std::size_t size, GuardedMemory::Where where) {
 GuardedMemory::GuardedMemory(std::size_t blocks, std::uint64_t blockSize, Flush flush, Where where) : blocks_(blocks) {
   const std::uint64_t page = PageSize();
   const std::uint64_t pages = (blockSize + page - 1) / page * page;
-  if (blockSize > kMostBytes || blocks > kMostBytes / (pages + page)) throw Error("no memory for so many pixels");
+  // Many blocks take as many calls; a single one may have as many bytes as there are addresses.
+  const std::uint64_t most = blocks == 1 ? SIZE_MAX - page : kMostBytes;
+  if (blockSize > most - 2 * page || blocks > most / (pages + page)) throw Error("no memory for so many pixels");
   blockSize_ = static_cast<std::size_t>(blockSize);
   blockPages_ = static_cast<std::size_t>(pages);
   pitch_ = static_cast<std::size_t>(pages + page);

@@ -147,6 +147,19 @@ void Picture::SetStoredPixels(const std::vector<std::uint32_t>& words) {
   }
 }
 
+std::vector<std::uint32_t> Picture::StoredRow(int y) const {
+  const PictureMemory& memory = WordsAt(Object(), 0, y);
+  std::vector<std::uint32_t> words(static_cast<std::size_t>(Width()));
+  memory.LoadRow(y, words.data());
+  return words;
+}
+
+void Picture::SetStoredRow(int y, const std::vector<std::uint32_t>& words) {
+  const PictureMemory& memory = WordsAt(Object(), 0, y);
+  if (words.size() != static_cast<std::size_t>(Width())) throw Error("the number of words is not that of a row");
+  memory.StoreRow(y, words.data());
+}
+
 void Picture::Fill(std::uint32_t word) {
   SetStoredPixels(std::vector<std::uint32_t>(PixelCount(Shape()), word));
 }

@@ -33,6 +33,9 @@ struct Layout {
   /// Buffers only, and without padding: every row elsewhere, in no order, each between inaccessible pages.
   bool scattered = false;
   Flush flush = Flush::End;
+  /// Pixels that nobody has written are 0 instead of kUnwritten, and take no memory, so that a picture may have as many
+  /// bytes of pixels as there are addresses. Without padding, and not scattered.
+  bool sparse = false;
 };
 
 /// What is wrong with a picture. The default is nothing.
@@ -86,7 +89,7 @@ class Picture {
  public:
   Picture() = default;  ///< nil
   /// A new picture, every pixel kUnwritten. Throws host::Error for a shape that contradicts itself, and when there is
-  /// no memory for it (more than 1 GiB of pixels is never tried).
+  /// no memory for it (more than 1 GiB of pixels is never tried, unless they are sparse).
   explicit Picture(const PictureShape& shape);
   Picture(const Picture& other);
   Picture(Picture&& other) noexcept;
@@ -114,6 +117,9 @@ class Picture {
   /// Row after row, top row first, Width() x Height() words.
   std::vector<std::uint32_t> StoredPixels() const;
   void SetStoredPixels(const std::vector<std::uint32_t>& words);
+  /// The same for row y, Width() words.
+  std::vector<std::uint32_t> StoredRow(int y) const;
+  void SetStoredRow(int y, const std::vector<std::uint32_t>& words);
   void Fill(std::uint32_t word);
   /// The same storage form, size and stored words.
   bool SamePixels(const Picture& other) const;

@@ -11,6 +11,7 @@ namespace host {
 namespace {
 
 constexpr std::uint64_t kMostPixelBytes = std::uint64_t{1} << 30;
+constexpr std::uint64_t kMostMappedBytes = std::uint64_t{2} << 30;  // where rows lie far apart
 constexpr std::uint8_t kRecordFiller = 0xB6;
 
 // Differs from place to place, so that padding copied from elsewhere shows as well.
@@ -24,6 +25,9 @@ void CheckShape(const PictureShape& shape) {
   if (shape.layout.padding < 0) throw Error("a picture's padding is negative");
   if (shape.layout.scattered && !buffer) throw Error("only the rows of a buffer can be scattered");
   if (shape.layout.scattered && shape.layout.padding != 0) throw Error("scattered rows have no padding");
+  if (shape.layout.sparse && (shape.layout.scattered || shape.layout.padding != 0 || defects.bytesPerRow)) {
+    throw Error("the rows of a sparse picture lie one behind the other");
+  }
   if (buffer && (defects.nilPixels || defects.bitsPerPixel != 32 || defects.bytesPerRow)) {
     throw Error("a buffer has no pixel address, depth or distance of rows of its own");
   }
@@ -52,7 +56,8 @@ PictureMemory::PictureMemory(const PictureShape& shape) : shape_(shape) {
   const std::uint64_t height = static_cast<std::uint64_t>(std::max(shape.height, 0));
   const std::uint64_t rowBytes = (width * static_cast<unsigned>(shape.defects.bitsPerPixel) + 7) / 8;
   const std::uint64_t distance = rowBytes + static_cast<unsigned>(shape.layout.padding);
-  if (rowBytes != 0 && height > kMostPixelBytes / rowBytes) throw Error("no memory for so many pixels");
+  if (!shape.layout.sparse && rowBytes != 0 && height > kMostPixelBytes / rowBytes)
+    throw Error("no memory for so many pixels");
   if (distance > INT32_MAX && height != 0 && !shape.defects.bytesPerRow) throw Error("a picture's rows are too long");
   if (width != 0 && height != 0) {
     pixelWidth_ = static_cast<std::size_t>(width);
@@ -75,6 +80,7 @@ void PictureMemory::LayOutPixels() {
   } else {
     const std::uint64_t distance = static_cast<std::uint64_t>(std::llabs(bytesPerRow_));
     const std::uint64_t size = pixelHeight_ == 0 ? 0 : (pixelHeight_ - 1) * distance + rowBytes_;
+    if (size > kMostMappedBytes && !shape_.layout.sparse) throw Error("no memory for so many pixels");
     pixels_ = std::make_unique<GuardedMemory>(1, size, shape_.layout.flush, where);
   }
   nilRow_.assign(shape_.defects.nilRows.empty() ? 0 : static_cast<std::size_t>(shape_.height), false);
@@ -84,7 +90,7 @@ void PictureMemory::LayOutPixels() {
     byte = pattern;
     return true;
   });
-  if (shape_.defects.bitsPerPixel == 32) {
+  if (shape_.defects.bitsPerPixel == 32 && !shape_.layout.sparse) {
     const std::vector<std::uint32_t> row(pixelWidth_, kUnwritten);
     for (std::size_t y = 0; y < pixelHeight_; ++y) StoreRow(static_cast<int>(y), row.data());
   }
@@ -124,7 +130,8 @@ std::uint8_t* PictureMemory::RowStart(int y) const {
   // Rows that lie upwards in memory start with the last one.
   const std::int64_t last = static_cast<std::int64_t>(pixelHeight_) - 1;
   const std::int64_t row = bytesPerRow_ < 0 ? y - last : y;
-  return pixels_->Block(0) + static_cast<std::ptrdiff_t>(row * bytesPerRow_);
+  const auto offset = static_cast<std::uintptr_t>(row * bytesPerRow_);  // beyond what is signed in 32 bits
+  return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(pixels_->Block(0)) + offset);
 }
 
 std::uint8_t* PictureMemory::Pixel(int x, int y) const {

@@ -65,7 +65,11 @@ class LMX_Picture {
 
   /// The leftmost pixel of row r, 0 <= r < height; nil when a malformed buffer has no such row.
   std::uint8_t* RowAddress(std::int32_t r) const {
-    if (description.pictureType != kPictureTypeBuffer) return data + static_cast<std::ptrdiff_t>(bytesPerRow) * r;
+    if (description.pictureType != kPictureTypeBuffer) {
+      // Of pictures beyond 2 GiB, a signed offset would overflow in 32 bits.
+      const auto offset = static_cast<std::uintptr_t>(bytesPerRow) * static_cast<std::uintptr_t>(r);
+      return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(data) + offset);
+    }
     if (!buffer || !buffer->rowTable) return nullptr;
     return Address(reinterpret_cast<const std::uint32_t*>(Address(buffer->rowTable))[r]);
   }
