@@ -160,6 +160,7 @@ class Soak {
       if (i == warmUp) warm = MemoryNow();
       Call(first + i);
     }
+    support::CrashReport::SetPlace("no call, but after all of them");
     const Memory end = MemoryNow();
     CheckVariety(calls);
     PrintOutcomes();

@@ -34,6 +34,17 @@ TEST_F(AddressTest, RowsOfAContextMayLieUpwards) {
   }
 }
 
+// In 32 bits an offset beyond 2 GiB is no signed number, which instrumented builds find out.
+TEST_F(AddressTest, RowsMayLieBeyond2GiB) {
+  fake::Context context(5, 3);
+  context.context.height = 3000;
+  context.context.bytesPerRow = 1000000;
+  context.context.data = reinterpret_cast<void*>(std::uintptr_t{0x1000});
+  LMX_Picture picture(context.Handle());
+  ASSERT_TRUE(picture.Lock());
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(picture.RowAddress(2999)), std::uintptr_t{0x1000} + 2999000000u);
+}
+
 TEST_F(AddressTest, RowsOfABufferComeFromItsTable) {
   fake::Buffer buffer(5, 3);
   buffer.MakeRowNil(1);
