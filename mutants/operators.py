@@ -1,0 +1,229 @@
+"""The bugs that can be planted: each operator finds its places in a file, and what would stand there instead."""
+
+import re
+
+from source import Source
+
+# A binary operator becomes another. All of them stand between blanks.
+OPERATORS = {
+    "<": ("lt-le", "<="), "<=": ("le-lt", "<"), ">": ("gt-ge", ">="), ">=": ("ge-gt", ">"),
+    "==": ("eq-ne", "!="), "!=": ("ne-eq", "=="), "&&": ("and-or", "||"), "||": ("or-and", "&&"),
+    "+": ("add-sub", "-"), "-": ("sub-add", "+"), "*": ("mul-div", "/"), "/": ("div-mul", "*"), "%": ("mod-div", "/"),
+    "<<": ("shl-shr", ">>"), ">>": ("shr-shl", "<<"), "&": ("band-bor", "|"), "|": ("bor-band", "&"),
+    "^": ("xor-bor", "|"), "+=": ("addto-subfrom", "-="), "-=": ("subfrom-addto", "+="),
+}
+
+# Words that are easily confused, each with its counterpart; whole words.
+WORDS = [
+    ("true", "false"), ("width", "height"), ("left", "top"), ("begin", "end"), ("x0", "x1"), ("y0", "y1"),
+    ("x0", "y0"), ("min", "max"), ("min_element", "max_element"), ("Min", "Max"), ("floor", "ceil"), ("sin", "cos"),
+    ("Alpha", "Blue"), ("Red", "Green"), ("red", "green"), ("green", "blue"), ("first", "last"), ("first", "second"),
+    ("from", "to"), ("source", "destination"), ("source", "result"), ("at_", "end_"), ("x", "y"), ("p", "tq"),
+    ("saturation", "brightness"), ("saturation", "value"), ("before", "pixel"), ("kForward", "kBackward"),
+    ("kDown", "kUp"), ("kContextForm", "kBufferForm"), ("ContextForm", "BufferForm"),
+    ("bitsPerPixel", "bytesPerPixel"), ("sse2", "avx2"), ("high", "low"),
+    ("upper", "lower"), ("ReadBuffer", "ReadContext"), ("WriteBuffer", "WriteContext"), ("even", "odd"),
+    ("perSource", "perDestination"),
+    ("ReadOne", "Load"),
+]
+
+# Parts of the names of vector functions and of intrinsics, of which a kernel could take the wrong one.
+VECTOR_PARTS = [
+    ("Add", "Sub"), ("MulLow", "MulHigh"), ("Low", "High"), ("AndNot", "And"), ("And", "Or"), ("Or", "Xor"),
+    ("Xor", "Or"), ("Min", "Max"), ("Left", "Right"), ("Even", "Odd"), ("Equal", "Greater"), ("Average", "Max"),
+    ("SubSaturated", "Sub"), ("AddSaturated", "Add"), ("IsZero", "HasBits"),
+    ("add", "sub"), ("adds", "add"), ("subs", "sub"), ("mullo", "mulhi"), ("min", "max"), ("slli", "srli"),
+    ("unpacklo", "unpackhi"), ("shufflelo", "shufflehi"), ("and", "or"), ("xor", "or"), ("cmpeq", "cmpgt"),
+    ("avg", "max"), ("packus", "packs"), ("epu16", "epi16"), ("epu8", "epi8"), ("testz", "testc"),
+]
+
+BRANCHES = ("if", "while", "for")
+
+
+class Mutant:
+    """A replacement in a file. Its name is file:line:operator, with #n for the nth of that name on the line."""
+
+    def __init__(self, file, source, operator, start, end, text):
+        self.file, self.operator, self.start, self.end, self.text = file, operator, start, end, text
+        self.line = source.line_of(start)
+        self.name = ""
+        first = source.text.rfind("\n", 0, start) + 1
+        last = source.text.find("\n", end)
+        self.before = source.text[first:last]
+        self.after = source.text[first:start] + text + source.text[end:last]
+        self.code = self.before.split("\n")[0].strip()
+
+    def planted(self, text):
+        return text[:self.start] + self.text + text[self.end:]
+
+
+def enumerate_mutants(file, text):
+    """All mutants of a file, in the order of their places, named."""
+    source = Source(text)
+    finds = (_operators, _words, _vector_names, _numbers, _unary, _terms, _conditions, _drops, _chains, _guards, _codes)
+    places = {place for find in finds for place in find(source)}
+    mutants = [Mutant(file, source, operator, start, end, replacement)
+               for start, end, operator, replacement in sorted(places) if text[start:end] != replacement]
+    seen = {}
+    for mutant in mutants:
+        key = f"{mutant.file}:{mutant.line}:{mutant.operator}"
+        seen[key] = seen.get(key, 0) + 1
+        mutant.name = key if seen[key] == 1 else f"{key}#{seen[key]}"
+    return mutants
+
+
+def _tokens(source, kind):
+    return [(i, token) for i, token in enumerate(source.tokens) if token.kind == kind and i not in source.skipped]
+
+
+def _operators(source):
+    for i, token in _tokens(source, "mark"):
+        if token.text in OPERATORS and source.spaced(i):
+            name, other = OPERATORS[token.text]
+            yield token.start, token.end, name, other
+
+
+def _is_declared(source, i):
+    """Whether the name is that of a parameter, member or variable which is declared here."""
+    before, behind = source.tokens[i - 1], source.tokens[i + 1]
+    if before.kind == "name":
+        return before.text not in ("return", "case", "else", "const")
+    return before.text in ("*", "&", ">") and behind.text in (",", ")", ";", "=", "[") and not source.spaced(i - 1)
+
+
+def _words(source):
+    others = {}
+    for a, b in WORDS:
+        others.setdefault(a, []).append(b)
+        others.setdefault(b, []).append(a)
+    for i, token in _tokens(source, "name"):
+        if not _is_declared(source, i):
+            for other in others.get(token.text, ()):
+                yield token.start, token.end, f"{token.text}-{other}", other
+
+
+def _vector_names(source):
+    for i, token in _tokens(source, "name"):
+        is_wrapper = source.tokens[i - 1].text == "::" and source.tokens[i - 2].text == "Vector"
+        if not is_wrapper and not token.text.startswith("_mm"):
+            continue
+        for a, b in VECTOR_PARTS:
+            for part, other in ((a, b), (b, a)):
+                if is_wrapper and re.search(rf"{part}(?![a-z])", token.text):
+                    swapped = re.sub(rf"{part}(?![a-z])", other, token.text, count=1)
+                elif not is_wrapper and re.search(rf"_{part}(?![a-z0-9])", token.text):
+                    swapped = re.sub(rf"_{part}(?![a-z0-9])", "_" + other, token.text, count=1)
+                else:
+                    continue
+                yield token.start, token.end, f"{part}-{other}", swapped
+
+
+def _numbers(source):
+    for i, token in _tokens(source, "number"):
+        match = re.fullmatch(r"(0[xX][0-9A-Fa-f]+|\d+)(\.\d*)?([uUlL]*)", token.text)
+        if not match or source.tokens[i - 1].text == ">>":
+            continue
+        digits, fraction, suffix = match.group(1), match.group(2) or "", match.group(3)
+        is_hex = digits.lower().startswith("0x")
+        value = int(digits, 16 if is_hex else 10)
+
+        def written(n, digits=digits, is_hex=is_hex, fraction=fraction, suffix=suffix):
+            return (f"0x{n:0{len(digits) - 2}X}" if is_hex else str(n)) + fraction + suffix
+
+        yield token.start, token.end, "plus1", written(value + 1)
+        if value > 1 and not (is_hex and value & (value + 1) == 0):
+            yield token.start, token.end, "minus1", written(value - 1)
+    for i, token in _tokens(source, "number"):
+        if source.tokens[i - 1].text in (">>", "<<") and token.text.isdigit() and int(token.text) > 0:
+            yield token.start, token.end, "shift-less", str(int(token.text) - 1)
+
+
+def _unary(source):
+    for i, token in _tokens(source, "mark"):
+        if token.text in ("!", "~", "-") and not source.text[token.end].isspace():
+            if token.text != "~" or source.tokens[i - 1].text not in ("{", "}", ";", ":"):
+                yield token.start, token.end, {"!": "drop-not", "~": "drop-complement", "-": "drop-minus"}[token.text], ""
+
+
+def _terms(source):
+    """Rounding terms and the like: a number that is added or subtracted is left out."""
+    for i, token in _tokens(source, "number"):
+        before = source.tokens[i - 1]
+        if before.text in ("+", "-") and source.spaced(i - 1):
+            yield source.tokens[i - 2].end, token.end, "drop-term", ""
+
+
+def _conditions(source):
+    for i, token in _tokens(source, "name"):
+        if token.text in ("if", "while") and source.tokens[i + 1].text == "(":
+            first, last = source.tokens[i + 1], source.tokens[source.partner[i + 1]]
+            yield first.end, last.start, "negate", f"!({source.text[first.end:last.start]})"
+    for first, last in source.statements():
+        if source.tokens[first].text == "return" and last > first + 1:
+            inner = range(first + 1, last)
+            if any(source.tokens[i].text in ("&&", "||", "==", "!=", "<=", ">=") for i in inner) and not any(
+                    source.tokens[i].text == "?" for i in inner):
+                start, end = source.tokens[first + 1].start, source.tokens[last].start
+                yield start, end, "negate", f"!({source.text[start:end]})"
+
+
+def _drops(source):
+    """Statements that are left out: expressions, loops and conditional jumps without braces."""
+    tokens = source.tokens
+    for first, last in source.statements():
+        head = tokens[first].text
+        if last + 1 < len(tokens) and tokens[last + 1].text == "else":
+            continue
+        if source.is_expression(first, last) or (head in BRANCHES and tokens[first + 1].text == "("):
+            yield tokens[first].start, tokens[last].start, "drop", ""
+
+
+def _split_chain(source, first, last):
+    """The parts of `a ? b : c ? d : e`, as (start, end), or less than five where it is no such chain."""
+    parts, start, i = [], source.tokens[first].start, first
+    while i < last:
+        token = source.tokens[i]
+        if token.text in ("(", "[", "{"):
+            i = source.partner.get(i, i)
+        elif token.text in ("?", ":"):
+            parts.append((start, source.tokens[i - 1].end))
+            start = source.tokens[i + 1].start
+        i += 1
+    return parts + [(start, source.tokens[last - 1].end)]
+
+
+def _chains(source):
+    """Neighbouring tests of a chain change places, each with its outcome."""
+    for first, last in source.statements():
+        equals = next((i for i in range(first, last) if source.tokens[i].text == "="), None)
+        if equals is None:
+            continue
+        parts = _split_chain(source, equals + 1, last)
+        for i in range(0, len(parts) - 4, 2):
+            (a0, a1), (b0, b1), (c0, c1), (d0, d1) = parts[i:i + 4]
+            text = source.text
+            swapped = text[c0:c1] + text[a1:b0] + text[d0:d1] + text[b1:c0] + text[a0:a1] + text[c1:d0] + text[b0:b1]
+            yield a0, d1, "swap-tests", swapped
+
+
+def _guards(source):
+    """Two `if (...) return ...;` in a row change places."""
+    tokens = source.tokens
+    guards = [(first, last) for first, last in source.statements() if tokens[first].text == "if"
+              and tokens[source.partner[first + 1] + 1].text == "return"]
+    for (a, b), (c, d) in zip(guards, guards[1:]):
+        if c == b + 1:
+            start, end = tokens[a].start, tokens[d].end
+            yield (start, end, "swap-guards", source.text[tokens[c].start:end]
+                   + source.text[tokens[b].end:tokens[c].start] + source.text[start:tokens[b].end])
+
+
+CODES = ("kNoError kSourceIsNil kCantLockSource kCantLockIntermediate kCantLockResult kRotationOutOfBounds "
+         "kShearOutOfBounds kWidthOutOfBounds kHeightOutOfBounds kInvalidSelection kInvalidTrimArea kRedOutOfBounds "
+         "kGreenOutOfBounds kBlueOutOfBounds kDegreesOutOfBounds kSaturationOutOfBounds kBrightnessOutOfBounds").split()
+
+
+def _codes(source):
+    for i, token in _tokens(source, "name"):
+        if token.text in CODES and source.tokens[i + 1].text != "=":
+            yield token.start, token.end, "code", CODES[(CODES.index(token.text) + 1) % len(CODES)]

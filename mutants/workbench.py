@@ -1,0 +1,218 @@
+"""A copy of the tree in which mutants are planted, built and run against the tests, one at a time."""
+
+import hashlib
+import os
+import pathlib
+import re
+import resource
+import shutil
+import signal
+import subprocess
+
+BUILD_SECONDS = 1800
+MEMORY = 16 << 30
+
+# Programs of tests by kind, the quickest first: the program below the build folder, and its arguments. "levels" are two of
+# them once more with the plug-in's twins; "emulated" is a build of its own, in which AVX-512 is emulated and which takes
+# long to compile.
+PROGRAMS = {
+    "source": [("tests/source/source_tests",)],
+    "fuzz": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("fuzz/replay_kernels", "fuzz/corpus/kernels")],
+    "golden": [("tests/golden/golden_tests",)],
+    "contexts": [(f"tests/contexts/contexts_without_{function}",) for function in
+                 ("all", "CGBitmapContextGetWidth", "CGBitmapContextGetHeight", "CGBitmapContextGetBitsPerPixel",
+                  "CGBitmapContextGetBytesPerRow", "CGBitmapContextGetData")],
+    "plugin": [("tests/plugin/plugin_tests",)],
+    "kernels": [("tests/kernels/kernel_tests",)],
+    "levels": [("tests/plugin/plugin_tests",), ("tests/golden/golden_tests",)],
+    "emulated": [("tests/kernels/kernel_tests", "--gtest_filter=*emulated*:All*")],
+}
+LEVELS = ("plain", "sse2", "avx2")
+
+# What a mutant meets first, by its file: kinds, with the suites that are about it, or all. Everything else follows.
+FIRST = [
+    ("kernels/(Vector|RunKernels)_avx512", [("emulated", "")]),
+    ("kernels/", [("fuzz", ""), ("golden", ""), ("kernels", "-All*:Some*:*transpose*")]),
+    ("LMX_(Main|Module)|PluginMain", [("source", ""), ("plugin", "HostEntry*")]),
+    ("AdjustHSV", [("fuzz", ""), ("golden", ""), ("plugin", "*HSV*:Colour*:DefinitionColour*")]),
+    ("AdjustRGB", [("fuzz", ""), ("golden", ""), ("plugin", "*RGB*:Colour*:DefinitionColour*")]),
+    ("FlipRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FlipRotate*")]),
+    ("FreeRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FreeRotate*")]),
+    ("Shear", [("fuzz", ""), ("golden", ""), ("plugin", "*Shear*")]),
+    ("Stretch", [("fuzz", ""), ("golden", ""), ("plugin", "*Stretch*")]),
+    ("Trim", [("fuzz", ""), ("golden", ""), ("plugin", "*Trim*")]),
+    ("Gradient", [("fuzz", ""), ("golden", ""), ("plugin", "Gradient*")]),
+]
+
+
+class Result:
+    """What became of a mutant: "killed", "stillborn", "equal" or "survived"; by which kind of test, and how."""
+
+    def __init__(self, outcome, kind="", how=""):
+        self.outcome, self.kind, self.how = outcome, kind, how
+
+
+class Workbench:
+    """Has a tree of its own at `folder`, with its builds below."""
+
+    def __init__(self, repository, folder):
+        self.repository, self.tree = repository, folder
+        self.builds = {"native": folder / "build/native", "emulated": folder / "build/emulated"}
+        self.seconds = {}
+        self.objects = ""
+
+    # ------------------------------------------------------------------------------------------------------ the tree
+
+    def prepare(self):
+        """Makes the tree equal to the repository, builds it, and sees all tests pass."""
+        self._copy()
+        for name, build in self.builds.items():
+            options = ["-DSIMDE_INCLUDE_DIR="] if name == "native" else []
+            self._must_run(["cmake", "--preset", "native", "-B", build, "-DLMX_WERROR=OFF",
+                            "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST", *options])
+        targets = sorted({pathlib.Path(program[0]).name for kind in PROGRAMS if kind != "emulated"
+                          for program in PROGRAMS[kind]})
+        self._must_run(self._ninja("native", "LMX", "LMX_levels", *targets))
+        self._must_run(self._ninja("emulated", "kernel_tests"))
+        self.objects = self._objects()
+        for kind, program, environment in self._all_programs():
+            result = self._run(kind, program, environment)
+            if result:
+                raise SystemExit(f"without any mutant, {program[0]} fails: {result.how}")
+
+    def _copy(self):
+        listing = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], check=True,
+                                 cwd=self.repository, stdout=subprocess.PIPE).stdout
+        wanted = {name for name in os.fsdecode(listing).split("\0") if name and (self.repository / name).is_file()}
+        for name in wanted:
+            source, copy = self.repository / name, self.tree / name
+            if not copy.is_file() or copy.read_bytes() != source.read_bytes():
+                copy.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copyfile(source, copy)
+                shutil.copymode(source, copy)
+        for path in [path for path in self.tree.rglob("*") if path.is_file()]:
+            name = path.relative_to(self.tree).as_posix()
+            if name not in wanted and not name.startswith("build/"):
+                path.unlink()
+
+    def _must_run(self, command):
+        done = subprocess.run(list(map(str, command)), cwd=self.tree, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              text=True, errors="replace", check=False)
+        if done.returncode:
+            raise SystemExit(f"{' '.join(map(str, command))} fails:\n{done.stdout}")
+
+    # ----------------------------------------------------------------------------------------------------- a mutant
+
+    def judge(self, mutant):
+        """Plants the mutant, runs what may kill it, and takes it out again."""
+        file = self.tree / mutant.file
+        text = file.read_text()
+        file.write_text(mutant.planted(text))
+        try:
+            return self._judge(mutant)
+        finally:
+            file.write_text(text)
+
+    def _judge(self, mutant):
+        if not self._builds("native", "lmx_product", "lmx_level"):
+            return Result("stillborn")
+        if self._objects() == self.objects:
+            return Result("equal")
+        for kind, program, environment in self._ordered(mutant.file):
+            targets = ["LMX", pathlib.Path(program[0]).name] + (["LMX_levels"] if kind in ("levels", "kernels") else [])
+            if not self._builds(self._build_of(kind), *targets):
+                return Result("killed", kind, "its compilation")
+            result = self._run(kind, program, environment)
+            if result:
+                return result
+        return Result("survived")
+
+    def _ordered(self, file):
+        """What a mutant of the file has to survive, in this order."""
+        first = next((kinds for pattern, kinds in FIRST if re.search(pattern, file)), [])
+        everything = [entry for entry in self._all_programs()
+                      if entry[0] != "emulated" or file.startswith("source/kernels/")]
+        ordered = [(kind, program + ((f"--gtest_filter={suites}",) if suites else ()), environment)
+                   for wanted, suites in first for kind, program, environment in everything if kind == wanted]
+        return ordered + [entry for entry in everything if (entry[0], "") not in first]
+
+    def _all_programs(self):
+        for kind, programs in PROGRAMS.items():
+            for program in programs:
+                for level in LEVELS if kind == "levels" else ("",):
+                    library = self.builds["native"] / f"libLMX-{level}.so"
+                    yield kind, program, {"LMX_LIBRARY": str(library)} if level else {}
+
+    # -------------------------------------------------------------------------------------------------- compilations
+
+    def _ninja(self, build, *targets):
+        return ["ninja", "-C", self.builds[build], "-j1", *targets]
+
+    def _builds(self, build, *targets):
+        try:
+            return subprocess.run(list(map(str, self._ninja(build, *targets))), stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL, timeout=BUILD_SECONDS, check=False).returncode == 0
+        except subprocess.TimeoutExpired:
+            return False
+
+    def _objects(self):
+        """A digest of what the compiler made of the product; nothing in it tells of lines or times."""
+        digest = hashlib.sha256()
+        for file in sorted((self.builds["native"] / "CMakeFiles").glob("lmx_*.dir/**/*.o")):
+            digest.update(file.read_bytes())
+        return digest.hexdigest()
+
+    @staticmethod
+    def _build_of(kind):
+        return "emulated" if kind == "emulated" else "native"
+
+    # ---------------------------------------------------------------------------------------------------------- runs
+
+    def _run(self, kind, program, environment):
+        """Nothing if the tests pass, else how they killed the mutant. What takes many times as long as it did without a
+        mutant hangs."""
+        key = (kind, pathlib.Path(program[0]).name, *environment.values())
+        processor = 10 * self.seconds[key] + 20 if key in self.seconds else 600
+        build = self.builds[self._build_of(kind)]
+        command = [str(build / program[0]), *program[1:]]
+        if "replay" not in program[0]:
+            command += ["--gtest_fail_fast", "--gtest_brief=1"]
+        log = self.tree / "build/run.log"
+
+        def limit():
+            resource.setrlimit(resource.RLIMIT_CPU, (int(processor), int(processor) + 5))
+            resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+            resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
+
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        with log.open("wb") as output, subprocess.Popen(
+                command, cwd=self.tree, env={**os.environ, **environment}, stdout=output, stderr=subprocess.STDOUT,
+                stdin=subprocess.DEVNULL, preexec_fn=limit, start_new_session=True) as process:
+            try:
+                status = process.wait(timeout=10 * processor)
+            except subprocess.TimeoutExpired:
+                status = -signal.SIGXCPU
+            self._end_group(process.pid)
+        if status == 0:
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
+            self.seconds.setdefault(key, after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
+            return None
+        return Result("killed", kind, self._how(status, log))
+
+    @staticmethod
+    def _end_group(group):
+        try:
+            os.killpg(group, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+
+    @staticmethod
+    def _how(status, log):
+        text = log.read_bytes()[:1 << 22].decode(errors="replace")
+        test = re.search(r"^\[  FAILED  \] ([\w./]+)", text, re.M)
+        if status > 0:
+            return test.group(1) if test else "a finding" if "FINDING" in text else "a failure"
+        if -status in (signal.SIGXCPU, signal.SIGKILL):
+            return "a hang"
+        return f"signal {signal.Signals(-status).name}"
