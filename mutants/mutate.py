@@ -98,7 +98,7 @@ def run(mutants, workers):
         except BaseException as trouble:
             troubles.append(trouble)
 
-    threads = [threading.Thread(target=work, args=(bench,)) for bench in benches]
+    threads = [threading.Thread(target=work, args=(bench,), daemon=True) for bench in benches]
     for thread in threads:
         thread.start()
     for thread in threads:

@@ -13,28 +13,35 @@ OPERATORS = {
     "^": ("xor-bor", "|"), "+=": ("addto-subfrom", "-="), "-=": ("subfrom-addto", "+="),
 }
 
-# Words that are easily confused, each with its counterpart; whole words.
-WORDS = [
-    ("true", "false"), ("width", "height"), ("left", "top"), ("begin", "end"), ("x0", "x1"), ("y0", "y1"),
-    ("x0", "y0"), ("min", "max"), ("min_element", "max_element"), ("Min", "Max"), ("floor", "ceil"), ("sin", "cos"),
-    ("Alpha", "Blue"), ("Red", "Green"), ("red", "green"), ("green", "blue"), ("first", "last"), ("first", "second"),
-    ("from", "to"), ("source", "destination"), ("source", "result"), ("at_", "end_"), ("x", "y"), ("p", "tq"),
-    ("saturation", "brightness"), ("saturation", "value"), ("before", "pixel"), ("kForward", "kBackward"),
-    ("kDown", "kUp"), ("kContextForm", "kBufferForm"), ("ContextForm", "BufferForm"),
-    ("bitsPerPixel", "bytesPerPixel"), ("sse2", "avx2"), ("high", "low"),
-    ("upper", "lower"), ("ReadBuffer", "ReadContext"), ("WriteBuffer", "WriteContext"), ("even", "odd"),
-    ("perSource", "perDestination"),
-    ("ReadOne", "Load"),
+# Names that are easily confused. One takes the other's place only where that is in the same function, too.
+NAMES = [
+    ("width", "height"), ("left", "top"), ("begin", "end"), ("x0", "x1"), ("y0", "y1"), ("x0", "y0"), ("x", "y"),
+    ("red", "green"), ("green", "blue"), ("first", "last"), ("first", "second"), ("from", "to"),
+    ("source", "destination"), ("source", "result"), ("at_", "end_"), ("p", "tq"), ("saturation", "brightness"),
+    ("saturation", "value"), ("before", "pixel"), ("high", "low"), ("upper", "lower"), ("even", "odd"), ("rows", "columns"),
+    ("bitsPerPixel", "bytesPerPixel"), ("perSource", "perDestination"), ("firstLine", "begin"), ("step", "count"),
 ]
 
-# Parts of the names of vector functions and of intrinsics, of which a kernel could take the wrong one.
+# Names that are known everywhere.
+GLOBAL_NAMES = [
+    ("true", "false"), ("min", "max"), ("Min", "Max"), ("floor", "ceil"), ("sin", "cos"), ("Alpha", "Blue"),
+    ("Red", "Green"), ("kForward", "kBackward"), ("kDown", "kUp"), ("kContextForm", "kBufferForm"),
+    ("ContextForm", "BufferForm"), ("ReadBuffer", "ReadContext"), ("WriteBuffer", "WriteContext"),
+]
+
+# Parts of the names of vector functions, of which a kernel could take the wrong one.
 VECTOR_PARTS = [
-    ("Add", "Sub"), ("MulLow", "MulHigh"), ("Low", "High"), ("AndNot", "And"), ("And", "Or"), ("Or", "Xor"),
-    ("Xor", "Or"), ("Min", "Max"), ("Left", "Right"), ("Even", "Odd"), ("Equal", "Greater"), ("Average", "Max"),
-    ("SubSaturated", "Sub"), ("AddSaturated", "Add"), ("IsZero", "HasBits"),
-    ("add", "sub"), ("adds", "add"), ("subs", "sub"), ("mullo", "mulhi"), ("min", "max"), ("slli", "srli"),
-    ("unpacklo", "unpackhi"), ("shufflelo", "shufflehi"), ("and", "or"), ("xor", "or"), ("cmpeq", "cmpgt"),
-    ("avg", "max"), ("packus", "packs"), ("epu16", "epi16"), ("epu8", "epi8"), ("testz", "testc"),
+    ("Add", "Sub"), ("Sub", "Add"), ("MulLow", "MulHigh"), ("MulHigh", "MulLow"), ("Low", "High"), ("High", "Low"),
+    ("AndNot", "And"), ("And", "AndNot"), ("And", "Or"), ("Or", "And"), ("Or", "Xor"), ("Xor", "Or"), ("Min", "Max"),
+    ("Max", "Min"), ("Left", "Right"), ("Right", "Left"), ("Even", "Odd"), ("Odd", "Even"), ("Equal", "Greater"),
+    ("Greater", "Equal"), ("Average", "Max"), ("SubSaturated", "Sub"), ("AddSaturated", "Add"),
+]
+INTRINSIC_PARTS = [
+    ("add", "sub"), ("sub", "add"), ("adds", "add"), ("subs", "sub"), ("mullo", "mulhi"), ("mulhi", "mullo"),
+    ("min", "max"), ("max", "min"), ("slli", "srli"), ("srli", "slli"), ("unpacklo", "unpackhi"),
+    ("unpackhi", "unpacklo"), ("shufflelo", "shufflehi"), ("shufflehi", "shufflelo"), ("and", "or"), ("or", "and"),
+    ("or", "xor"), ("xor", "or"), ("cmpeq", "cmpgt"), ("cmpgt", "cmpeq"), ("avg", "max"), ("packus", "packs"),
+    ("packs", "packus"), ("testz", "testc"), ("testc", "testz"),
 ]
 
 BRANCHES = ("if", "while", "for")
@@ -60,7 +67,7 @@ class Mutant:
 def enumerate_mutants(file, text):
     """All mutants of a file, in the order of their places, named."""
     source = Source(text)
-    finds = (_operators, _words, _vector_names, _numbers, _unary, _terms, _conditions, _drops, _chains, _guards, _codes)
+    finds = (_operators, _names, _vector_names, _numbers, _unary, _terms, _conditions, _drops, _chains, _guards, _codes)
     places = {place for find in finds for place in find(source)}
     mutants = [Mutant(file, source, operator, start, end, replacement)
                for start, end, operator, replacement in sorted(places) if text[start:end] != replacement]
@@ -91,30 +98,42 @@ def _is_declared(source, i):
     return before.text in ("*", "&", ">") and behind.text in (",", ")", ";", "=", "[") and not source.spaced(i - 1)
 
 
-def _words(source):
+def _functions(source):
+    """For each token, the set of names in its function or class, which ends with a bracket at the start of a line."""
+    sets, names = [], set()
+    for token in source.tokens:
+        if token.kind == "name":
+            names.add(token.text)
+        sets.append(names)
+        if token.text == "}" and source.text[token.start - 1] == "\n":
+            names = set()
+    return sets
+
+
+def _names(source):
+    functions = _functions(source)
     others = {}
-    for a, b in WORDS:
-        others.setdefault(a, []).append(b)
-        others.setdefault(b, []).append(a)
+    for pairs, is_global in ((NAMES, False), (GLOBAL_NAMES, True)):
+        for a, b in pairs:
+            others.setdefault(a, []).append((b, is_global))
+            others.setdefault(b, []).append((a, is_global))
     for i, token in _tokens(source, "name"):
-        if not _is_declared(source, i):
-            for other in others.get(token.text, ()):
+        for other, is_global in others.get(token.text, ()):
+            if (is_global or other in functions[i]) and not _is_declared(source, i):
                 yield token.start, token.end, f"{token.text}-{other}", other
 
 
 def _vector_names(source):
     for i, token in _tokens(source, "name"):
-        is_wrapper = source.tokens[i - 1].text == "::" and source.tokens[i - 2].text == "Vector"
-        if not is_wrapper and not token.text.startswith("_mm"):
+        if source.tokens[i - 1].text == "::" and source.tokens[i - 2].text == "Vector":
+            parts, before, behind = VECTOR_PARTS, "", "(?![a-z])"
+        elif token.text.startswith("_mm"):
+            parts, before, behind = INTRINSIC_PARTS, "_", "(?![a-z0-9])"
+        else:
             continue
-        for a, b in VECTOR_PARTS:
-            for part, other in ((a, b), (b, a)):
-                if is_wrapper and re.search(rf"{part}(?![a-z])", token.text):
-                    swapped = re.sub(rf"{part}(?![a-z])", other, token.text, count=1)
-                elif not is_wrapper and re.search(rf"_{part}(?![a-z0-9])", token.text):
-                    swapped = re.sub(rf"_{part}(?![a-z0-9])", "_" + other, token.text, count=1)
-                else:
-                    continue
+        for part, other in parts:
+            swapped = re.sub(before + part + behind, before + other, token.text, count=1)
+            if swapped != token.text:
                 yield token.start, token.end, f"{part}-{other}", swapped
 
 
@@ -149,7 +168,7 @@ def _terms(source):
     """Rounding terms and the like: a number that is added or subtracted is left out."""
     for i, token in _tokens(source, "number"):
         before = source.tokens[i - 1]
-        if before.text in ("+", "-") and source.spaced(i - 1):
+        if before.text in ("+", "-") and source.spaced(i - 1) and source.tokens[i + 1].text not in ("*", "/", "%"):
             yield source.tokens[i - 2].end, token.end, "drop-term", ""
 
 
