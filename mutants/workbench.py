@@ -29,6 +29,9 @@ PROGRAMS = {
 }
 LEVELS = ("plain", "sse2", "avx2")
 
+# Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is needed by their tests.
+ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "emulated": "kernels/(Wide|.*_(wide|avx512))"}
+
 # What a mutant meets first, by its file: kinds, with the suites that are about it, or all. Everything else follows.
 FIRST = [
     ("kernels/(Vector|RunKernels)_avx512", [("emulated", "")]),
@@ -130,8 +133,7 @@ class Workbench:
     def _ordered(self, file):
         """What a mutant of the file has to survive, in this order."""
         first = next((kinds for pattern, kinds in FIRST if re.search(pattern, file)), [])
-        everything = [entry for entry in self._all_programs()
-                      if entry[0] != "emulated" or file.startswith("source/kernels/")]
+        everything = [entry for entry in self._all_programs() if re.search(ONLY_FOR.get(entry[0], ""), file)]
         ordered = [(kind, program + ((f"--gtest_filter={suites}",) if suites else ()), environment)
                    for wanted, suites in first for kind, program, environment in everything if kind == wanted]
         return ordered + [entry for entry in everything if (entry[0], "") not in first]
