@@ -18,8 +18,9 @@ NAMES = [
     ("width", "height"), ("left", "top"), ("begin", "end"), ("x0", "x1"), ("y0", "y1"), ("x0", "y0"), ("x", "y"),
     ("red", "green"), ("green", "blue"), ("first", "last"), ("first", "second"), ("from", "to"),
     ("source", "destination"), ("source", "result"), ("at_", "end_"), ("p", "tq"), ("saturation", "brightness"),
-    ("saturation", "value"), ("before", "pixel"), ("high", "low"), ("upper", "lower"), ("even", "odd"), ("rows", "columns"),
-    ("bitsPerPixel", "bytesPerPixel"), ("perSource", "perDestination"), ("firstLine", "begin"), ("step", "count"),
+    ("saturation", "value"), ("before", "pixel"), ("high", "low"), ("upper", "lower"), ("even", "odd"),
+    ("rows", "columns"), ("bitsPerPixel", "bytesPerPixel"), ("perSource", "perDestination"), ("firstLine", "begin"),
+    ("step", "count"),
 ]
 
 # Names that are known everywhere.
@@ -157,11 +158,15 @@ def _numbers(source):
             yield token.start, token.end, "shift-less", str(int(token.text) - 1)
 
 
+UNARY = {"!": "drop-not", "~": "drop-complement", "-": "drop-minus"}
+
+
 def _unary(source):
     for i, token in _tokens(source, "mark"):
         if token.text in ("!", "~", "-") and not source.text[token.end].isspace():
-            if token.text != "~" or source.tokens[i - 1].text not in ("{", "}", ";", ":"):
-                yield token.start, token.end, {"!": "drop-not", "~": "drop-complement", "-": "drop-minus"}[token.text], ""
+            is_destructor = token.text == "~" and source.tokens[i - 1].text in ("{", "}", ";", ":")
+            if not is_destructor:
+                yield token.start, token.end, UNARY[token.text], ""
 
 
 def _terms(source):

@@ -52,7 +52,7 @@ class Source:
         return partner
 
     def _skipped(self):
-        """Tokens of template heads, of static_asserts, and of what arrays are declared with: a longer array is no bug."""
+        """Tokens of template heads, of static_asserts, and of declared lengths of arrays: a longer array is no bug."""
         skipped = set()
         for i, token in enumerate(self.tokens):
             if token.text == "template" and self.tokens[i + 1].text == "<":
@@ -96,8 +96,7 @@ class Source:
         """Whether the statement is an expression, and not a declaration or a jump."""
         tokens = self.tokens
         head = tokens[first]
-        if head.text in NO_EXPRESSION or any(tokens[i].text in ("{", "}") for i in range(first, last)
-                                             if not self._inside_brackets(i, first)):
+        if head.text in NO_EXPRESSION:
             return False
         if head.text in ("++", "--", "*"):
             return True
@@ -113,6 +112,3 @@ class Source:
         while tokens[i].text in ("*", "&", "&&"):
             i += 1
         return tokens[i].kind != "name" and i < last
-
-    def _inside_brackets(self, i, first):
-        return any(self.tokens[j].text in ("(", "[") and self.partner.get(j, j) > i for j in range(first, i))

@@ -12,9 +12,9 @@ import subprocess
 BUILD_SECONDS = 1800
 MEMORY = 16 << 30
 
-# Programs of tests by kind, the quickest first: the program below the build folder, and its arguments. "levels" are two of
-# them once more with the plug-in's twins; "emulated" is a build of its own, in which AVX-512 is emulated and which takes
-# long to compile.
+# Programs of tests by kind, the quickest first: the program below the build folder, and its arguments. "levels" are two
+# of them once more with the plug-in's twins; "emulated" is a build of its own, in which AVX-512 is emulated and which
+# takes long to compile.
 PROGRAMS = {
     "source": [("tests/source/source_tests",)],
     "fuzz": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("fuzz/replay_kernels", "fuzz/corpus/kernels")],
