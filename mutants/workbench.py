@@ -9,6 +9,10 @@ import shutil
 import signal
 import subprocess
 
+# As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time. Programs are not run
+# by CTest, so that it need not ask a mutant which tests it has.
+OPTIONS = ["-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS_MUTANTS=-O1 -DNDEBUG", "-DLMX_WERROR=OFF",
+           "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
 BUILD_SECONDS = 1800
 MEMORY = 16 << 30
 
@@ -71,8 +75,7 @@ class Workbench:
         self._copy()
         for name, build in self.builds.items():
             options = ["-DSIMDE_INCLUDE_DIR="] if name == "native" else []
-            self._must_run(["cmake", "--preset", "native", "-B", build, "-DLMX_WERROR=OFF",
-                            "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST", *options])
+            self._must_run(["cmake", "--preset", "native", "-B", build, *OPTIONS, *options])
         targets = sorted({pathlib.Path(program[0]).name for kind in PROGRAMS if kind != "emulated"
                           for program in PROGRAMS[kind]})
         self._must_run(self._ninja("native", "LMX", "LMX_levels", *targets))
