@@ -29,8 +29,10 @@ def all_mutants():
 def chosen(mutants, filters, sample):
     """Those that a filter names or matches; of these, if that is asked for, so many at equal distances."""
     if filters:
+        names = set(filters) & {mutant.name for mutant in mutants}
+        patterns = [re.compile(text) for text in filters if text not in names]
         mutants = [mutant for mutant in mutants
-                   if any(mutant.name == text or re.search(text, mutant.name) for text in filters)]
+                   if mutant.name in names or any(pattern.search(mutant.name) for pattern in patterns)]
     if sample is None or sample >= len(mutants):
         return mutants
     return [mutants[(2 * i + 1) * len(mutants) // (2 * sample)] for i in range(sample)]
@@ -82,12 +84,13 @@ def run(mutants, workers):
     neighbours in a file mostly share what has to be compiled."""
     benches = [Workbench(pathlib.Path.cwd(), FOLDER.absolute() / f"tree-{i + 1}") for i in range(workers)]
     todo, results, troubles = queue.Queue(), {}, []
+    files = sorted({mutant.file for mutant in mutants})
     for mutant in mutants:
         todo.put(mutant)
 
     def work(bench):
         try:
-            bench.prepare()
+            bench.prepare(files)
             while not troubles:
                 mutant = todo.get_nowait()
                 results[mutant.name] = result = bench.judge(mutant)

@@ -9,8 +9,8 @@ import shutil
 import signal
 import subprocess
 
-# As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time. Programs are not run
-# by CTest, so that it need not ask a mutant which tests it has.
+# As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time. Programs are not
+# run by CTest, so that it need not ask a mutant which tests it has.
 OPTIONS = ["-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS_MUTANTS=-O1 -DNDEBUG", "-DLMX_WERROR=OFF",
            "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
 BUILD_SECONDS = 1800
@@ -52,6 +52,10 @@ FIRST = [
 ]
 
 
+def may_notice(kind, file):
+    return re.search(ONLY_FOR.get(kind, ""), file) is not None
+
+
 class Result:
     """What became of a mutant: "killed", "stillborn", "equal" or "survived"; by which kind of test, and how."""
 
@@ -70,18 +74,17 @@ class Workbench:
 
     # ------------------------------------------------------------------------------------------------------ the tree
 
-    def prepare(self):
-        """Makes the tree equal to the repository, builds it, and sees all tests pass."""
+    def prepare(self, files):
+        """Makes the tree that of the repository, builds what mutants of the files will meet, and sees the tests pass."""
         self._copy()
-        for name, build in self.builds.items():
-            options = ["-DSIMDE_INCLUDE_DIR="] if name == "native" else []
-            self._must_run(["cmake", "--preset", "native", "-B", build, *OPTIONS, *options])
-        targets = sorted({pathlib.Path(program[0]).name for kind in PROGRAMS if kind != "emulated"
-                          for program in PROGRAMS[kind]})
-        self._must_run(self._ninja("native", "LMX", "LMX_levels", *targets))
-        self._must_run(self._ninja("emulated", "kernel_tests"))
+        programs = [entry for entry in self._all_programs() if any(may_notice(entry[0], file) for file in files)]
+        for name in sorted({self._build_of(kind) for kind, *_ in programs}):
+            emulation = ["-DSIMDE_INCLUDE_DIR="] if name == "native" else []
+            self._must_run(["cmake", "--preset", "native", "-B", self.builds[name], *OPTIONS, *emulation])
+        for kind, program, _ in programs:
+            self._must_run(self._ninja(self._build_of(kind), *self._targets(kind, program)))
         self.objects = self._objects()
-        for kind, program, environment in self._all_programs():
+        for kind, program, environment in programs:
             result = self._run(kind, program, environment)
             if result:
                 raise SystemExit(f"without any mutant, {program[0]} fails: {result.how}")
@@ -125,8 +128,7 @@ class Workbench:
         if self._objects() == self.objects:
             return Result("equal")
         for kind, program, environment in self._ordered(mutant.file):
-            targets = ["LMX", pathlib.Path(program[0]).name] + (["LMX_levels"] if kind in ("levels", "kernels") else [])
-            if not self._builds(self._build_of(kind), *targets):
+            if not self._builds(self._build_of(kind), *self._targets(kind, program)):
                 return Result("killed", kind, "its compilation")
             result = self._run(kind, program, environment)
             if result:
@@ -136,7 +138,7 @@ class Workbench:
     def _ordered(self, file):
         """What a mutant of the file has to survive, in this order."""
         first = next((kinds for pattern, kinds in FIRST if re.search(pattern, file)), [])
-        everything = [entry for entry in self._all_programs() if re.search(ONLY_FOR.get(entry[0], ""), file)]
+        everything = [entry for entry in self._all_programs() if may_notice(entry[0], file)]
         ordered = [(kind, program + ((f"--gtest_filter={suites}",) if suites else ()), environment)
                    for wanted, suites in first for kind, program, environment in everything if kind == wanted]
         return ordered + [entry for entry in everything if (entry[0], "") not in first]
@@ -166,6 +168,10 @@ class Workbench:
         for file in sorted((self.builds["native"] / "CMakeFiles").glob("lmx_*.dir/**/*.o")):
             digest.update(file.read_bytes())
         return digest.hexdigest()
+
+    @staticmethod
+    def _targets(kind, program):
+        return ["LMX", pathlib.Path(program[0]).name] + (["LMX_levels"] if kind == "levels" else [])
 
     @staticmethod
     def _build_of(kind):
