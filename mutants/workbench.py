@@ -123,6 +123,10 @@ class Workbench:
             file.write_text(text)
 
     def _judge(self, mutant):
+        if re.search("kernels/Wide", mutant.file):
+            result = self._at_sse2()
+            if result:
+                return result
         if not self._builds("native", "lmx_product", "lmx_level"):
             return Result("stillborn")
         if self._objects() == self.objects:
@@ -134,6 +138,20 @@ class Workbench:
             if result:
                 return result
         return Result("survived")
+
+    def _at_sse2(self):
+        """What becomes, at this level, of a mutant of all wide kernels: its object, which is one of many and compiles as
+        long as the others, and the twin of this level are made anew. Nothing if it lives."""
+        object_file = "CMakeFiles/lmx_product.dir/source/kernels/RunKernels_sse2.cpp.o"
+        if not self._builds("native", object_file):
+            return Result("stillborn")
+        build = self.builds["native"]
+        commands = subprocess.run(["ninja", "-C", build, "-t", "commands", "LMX-sse2"], check=True, text=True,
+                                  stdout=subprocess.PIPE).stdout
+        subprocess.run(commands.splitlines()[-1], shell=True, cwd=build, check=True, stdout=subprocess.DEVNULL)
+        twin = {"LMX_LIBRARY": str(build / "libLMX-sse2.so")}
+        programs = [PROGRAMS["fuzz"][0], *PROGRAMS["golden"], PROGRAMS["plugin"][0] + ("--gtest_filter=-*Large*",)]
+        return next(filter(None, (self._run("levels", program, twin) for program in programs)), None)
 
     def _ordered(self, file):
         """What a mutant of the file has to survive, in this order."""
@@ -182,7 +200,7 @@ class Workbench:
     def _run(self, kind, program, environment):
         """Nothing if the tests pass, else how they killed the mutant. What takes many times as long as it did without a
         mutant hangs."""
-        key = (kind, pathlib.Path(program[0]).name, *environment.values())
+        key = (self._build_of(kind), program[0])
         processor = 10 * self.seconds[key] + 20 if key in self.seconds else 600
         build = self.builds[self._build_of(kind)]
         command = [str(build / program[0]), *program[1:]]

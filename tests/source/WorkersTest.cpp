@@ -123,6 +123,55 @@ TEST_F(WorkersTest, ResultsWithoutRowsAreLeftAlone) {
   }
 }
 
+// A result that is longer than the source has rows, by one pixel behind a whole tile: what it finds there.
+template <class Picture>
+void CheckTurnBeyondTheSource(std::uint32_t opaque, const std::function<std::uint32_t(std::uint32_t last)>& beyond) {
+  constexpr int kRows = 65;
+  Picture sourcePicture(1, kRows);
+  for (int y = 0; y < kRows; ++y) sourcePicture.SetWord(0, y, opaque | Numbered(y, 0));
+  LMX_Picture source(sourcePicture.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (const bool isUp : {false, true}) {
+    SCOPED_TRACE(isUp);
+    fake::Buffer resultBuffer(kRows + 1, 1);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    (isUp ? Priv_Rotate90 : Priv_Rotate90_V)(source, result, 0);
+    for (int x = 0; x < kRows; ++x) EXPECT_EQ(resultBuffer.Word(x, 0), Numbered(isUp ? kRows - 1 - x : x, 0)) << x;
+    EXPECT_EQ(resultBuffer.Word(kRows, 0), beyond(resultBuffer.Word(kRows - 1, 0)));
+  }
+}
+
+TEST_F(WorkersTest, ATurnBeyondABufferStaysAtItsLastRow) {
+  CheckTurnBeyondTheSource<fake::Buffer>(0, [](std::uint32_t last) { return last; });
+}
+
+TEST_F(WorkersTest, ATurnBeyondAContextFindsClearPixels) {
+  CheckTurnBeyondTheSource<fake::Context>(0xFF000000, [](std::uint32_t) { return 0x7F000000u; });
+}
+
+TEST_F(WorkersTest, TurnsLeaveOutMissingRowsOfTheResult) {
+  constexpr int kColumns = 70;  // more than a tile
+  fake::Buffer sourceBuffer(kColumns, H);
+  Number(sourceBuffer, kColumns, H);
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (const bool isBackward : {false, true}) {
+    SCOPED_TRACE(isBackward);
+    fake::Buffer resultBuffer(H, kColumns);
+    for (const int missing : {10, 66}) resultBuffer.MakeRowNil(missing);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    (isBackward ? Priv_Rotate90_HV : Priv_Rotate90_V)(source, result, 0);
+    for (int y = 0; y < kColumns; ++y) {
+      if (y == 10 || y == 66) continue;
+      for (int x = 0; x < H; ++x) {
+        EXPECT_EQ(resultBuffer.Word(x, y), Numbered(isBackward ? kColumns - 1 - y : y, x)) << x << ", " << y;
+      }
+    }
+  }
+}
+
 // ----------------------------------------------------------------------------------------------------------- averages
 
 TEST_F(WorkersTest, AveragesLeaveOutWhatNobodyAskedFor) {
