@@ -79,10 +79,12 @@ class Justification:
                 and fnmatch.fnmatchcase(mutant.operator, entry["operator"]))
 
 
-def run(mutants, workers):
+def run(mutants, workers, without):
     """Judges all of them; a list of (mutant, result) in their order. Each worker takes the next one, so that its
     neighbours in a file mostly share what has to be compiled."""
-    benches = [Workbench(pathlib.Path.cwd(), FOLDER.absolute() / f"tree-{i + 1}") for i in range(workers)]
+    seconds = {}
+    benches = [Workbench(pathlib.Path.cwd(), FOLDER.absolute() / f"tree-{i + 1}", seconds, without)
+               for i in range(workers)]
     todo, results, troubles = queue.Queue(), {}, []
     files = sorted({mutant.file for mutant in mutants})
     for mutant in mutants:
@@ -90,7 +92,7 @@ def run(mutants, workers):
 
     def work(bench):
         try:
-            bench.prepare(files)
+            bench.prepare(files, checks=bench is benches[0])
             while not troubles:
                 mutant = todo.get_nowait()
                 results[mutant.name] = result = bench.judge(mutant)
@@ -131,6 +133,7 @@ def main():
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--sample", type=int)
     parser.add_argument("--workers", type=int, default=2)
+    parser.add_argument("--without", action="append", choices=PROGRAMS, default=[])
     parser.add_argument("filters", nargs="*")
     arguments = parser.parse_args()
     everything = all_mutants()
@@ -144,7 +147,7 @@ def main():
         print("\n".join(mutant.name for mutant in mutants))
         return
 
-    results = run(mutants, arguments.workers)
+    results = run(mutants, arguments.workers, arguments.without)
     print(f"\n{len(mutants)} of {len(everything)} mutants\n\n{table(results)}")
     survivors = [mutant for mutant, result in results if result.outcome == "survived"]
     alive = 0
