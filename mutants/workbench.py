@@ -40,14 +40,15 @@ ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "emulated
 FIRST = [
     ("kernels/(Vector|RunKernels)_avx512", [("emulated", "")]),
     ("kernels/", [("fuzz", ""), ("golden", ""), ("kernels", "-All*:Some*:*transpose*")]),
+    ("LMX_(Runs|Picture|Selection|Yield|Convert)", [("source", ""), ("fuzz", ""), ("golden", ""), ("plugin", "-*Large*")]),
     ("LMX_(Main|Module)|PluginMain", [("source", ""), ("plugin", "HostEntry*")]),
-    ("AdjustHSV", [("fuzz", ""), ("golden", ""), ("plugin", "*HSV*:Colour*:DefinitionColour*")]),
-    ("AdjustRGB", [("fuzz", ""), ("golden", ""), ("plugin", "*RGB*:Colour*:DefinitionColour*")]),
-    ("FlipRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FlipRotate*")]),
-    ("FreeRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FreeRotate*")]),
-    ("Shear", [("fuzz", ""), ("golden", ""), ("plugin", "*Shear*")]),
-    ("Stretch", [("fuzz", ""), ("golden", ""), ("plugin", "*Stretch*")]),
-    ("Trim", [("fuzz", ""), ("golden", ""), ("plugin", "*Trim*")]),
+    ("AdjustHSV", [("fuzz", ""), ("golden", ""), ("plugin", "*HSV*:*Colour*:-*Large*")]),
+    ("AdjustRGB", [("fuzz", ""), ("golden", ""), ("plugin", "*RGB*:*Colour*:-*Large*")]),
+    ("FlipRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FlipRotate*:-*Large*")]),
+    ("FreeRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FreeRotate*:-*Large*")]),
+    ("Shear", [("fuzz", ""), ("golden", ""), ("plugin", "*Shear*:-*Large*")]),
+    ("Stretch", [("fuzz", ""), ("golden", ""), ("plugin", "*Stretch*:-*Large*")]),
+    ("Trim", [("fuzz", ""), ("golden", ""), ("plugin", "*Trim*:-*Large*")]),
     ("Gradient", [("fuzz", ""), ("golden", ""), ("plugin", "Gradient*")]),
 ]
 
