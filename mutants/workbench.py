@@ -40,7 +40,7 @@ ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "emulated
 FIRST = [
     ("kernels/(Vector|RunKernels)_avx512", [("emulated", "")]),
     ("kernels/", [("fuzz", ""), ("golden", ""), ("kernels", "-All*:Some*:*transpose*")]),
-    ("LMX_(Runs|Picture|Selection|Yield|Convert)", [("source", ""), ("fuzz", ""), ("golden", ""), ("plugin", "-*Large*")]),
+    ("LMX_[PRSYC]", [("source", ""), ("fuzz", ""), ("golden", ""), ("plugin", "-*Large*")]),
     ("LMX_(Main|Module)|PluginMain", [("source", ""), ("plugin", "HostEntry*")]),
     ("AdjustHSV", [("fuzz", ""), ("golden", ""), ("plugin", "*HSV*:*Colour*:-*Large*")]),
     ("AdjustRGB", [("fuzz", ""), ("golden", ""), ("plugin", "*RGB*:*Colour*:-*Large*")]),

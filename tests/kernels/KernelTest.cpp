@@ -287,6 +287,23 @@ TEST(KernelTable, HasItsNameAndNoEmptySlotAtAnyLevel) {
   }
 }
 
+// What a level forgets to fill in is right all the same, and slow.
+TEST(KernelTable, EveryLevelBringsEveryKernelOfItsOwn) {
+  std::string below = "plain";
+  for (const std::string& level : LevelNames()) {
+    const bool isStreaming = level.find("streaming") != std::string::npos;
+    if (!RunsHere(level) || level == "plain" || isStreaming) continue;
+    const RunKernels own = KernelsOf(level), lower = KernelsOf(below);
+    for (const KernelCase& kernel : KernelCases()) {
+      const auto slot = [&](const RunKernels& kernels) {
+        return reinterpret_cast<const char*>(&kernels) + kernel.slot;
+      };
+      EXPECT_NE(std::memcmp(slot(own), slot(lower), sizeof(void*)), 0) << kernel.name << " of " << level;
+    }
+    if (!IsVariant(level)) below = level;
+  }
+}
+
 // What the plug-in will use is the highest level that runs here, whole.
 TEST(KernelTable, SelectedTablesAreThoseOfTheHighestLevelThatRunsHere) {
   RunKernels kernels = KernelsOf("plain"), streaming = kernels;
