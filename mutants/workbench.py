@@ -8,6 +8,7 @@ import resource
 import shutil
 import signal
 import subprocess
+import time
 
 # As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time. Programs are not
 # run by CTest, so that it need not ask a mutant which tests it has.
@@ -87,7 +88,9 @@ class Workbench:
             self._must_run(self._ninja(self._build_of(kind), *self._targets(kind, program)))
         self.objects = self._objects()
         for kind, program, environment in programs if checks else ():
+            start = time.monotonic()
             result = self._run(kind, program, environment)
+            self.seconds[self._build_of(kind), program[0]] = time.monotonic() - start
             if result:
                 raise SystemExit(f"without any mutant, {program[0]} fails: {result.how}")
 
@@ -217,7 +220,6 @@ class Workbench:
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
             resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
 
-        before = resource.getrusage(resource.RUSAGE_CHILDREN)
         with log.open("wb") as output, subprocess.Popen(
                 command, cwd=self.tree, env={**os.environ, **environment}, stdout=output, stderr=subprocess.STDOUT,
                 stdin=subprocess.DEVNULL, preexec_fn=limit, start_new_session=True) as process:
@@ -227,8 +229,6 @@ class Workbench:
                 status = -signal.SIGXCPU
             self._end_group(process.pid)
         if status == 0:
-            after = resource.getrusage(resource.RUSAGE_CHILDREN)
-            self.seconds.setdefault(key, after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
             return None
         return Result("killed", kind, self._how(status, log))
 
