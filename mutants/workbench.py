@@ -204,10 +204,10 @@ class Workbench:
     # ---------------------------------------------------------------------------------------------------------- runs
 
     def _run(self, kind, program, environment):
-        """Nothing if the tests pass, else how they killed the mutant. What takes many times as long as it did without a
-        mutant hangs."""
+        """Nothing if the tests pass, else how they killed the mutant. What takes much more time of the processor than
+        it took time without a mutant hangs."""
         key = (self._build_of(kind), program[0])
-        processor = 10 * self.seconds[key] + 20 if key in self.seconds else 600
+        processor = 3 * self.seconds[key] + 20 if key in self.seconds else 600
         build = self.builds[self._build_of(kind)]
         command = [str(build / program[0]), *program[1:]]
         if "replay" not in program[0]:

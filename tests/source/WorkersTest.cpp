@@ -123,12 +123,23 @@ TEST_F(WorkersTest, ResultsWithoutRowsAreLeftAlone) {
   }
 }
 
+// Leaves out the first and the last row, which stay where they are, for whoever reaches beyond the others.
+void HideOuterRows(fake::Buffer& picture) {
+  picture.Record().rowTable += 4;
+  picture.Record().height -= 2;
+}
+void HideOuterRows(fake::Context& picture) {
+  picture.context.data = picture.Pixel(0, 1);
+  picture.context.height -= 2;
+}
+
 // A result that is longer than the source has rows, by one pixel behind a whole tile: what it finds there.
 template <class Picture>
 void CheckTurnBeyondTheSource(std::uint32_t opaque, const std::function<std::uint32_t(std::uint32_t last)>& beyond) {
   constexpr int kRows = 65;
-  Picture sourcePicture(1, kRows);
-  for (int y = 0; y < kRows; ++y) sourcePicture.SetWord(0, y, opaque | Numbered(y, 0));
+  Picture sourcePicture(1, kRows + 2);
+  for (int y = 0; y < kRows + 2; ++y) sourcePicture.SetWord(0, y, opaque | Numbered(y - 1, 0));
+  HideOuterRows(sourcePicture);
   LMX_Picture source(sourcePicture.Handle());
   ASSERT_TRUE(source.Lock());
   for (const bool isUp : {false, true}) {
