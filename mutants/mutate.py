@@ -6,6 +6,7 @@ import fnmatch
 import pathlib
 import queue
 import re
+import signal
 import subprocess
 import sys
 import threading
@@ -144,6 +145,7 @@ def main():
     if not mutants:
         sys.exit("no such mutant")
     if arguments.list:
+        signal.signal(signal.SIGPIPE, signal.SIG_DFL)  # for whoever reads the first names only
         print("\n".join(mutant.name for mutant in mutants))
         return
 
