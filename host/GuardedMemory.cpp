@@ -22,10 +22,13 @@ std::size_t PageSize() {
 #if UINTPTR_MAX > UINT32_MAX
 // The kernel offers a part of the low addresses by itself; the rest is searched in steps.
 void* ReserveLow(std::size_t size) {
-#ifdef MAP_32BIT
-  if (void* map = mmap(nullptr, size, PROT_NONE, kReserve | MAP_32BIT, -1, 0); map != MAP_FAILED) return map;
-#endif
   constexpr std::uintptr_t kFirst = 0x10000000, kEnd = 0x100000000, kStep = 0x400000;
+#ifdef MAP_32BIT
+  if (void* map = mmap(nullptr, size, PROT_NONE, kReserve | MAP_32BIT, -1, 0); map != MAP_FAILED) {
+    if (reinterpret_cast<std::uintptr_t>(map) + size <= kEnd) return map;
+    munmap(map, size);  // an emulated kernel may not know the flag
+  }
+#endif
   for (std::uintptr_t address = kFirst; address + size <= kEnd; address += kStep) {
     void* wanted = reinterpret_cast<void*>(address);
     void* map = mmap(wanted, size, PROT_NONE, kReserve | MAP_FIXED_NOREPLACE, -1, 0);
