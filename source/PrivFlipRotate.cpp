@@ -41,8 +41,8 @@ constexpr std::int32_t kTileRows = 64;
 
 // Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row `firstRow`; the rows of its
 // neighbours follow in steps of `rowStep`, 1 or -1.
-void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
-                 std::int32_t rowStep, std::int32_t lines, Order rows) {
+LMX_OWN_FRAME void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn,
+                               std::int32_t firstRow, std::int32_t rowStep, std::int32_t lines, Order rows) {
   const auto transpose = KernelsFor(result).transpose[FormOf(source)][FormOf(result)];
   std::uint32_t spareFrom[kTileRows * kTileColumns], spareTo[kTileColumns * kTileRows];
   const std::uint8_t* from[kTileRows];

@@ -207,8 +207,8 @@ void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Pic
 }
 
 // Makes columns x to x + columns - 1 of the result from the same number of the source's, from `sourceX` on.
-void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result, std::int32_t x,
-                  std::int32_t columns, const Line* lines, const Frame& frame) {
+LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result,
+                                std::int32_t x, std::int32_t columns, const Line* lines, const Frame& frame) {
   // Rows of the result that are not all frame, the first row of the source that is needed, and how far the rows of the
   // source are behind those of the result at most.
   std::int32_t top = result.height;

@@ -271,7 +271,8 @@ void StretchLines(Reader&& reader, Writer&& writer, PixelForm form, const Units&
 }
 
 // Rows y to y + n - 1 of the row pass, n <= kRows.
-void StretchRows(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y, std::int32_t n) {
+LMX_OWN_FRAME void StretchRows(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y,
+                               std::int32_t n) {
   if (source.width == static_cast<std::int64_t>(destination.width) * 2) {
     for (std::int32_t i = y; i < y + n; ++i) HalveRun({destination, 0, i}, {source, 0, i}, destination.width);
     return;
@@ -281,7 +282,8 @@ void StretchRows(const LMX_Picture& source, const LMX_Picture& destination, std:
 }
 
 // Columns x to x + n - 1 of the column pass, n <= kColumns.
-void StretchColumns(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t x, std::int32_t n) {
+LMX_OWN_FRAME void StretchColumns(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t x,
+                                  std::int32_t n) {
   StretchLines(ColumnReader(source, x, n), ColumnWriter(destination, x, n), FormOf(destination),
                UnitsFor(source.height, destination.height), destination.height, static_cast<std::size_t>(n));
 }
