@@ -50,11 +50,12 @@ class TestPicture {
     return bytes;
   }
 
-  std::unique_ptr<LMX_Picture> wrapper;
-
  private:
   std::unique_ptr<fake::Buffer> buffer_;
   std::unique_ptr<fake::Context> context_;
+
+ public:
+  std::unique_ptr<LMX_Picture> wrapper;  // goes first, and unlocks one of them
 };
 
 // Where a run is read and written.
