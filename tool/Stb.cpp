@@ -9,7 +9,12 @@ namespace {
 // that an honest one needs: 16-bit RGBA with a byte per row, in a buffer that grows by doubling.
 constexpr std::size_t kLargestBlock = std::size_t{1} << 30;
 
-// The reader copes without memory.
+// The reader copes without memory. Pixels that a damaged JPEG lacks stay as they were allocated: 0, and nothing that the
+// process has used before.
+void* Allocate(std::size_t size) {
+  return size > kLargestBlock ? nullptr : std::calloc(1, size);
+}
+
 void* Reallocate(void* block, std::size_t size) {
   return size > kLargestBlock ? nullptr : std::realloc(block, size);
 }
@@ -23,7 +28,7 @@ void* ReallocateOrThrow(void* block, std::size_t size) {
 
 }  // namespace
 
-#define STBI_MALLOC(size) Reallocate(nullptr, size)
+#define STBI_MALLOC(size) Allocate(size)
 #define STBI_REALLOC(block, size) Reallocate(block, size)
 #define STBI_FREE(block) std::free(block)
 #define STBI_ONLY_PNG

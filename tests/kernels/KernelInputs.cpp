@@ -203,9 +203,14 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
     case Operand::RGBTotals:
       *static_cast<RGBSums*>(bytes) = MakeRGBSums(random);
       return;
-    case Operand::HSVTotals:
-      *static_cast<HSVSums*>(bytes) = MakeHSVSums(random);
+    case Operand::HSVTotals: {
+      const HSVSums sums = MakeHSVSums(random);
+      auto* totals = static_cast<HSVSums*>(bytes);  // whose padding stays what it is
+      totals->rgb = sums.rgb;
+      totals->saturation = sums.saturation;
+      totals->brightness = sums.brightness;
       return;
+    }
     default:
       const std::size_t count = SizeOf(operand, arguments) / 4;
       MakePixels(operand, count, MakeStyle(count, random), random, bytes);

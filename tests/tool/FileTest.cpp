@@ -3,8 +3,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <random>
+#include <set>
 
 #include "Files.h"
 #include "Process.h"
@@ -85,6 +89,25 @@ TEST_F(HostileFileTest, PngWithDamagedPixels) {
   Bytes bytes = Png(OpaqueImage(40, 30));
   for (std::size_t i = 60; i < 80; ++i) bytes[i] ^= 0x5A;
   ExpectRefused(Hostile(bytes), "damaged");
+}
+
+// Its reader leaves the pixels as it finds them, which must not be whatever the process had there before. glibc fills fresh
+// memory as this variable says.
+TEST_F(HostileFileTest, AJpegWithoutAScanIsTheSamePictureEveryTime) {
+  constexpr unsigned char kScan[] = {0xFF, 0xDA}, kEnd[] = {0xFF, 0xD9};
+  Bytes bytes = Jpeg(OpaqueImage(400, 300));
+  bytes.erase(std::search(bytes.begin(), bytes.end(), std::begin(kScan), std::end(kScan)), bytes.end());
+  bytes.insert(bytes.end(), std::begin(kEnd), std::end(kEnd));
+  const std::string file = Hostile(bytes);
+  std::set<Bytes> written;
+  for (const char* filler : {"0", "85", "200"}) {
+    setenv("MALLOC_PERTURB_", filler, 1);
+    const Ended ended = Lmx({"FlipRotate", file, "rotation=180", "-o", Path("turned.png")});
+    unsetenv("MALLOC_PERTURB_");
+    ASSERT_EQ(ended.status, 0) << ended.error;
+    written.insert(ReadFile(Path("turned.png")));
+  }
+  EXPECT_EQ(written.size(), 1u);
 }
 
 // Where addresses have 32 bits, the end of such a chunk would lie before its start.
