@@ -58,7 +58,10 @@ class YieldPaceTest : public testing::Test {
     for (const std::int32_t pixelsPerLine : {1, 2, 7, 10, 64, 65536, INT_MAX / kLines}) {
       std::vector<long> paces = {LONG_MIN, INT_MIN, -1, 0, 1, 2, 3, 64, 100, 1000, INT_MAX};
       for (const std::int32_t lines : {1, 2, 3, 8, 9, kLines - 1, kLines, kLines + 1}) {
-        for (const long off : {-1L, 0L, 1L}) paces.push_back(static_cast<long>(lines) * pixelsPerLine + off);
+        for (const int off : {-1, 0, 1}) {
+          const std::int64_t pace = static_cast<std::int64_t>(lines) * pixelsPerLine + off;
+          paces.push_back(static_cast<long>(std::min<std::int64_t>(pace, LONG_MAX)));
+        }
       }
       for (const long yield : paces) {
         SCOPED_TRACE(testing::Message() << pixelsPerLine << " pixels a line, yield " << yield);
