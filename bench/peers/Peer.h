@@ -46,7 +46,7 @@ struct PeerWork {
 };
 
 struct Peer {
-  const char* library;
+  const char* name;
   std::string version;
   bool knowsAlpha;  ///< a translucent picture means to it what it means to the plug-in, but for rounding
   std::function<std::vector<PeerWork>(const PeerPicture& source)> prepare;

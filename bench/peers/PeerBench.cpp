@@ -64,7 +64,7 @@ class PeerBench {
       std::printf("%s, %d x %d: ns per pixel and multiples of memcpy\n", content.name, kWidth, kHeight);
     }
     for (const Peer& peer : peers) {
-      if (!options_.Wants("peer", peer.library) || (translucent && !peer.knowsAlpha)) continue;
+      if (!options_.Wants("peer", peer.name) || (translucent && !peer.knowsAlpha)) continue;
       for (const PeerWork& work : peer.prepare(source.Picture())) {
         const Operation& operation = Operations()[IndexOf(work)];
         if (!options_.Wants("operation", operation.name) || (translucent && !operation.takesPicture)) continue;
@@ -85,11 +85,11 @@ class PeerBench {
       std::printf(R"({"content":"%s","index":%zu,"operation":"%s","library":"%s","version":"%s","difference":"%s",)"
                   R"("memcpy":%.5f,"ours":%.5f,"theirs":%.5f})"
                   "\n",
-                  content.name, IndexOf(work), work.operation, peer.library, peer.version.c_str(), work.difference,
+                  content.name, IndexOf(work), work.operation, peer.name, peer.version.c_str(), work.difference,
                   memcpyNs, ours, theirs);
     } else {
       std::printf("%-22s %-17s LMX %8.3f %7.2fx   peer %8.3f %7.2fx   peer / LMX %6.2f   %s\n", work.operation,
-                  peer.library, ours, ours / memcpyNs, theirs, theirs / memcpyNs, theirs / ours, work.difference);
+                  peer.name, ours, ours / memcpyNs, theirs, theirs / memcpyNs, theirs / ours, work.difference);
     }
     std::fflush(stdout);
   }
