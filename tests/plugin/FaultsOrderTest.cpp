@@ -101,9 +101,11 @@ TEST_F(FaultsOrder, RefusedArgumentsAskForNothing) {
 std::string ServiceTable(const std::vector<Ran>& firstRans, const std::map<std::string, int>& calls) {
   std::string table = "| Method |";
   std::string rule = "|---|";
+  std::string last = "| All |";
   for (const Service service : kCallServices) {
     table += std::string(" `") + host::EntryName(service) + "` |";
     rule += "---|";
+    last += " |";
   }
   table += " All calls |\n" + rule + "---|\n";
   int sum = 0;
@@ -115,7 +117,7 @@ std::string ServiceTable(const std::vector<Ran>& firstRans, const std::map<std::
     table += " " + std::to_string(calls.at(name)) + " |\n";
     sum += calls.at(name);
   }
-  return table + "| All | | | | | | | " + std::to_string(sum) + " |\n";
+  return table + last + " " + std::to_string(sum) + " |\n";
 }
 
 TEST_F(FaultsOrder, NoServiceIsCalledThatTheDocumentedTableLacks) {
