@@ -40,8 +40,9 @@ def chosen(mutants, filters, sample):
 
 
 class Justification:
-    """Mutants that may live: entries `FILE OPERATOR: CODE`, where the operator may have wildcards and the code is the
-    line as it stands; below a group of entries, indented, the reason."""
+    """Mutants that may live: entries `FILE OPERATOR: CODE`, where the operator is the end of the name, with #n for the nth
+    on the line, and may have wildcards, and the code is the line as it stands; below a group of entries, indented, the
+    reason."""
 
     def __init__(self, text):
         self.entries, group = [], []
@@ -77,7 +78,7 @@ class Justification:
     @staticmethod
     def _is(entry, mutant):
         return (entry["file"] == mutant.file and entry["code"] == mutant.code
-                and fnmatch.fnmatchcase(mutant.operator, entry["operator"]))
+                and fnmatch.fnmatchcase(mutant.name.rpartition(":")[2], entry["operator"]))
 
 
 def run(mutants, workers, without):

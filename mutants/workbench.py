@@ -10,16 +10,22 @@ import signal
 import subprocess
 import time
 
-# As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time. Programs are not
-# run by CTest, so that it need not ask a mutant which tests it has.
-OPTIONS = ["-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS_MUTANTS=-O1 -DNDEBUG", "-DLMX_WERROR=OFF",
-           "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
+# Programs are not run by CTest, so that it need not ask a mutant which tests it has.
+OPTIONS = ["-DLMX_WERROR=OFF", "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
+# As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time.
+QUICK = ["--preset", "native", "-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS_MUTANTS=-O1 -DNDEBUG"]
+WITHOUT_EMULATION = "-DSIMDE_INCLUDE_DIR="
+BUILDS = {
+    "native": [*QUICK, WITHOUT_EMULATION],
+    "emulated": QUICK,
+    "sanitized": ["--preset", "sanitize", WITHOUT_EMULATION],
+}
 BUILD_SECONDS = 1800
 MEMORY = 16 << 30
 
 # Programs of tests by kind, the quickest first: the program below the build folder, and its arguments. "levels" are two
-# of them once more with the plug-in's twins; "emulated" is a build of its own, in which AVX-512 is emulated and which
-# takes long to compile.
+# of them once more with the plug-in's twins; "sanitized" and "emulated" (AVX-512) are builds of their own, for what has
+# survived so far.
 PROGRAMS = {
     "source": [("tests/source/source_tests",)],
     "fuzz": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("fuzz/replay_kernels", "fuzz/corpus/kernels")],
@@ -30,12 +36,15 @@ PROGRAMS = {
     "plugin": [("tests/plugin/plugin_tests",)],
     "kernels": [("tests/kernels/kernel_tests",)],
     "levels": [("tests/plugin/plugin_tests",), ("tests/golden/golden_tests",)],
+    "sanitized": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("tests/source/source_tests",)],
     "emulated": [("tests/kernels/kernel_tests", "--gtest_filter=*emulated*:All*")],
 }
 LEVELS = ("plain", "sse2", "avx2")
 
-# Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is needed by their tests.
-ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "emulated": "kernels/(Wide|.*_(wide|avx512))"}
+# Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is needed by their tests, in
+# which every operand lies between inaccessible pages.
+ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "sanitized": "^(?!source/kernels/)",
+            "emulated": "kernels/(Wide|.*_(wide|avx512))"}
 
 # What a mutant meets first, by its file: kinds, with the suites that are about it, or all. Everything else follows.
 FIRST = [
@@ -71,7 +80,7 @@ class Workbench:
 
     def __init__(self, repository, folder, seconds, without):
         self.repository, self.tree, self.seconds, self.without = repository, folder, seconds, without
-        self.builds = {"native": folder / "build/native", "emulated": folder / "build/emulated"}
+        self.builds = {name: folder / "build" / name for name in BUILDS}
         self.objects = ""
 
     # ------------------------------------------------------------------------------------------------------ the tree
@@ -82,8 +91,7 @@ class Workbench:
         self._copy()
         programs = [entry for entry in self._all_programs() if any(may_notice(entry[0], file) for file in files)]
         for name in sorted({self._build_of(kind) for kind, *_ in programs}):
-            emulation = ["-DSIMDE_INCLUDE_DIR="] if name == "native" else []
-            self._must_run(["cmake", "--preset", "native", "-B", self.builds[name], *OPTIONS, *emulation])
+            self._must_run(["cmake", *BUILDS[name], "-B", self.builds[name], *OPTIONS])
         for kind, program, _ in programs:
             self._must_run(self._ninja(self._build_of(kind), *self._targets(kind, program)))
         self.objects = self._objects()
@@ -128,7 +136,7 @@ class Workbench:
             file.write_text(text)
 
     def _judge(self, mutant):
-        if re.search("kernels/Wide", mutant.file):
+        if re.search("kernels/(Wide|LMX_Pixel|RunKernels_wide|Vector_sse2)", mutant.file):
             result = self._at_sse2()
             if result:
                 return result
@@ -145,8 +153,8 @@ class Workbench:
         return Result("survived")
 
     def _at_sse2(self):
-        """What becomes, at this level, of a mutant of all wide kernels: its object, one of three that take long to
-        compile, and the twin of this level are made anew. Nothing if it lives."""
+        """What becomes, at this level, of a mutant that is part of more of them: its object, one of several that take long
+        to compile, and the twin of this level are made anew. Nothing if it lives."""
         object_file = "CMakeFiles/lmx_product.dir/source/kernels/RunKernels_sse2.cpp.o"
         if not self._builds("native", object_file):
             return Result("stillborn")
@@ -199,7 +207,7 @@ class Workbench:
 
     @staticmethod
     def _build_of(kind):
-        return "emulated" if kind == "emulated" else "native"
+        return kind if kind in BUILDS else "native"
 
     # ---------------------------------------------------------------------------------------------------------- runs
 
@@ -216,7 +224,8 @@ class Workbench:
 
         def limit():
             resource.setrlimit(resource.RLIMIT_CPU, (int(processor), int(processor) + 5))
-            resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+            if kind != "sanitized":  # which has addresses for a shadow of everything
+                resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
             resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
 
@@ -243,6 +252,9 @@ class Workbench:
     def _how(status, log):
         text = log.read_bytes()[:1 << 22].decode(errors="replace")
         test = re.search(r"^\[  FAILED  \] ([\w./]+)", text, re.M)
+        error = re.search(r"AddressSanitizer: ([\w-]+)|runtime error: ([\w ]+)", text)
+        if error:
+            return error.group(1) or error.group(2)
         if status > 0:
             return test.group(1) if test else "a finding" if "FINDING" in text else "a failure"
         if -status in (signal.SIGXCPU, signal.SIGKILL):

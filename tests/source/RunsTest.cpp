@@ -1,5 +1,5 @@
 // Runs of pixels against what they mean pixel by pixel: inside both pictures, reaching over any of their edges, beside
-// them, and longer than what is taken at a time.
+// them, longer than what is taken at a time, and in rows that a picture lacks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,10 +36,20 @@ class TestPicture {
     }
   }
 
-  /// The working pixel there, clear where the picture ends.
+  /// Only a buffer can do without rows.
+  void TakeRowsAway(unsigned mask) {
+    for (std::int32_t y = 0; y < kHeight; ++y) {
+      if ((mask >> y & 1) != 0) buffer_->MakeRowNil(y);
+    }
+  }
+
+  bool Holds(std::int32_t x, std::int32_t y) const {
+    return x >= 0 && x < kWidth && y >= 0 && y < kHeight && wrapper->RowAddress(y) != nullptr;
+  }
+
+  /// The working pixel there, clear where the picture holds none.
   std::uint32_t Read(std::int32_t x, std::int32_t y) const {
-    const bool isInside = x >= 0 && x < kWidth && y >= 0 && y < kHeight;
-    return isInside ? wrapper->ReadPixel(wrapper->RowAddress(y) + 4 * x) : 0;
+    return Holds(x, y) ? wrapper->ReadPixel(wrapper->RowAddress(y) + 4 * x) : 0;
   }
 
   std::vector<std::uint8_t> Bytes() const {
@@ -191,6 +201,139 @@ TEST_F(RunsTest, SumsWhatIsInside) {
       }
     }
   }
+}
+
+// ------------------------------------------------------------------------------------------------------ several at a time
+
+constexpr std::int32_t kRun = 7;
+
+// Calls check(picture, x) for pictures of both forms, with any of their rows missing, and runs over any of their edges.
+void ForGroups(const std::function<void(const TestPicture&, std::int32_t x)>& check) {
+  Random random(3);
+  for (const bool isBuffer : {false, true}) {
+    for (unsigned missing = 0; missing < (isBuffer ? 1u << kHeight : 1u); ++missing) {
+      for (const std::int32_t x : {-kRun - 1, -3, 0, 20, kWidth - kRun, kWidth - 4, kWidth}) {
+        SCOPED_TRACE(testing::Message() << "from " << x << ", buffer " << isBuffer << ", missing " << missing);
+        TestPicture picture(isBuffer, random);
+        picture.TakeRowsAway(missing);
+        check(picture, x);
+      }
+    }
+  }
+}
+
+// The rows of a group, one after another in steps of 1 or -1.
+using Rows = std::vector<std::int32_t>;
+
+constexpr std::int32_t kCount = kHeight + 2;
+
+// From beyond one edge to beyond the other.
+Rows RowsInSteps(std::int32_t step) {
+  Rows rows = {step > 0 ? -1 : kHeight};
+  while (rows.size() < kCount) rows.push_back(rows.back() + step);
+  return rows;
+}
+
+// A walk goes on from group to group.
+constexpr std::int32_t kGroups[] = {2, kCount - 2};
+
+ColumnWalk WalkFor(const LMX_Picture& picture, std::int32_t step) {
+  return step > 0 ? ColumnWalk(picture, 0) : ColumnWalk(picture, kHeight - 1, ColumnWalk::kUp);
+}
+
+Rows RowsOf(ColumnWalk walk) {
+  Rows rows;
+  for (std::int32_t i = 0; i < kCount; ++i, walk.Next()) rows.push_back(walk.Row());
+  return rows;
+}
+
+void ExpectRuns(const TestPicture& picture, std::int32_t x, const Rows& rows, const std::uint8_t* const* runs) {
+  for (std::int32_t i = 0; i < kCount; ++i) {
+    for (std::int32_t j = 0; j < kRun; ++j) {
+      EXPECT_EQ(picture.wrapper->ReadPixel(runs[i] + 4 * j), picture.Read(x + j, rows[static_cast<std::size_t>(i)]))
+          << "run " << i << ", pixel " << j;
+    }
+  }
+}
+
+TEST_F(RunsTest, FindsGroups) {
+  ForGroups([](const TestPicture& picture, std::int32_t x) {
+    std::uint32_t spare[kCount * kRun];
+    const std::uint8_t* runs[kCount];
+    for (const std::int32_t step : {1, -1}) {
+      const Rows rows = RowsInSteps(step);
+      StoredRuns({*picture.wrapper, x, rows[0]}, step, kRun, kCount, spare, runs);
+      ExpectRuns(picture, x, rows, runs);
+
+      ColumnWalk walk = WalkFor(*picture.wrapper, step);
+      const Rows walked = RowsOf(walk);
+      std::int32_t done = 0;
+      for (const std::int32_t count : kGroups) {
+        StoredRuns(walk, x, kRun, count, spare + done * kRun, runs + done);
+        done += count;
+      }
+      ExpectRuns(picture, x, walked, runs);
+    }
+  });
+}
+
+// Another pixel at each place.
+std::uint32_t Written(std::int32_t i, std::int32_t j) {
+  return 0xFF000000u + static_cast<std::uint32_t>(0x10000 * i + j);
+}
+
+void WriteRuns(const LMX_Picture& picture, std::int32_t first, std::int32_t count, std::uint8_t* const* runs) {
+  for (std::int32_t i = 0; i < count; ++i) {
+    for (std::int32_t j = 0; j < kRun; ++j) picture.WritePixel(runs[i] + 4 * j, Written(first + i, j));
+  }
+}
+
+// Whether the last run that belongs into a row is there, and nothing else has changed.
+void ExpectWritten(const TestPicture& picture, const std::vector<std::uint32_t>& before, std::int32_t x,
+                   const Rows& rows) {
+  for (std::int32_t row = 0; row < kHeight; ++row) {
+    const auto run = std::find(rows.rbegin(), rows.rend(), row);
+    const auto number = static_cast<std::int32_t>(rows.rend() - run) - 1;
+    for (std::int32_t column = 0; column < kWidth; ++column) {
+      const bool isIn = number >= 0 && column >= x && column < x + kRun && picture.Holds(column, row);
+      const std::uint32_t old = before[static_cast<std::size_t>(row * kWidth + column)];
+      EXPECT_EQ(picture.Read(column, row), isIn ? Written(number, column - x) : old) << column << ", " << row;
+    }
+  }
+}
+
+std::vector<std::uint32_t> PixelsOf(const TestPicture& picture) {
+  std::vector<std::uint32_t> pixels;
+  for (std::int32_t i = 0; i < kWidth * kHeight; ++i) pixels.push_back(picture.Read(i % kWidth, i / kWidth));
+  return pixels;
+}
+
+TEST_F(RunsTest, WritesGroups) {
+  ForGroups([](const TestPicture& picture, std::int32_t x) {
+    std::uint32_t spare[kCount * kRun] = {};
+    std::uint8_t* runs[kCount];
+    for (const std::int32_t step : {1, -1}) {
+      std::vector<std::uint32_t> before = PixelsOf(picture);
+      const Rows rows = RowsInSteps(step);
+      const PixelPosition at = {*picture.wrapper, x, rows[0]};
+      RoomForRuns(at, step, kRun, kCount, spare, runs);
+      WriteRuns(*picture.wrapper, 0, kCount, runs);
+      PutRuns(at, step, kRun, kCount, spare, runs);
+      ExpectWritten(picture, before, x, rows);
+
+      before = PixelsOf(picture);
+      ColumnWalk walk = WalkFor(*picture.wrapper, step);
+      const Rows walked = RowsOf(walk);
+      std::int32_t done = 0;
+      for (const std::int32_t count : kGroups) {
+        RoomForRuns(walk, x, kRun, count, spare, runs);
+        WriteRuns(*picture.wrapper, done, count, runs);
+        PutRuns(walk, x, kRun, count, spare, runs);
+        done += count;
+      }
+      ExpectWritten(picture, before, x, walked);
+    }
+  });
 }
 
 }  // namespace

@@ -183,6 +183,19 @@ TEST_F(WorkersTest, TurnsLeaveOutMissingRowsOfTheResult) {
   }
 }
 
+// ------------------------------------------------------------------------------------------------------------ passes
+
+TEST_F(WorkersTest, PassesThatAreBeyondReachAreNotMade) {
+  constexpr std::int32_t kTooLong = 32769;  // for one pixel
+  fake::Context wide(kTooLong, 1), high(1, kTooLong), one(1, 1);
+  one.SetWord(0, 0, 0xFF123456);
+  LMX_Picture wideSource(wide.Handle()), highSource(high.Handle()), result(one.Handle());
+  ASSERT_TRUE(wideSource.Lock() && highSource.Lock() && result.Lock());
+  Priv_StetchHorizontal(wideSource, result, 0);
+  Priv_StetchVertical(highSource, result, 0);
+  EXPECT_EQ(one.Word(0, 0), 0xFF123456u);
+}
+
 // ----------------------------------------------------------------------------------------------------------- averages
 
 TEST_F(WorkersTest, AveragesLeaveOutWhatNobodyAskedFor) {
