@@ -38,7 +38,9 @@ host::Picture SmallPicture(host::Storage storage) {
 }
 
 void RefuseLargePictures(int, host::PictureShape& shape) {
-  if (std::int64_t{shape.width} * shape.height > kMostNewPixels) shape.defects.nilData = true;
+  if (std::int64_t{shape.width} * shape.height <= kMostNewPixels) return;
+  shape.width = shape.height = 0;  // making them takes long even if nobody can lock them
+  shape.defects.nilData = true;
 }
 
 bool IsOneLine(const std::string& text) {

@@ -72,7 +72,8 @@ bool IsLarge(const std::uint8_t* bytes, std::size_t size) {
     width = BigEndian(bytes + 16);
     height = BigEndian(bytes + 20);
   } else {
-    if (!tool::HuffmanTablesFit({bytes, bytes + size})) return false;
+    const bool isJpeg = size != 0 && bytes[0] == 0xFF;  // whatever else it is, lmx gives it to no decoder
+    if (!isJpeg || !tool::HuffmanTablesFit({bytes, bytes + size})) return false;
     int x = 0, y = 0, channels = 0;
     if (stbi_info_from_memory(bytes, static_cast<int>(size), &x, &y, &channels) == 0) return false;
     width = x;
