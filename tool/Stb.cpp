@@ -1,6 +1,7 @@
-// The code of stb_image and stb_image_write, with allocators that know what their callers can bear.
+// The code of stb_image and stb_image_write, with allocators, and a copy, that know what their callers can bear.
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
@@ -26,6 +27,11 @@ void* ReallocateOrThrow(void* block, std::size_t size) {
   return grown;
 }
 
+// The reader copies an empty chunk to nowhere, which memcpy does not allow.
+void* Copy(void* to, const void* from, std::size_t size) {
+  return size == 0 ? to : std::memcpy(to, from, size);
+}
+
 }  // namespace
 
 #define STBI_MALLOC(size) Allocate(size)
@@ -40,5 +46,7 @@ void* ReallocateOrThrow(void* block, std::size_t size) {
 #define STBIW_REALLOC(block, size) ReallocateOrThrow(block, size)
 #define STBIW_FREE(block) std::free(block)
 #define STB_IMAGE_WRITE_IMPLEMENTATION
+
+#define memcpy(to, from, size) Copy(to, from, size)
 
 #include "Stb.h"

@@ -12,6 +12,7 @@
 
 #include "Files.h"
 #include "Process.h"
+#include "tool/PictureFile.h"
 
 namespace tool_test {
 namespace {
@@ -131,6 +132,14 @@ TEST_F(HostileFileTest, PngThatEndsWithinTheHeadOfAChunk) {
     bytes.push_back(byte);
     ExpectRefused(Hostile(bytes), "ends too early");
   }
+}
+
+TEST_F(HostileFileTest, PngWhosePixelsBeginWithAnEmptyChunk) {
+  constexpr std::ptrdiff_t kBehindHeader = 33;
+  constexpr unsigned char kEmpty[] = {0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
+  Bytes bytes = Png(SmallImage());
+  bytes.insert(bytes.begin() + kBehindHeader, std::begin(kEmpty), std::end(kEmpty));
+  EXPECT_EQ(tool::ReadPicture(Hostile(bytes)).pixels, SmallImage().pixels);
 }
 
 TEST_F(HostileFileTest, PngWithBytesBehindItsEnd) {
