@@ -95,19 +95,32 @@ struct Vector {
   LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm512_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm512_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm512_unpackhi_epi8(a, a); }
-  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm512_unpacklo_epi32(a, a); }
-  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm512_unpackhi_epi32(a, a); }
   LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm512_packus_epi16(low, high); }
 
   // The chosen 16-bit lanes of each 64 bits.
   template <int i>
   LMX_EXPAND static Reg Spread16(Reg a) {
-    return _mm512_shufflehi_epi16(_mm512_shufflelo_epi16(a, i), i);
+    constexpr int first = i & 3, second = i >> 2 & 3, third = i >> 4 & 3, fourth = i >> 6;
+    return Words<first, second, third, fourth, 4 + first, 4 + second, 4 + third, 4 + fourth>(a);
+  }
+
+  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and UnpackHigh8 put its channels.
+  template <int half>
+  LMX_EXPAND static Reg HalvesLow16(Reg a) {
+    return Words<half, half, half, half, 2 + half, 2 + half, 2 + half, 2 + half>(a);
+  }
+  template <int half>
+  LMX_EXPAND static Reg HalvesHigh16(Reg a) {
+    return Words<4 + half, 4 + half, 4 + half, 4 + half, 6 + half, 6 + half, 6 + half, 6 + half>(a);
+  }
+
+  // The lowest byte of each pixel in all of its four.
+  LMX_EXPAND static Reg SpreadLowest8(Reg a) {
+    return Bytes(a, _mm_set_epi8(12, 12, 12, 12, 8, 8, 8, 8, 4, 4, 4, 4, 0, 0, 0, 0));
   }
 
   LMX_EXPAND static Reg SwapBytes(Reg a) {
-    const __m128i order = _mm_set_epi8(12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3);
-    return _mm512_shuffle_epi8(a, _mm512_broadcast_i32x4(order));
+    return Bytes(a, _mm_set_epi8(12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3));
   }
   LMX_EXPAND static Reg Reverse(Reg a) {
     return _mm512_permutexvar_epi32(_mm512_set_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), a);
@@ -123,8 +136,11 @@ struct Vector {
     return _mm512_permutex2var_epi32(a, odd, b);
   }
 
-  // table[index] in each 32-bit lane.
-  LMX_EXPAND static Reg LookUp(const uint32_t* table, Reg index) { return _mm512_i32gather_epi32(index, table, 4); }
+  // `dividend` by each 32-bit lane, in single precision, truncated.
+  LMX_EXPAND static Reg DivideSingle(int32_t dividend, Reg divisors) {
+    const __m512 single = _mm512_cvtepi32_ps(_mm512_set1_epi32(dividend));
+    return _mm512_cvttps_epi32(_mm512_div_ps(single, _mm512_cvtepi32_ps(divisors)));
+  }
 
   // Doubles, half a register of pixels at a time.
   using Doubles = __m512d;
@@ -167,6 +183,15 @@ struct Vector {
       r[8 + k] = _mm512_shuffle_i32x4(a, b, 0xDD);
       r[12 + k] = _mm512_shuffle_i32x4(c, d, 0xDD);
     }
+  }
+
+ private:
+  // The chosen bytes, or 16-bit lanes, of each 128 bits.
+  LMX_EXPAND static Reg Bytes(Reg a, __m128i order) { return _mm512_shuffle_epi8(a, _mm512_broadcast_i32x4(order)); }
+  template <int a, int b, int c, int d, int e, int f, int g, int h>
+  LMX_EXPAND static Reg Words(Reg words) {
+    const auto pair = [](int word) { return static_cast<short>((2 * word + 1) << 8 | 2 * word); };
+    return Bytes(words, _mm_set_epi16(pair(h), pair(g), pair(f), pair(e), pair(d), pair(c), pair(b), pair(a)));
   }
 };
 

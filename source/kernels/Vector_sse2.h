@@ -95,14 +95,28 @@ struct Vector {
   LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm_unpackhi_epi8(a, a); }
-  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm_unpacklo_epi32(a, a); }
-  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm_unpackhi_epi32(a, a); }
   LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm_packus_epi16(low, high); }
 
   // The chosen two, or one, of the four 16-bit lanes of each 64 bits.
   template <int i>
   LMX_EXPAND static Reg Spread16(Reg a) {
     return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, i), i);
+  }
+
+  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and UnpackHigh8 put its channels.
+  template <int half>
+  LMX_EXPAND static Reg HalvesLow16(Reg a) {
+    return Spread16 < half ? 0xF5 : 0xA0 > (_mm_unpacklo_epi32(a, a));
+  }
+  template <int half>
+  LMX_EXPAND static Reg HalvesHigh16(Reg a) {
+    return Spread16 < half ? 0xF5 : 0xA0 > (_mm_unpackhi_epi32(a, a));
+  }
+
+  // The lowest byte of each pixel in all of its four, of pixels that have no other.
+  LMX_EXPAND static Reg SpreadLowest8(Reg a) {
+    const Reg pairs = _mm_or_si128(a, _mm_slli_epi32(a, 8));
+    return _mm_or_si128(pairs, _mm_slli_epi32(pairs, 16));
   }
 
   LMX_EXPAND static Reg SwapBytes(Reg a) {
@@ -115,12 +129,9 @@ struct Vector {
   LMX_EXPAND static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   LMX_EXPAND static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
-  // table[index] in each 32-bit lane.
-  LMX_EXPAND static Reg LookUp(const uint32_t* table, Reg index) {
-    alignas(16) uint32_t i[4];
-    _mm_store_si128(reinterpret_cast<__m128i*>(i), index);
-    return _mm_set_epi32(static_cast<int>(table[i[3]]), static_cast<int>(table[i[2]]), static_cast<int>(table[i[1]]),
-                         static_cast<int>(table[i[0]]));
+  // `dividend` by each 32-bit lane, in single precision, truncated.
+  LMX_EXPAND static Reg DivideSingle(int32_t dividend, Reg divisors) {
+    return _mm_cvttps_epi32(_mm_div_ps(_mm_cvtepi32_ps(_mm_set1_epi32(dividend)), _mm_cvtepi32_ps(divisors)));
   }
 
   // Doubles, half a register of pixels at a time.

@@ -52,37 +52,34 @@ struct Streamed {
 
 // ------------------------------------------------------------------------------------------------ bitmap-context form
 
-// For each alpha a: 2^s in the low half and R in the high half, with a' = a 2^s in 128..255 and R = ceil((255 - a')
-// 65536 / a'). Then k 255 / a is k' + (k' R >> 16), truncated, for every k' = k 2^s <= a'.
-struct Reciprocals {
-  uint32_t of[256];
-
-  constexpr Reciprocals() : of() {
-    for (uint32_t a = 1; a < 256; ++a) {
-      uint32_t scale = 1;
-      while (a * scale < 128) scale *= 2;
-      const uint32_t scaled = a * scale;
-      of[a] = ((255 - scaled) * 65536 + scaled - 1) / scaled << 16 | scale;
-    }
-  }
-};
-constexpr Reciprocals kReciprocals;
-
-// Stored pixels, alpha lowest, to straight channels; the alpha channels become 255. No channel exceeds its alpha.
-LMX_EXPAND Channels Straighten(Reg stored, Reg alpha) {
-  const Reg entries = Vector::LookUp(kReciprocals.of, alpha);
-  const auto straighten = [](Reg k, Reg entry) {
-    const Reg scaled = Vector::MulLow16(k, Vector::Spread16<0xA0>(entry));
-    return Vector::Add16(scaled, Vector::MulHigh16(scaled, Vector::Spread16<0xF5>(entry)));
-  };
-  const Channels k = Unpack(stored);
-  return {straighten(k.low, Vector::DoubleLow32(entries)), straighten(k.high, Vector::DoubleHigh32(entries))};
+// Quotients by alpha. With Q = 255 65536 / a and W = (255 65536 + 254) / a, divided in single precision and truncated,
+//   k 255 / a, truncated, is k W >> 16, for every alpha a of 1 to 255 and every k of 0 to a.
+// W is at least Q: where Q is no integer, the dividend reaches the next one, and rounding never goes below an integer
+// that fits into the 24 bits of a single-precision number. W exceeds Q by no more than 255 / a: by 254 / a, and by half a
+// unit in the last place, which is at most 1 / a. So k W / 65536 exceeds k 255 / a by no more than 255 / 65536 < 1 / a,
+// the least by which a quotient by a can lie below an integer. It follows as well that
+//   where k > a, k W >> 16 is above 255, and below 65536;
+//   k W mod 65536 is at most 255 where a divides 255 k, and at least 65536 / a where it does not.
+// Of alpha 0, W is 0. The tests AllChannelsAndAlphas walk all pairs of k and a.
+LMX_EXPAND Reg QuotientsByAlpha(Reg alpha) {
+  const Reg clear = Vector::Equal32(alpha, Vector::Zero());
+  return Vector::AndNot(clear, Vector::DivideSingle(255 * 65536 + 254, Vector::Sub32(alpha, clear)));
 }
 
-LMX_EXPAND bool AnyExceeds(Reg stored, Reg alpha) {
-  const Reg pairs = Vector::Or(alpha, Vector::Left32<8>(alpha));
-  const Reg everywhere = Vector::Or(pairs, Vector::Left32<16>(pairs));
-  return !Vector::IsZero(Vector::SubSaturated8(stored, everywhere));
+// Stored pixels, alpha lowest, to straight channels; the alpha channels become 255, or 0. Channels above their alpha come
+// out above 255, except for alpha 0, where all become 0.
+LMX_EXPAND Channels Straighten(Reg stored, Reg alpha) {
+  const Reg quotients = QuotientsByAlpha(alpha);
+  const Channels k = Unpack(stored);
+  const auto straighten = [](Reg channels, Reg fraction, Reg whole) {
+    return Vector::Add16(Vector::MulLow16(channels, whole), Vector::MulHigh16(channels, fraction));
+  };
+  return {straighten(k.low, Vector::HalvesLow16<0>(quotients), Vector::HalvesLow16<1>(quotients)),
+          straighten(k.high, Vector::HalvesHigh16<0>(quotients), Vector::HalvesHigh16<1>(quotients))};
+}
+
+LMX_EXPAND bool AnyExceeds(const Channels& straight) {
+  return !Vector::IsZero(Vector::And(Vector::Or(straight.low, straight.high), Vector::Set16(0xFF00)));
 }
 
 struct ContextForm {
@@ -99,8 +96,9 @@ struct ContextForm {
       *working = Vector::Zero();
       return true;
     }
-    if (AnyExceeds(stored, alpha)) return false;
-    const Reg colours = Vector::AndNot(Vector::Set32(kAlpha), Pack(Straighten(stored, alpha)));
+    const Channels straight = Straighten(stored, alpha);
+    if (AnyExceeds(straight)) return false;
+    const Reg colours = Vector::AndNot(Vector::Set32(kAlpha), Pack(straight));
     *working = Vector::SwapBytes(Vector::Or(colours, alpha));
     return true;
   }
@@ -170,15 +168,16 @@ struct Conversion<ContextForm, ContextForm> {
     const Reg alpha = Vector::And(in, Vector::Set32(0xFF));
     if (Vector::HasBits(in, Vector::Set32(0xFF))) return *out = in, true;
     if (Vector::IsZero(alpha)) return *out = Vector::Zero(), true;
-    if (AnyExceeds(in, alpha)) return false;
-    const auto lessRemainder = [](Reg k, Reg straight) {
-      const Reg product = Vector::MulLow16(straight, Vector::Spread16<0x00>(k));
-      const Reg exact = Vector::Equal16(product, Vector::MulLow16(k, Vector::Set16(255)));
-      return Vector::Sub16(k, Vector::Add16(Vector::Set16(1), exact));
+    if (!Vector::IsZero(Vector::SubSaturated8(in, Vector::SpreadLowest8(alpha)))) return false;
+    const Reg quotients = QuotientsByAlpha(alpha);
+    const auto lessRemainder = [](Reg k, Reg fraction) {
+      // The remainder of 255 k / a is the upper half of k W mod 65536 times a: 0 where a divides 255 k, above 0 elsewhere.
+      const Reg remainder = Vector::MulHigh16(Vector::MulLow16(k, fraction), Vector::Spread16<0x00>(k));
+      return Vector::Sub16(k, Vector::Add16(Vector::Set16(1), Vector::Equal16(remainder, Vector::Zero())));
     };
     const Channels k = Unpack(in);
-    const Channels straight = Straighten(in, alpha);
-    *out = Pack({lessRemainder(k.low, straight.low), lessRemainder(k.high, straight.high)});
+    *out = Pack({lessRemainder(k.low, Vector::HalvesLow16<0>(quotients)),
+                 lessRemainder(k.high, Vector::HalvesHigh16<0>(quotients))});
     return true;
   }
 };

@@ -46,27 +46,23 @@ inline __m512i ByHalves(__m512i a, __m512i b, Operation operation) {
 
 namespace emulated {
 
-inline __m512i Gather(__m512i index, const void* table) {
-  std::uint32_t lanes[16];
-  std::memcpy(lanes, &index, sizeof lanes);
-  for (std::uint32_t& lane : lanes) std::memcpy(&lane, static_cast<const char*>(table) + 4 * lane, sizeof lane);
-  std::memcpy(&index, lanes, sizeof lanes);
-  return index;
-}
-
-inline __m512d ToDoubles(__m256i a) {
-  std::int32_t lanes[8];
-  double doubles[8];
-  std::memcpy(lanes, &a, sizeof lanes);
-  for (int i = 0; i < 8; ++i) doubles[i] = lanes[i];
-  __m512d result;
-  std::memcpy(&result, doubles, sizeof result);
+// Converts each lane.
+template <class From, class To, class Result, class Register>
+inline Result Converted(const Register& a) {
+  From from[sizeof(Register) / sizeof(From)];
+  To to[sizeof(Result) / sizeof(To)];
+  std::memcpy(from, &a, sizeof a);
+  for (std::size_t i = 0; i < sizeof to / sizeof *to; ++i) to[i] = static_cast<To>(from[i]);
+  Result result;
+  std::memcpy(&result, to, sizeof result);
   return result;
 }
 
 }  // namespace emulated
 
-#undef _mm512_i32gather_epi32
-#define _mm512_i32gather_epi32(index, table, scale) emulated::Gather(index, table)
+#undef _mm512_cvtepi32_ps
+#define _mm512_cvtepi32_ps(a) emulated::Converted<std::int32_t, float, __m512>(a)
+#undef _mm512_cvttps_epi32
+#define _mm512_cvttps_epi32(a) emulated::Converted<float, std::int32_t, __m512i>(a)
 #undef _mm512_cvtepi32_pd
-#define _mm512_cvtepi32_pd(a) emulated::ToDoubles(a)
+#define _mm512_cvtepi32_pd(a) emulated::Converted<std::int32_t, double, __m512d>(a)
