@@ -15,6 +15,13 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm256_storeu_si256(static_cast<__m256i*>(p), a); }
+  // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
+  LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) {
+    return _mm256_maskload_epi32(reinterpret_cast<const int*>(p), First(n));
+  }
+  LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) {
+    _mm256_maskstore_epi32(reinterpret_cast<int*>(p), First(n), a);
+  }
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm256_setzero_si256(); }
@@ -174,6 +181,10 @@ struct Vector {
   }
 
  private:
+  LMX_EXPAND static Reg First(size_t n) {
+    return _mm256_cmpgt_epi32(_mm256_set1_epi32(static_cast<int>(n)), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+  }
+
   // The chosen bytes, or 16-bit lanes, of each 128 bits.
   LMX_EXPAND static Reg Bytes(Reg a, __m128i order) {
     return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(order));

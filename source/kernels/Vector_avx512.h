@@ -15,6 +15,9 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm512_loadu_si512(p); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm512_storeu_si512(p, a); }
+  // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
+  LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) { return _mm512_maskz_loadu_epi32(First(n), p); }
+  LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) { _mm512_mask_storeu_epi32(p, First(n), a); }
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm512_setzero_si512(); }
@@ -186,6 +189,8 @@ struct Vector {
   }
 
  private:
+  LMX_EXPAND static __mmask16 First(size_t n) { return static_cast<__mmask16>((1u << n) - 1); }
+
   // The chosen bytes, or 16-bit lanes, of each 128 bits.
   LMX_EXPAND static Reg Bytes(Reg a, __m128i order) { return _mm512_shuffle_epi8(a, _mm512_broadcast_i32x4(order)); }
   template <int a, int b, int c, int d, int e, int f, int g, int h>

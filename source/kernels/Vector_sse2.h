@@ -15,6 +15,20 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm_storeu_si128(static_cast<__m128i*>(p), a); }
+  // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
+  LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) {
+    if (n == 4) return Load(p);
+    const Reg pair = n < 2 ? Zero() : _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+    if (n == 2) return pair;
+    const Reg last = _mm_cvtsi32_si128(static_cast<int>(LMX_Pixel::Load(p + 4 * (n - 1))));
+    return n == 1 ? last : _mm_unpacklo_epi64(pair, last);
+  }
+  LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) {
+    if (n == 4) return Store(p, a);
+    if (n >= 2) _mm_storel_epi64(reinterpret_cast<__m128i*>(p), a);
+    const Reg last = n == 1 ? a : _mm_unpackhi_epi64(a, a);
+    if (n != 2) LMX_Pixel::Store(p + 4 * (n - 1), static_cast<uint32_t>(_mm_cvtsi128_si32(last)));
+  }
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm_stream_si128(static_cast<__m128i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm_setzero_si128(); }

@@ -218,17 +218,12 @@ class WideRGBSums {
 template <class Form>
 void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   WideRGBSums wide;
-  size_t i = 0;
-  for (; i + kWide <= n; i += kWide) {
+  InSteps<Cached>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg working;
-    if (Form::Read(Vector::Load(stored + 4 * i), &working)) {
-      wide.Add(working);
-    } else {
-      for (size_t j = i; j < i + kWide; ++j) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * j));
-    }
-  }
+    if (Form::Read(pixels.Load(stored + 4 * i), &working)) return wide.Add(working);
+    for (size_t j = i; j < i + pixels.count; ++j) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * j));
+  });
   wide.AddTo(sums);
-  for (; i < n; ++i) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * i));
 }
 
 // The sum of saturations depends on the order of its terms in its last bits only. While it stays between two powers of
@@ -237,7 +232,7 @@ void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
 // have to lie halfway between two multiples. From a sum of 256 to one of 2^45 none does: (max - min) / max, with a max
 // of at most 255, is further than its own rounding error from every halfway point.
 constexpr double kFirstWideSum = 256;
-constexpr size_t kSumBlock = 32 * kWide;  // pixels; each adds at most 1
+constexpr size_t kSumBlock = 256;  // pixels; each adds at most 1
 
 // The largest power of two that is at most `x`, which is normal and positive.
 LMX_EXPAND double BinadeOf(double x) {
@@ -248,9 +243,9 @@ LMX_EXPAND double BinadeOf(double x) {
   return x;
 }
 
-// Adds kSumBlock pixels; false, and nothing added, when a pixel needs its definition.
+// Adds n pixels, at most kSumBlock; false, and nothing added, when a pixel needs its definition.
 template <class Form>
-LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored) {
+LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
   const Vector::Doubles base = Vector::SetDouble(BinadeOf(sums->saturation));
   const auto rounded = [base](Vector::Doubles delta, Vector::Doubles max) {
     return Vector::Sub(Vector::Add(Vector::Divide(delta, max), base), base);
@@ -258,9 +253,12 @@ LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored) {
   Vector::Doubles saturation = Vector::SetDouble(0);
   Reg brightness = Vector::Zero();
   WideRGBSums rgb;
-  for (size_t i = 0; i < kSumBlock; i += kWide) {
+  bool isWide = true;
+  // What is beyond the last pixel is 0: black, which adds nothing.
+  InSteps<Cached>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg working;
-    if (!Form::Read(Vector::Load(stored + 4 * i), &working)) return false;
+    isWide = isWide && Form::Read(pixels.Load(stored + 4 * i), &working);
+    if (!isWide) return;
     rgb.Add(working);
     const Reg green = Vector::Right32<8>(working), red = Vector::Right32<16>(working);
     const Reg max = Vector::And(Vector::Max8(Vector::Max8(red, green), working), Vector::Set32(0xFF));
@@ -270,7 +268,8 @@ LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored) {
     const Reg divisor = Vector::Max16(max, Vector::Set32(1));  // black adds 0
     saturation = Vector::Add(saturation, rounded(Vector::LowToDouble(delta), Vector::LowToDouble(divisor)));
     saturation = Vector::Add(saturation, rounded(Vector::HighToDouble(delta), Vector::HighToDouble(divisor)));
-  }
+  });
+  if (!isWide) return false;
   rgb.AddTo(&sums->rgb);
   sums->saturation += Vector::SumOf(saturation);
   sums->brightness += Vector::SumOf64(Vector::SumPairs32(brightness)) * 0.00390625;
@@ -279,15 +278,12 @@ LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored) {
 
 template <class Form>
 void SumHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
-  size_t i = 0;
-  while (i < n) {
-    const size_t block = n - i < kSumBlock ? n - i : kSumBlock;
-    const bool isWide = block == kSumBlock && sums->saturation >= kFirstWideSum &&
-                        sums->saturation + kSumBlock < 2 * BinadeOf(sums->saturation);
-    if (!isWide || !AddBlock<Form>(sums, stored + 4 * i)) {
-      for (size_t j = i; j < i + block; ++j) LMX_Pixel::AddHSV(sums, Form::ReadOne(stored + 4 * j));
-    }
-    i += block;
+  for (size_t i = 0, block; i < n; i += block) {
+    block = n - i < kSumBlock ? n - i : kSumBlock;
+    const bool isWide =
+        sums->saturation >= kFirstWideSum && sums->saturation + kSumBlock < 2 * BinadeOf(sums->saturation);
+    if (isWide && AddBlock<Form>(sums, stored + 4 * i, block)) continue;
+    for (size_t j = i; j < i + block; ++j) LMX_Pixel::AddHSV(sums, Form::ReadOne(stored + 4 * j));
   }
 }
 

@@ -2,7 +2,8 @@
 // takes a run through them.
 //
 // Included after a Vector header. Everything lives in an anonymous namespace, so that no two levels share a function.
-// What does not fill a register, and what the fast arithmetic does not cover, goes pixel by pixel through LMX_Pixel.h.
+// What does not fill a register is the first part of one. What the fast arithmetic does not cover goes pixel by pixel
+// through LMX_Pixel.h.
 #pragma once
 
 #include "RunKernels.h"
@@ -34,8 +35,8 @@ LMX_EXPAND Reg Divide255(Reg x) {
   return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
 }
 
-// How registers of results are stored: as ever, or past the cache. A kernel makes the first Ahead pixels of a run one by
-// one, and stores registers from there on.
+// How registers of results are stored: as ever, or past the cache. A kernel makes the first Ahead pixels of a run with
+// ordinary stores, and stores registers from there on.
 struct Cached {
   LMX_EXPAND static size_t Ahead(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
   LMX_EXPAND static void Store(void* p, Reg a) { Vector::Store(p, a); }
@@ -49,6 +50,53 @@ struct Streamed {
   }
   LMX_EXPAND static void Store(void* p, Reg a) { Vector::Stream(p, a); }
 };
+
+// The pixels of one step of a kernel: kRegs whole registers, or the first `count` pixels of as many.
+template <class Stores, size_t kRegs>
+struct WholeRegisters {
+  static constexpr size_t count = kRegs * kWide;
+  LMX_EXPAND static Reg Load(const uint8_t* from, size_t r = 0) { return Vector::Load(from + 4 * r * kWide); }
+  LMX_EXPAND static void Store(uint8_t* to, Reg a, size_t r = 0) { Stores::Store(to + 4 * r * kWide, a); }
+  LMX_EXPAND static Reg Reverse(Reg a) { return Vector::Reverse(a); }
+};
+template <size_t kRegs>
+struct FirstPixels {
+  size_t count;
+  LMX_EXPAND Reg Load(const uint8_t* from, size_t r = 0) const {
+    const size_t n = Of(r);
+    return n == 0 ? Vector::Zero() : Vector::LoadFirst(from + 4 * r * kWide, n);
+  }
+  LMX_EXPAND void Store(uint8_t* to, Reg a, size_t r = 0) const {
+    const size_t n = Of(r);
+    if (n > 0) Vector::StoreFirst(to + 4 * r * kWide, n, a);
+  }
+  // Of a single register.
+  LMX_EXPAND Reg Reverse(Reg a) const {
+    uint8_t pixels[sizeof(Reg)];
+    Vector::Store(pixels, Vector::Reverse(a));
+    return Vector::LoadFirst(pixels + 4 * (kWide - count), count);
+  }
+
+ private:
+  // How many of them are in register r.
+  LMX_EXPAND size_t Of(size_t r) const {
+    const size_t before = r * kWide;
+    return count <= before ? 0 : count - before < kWide ? count - before : kWide;
+  }
+};
+
+// Takes a run of n pixels to `to` in steps: calls step(i, pixels) for the pixels from pixel i on.
+template <class Stores, size_t kRegs = 1, class Step>
+LMX_EXPAND void InSteps(const uint8_t* to, size_t n, const Step& step) {
+  constexpr size_t kStep = kRegs * kWide;
+  const auto first = [&](size_t from, size_t end) LMX_EXPANDED {
+    for (size_t i = from; i < end; i += kStep) step(i, FirstPixels<kRegs>{end - i < kStep ? end - i : kStep});
+  };
+  size_t i = Stores::Ahead(to, n);
+  first(0, i);
+  for (; i + kStep <= n; i += kStep) step(i, WholeRegisters<Stores, kRegs>());
+  first(i, n);
+}
 
 // ------------------------------------------------------------------------------------------------ bitmap-context form
 
@@ -195,34 +243,21 @@ LMX_EXPAND void ConvertOne(uint8_t* to, const uint8_t* from) {
 
 template <class From, class To, class Stores>
 void Convert(uint8_t* to, const uint8_t* from, size_t n) {
-  const size_t ahead = Stores::Ahead(to, n);
-  size_t i = 0;
-  for (; i < ahead; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * i);
-  for (; i + kWide <= n; i += kWide) {
+  InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg out;
-    if (Conversion<From, To>::Wide(Vector::Load(from + 4 * i), &out)) {
-      Stores::Store(to + 4 * i, out);
-    } else {
-      for (size_t j = i; j < i + kWide; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * j);
-    }
-  }
-  for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * i);
+    if (Conversion<From, To>::Wide(pixels.Load(from + 4 * i), &out)) return pixels.Store(to + 4 * i, out);
+    for (size_t j = i; j < i + pixels.count; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * j);
+  });
 }
 
 template <class From, class To, class Stores>
 void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
-  const size_t ahead = Stores::Ahead(to, n);
-  size_t i = 0;
-  for (; i < ahead; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * (n - 1 - i));
-  for (; i + kWide <= n; i += kWide) {
+  InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg out;
-    if (Conversion<From, To>::Wide(Vector::Reverse(Vector::Load(from + 4 * (n - i - kWide))), &out)) {
-      Stores::Store(to + 4 * i, out);
-    } else {
-      for (size_t j = i; j < i + kWide; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * (n - 1 - j));
-    }
-  }
-  for (; i < n; ++i) ConvertOne<From, To>(to + 4 * i, from + 4 * (n - 1 - i));
+    const Reg in = pixels.Reverse(pixels.Load(from + 4 * (n - i - pixels.count)));
+    if (Conversion<From, To>::Wide(in, &out)) return pixels.Store(to + 4 * i, out);
+    for (size_t j = i; j < i + pixels.count; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * (n - 1 - j));
+  });
 }
 
 // A square of a transposition.
@@ -272,26 +307,19 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
 // Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.
 template <class From, class To, class Stores, class Change>
 LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
-  constexpr size_t kStep = Change::kRegs * kWide;
-  const auto one = [&](size_t i) { To::WriteOne(to + 4 * i, change.One(From::ReadOne(from + 4 * i))); };
-  const size_t ahead = Stores::Ahead(to, n);
-  size_t i = 0;
-  for (; i < ahead; ++i) one(i);
-  for (; i + kStep <= n; i += kStep) {
+  InSteps<Stores, Change::kRegs>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg working[Change::kRegs];
     bool isWide = true;
     for (size_t r = 0; r < Change::kRegs; ++r) {
-      working[r] = Vector::Load(from + 4 * (i + r * kWide));
-      isWide = From::Read(working[r], &working[r]) && isWide;
+      isWide = From::Read(pixels.Load(from + 4 * i, r), &working[r]) && isWide;
     }
     if (isWide) {
       change.Wide(working);
-      for (size_t r = 0; r < Change::kRegs; ++r) Stores::Store(to + 4 * (i + r * kWide), To::Write(working[r]));
-    } else {
-      for (size_t j = i; j < i + kStep; ++j) one(j);
+      for (size_t r = 0; r < Change::kRegs; ++r) pixels.Store(to + 4 * i, To::Write(working[r]), r);
+      return;
     }
-  }
-  for (; i < n; ++i) one(i);
+    for (size_t j = i; j < i + pixels.count; ++j) To::WriteOne(to + 4 * j, change.One(From::ReadOne(from + 4 * j)));
+  });
 }
 
 }  // namespace

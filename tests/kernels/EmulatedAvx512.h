@@ -58,8 +58,30 @@ inline Result Converted(const Register& a) {
   return result;
 }
 
+// Lanes whose bit is not set are neither read nor written.
+inline __m512i LoadLanes(unsigned mask, const void* p) {
+  std::uint32_t lanes[16] = {};
+  for (int i = 0; i < 16; ++i) {
+    if (mask >> i & 1) std::memcpy(&lanes[i], static_cast<const char*>(p) + 4 * i, 4);
+  }
+  __m512i a;
+  std::memcpy(&a, lanes, sizeof a);
+  return a;
+}
+inline void StoreLanes(void* p, unsigned mask, const __m512i& a) {
+  std::uint32_t lanes[16];
+  std::memcpy(lanes, &a, sizeof lanes);
+  for (int i = 0; i < 16; ++i) {
+    if (mask >> i & 1) std::memcpy(static_cast<char*>(p) + 4 * i, &lanes[i], 4);
+  }
+}
+
 }  // namespace emulated
 
+#undef _mm512_maskz_loadu_epi32
+#define _mm512_maskz_loadu_epi32(mask, p) emulated::LoadLanes(mask, p)
+#undef _mm512_mask_storeu_epi32
+#define _mm512_mask_storeu_epi32(p, mask, a) emulated::StoreLanes(p, mask, a)
 #undef _mm512_cvtepi32_ps
 #define _mm512_cvtepi32_ps(a) emulated::Converted<std::int32_t, float, __m512>(a)
 #undef _mm512_cvttps_epi32
