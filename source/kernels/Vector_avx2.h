@@ -133,6 +133,11 @@ struct Vector {
     return _mm256_permutevar8x32_epi32(a, _mm256_set_epi32(0, 1, 2, 3, 4, 5, 6, 7));
   }
 
+  // The last pixel of `before`, and all but the last of a.
+  LMX_EXPAND static Reg ShiftIn(Reg before, Reg a) {
+    return _mm256_alignr_epi8(a, _mm256_permute2x128_si256(before, a, 0x21), 12);
+  }
+
   // Every other pixel of two registers that follow each other.
   LMX_EXPAND static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   LMX_EXPAND static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }

@@ -129,6 +129,12 @@ struct Vector {
     return _mm512_permutexvar_epi32(_mm512_set_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), a);
   }
 
+  // The last pixel of `before`, and all but the last of a.
+  LMX_EXPAND static Reg ShiftIn(Reg before, Reg a) {
+    const Reg follow = _mm512_set_epi32(30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15);
+    return _mm512_permutex2var_epi32(before, follow, a);
+  }
+
   // Every other pixel of two registers that follow each other.
   LMX_EXPAND static Reg EvenPixels(Reg a, Reg b) {
     const Reg even = _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);

@@ -139,6 +139,11 @@ struct Vector {
   }
   LMX_EXPAND static Reg Reverse(Reg a) { return _mm_shuffle_epi32(a, _MM_SHUFFLE(0, 1, 2, 3)); }
 
+  // The last pixel of `before`, and all but the last of a.
+  LMX_EXPAND static Reg ShiftIn(Reg before, Reg a) {
+    return _mm_or_si128(_mm_srli_si128(before, 12), _mm_slli_si128(a, 4));
+  }
+
   // Every other pixel of two registers that follow each other.
   LMX_EXPAND static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   LMX_EXPAND static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }

@@ -57,14 +57,18 @@ class BlendPart {
   Reg ofFirst_;
 };
 
-// The pixels of one register, of which the one at `from` has a pixel before it in the run; false when they need their
-// definition.
+// The pixels of one register at `from`, each blended with the one before it. `last` is a register of working pixels of
+// which the last is the one before `from`; then it is that of these. `isFirst` says that no stored pixel lies before
+// `from`. False, and nothing done, when a pixel needs its definition.
 template <class From, class To>
 struct Blending {
-  LMX_EXPAND static bool Wide(const uint8_t* from, const BlendPart& part, Reg* out) {
-    Reg pixel, before;
-    if (!From::Read(Vector::Load(from), &pixel) || !From::Read(Vector::Load(from - 4), &before)) return false;
-    *out = To::Write(Distances(pixel, before).Mix(part));
+  template <class Pixels>
+  LMX_EXPAND static bool Wide(const uint8_t* from, const Pixels& pixels, bool /*isFirst*/, const BlendPart& part,
+                              Reg* last, Reg* out) {
+    Reg working;
+    if (!From::Read(pixels.Load(from), &working)) return false;
+    *out = To::Write(Distances(working, Vector::ShiftIn(*last, working)).Mix(part));
+    *last = working;
     return true;
   }
 };
@@ -72,15 +76,22 @@ struct Blending {
 // Opaque pixels are stored as they are, so that they can be blended as they are stored.
 template <>
 struct Blending<ContextForm, ContextForm> {
-  LMX_EXPAND static bool Wide(const uint8_t* from, const BlendPart& part, Reg* out) {
-    const Reg pixel = Vector::Load(from), before = Vector::Load(from - 4);
-    if (Vector::HasBits(Vector::And(pixel, before), Vector::Set32(ContextForm::kAlpha))) {
-      *out = Distances(pixel, before).Mix(part);
-      return true;
+  template <class Pixels>
+  LMX_EXPAND static bool Wide(const uint8_t* from, const Pixels& pixels, bool isFirst, const BlendPart& part, Reg* last,
+                              Reg* out) {
+    const Reg stored = pixels.Load(from);
+    if (!isFirst) {
+      const Reg before = pixels.Load(from - 4);
+      if (Vector::HasBits(Vector::And(stored, before), Vector::Set32(ContextForm::kAlpha))) {
+        *out = Distances(stored, before).Mix(part);
+        *last = Vector::SwapBytes(stored);
+        return true;
+      }
     }
-    Reg straight, straightBefore;
-    if (!ContextForm::Read(pixel, &straight) || !ContextForm::Read(before, &straightBefore)) return false;
-    *out = ContextForm::Write(Distances(straight, straightBefore).Mix(part));
+    Reg working;
+    if (!ContextForm::Read(stored, &working)) return false;
+    *out = ContextForm::Write(Distances(working, Vector::ShiftIn(*last, working)).Mix(part));
+    *last = working;
     return true;
   }
 };
@@ -88,28 +99,17 @@ struct Blending<ContextForm, ContextForm> {
 template <class From, class To>
 void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
   if (fraction == 0) return Convert<From, To, Cached>(to, from, n);
-  if (n == 0) return;
-  To::WriteOne(to, LMX_Pixel::Blend(From::ReadOne(from), before, fraction));
-  const auto one = [&](size_t i) {
-    const uint32_t pixel = From::ReadOne(from + 4 * i);
-    To::WriteOne(to + 4 * i, LMX_Pixel::Blend(pixel, From::ReadOne(from + 4 * (i - 1)), fraction));
-  };
   const BlendPart part(fraction);
-  size_t i = 1;
-  for (; i + kWide <= n; i += kWide) {
+  Reg last = Vector::Set32(before);
+  InSteps<Cached>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg out;
-    if (Blending<From, To>::Wide(from + 4 * i, part, &out)) {
-      Vector::Store(to + 4 * i, out);
-    } else {
-      for (size_t j = i; j < i + kWide; ++j) one(j);
+    if (Blending<From, To>::Wide(from + 4 * i, pixels, i == 0, part, &last, &out)) return pixels.Store(to + 4 * i, out);
+    for (size_t j = i; j < i + pixels.count; ++j) {
+      const uint32_t pixel = From::ReadOne(from + 4 * j);
+      To::WriteOne(to + 4 * j, LMX_Pixel::Blend(pixel, j == 0 ? before : From::ReadOne(from + 4 * (j - 1)), fraction));
+      last = Vector::Set32(pixel);
     }
-  }
-  Reg out;
-  if (i < n && n > kWide && Blending<From, To>::Wide(from + 4 * (n - kWide), part, &out)) {
-    Vector::Store(to + 4 * (n - kWide), out);  // some pixels once more
-  } else {
-    for (; i < n; ++i) one(i);
-  }
+  });
 }
 
 }  // namespace
