@@ -9,7 +9,7 @@ namespace {
 
 class MixWeights {
  public:
-  MixWeights(const BoxUnits& units)
+  explicit MixWeights(const BoxUnits& units)
       : ofFirst_(Vector::Set16(units.first)), both_(Vector::Set16(units.first ^ units.last)) {}
 
   LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return Vector::Xor(ofFirst_, Vector::And(secondIsLarger, both_)); }
@@ -20,11 +20,17 @@ class MixWeights {
 };
 
 // All units are 32768, and both weights below that.
-struct WholeMixPart : MixWeights {
-  using MixWeights::MixWeights;
+class WholeMixPart {
+ public:
+  explicit WholeMixPart(const BoxUnits& units) : weights_(units) {}
+
+  LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return weights_.Weight(secondIsLarger); }
   LMX_EXPAND static Reg Of(Reg distance, Reg weight) {
     return Vector::MulHigh16(distance, Vector::Add16(weight, weight));
   }
+
+ private:
+  MixWeights weights_;
 };
 
 // All units are 32768 - e with a small e. With a sum of H 32768 + L, which is H units + (H e + L), the quotient is H, and
@@ -36,10 +42,11 @@ LMX_EXPAND Reg DivideByUnits(Reg high, Reg low, Reg missing) {
   return Vector::Add16(high, Vector::Right16<15>(Vector::Add16(rest, missing)));
 }
 
-class MixPart : public MixWeights {
+class MixPart {
  public:
-  explicit MixPart(const BoxUnits& units) : MixWeights(units), missing_(Vector::Set16(32768 - units.Of(2))) {}
+  explicit MixPart(const BoxUnits& units) : weights_(units), missing_(Vector::Set16(32768 - units.Of(2))) {}
 
+  LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return weights_.Weight(secondIsLarger); }
   LMX_EXPAND Reg Of(Reg distance, Reg weight) const {
     const Reg high = Vector::MulHigh16(distance, Vector::Add16(weight, weight));
     const Reg low = Vector::And(Vector::MulLow16(distance, weight), Vector::Set16(32767));
@@ -47,6 +54,7 @@ class MixPart : public MixWeights {
   }
 
  private:
+  MixWeights weights_;
   Reg missing_;
 };
 
