@@ -1,6 +1,8 @@
 // Start-up: the host's picture class, the host's version, and the module or the message that there is none.
 #include "LMX_Main.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -15,11 +17,23 @@ namespace {
 
 constexpr double kOldestHostVersion = 2011.04;
 
+// With six decimals after a point, whatever the process's locale would have in the point's place. A version of very many
+// digits is cut.
 void ShowHostTooOld(double version) {
-  char text[200];
-  std::snprintf(text, sizeof text,
-                "This verion of Lumavex requires Real Studio 2011r4 or later.\nReal Studio version: %f", version);
-  REALMessageBox(REALBuildString(text, static_cast<int>(std::strlen(text))));
+  constexpr int kMostShown = 199;
+  constexpr int kDecimals = 6;
+  char text[450];  // the longest number has 309 digits before its decimals
+  const int length =
+      std::snprintf(text, sizeof text,
+                    "This verion of Lumavex requires Real Studio 2011r4 or later.\nReal Studio version: %f", version);
+  if (std::isfinite(version)) {
+    const char* const decimals = text + length - kDecimals;
+    char* point = text + length - kDecimals - 1;
+    while (point[-1] < '0' || point[-1] > '9') --point;  // a locale's own may take several bytes
+    *point = '.';
+    std::memmove(point + 1, decimals, kDecimals + 1);
+  }
+  REALMessageBox(REALBuildString(text, std::min(static_cast<int>(std::strlen(text)), kMostShown)));
 }
 
 }  // namespace

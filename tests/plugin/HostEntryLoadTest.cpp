@@ -2,10 +2,13 @@
 // that are too old or lack a service.
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
@@ -103,6 +106,79 @@ TEST(HostEntryLoad, TheMessageHasTheseWords) {
   EXPECT_EQ(host.messageBoxes,
             std::vector<std::string>({"This verion of Lumavex requires Real Studio 2011r4 or later.\n"
                                       "Real Studio version: 2011.030000"}));
+}
+
+// A locale of the process whose decimal mark is another one. It is made on the spot, by localedef with the character maps
+// of the package `locales`: a machine need not have any locale besides C.
+class Locale {
+ public:
+  explicit Locale(const std::string& mark) : folder_(testing::TempDir() + "lmx-locale-XXXXXX") {
+    if (mkdtemp(folder_.data()) == nullptr) return;
+    std::ofstream(folder_ + "/source") << "comment_char %\nescape_char /\nLC_NUMERIC\ndecimal_point \"" << mark
+                                       << "\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n";
+    const std::string make = "localedef -c -f UTF-8 -i " + folder_ + "/source " + folder_ + "/odd >/dev/null 2>&1";
+    const int status = std::system(make.c_str());  // not 0, because only one category is there
+    static_cast<void>(status);
+    setenv("LOCPATH", folder_.c_str(), 1);
+    isSet_ = std::setlocale(LC_NUMERIC, "odd") != nullptr;
+  }
+  ~Locale() {
+    std::setlocale(LC_NUMERIC, "C");
+    unsetenv("LOCPATH");
+    std::filesystem::remove_all(folder_);
+  }
+  Locale(const Locale&) = delete;
+  Locale& operator=(const Locale&) = delete;
+
+  bool IsSet() const { return isSet_; }
+
+ private:
+  std::string folder_;
+  bool isSet_ = false;
+};
+
+TEST(HostEntryLoad, TheMessageHasAPointInEveryLocale) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  // The longest ones reach the end of the message before, within and after their decimals.
+  std::vector<std::pair<double, std::string>> expected;
+  for (const double version : {2011.03,
+                               0.0,
+                               -0.0,
+                               0.5e-6,
+                               -12.9999999,
+                               -1e15 - 0.125,
+                               -1e107,
+                               -1e108,
+                               -1e109,
+                               -1e110,
+                               -1e111,
+                               -1e112,
+                               -1e113,
+                               -1e114,
+                               -1e115,
+                               -1e116,
+                               -1e117,
+                               -1e308,
+                               -std::numeric_limits<double>::max(),
+                               -kInfinity,
+                               std::nan(""),
+                               -std::nan("")}) {
+    expected.emplace_back(version, MessageFor(version));
+  }
+  const std::pair<const char*, const char*> marks[] = {{",", ","}, {"<U066B>", "\u066B"}};
+  for (const auto& [mark, bytes] : marks) {
+    const Locale locale(mark);
+    ASSERT_TRUE(locale.IsSet()) << "localedef is missing, or the character maps of the package `locales`";
+    char half[16];
+    std::snprintf(half, sizeof half, "%.1f", 0.5);
+    ASSERT_EQ(half, std::string("0") + bytes + "5");
+    for (const auto& [version, message] : expected) {
+      SCOPED_TRACE(testing::Message() << mark << " " << version);
+      host::Host host(OfVersion(version));
+      host.Load(LibraryPath());
+      EXPECT_EQ(host.messageBoxes, std::vector<std::string>({message}));
+    }
+  }
 }
 
 // -------------------------------------------------------------------------------------------------- services that lack
