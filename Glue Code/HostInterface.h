@@ -20,6 +20,10 @@ struct REALpictureStruct;   // a picture; the same address seen as a REALobjectS
 struct REALstringStruct;    // a text
 struct REALclassRefStruct;  // a class, as "pluginObjectType" gives it
 
+// A `boolean` argument. Only its lowest byte counts: 0 is false, 1 is true, and what else a program may have left there
+// is up to the method.
+using REALboolean = std::uint32_t;
+
 // A `color` value: red in bits 16-23, green in 8-15, blue in 0-7, transparency in 24-31 (0 is opaque).
 using REALcolor = std::uint32_t;
 
@@ -97,7 +101,7 @@ constexpr std::uint32_t kPluginInterfaceVersion = 10;
 constexpr std::uint32_t kMethodFlags = 0x14;
 
 // How the parameters of a declaration arrive, in its order, after the C calling convention of the ABI:
-//   integer  int (a full register or stack word, sign extended)   boolean  bool     double  double
+//   integer  int (a full register or stack word, sign extended)   boolean  REALboolean   double  double
 //   color    REALcolor                                            picture  REALpictureStruct*, may be nil
 //   ByRef x  a pointer to where the method stores its result; may be nil
 // The result of a method that is declared "as picture" or "as string" carries one reference, which the caller owns.

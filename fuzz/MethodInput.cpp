@@ -33,8 +33,14 @@ void VisitPicture(Archive& archive, Picture& picture) {
   archive(picture.amount);
 }
 
-std::size_t BytesOf(char type) {
+// A boolean of one of these 32 kinds is the byte that follows; of the others, odd kinds are true.
+bool IsAnyByte(std::uint8_t kind) {
+  return kind >> 5 == 5;
+}
+
+std::size_t BytesOf(char type, std::uint8_t kind) {
   if (type == 'd') return 8;
+  if (type == 'b') return IsAnyByte(kind) ? 1 : 0;
   return type == 'i' || type == 'c' ? 4 : 0;
 }
 
@@ -47,11 +53,14 @@ int WrongKind(std::uint8_t byte) {
 template <class Archive, class Argument>
 void VisitArgument(Archive& archive, Argument& argument, char type) {
   archive(argument.kind);
-  if (BytesOf(type) == 8) archive(argument.bits);
-  if (BytesOf(type) != 4) return;
-  auto bits = static_cast<std::uint32_t>(argument.bits);
-  archive(bits);
-  if constexpr (!std::is_const_v<Argument>) argument.bits = bits;
+  const auto as = [&](auto bits) {
+    archive(bits);
+    if constexpr (!std::is_const_v<Argument>) argument.bits = bits;
+  };
+  const std::size_t bytes = BytesOf(type, argument.kind);
+  if (bytes == 8) as(argument.bits);
+  if (bytes == 4) as(static_cast<std::uint32_t>(argument.bits));
+  if (bytes == 1) as(static_cast<std::uint8_t>(argument.bits));
 }
 
 template <class Archive, class Input>
@@ -180,6 +189,7 @@ Value ArgumentOf(const ArgumentInput& argument, char type, const StoredPicture* 
     case 'd':
       return Double(argument);
     case 'b':
+      if (IsAnyByte(argument.kind)) return host::BooleanByte{static_cast<std::uint8_t>(argument.bits)};
       return argument.kind % 2 == 1;
     case 'c':
       return host::Colour{static_cast<std::uint32_t>(argument.bits)};

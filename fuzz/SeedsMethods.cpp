@@ -16,6 +16,7 @@ constexpr std::uint8_t kNearWidth = 1;   // of an integer: the source's width an
 constexpr std::uint8_t kNearHeight = 2;  // the same for its height
 constexpr std::uint8_t kRaw = 4;         // its 32 bits
 constexpr std::uint8_t kRawDouble = 3;   // of a double: its 64 bits
+constexpr std::uint8_t kAnyByte = 160;   // of a boolean: its byte
 constexpr std::uint8_t kWrong = 240;     // see MethodInput.h
 
 ArgumentInput Integer(std::int32_t value) {
@@ -87,6 +88,7 @@ class Collection {
                                           std::numeric_limits<double>::quiet_NaN()};
     static constexpr std::int32_t kIntegers[] = {0,   -1,  1,   INT_MIN, INT_MAX, 255,   -255,  256,  -89,
                                                  -90, 180, 270, 359,     360,     32768, 65535, 65536};
+    static constexpr std::uint64_t kBytes[] = {0, 1, 2, 3, 127, 128, 254, 255};
     const char* types = MethodOf(usual).types;
     for (std::size_t i = 0; i < usual.arguments.size(); ++i) {
       MethodInput input = usual;
@@ -95,6 +97,9 @@ class Collection {
       }
       for (const double value : kDoubles) {
         if (types[i] == 'd') input.arguments[i] = Double(value), Add(input);
+      }
+      for (const std::uint64_t byte : kBytes) {
+        if (types[i] == 'b') input.arguments[i] = {kAnyByte, byte}, Add(input);
       }
       input.arguments[i].kind = 7;
       if (std::strchr("bID", types[i]) != nullptr) Add(input);

@@ -6,6 +6,8 @@ namespace host {
 namespace {
 
 constexpr std::uint8_t kBeside = 0xC7;
+// What the word of a boolean holds above its byte, which is all that counts.
+constexpr std::uint32_t kAboveBoolean = 0xC7C7C700;
 
 std::size_t SizeOf(Type type) {
   switch (type) {
@@ -32,7 +34,7 @@ Value Convert(Type type, const Value& value) {
       return integer ? Value(double{0} + value.AsInteger()) : value.Is<double>() ? value : Value();
     case Type::Boolean:
       if (integer && (value.AsInteger() == 0 || value.AsInteger() == 1)) return Value(value.AsInteger() == 1);
-      return value.Is<bool>() ? value : Value();
+      return value.Is<bool>() || value.Is<BooleanByte>() ? value : Value();
     case Type::Colour:
       if (integer) return Value(Colour{static_cast<std::uint32_t>(value.AsInteger())});
       return value.Is<Colour>() ? value : Value();
@@ -51,7 +53,7 @@ void Store(const Value& value, std::uint8_t* place) {
   const auto copy = [place](auto number) { std::memcpy(place, &number, sizeof number); };
   if (value.Is<std::int32_t>()) copy(value.AsInteger());
   if (value.Is<double>()) copy(value.AsDouble());
-  if (value.Is<bool>()) copy(value.AsBoolean());
+  if (value.Is<bool>() || value.Is<BooleanByte>()) copy(value.AsBooleanByte());
   if (value.Is<Colour>()) copy(value.AsColour().value);
 }
 
@@ -119,7 +121,7 @@ void Arguments::Add(const Parameter& parameter, const Value& value) {
     case Type::Double:
       return native_.AddDouble(converted.AsDouble());
     case Type::Boolean:
-      return native_.AddWord(converted.AsBoolean() ? 1 : 0);
+      return native_.AddWord(kAboveBoolean | converted.AsBooleanByte());
     case Type::Colour:
       return native_.AddWord(converted.AsColour().value);
     case Type::Picture:

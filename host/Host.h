@@ -108,7 +108,7 @@ class Host {
   // Calling.
 
   /// Calls a method with arguments in the declared order. Integers serve for doubles, booleans (0 and 1) and colours
-  /// as well; anything else must have the declared type. Nil serves for pictures, strings and ByRef arguments, and is
+  /// as well, a BooleanByte for a boolean; anything else must have the declared type. Nil serves for pictures, strings and ByRef arguments, and is
   /// passed as a nil pointer. The value of a ByRef argument is what it holds when the method starts.
   /// May be called again from onYield. Throws host::Error before the call for a call that the declaration does not
   /// allow, host::Misuse after it for complaints, and passes on whatever leaves the method; locks that the call left

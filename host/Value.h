@@ -30,9 +30,15 @@ struct Colour {
   bool operator==(const Colour& other) const { return value == other.value; }
 };
 
+/// What lies in memory where a value of type `boolean` should be: a byte that need be neither 0 (false) nor 1 (true).
+struct BooleanByte {
+  std::uint8_t value = 0;
+  bool operator==(const BooleanByte& other) const { return value == other.value; }
+};
+
 /// Nil, or a value of one type. Reading it as another type throws host::Error.
 class Value {
-  using Data = std::variant<std::monostate, std::int32_t, double, bool, Colour, Picture, std::string>;
+  using Data = std::variant<std::monostate, std::int32_t, double, bool, BooleanByte, Colour, Picture, std::string>;
 
  public:
   Value() = default;
@@ -40,6 +46,7 @@ class Value {
   Value(std::int32_t integer) : data_(integer) {}
   Value(double number) : data_(number) {}
   Value(bool boolean) : data_(boolean) {}
+  Value(BooleanByte byte) : data_(byte) {}
   Value(Colour colour) : data_(colour) {}
   /// A nil Picture makes a nil Value.
   Value(Picture picture) : data_(picture ? Data(std::move(picture)) : Data()) {}
@@ -57,6 +64,8 @@ class Value {
   std::int32_t AsInteger() const { return As<std::int32_t>("an integer"); }
   double AsDouble() const { return As<double>("a double"); }
   bool AsBoolean() const { return As<bool>("a boolean"); }
+  /// A boolean's is 0 or 1.
+  std::uint8_t AsBooleanByte() const { return Is<BooleanByte>() ? As<BooleanByte>("").value : AsBoolean() ? 1 : 0; }
   Colour AsColour() const { return As<Colour>("a color"); }
   const std::string& AsText() const { return As<std::string>("a string"); }
   /// Nil gives a nil Picture.

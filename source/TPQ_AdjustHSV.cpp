@@ -6,7 +6,7 @@
 // saturation_factor,        0 to below 1000, cut to whole numbers: 0.9 acts as 0, 1.9 as 1. A NaN acts as 0
 //   brightness_factor
 // negative                  every pixel of the picture, selected or not, becomes its colour negative, fully transparent;
-//                           a bitmap context keeps no colour there and becomes all zero
+//                           a bitmap context keeps no colour there and becomes all zero. Any byte but 0 is true
 // The average's results, each nil to leave it out: the hue of the mean colour in degrees, 0 to below 360, -1 for black
 // and NaN for another grey; the mean of the pixels' saturations, 0 to 1; the mean of their brightness, 0 to 255/256.
 // On failure they stay as they are. Its sums of colours are 32 bits wide and wrap beyond 8,421,504 pixels of 255.
@@ -37,6 +37,11 @@ bool AcceptsAdjustment(const REALpictureStruct* p, double hue, double saturation
                : !IsFactor(brightness)         ? kBrightnessOutOfBounds
                                                : kNoError;
   return gLMX_Error == kNoError;
+}
+
+// Every pixel is written one way or the other: what is not false is true.
+bool IsTrue(REALboolean boolean) {
+  return static_cast<std::uint8_t>(boolean) != 0;
 }
 
 // A factor's whole part, in 1/1024; a NaN's wraps to 0.
@@ -75,7 +80,7 @@ double HueOf(std::int32_t red, std::int32_t green, std::int32_t blue) {
 }  // namespace
 
 REALpictureStruct* LMX_AdjustHSV(REALpictureStruct* p, int left, int top, int width, int height, double hue_degrees,
-                                 double saturation_factor, double brightness_factor, bool negative, long yield) {
+                                 double saturation_factor, double brightness_factor, REALboolean negative, long yield) {
   if (!AcceptsAdjustment(p, hue_degrees, saturation_factor, brightness_factor)) return nullptr;
   LMX_Picture source(p);
   if (!source.Lock()) {
@@ -92,13 +97,13 @@ REALpictureStruct* LMX_AdjustHSV(REALpictureStruct* p, int left, int top, int wi
     gLMX_Error = kCantLockResult;
     return nullptr;
   }
-  PrivAdjustHSV(source, result, left, top, width, height, hue_degrees, saturation_factor, brightness_factor, negative,
-                yield);
+  PrivAdjustHSV(source, result, left, top, width, height, hue_degrees, saturation_factor, brightness_factor,
+                IsTrue(negative), yield);
   return result.picture;
 }
 
 void LMX_AdjustHSV_InPlace(REALpictureStruct* p, int left, int top, int width, int height, double hue_degrees,
-                           double saturation_factor, double brightness_factor, bool negative, long yield) {
+                           double saturation_factor, double brightness_factor, REALboolean negative, long yield) {
   if (!AcceptsAdjustment(p, hue_degrees, saturation_factor, brightness_factor)) return;
   LMX_Picture source(p);
   if (!source.Lock()) {
@@ -109,8 +114,8 @@ void LMX_AdjustHSV_InPlace(REALpictureStruct* p, int left, int top, int width, i
     gLMX_Error = kInvalidSelection;
     return;
   }
-  PrivAdjustHSV(source, source, left, top, width, height, hue_degrees, saturation_factor, brightness_factor, negative,
-                yield);
+  PrivAdjustHSV(source, source, left, top, width, height, hue_degrees, saturation_factor, brightness_factor,
+                IsTrue(negative), yield);
 }
 
 void PrivAdjustHSV(LMX_Picture& source, LMX_Picture& destination, int left, int top, int width, int height,

@@ -6,10 +6,10 @@
 // Entry points.
 LMX_HOST_CALLABLE REALpictureStruct* LMX_AdjustHSV(REALpictureStruct* p, int left, int top, int width, int height,
                                                    double hue_degrees, double saturation_factor,
-                                                   double brightness_factor, bool negative, long yield);
+                                                   double brightness_factor, REALboolean negative, long yield);
 LMX_HOST_CALLABLE void LMX_AdjustHSV_InPlace(REALpictureStruct* p, int left, int top, int width, int height,
                                              double hue_degrees, double saturation_factor, double brightness_factor,
-                                             bool negative, long yield);
+                                             REALboolean negative, long yield);
 LMX_HOST_CALLABLE void LMX_GetAverageHSV(REALpictureStruct* p, int left, int top, int width, int height,
                                          double* hue_degrees, double* saturation, double* brightness, long yield);
 

@@ -9,6 +9,7 @@
 
 namespace {
 
+using host::BooleanByte;
 using host::Colour;
 using host::Error;
 using host::Host;
@@ -31,6 +32,17 @@ TEST_F(Call, PassesEveryTypeInRegistersAndOnTheStack) {
                                  Colour{0xFEDCBA98}, -0.125, -9, false});
   EXPECT_EQ(outcome.result.AsText(), "1 -7 2.5 1 FF00ABCD -3 -2147483648 FEDCBA98 -0.125 -9 0");
   EXPECT_TRUE(host_.Leaks().empty());
+}
+
+TEST_F(Call, PassesBytesThatAreNoBooleans) {
+  const Outcome outcome =
+      host_.Call("DescribeAll", {nullptr, 0, 0, BooleanByte{254}, 0, 0, 0, 0, 0, 0, BooleanByte{2}});
+  EXPECT_EQ(outcome.result.AsText(), "0 0 0 254 00000000 0 0 00000000 0 0 2");
+  EXPECT_EQ(Value(BooleanByte{3}).AsBooleanByte(), 3);
+  EXPECT_EQ(Value(true).AsBooleanByte(), 1);
+  EXPECT_EQ(Value(false).AsBooleanByte(), 0);
+  EXPECT_THROW(Value(2).AsBooleanByte(), Error);
+  EXPECT_THROW(Value(BooleanByte{1}).AsBoolean(), Error);
 }
 
 TEST_F(Call, PassesMoreDoublesThanRegisters) {
@@ -68,6 +80,7 @@ TEST_F(Call, RefusesWhatTheDeclarationDoesNotAllow) {
   EXPECT_THROW(host_.Call("Negate", {nullptr}), Error);
   EXPECT_THROW(host_.Call("Negate", {2}), Error);
   EXPECT_THROW(host_.Call("Negate", {1.0}), Error);
+  EXPECT_THROW(host_.Call("Invert", {BooleanByte{1}}), Error);
   EXPECT_THROW(host_.Call("Invert", {true}), Error);
   EXPECT_THROW(host_.Call("New", {1.5, 2}), Error);
   EXPECT_THROW(host_.Call("New", {"1", 2}), Error);

@@ -109,11 +109,15 @@ int Next() {
   return ++count;
 }
 
-REALstringStruct* DescribeAll(REALpictureStruct* p, int a, double b, bool c, REALcolor d, long e, long f,
-                              unsigned long g, double h, long i, bool j) {
+unsigned ByteOf(REALboolean boolean) {
+  return boolean & 0xFF;
+}
+
+REALstringStruct* DescribeAll(REALpictureStruct* p, int a, double b, REALboolean c, REALcolor d, long e, long f,
+                              unsigned long g, double h, long i, REALboolean j) {
   char text[300];
-  std::snprintf(text, sizeof text, "%d %d %g %d %08X %ld %ld %08lX %g %ld %d", p != nullptr, a, b, c, d, e, f, g, h, i,
-                j);
+  std::snprintf(text, sizeof text, "%d %d %g %u %08X %ld %ld %08lX %g %ld %u", p != nullptr, a, b, ByteOf(c), d, e, f,
+                g, h, i, ByteOf(j));
   return BuildText(text);
 }
 
@@ -129,8 +133,8 @@ void Change(int* i, double* d, bool* b, REALcolor* c) {
   if (c != nullptr) *c ^= 0xFFFFFFFF;
 }
 
-bool Negate(bool b) {
-  return !b;
+bool Negate(REALboolean b) {
+  return ByteOf(b) == 0;
 }
 REALcolor Invert(REALcolor c) {
   return ~c;
@@ -172,10 +176,10 @@ int ReadByteUnlocked(REALpictureStruct* p, int x, int y) {
   return *pixel;
 }
 
-int ReadTableByte(REALpictureStruct* p, int offset, bool write) {
+int ReadTableByte(REALpictureStruct* p, int offset, REALboolean write) {
   const Locked lock(p);
   auto* byte = reinterpret_cast<std::uint8_t*>(std::uintptr_t{lock.Buffer().rowTable}) + offset;
-  if (write) *byte = 0;
+  if (ByteOf(write) != 0) *byte = 0;
   return *byte;
 }
 

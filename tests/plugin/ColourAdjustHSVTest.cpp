@@ -208,6 +208,16 @@ TEST_F(ColourAdjustHSV, NegativeFollowsTheResultsStorageForm) {
             (Words{0}));
 }
 
+TEST_F(ColourAdjustHSV, AnyByteButZeroIsNegative) {
+  for (const int byte : {1, 2, 3, 127, 128, 254, 255}) {
+    SCOPED_TRACE(byte);
+    const host::BooleanByte negative = {static_cast<std::uint8_t>(byte)};
+    EXPECT_EQ(AdjustHSV(kBuffer, 0x00FF0000, {60, 1, 1}, negative), 0x7F0000FFu);
+    EXPECT_EQ(AdjustHSV(kContext, 0xFFFF0000, {60, 1, 1}, negative), 0u);
+  }
+  EXPECT_EQ(AdjustHSV(kBuffer, 0x00FF0000, {60, 1, 1}, host::BooleanByte{0}), 0x00FFFF00u);
+}
+
 // --------------------------------------------------------------------------------------------------------------- depth
 
 Picture OfDepth(int bits) {

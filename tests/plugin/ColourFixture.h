@@ -57,7 +57,7 @@ inline std::vector<Value> Arguments(const Picture& p, const Area& area) {
 class ColourTest : public support::PluginTest {
  protected:
   static std::vector<Value> HSVArguments(const Picture& p, const Area& area, const HSVFactors& by,
-                                         bool negative = false, int yield = 0) {
+                                         const Value& negative = false, int yield = 0) {
     std::vector<Value> arguments = Arguments(p, area);
     arguments.insert(arguments.end(), {by.hue, by.saturation, by.brightness, negative, yield});
     return arguments;
@@ -83,7 +83,7 @@ class ColourTest : public support::PluginTest {
   }
 
   /// What both forms of the adjustment make of a picture of one pixel; a failure unless they agree.
-  std::uint32_t AdjustHSV(Storage storage, std::uint32_t word, const HSVFactors& by, bool negative = false) {
+  std::uint32_t AdjustHSV(Storage storage, std::uint32_t word, const HSVFactors& by, const Value& negative = false) {
     return Agreed("AdjustHSV", storage, word,
                   [&](const Picture& p) { return HSVArguments(p, kEverything, by, negative); });
   }

@@ -36,13 +36,21 @@ HsvChange RandomHsvChange(Random& random) {
   const double hue = OneIn(random, 10)  ? AnyDouble(random)
                      : OneIn(random, 4) ? random.Between(-6, 6) * 60.0
                                         : (Fraction(random) * 2 - 1) * 360;
-  return {hue, RandomFactor(random), RandomFactor(random), OneIn(random, 5)};
+  const double saturation = RandomFactor(random);
+  const double brightness = RandomFactor(random);
+  return {hue, saturation, brightness, OneIn(random, 3) ? support::AnyBooleanByte(random) : std::uint8_t{0}};
 }
 
 std::vector<Value> HsvArguments(const Rectangle& r, const HsvChange& change, int yield) {
-  return {
-      r.left,          r.top, r.width, r.height, change.hueDegrees, change.saturationFactor, change.brightnessFactor,
-      change.negative, yield};
+  return {r.left,
+          r.top,
+          r.width,
+          r.height,
+          change.hueDegrees,
+          change.saturationFactor,
+          change.brightnessFactor,
+          host::BooleanByte{change.negative},
+          yield};
 }
 
 TEST_F(DefinitionColour, AdjustHSV) {

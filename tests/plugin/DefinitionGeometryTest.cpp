@@ -34,13 +34,13 @@ int Height(const Setting& setting) {
 TEST_F(DefinitionGeometry, FlipRotate) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
-    const bool flipH = OneIn(random, 2);
-    const bool flipV = OneIn(random, 2);
+    const std::uint8_t flipH = support::AnyBooleanByte(random);
+    const std::uint8_t flipV = support::AnyBooleanByte(random);
     const int rotation = OneIn(random, 10) ? AnyInteger(random) : random.Between(-95, 365);
     const int yield = RandomYield(random, OneIn(random, 2) ? Width(setting) : Height(setting));
     CheckCall({"FlipRotate",
                true,
-               {flipH, flipV, rotation, yield},
+               {host::BooleanByte{flipH}, host::BooleanByte{flipV}, rotation, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
                  return definition::FlipRotate(source, flipH, flipV, rotation, yield, make);
                }},

@@ -9,7 +9,7 @@ namespace {
 
 class GeometryFlipRotate : public Geometry {
  protected:
-  Called FlipRotate(const Value& source, bool flipH, bool flipV, int rotation, int yield = 0) {
+  Called FlipRotate(const Value& source, const Value& flipH, const Value& flipV, int rotation, int yield = 0) {
     return Run("FlipRotate", {source, flipH, flipV, rotation, yield});
   }
 };
@@ -40,6 +40,32 @@ TEST_P(GeometryFlipRotate, MirrorsFirstThenTurnsClockwise) {
     SCOPED_TRACE(testing::Message() << turn.rotation << (turn.flipH ? " H" : "") << (turn.flipV ? " V" : ""));
     ExpectPixels(FlipRotate(source, turn.flipH, turn.flipV, turn.rotation), turn.width, turn.height,
                  Numbers(turn.numbers));
+  }
+}
+
+TEST_P(GeometryFlipRotate, FlagsThatAreNeitherFalseNorTrueLeaveTheResultUnpainted) {
+  static constexpr std::uint8_t kBytes[] = {0, 1, 2, 3, 127, 128, 254, 255};
+  const Picture source = Numbered(3, 2);
+  for (const std::uint8_t flipH : kBytes) {
+    for (const std::uint8_t flipV : kBytes) {
+      if (flipH <= 1 && flipV <= 1) continue;
+      for (const int rotation : {0, 90, 180, 270}) {
+        SCOPED_TRACE(testing::Message() << rotation << ", " << int{flipH} << ", " << int{flipV});
+        const bool upright = rotation % 180 == 0;
+        const Called called = FlipRotate(source, host::BooleanByte{flipH}, host::BooleanByte{flipV}, rotation, 1);
+        ExpectStored(called, upright ? 3 : 2, upright ? 2 : 3, Words(6, host::kUnwritten));
+        EXPECT_EQ(called.yields, 0);
+      }
+    }
+  }
+}
+
+TEST_P(GeometryFlipRotate, BytesOfProperBooleansAreBooleans) {
+  const Picture source = Numbered(3, 2);
+  for (const Turn& turn : kTurns) {
+    const host::BooleanByte flipH = {turn.flipH ? std::uint8_t{1} : std::uint8_t{0}};
+    const host::BooleanByte flipV = {turn.flipV ? std::uint8_t{1} : std::uint8_t{0}};
+    ExpectPixels(FlipRotate(source, flipH, flipV, turn.rotation), turn.width, turn.height, Numbers(turn.numbers));
   }
 }
 

@@ -78,6 +78,12 @@ double AnyDouble(Random& random) {
   return (Fraction(random) - 0.5) * std::pow(10.0, random.Between(-3, 5));
 }
 
+std::uint8_t AnyBooleanByte(Random& random) {
+  static constexpr std::uint8_t kAwkward[] = {2, 3, 127, 128, 129, 254, 255};
+  if (!OneIn(random, 8)) return static_cast<std::uint8_t>(random.Below(2));
+  return OneIn(random, 2) ? random.OneOf(kAwkward) : static_cast<std::uint8_t>(random.Below(256));
+}
+
 double Fraction(Random& random) {
   return static_cast<double>(random.Next() >> 11) / 9007199254740992.0;
 }

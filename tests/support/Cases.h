@@ -20,6 +20,8 @@ void ForEachCase(int count, const std::function<void(Random& random)>& body);
 std::int32_t AnyInteger(Random& random);
 /// Any double, the awkward ones more often: zeros, denormals, infinities, NaN, the greatest.
 double AnyDouble(Random& random);
+/// Any byte where a boolean should be, 0 and 1 more often.
+std::uint8_t AnyBooleanByte(Random& random);
 /// A fraction of 1.
 double Fraction(Random& random);
 /// True once in n times.

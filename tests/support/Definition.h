@@ -82,7 +82,7 @@ struct Rectangle {
 
 struct HsvChange {
   double hueDegrees, saturationFactor, brightnessFactor;
-  bool negative;
+  std::uint8_t negative;  ///< a boolean
 };
 
 struct RgbChange {
@@ -91,7 +91,8 @@ struct RgbChange {
 
 // The methods. A nil source is a null pointer.
 
-Outcome FlipRotate(const StoredPicture* source, bool flipH, bool flipV, int rotation, int yield,
+// Booleans of a method are bytes: 0 is false, 1 is true.
+Outcome FlipRotate(const StoredPicture* source, std::uint8_t flipH, std::uint8_t flipV, int rotation, int yield,
                    const MakePicture& make);
 Outcome ShearHorizontal(const StoredPicture* source, int width, int height, double shear, std::uint32_t frameColour,
                         int yield, const MakePicture& make);

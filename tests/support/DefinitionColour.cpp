@@ -87,8 +87,8 @@ Adjust HsvAdjustment(const HsvChange& change) {
   };
 }
 
-Store HsvStore(bool negative) {
-  if (!negative) return WritePixel;
+Store HsvStore(std::uint8_t negative) {
+  if (negative == 0) return WritePixel;
   return [](Form form, std::uint32_t pixel) { return form == Form::Buffer ? (pixel & 0x00FFFFFF) ^ 0x7FFFFFFF : 0; };
 }
 

@@ -121,7 +121,7 @@ void FlipRotatePass(const StoredPicture& source, StoredPicture& result, bool fli
   }
 }
 
-Outcome FlipRotate(const StoredPicture* source, bool flipH, bool flipV, int rotation, int yield,
+Outcome FlipRotate(const StoredPicture* source, std::uint8_t flipH, std::uint8_t flipV, int rotation, int yield,
                    const MakePicture& make) {
   if (rotation < -89 || rotation > 359) return Failure(31);
   if (source == nullptr) return Failure(2);
@@ -135,8 +135,9 @@ Outcome FlipRotate(const StoredPicture* source, bool flipH, bool flipV, int rota
     outcome.code = 6;
     return outcome;
   }
-  FlipRotatePass(*source, *result, flipH, flipV, quarter, outcome, yield, 1);
   outcome.result = 1;
+  const bool eachIsFalseOrTrue = flipH <= 1 && flipV <= 1;
+  if (eachIsFalseOrTrue) FlipRotatePass(*source, *result, flipH == 1, flipV == 1, quarter, outcome, yield, 1);
   return outcome;
 }
 

@@ -14,7 +14,7 @@ Rectangle RectangleOf(const Arguments& a) {
 }
 
 definition::HsvChange HsvChangeOf(const Arguments& a) {
-  return {a[4].AsDouble(), a[5].AsDouble(), a[6].AsDouble(), a[7].AsBoolean()};
+  return {a[4].AsDouble(), a[5].AsDouble(), a[6].AsDouble(), a[7].AsBooleanByte()};
 }
 
 definition::RgbChange RgbChangeOf(const Arguments& a) {
@@ -40,7 +40,8 @@ Outcome AverageRgb(const StoredPicture* source, const Arguments& a, const MakePi
   return definition::AverageRgb(source, RectangleOf(a), a[7].AsInteger());
 }
 Outcome FlipRotate(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::FlipRotate(source, a[0].AsBoolean(), a[1].AsBoolean(), a[2].AsInteger(), a[3].AsInteger(), make);
+  return definition::FlipRotate(source, a[0].AsBooleanByte(), a[1].AsBooleanByte(), a[2].AsInteger(), a[3].AsInteger(),
+                                make);
 }
 Outcome FreeRotateByShear(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
   return definition::FreeRotateByShear(source, a[0].AsDouble(), a[1].AsColour().value, a[2].AsInteger(), make);
