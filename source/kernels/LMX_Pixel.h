@@ -19,7 +19,7 @@
 
 /// What an HSV adjustment does to each pixel.
 struct HSVAdjustment {
-  int32_t hueShift;         ///< in 1/1024 of a sector of 60 degrees: -6144 to 6143, or INT32_MIN for no hue at all
+  int32_t hueShift;  ///< in 1/1024 of a sector of 60 degrees: -6144 to 6143; others, too, up to INT32_MIN of a NaN
   int32_t saturationScale;  ///< in 1/1024: 0 to 999 x 1024, whole numbers only
   int32_t valueScale;       ///< the same
 };
@@ -126,13 +126,14 @@ struct LMX_Pixel {
     if (hue < 0) hue += 6144;
   }
 
-  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside 0 to 6143 gives black, unless the
-  /// saturation is 0, which ignores it. Truncation may lower a channel by a step or two; it is not corrected.
+  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside the six sectors gives black,
+  /// unless the saturation is 0, which ignores it. The division that tells the sector truncates, so that hues from -1023
+  /// to -1 continue the first one downwards. Truncation may lower a channel by a step or two; it is not corrected.
   LMX_EXPAND static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
     const uint32_t a = static_cast<uint32_t>(alpha);
     const uint32_t v = static_cast<uint32_t>(value);
     if (saturation == 0) return Pack(a, v, v, v);
-    if (hue < 0 || hue > 6143) return Pack(a, 0, 0, 0);
+    if (hue < -1023 || hue > 6143) return Pack(a, 0, 0, 0);
     const int32_t s = static_cast<int32_t>(saturation);
     const int32_t sector = static_cast<int32_t>(hue) / 1024;
     const int32_t fraction = static_cast<int32_t>(hue) - sector * 1024;

@@ -115,7 +115,7 @@ LMX_EXPAND Colours ToRGB(const HSV& in) {
           Select(isIn(3, 4), in.value, Select(isIn(2, 5), tq, p))};
 }
 
-// Of adjustments with a hue.
+// Of adjustments by no more than a turn: hues stay within a turn of the circle, and wrap into it once.
 class HSVChange {
  public:
   static constexpr size_t kRegs = 2;
@@ -146,7 +146,7 @@ class HSVChange {
 
 template <class From, class To>
 void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
-  if (by->hueShift != INT32_MIN) {
+  if (by->hueShift >= -6144 && by->hueShift <= 6144) {
     Transform<From, To, Cached>(to, from, HSVChange(*by), n);
     return;
   }

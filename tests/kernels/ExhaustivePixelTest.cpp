@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(SomeAdjustments, AllColours,
                            return "Number" + std::to_string(adjustment.index);
                          });
 
-// Few colours, but every shift.
+// Few colours, but every shift, and many by more than a turn, which do not come back into the circle.
 TEST(AllShifts, AdjustHSV) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels colours;
@@ -136,11 +136,16 @@ TEST(AllShifts, AdjustHSV) {
       for (const std::uint32_t blue : {0u, 2u, 99u, 200u, 255u}) colours.push_back(red << 16 | green << 8 | blue);
     }
   }
-  for (std::int32_t shift = -6144; shift < 6144; ++shift) {
-    const HSVAdjustment by = {shift, 1024 * ((shift + 6144) % 4), 1024 * ((shift + 6144) % 3)};
+  constexpr std::int32_t kMost = 14400;
+  std::vector<std::int32_t> shifts = {INT32_MIN, INT32_MIN + 1, -65536 - 1024, -65536,        -32768,
+                                      32767,     65536,         65536 + 1024,  INT32_MAX - 1, INT32_MAX};
+  for (std::int32_t shift = -kMost; shift <= kMost; ++shift) shifts.push_back(shift);
+  for (const std::int32_t shift : shifts) {
+    const std::int32_t turn = shift & 0xFFFF;
+    const HSVAdjustment by = {shift, 1024 * (turn % 4), 1024 * (turn % 3)};
     Pixels expected;
     for (const std::uint32_t colour : colours) {
-      expected.push_back(plain::AdjustHSV(colour, shift, by.saturationScale, by.valueScale));
+      expected.push_back(plain::AdjustHSV(colour, shift, by.saturationScale, by.valueScale) & 0xFFFFFF);
     }
     for (const NamedKernels& level : levels) {
       Pixels actual = colours;

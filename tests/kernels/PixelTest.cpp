@@ -170,9 +170,19 @@ TEST(HSVToRGB, EachSectorPutsItsChannels) {
 }
 
 TEST(HSVToRGB, HueOutsideTheCircleIsBlackUnlessGrey) {
-  for (const long hue : {-1L, -6144L, 6144L, 100000L}) {
+  for (const long hue : {-1024L, -1025L, -6144L, -2147483647L - 1, 6144L, 100000L, 2147483647L}) {
     EXPECT_EQ(FromHSV({hue, 1, 255, 200}), 0xC8000000u) << hue;
   }
+}
+
+TEST(HSVToRGB, HuesJustBelowZeroAreInTheFirstSector) {
+  // p = 512 x 100 / 1024 = 50; t = (1048576 - 1524 x 512) x 100 / 1048576 = 25.6, and 49.95 for 1025
+  EXPECT_EQ(FromHSV({-500, 512, 100, 255}), 0xFF641932u);
+  EXPECT_EQ(FromHSV({-1, 512, 100, 255}), 0xFF643132u);
+  // t = (1048576 - 2047 x 512) x 100 / 1048576 = 0.05
+  EXPECT_EQ(FromHSV({-1023, 512, 100, 255}), 0xFF640032u);
+  // t = (1048576 - 1424 x 1024) x 255 / 1048576 = -99.6, of which no bit is cut off: -99 x 256 is 0xFFFF9D00
+  EXPECT_EQ(FromHSV({-400, 1024, 255, 16}), 0xFFFF9D00u);
 }
 
 TEST(HSVToRGB, RoundTripMayLowerAChannel) {
@@ -198,7 +208,7 @@ TEST(AllHues, ToRGB) {
   for (long s = 13; s < 1024; s += 47) saturations.push_back(s);
   std::vector<long> values = {0, 1, 2, 3, 127, 128, 253, 254, 255};
   for (long v = 7; v < 256; v += 11) values.push_back(v);
-  for (long hue = 0; hue < 6144; ++hue) {
+  for (long hue = -1100; hue < 6200; ++hue) {
     for (const long saturation : saturations) {
       for (const long value : values) {
         ASSERT_EQ(FromHSV({hue, saturation, value, 0x5A}), PlainFromHSV({hue, saturation, value, 0x5A}))
@@ -209,8 +219,8 @@ TEST(AllHues, ToRGB) {
 }
 
 TEST(AllSaturationsAndValues, ToRGB) {
-  for (const long hue : {0L, 1L, 1023L, 1024L, 1537L, 2047L, 2048L, 2500L, 3071L, 3072L, 4095L, 4096L, 5119L, 5120L,
-                         6143L, 6144L, -1L}) {
+  for (const long hue : {0L,    1L,    1023L, 1024L, 1537L, 2047L, 2048L, 2500L, 3071L,  3072L,
+                         4095L, 4096L, 5119L, 5120L, 6143L, 6144L, -1L,   -600L, -1023L, -1024L}) {
     for (long saturation = 0; saturation <= 1024; ++saturation) {
       for (long value = 0; value < 256; ++value) {
         ASSERT_EQ(FromHSV({hue, saturation, value, 255}), PlainFromHSV({hue, saturation, value, 255}))

@@ -21,14 +21,14 @@ inline std::uint32_t Join(const Channels& k) {
   return static_cast<std::uint32_t>(k[0] * 0x1000000 + k[1] * 0x10000 + k[2] * 0x100 + k[3]);
 }
 
-/// The scales are 1024 times a whole number. A shift of INT32_MIN leaves no hue at all.
+/// The scales are 1024 times a whole number.
 inline std::uint32_t AdjustHSV(std::uint32_t pixel, std::int64_t shift, std::int64_t saturationScale,
                                std::int64_t valueScale) {
   definition::Hsv hsv = definition::HsvFromPixel(pixel);
   std::int64_t hue = hsv.hue + shift;
   if (hue < 0) hue += 6144;
   if (hue > 6143) hue -= 6144;
-  hsv.hue = hue < 0 ? -1 : static_cast<std::int32_t>(hue);
+  hsv.hue = static_cast<std::int32_t>(hue);
   hsv.saturation = static_cast<std::int32_t>(std::min<std::int64_t>(hsv.saturation * saturationScale / 1024, 1023));
   hsv.value = static_cast<std::int32_t>(std::min<std::int64_t>(hsv.value * valueScale / 1024, 255));
   return definition::PixelFromHsv(hsv);

@@ -187,16 +187,17 @@ Hsv HsvFromPixel(std::uint32_t pixel) {
 }
 
 std::uint32_t PixelFromHsv(const Hsv& hsv) {
+  // Nothing is cut to a byte: a channel below 0 reaches into those above it.
   const auto pack = [&](std::int32_t red, std::int32_t green, std::int32_t blue) {
-    return Pack(static_cast<std::uint32_t>(hsv.alpha), static_cast<std::uint32_t>(red),
-                static_cast<std::uint32_t>(green), static_cast<std::uint32_t>(blue));
+    return static_cast<std::uint32_t>(hsv.alpha) << 24 | static_cast<std::uint32_t>(red) << 16 |
+           static_cast<std::uint32_t>(green) << 8 | static_cast<std::uint32_t>(blue);
   };
   const std::int32_t value = hsv.value;
   const std::int32_t s = hsv.saturation;
   if (s == 0) return pack(value, value, value);
-  if (hsv.hue < 0 || hsv.hue > 6143) return pack(0, 0, 0);
+  const std::int32_t i = hsv.hue / 1024;  // truncated: sector 0 begins at -1023
+  if (i < 0 || i > 5) return pack(0, 0, 0);
   const std::int32_t p = (1024 - s) * value / 1024;
-  const std::int32_t i = hsv.hue / 1024;
   const std::int32_t f = hsv.hue - i * 1024;
   const std::int32_t q = (1048576 - f * s) * value / 1048576;
   const std::int32_t t = (1048576 - (1024 - f) * s) * value / 1048576;
