@@ -202,9 +202,23 @@ void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
 }
 
-void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const auto negate = KernelsBetween(from, to).negative[FormOf(from.picture)][FormOf(to.picture)];
-  Transform(to, from, n, [negate](auto* out, auto* in, std::size_t count, std::int32_t) { negate(out, in, count); });
+void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment* by) {
+  if (!by) {
+    const auto negate = KernelsBetween(from, to).negative[FormOf(from.picture)][FormOf(to.picture)];
+    Transform(to, from, n, [negate](auto* out, auto* in, std::size_t count, std::int32_t) { negate(out, in, count); });
+    return;
+  }
+  // By way of stored pixels of the buffer form, which keep all of the colours: a negative takes nothing else.
+  const auto adjust = gRunKernels.adjustHSV[FormOf(from.picture)][kBufferForm];
+  const auto negate = KernelsBetween(from, to).negative[kBufferForm][FormOf(to.picture)];
+  Transform(to, from, n, [&](std::uint8_t* out, const std::uint8_t* in, std::size_t count, std::int32_t) {
+    std::uint32_t adjusted[kChunk];
+    for (std::size_t i = 0; i < count; i += kChunk) {
+      const std::size_t part = std::min<std::size_t>(kChunk, count - i);
+      adjust(Bytes(adjusted), in + 4 * i, by, part);
+      negate(out + 4 * i, Bytes(adjusted), part);
+    }
+  });
 }
 
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,

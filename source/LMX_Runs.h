@@ -69,7 +69,7 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
 /// Copies with an adjustment, or as colour negatives. `to` may be the same place as `from`.
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by);
-void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
+void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment* by);
 
 /// Copies n pixels, each blended with the one before it: `before` is the one before the first, and `fraction` the weight
 /// of the one before, 0 to 65535. `to` is in another picture.

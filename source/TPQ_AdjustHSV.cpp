@@ -49,15 +49,18 @@ std::int32_t Scale(double factor) {
   return WrappedToInt(static_cast<std::int64_t>(TruncatedToInt(factor)) * 1024);
 }
 
-// Columns x0 to x1 - 1 of a row. `by` is nil where nothing is adjusted. A negative of what was adjusted needs its colours
-// only: a buffer keeps them, and in a context it is clear whatever they are.
+// Columns x0 to x1 - 1 of a row. `by` is nil where nothing is adjusted.
 void AdjustColumns(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y, std::int32_t x0,
                    std::int32_t x1, const HSVAdjustment* by, bool negative) {
   const PixelPosition from = {source, x0, y}, to = {destination, x0, y};
   const std::int32_t n = x1 - x0;
-  if (by) AdjustRun(to, from, n, *by);
-  if (negative) NegateRun(to, by ? to : from, n);
-  if (!by && !negative) CopyRun(to, from, n);
+  if (negative) {
+    NegateRun(to, from, n, by);
+  } else if (by) {
+    AdjustRun(to, from, n, *by);
+  } else {
+    CopyRun(to, from, n);
+  }
 }
 
 // The hue in degrees of a colour, with the arithmetic of doubles: -1 for black, NaN for another grey.

@@ -156,8 +156,12 @@ TEST_F(RunsTest, Adjusts) {
   const RGBAdjustment rgb = {30, -20, 255};
   Check([&](const Places& at) { AdjustRun(at.to, at.from, at.n, rgb); },
         [&](auto& read, std::int32_t i, std::int32_t) { return LMX_Pixel::AdjustRGB(read(i), rgb); });
-  Check([](const Places& at) { NegateRun(at.to, at.from, at.n); },
+  Check([](const Places& at) { NegateRun(at.to, at.from, at.n, nullptr); },
         [](auto& read, std::int32_t i, std::int32_t) { return LMX_Pixel::Negative(read(i)); });
+  Check([&](const Places& at) { NegateRun(at.to, at.from, at.n, &hsv); },
+        [&](auto& read, std::int32_t i, std::int32_t) {
+          return LMX_Pixel::Negative(LMX_Pixel::AdjustHSV(read(i), hsv));
+        });
 }
 
 TEST_F(RunsTest, Blends) {
