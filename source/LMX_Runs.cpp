@@ -117,13 +117,11 @@ void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::i
   gRunKernels.copy[kWorkingForm][FormOf(picture)](part.address, Bytes(working + part.before), Size(part.count));
 }
 
-void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working) {
+void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t stored) {
   const Clipped part = Clip(picture, x, y, n);
-  std::uint8_t stored[4];
-  gRunKernels.copy[kWorkingForm][FormOf(picture)](stored, Bytes(&working), 1);
   // Pieces of rows share lines of the cache with what lies beside them.
   const RunKernels& kernels = part.count == picture.width ? KernelsFor(picture) : gRunKernels;
-  kernels.fill(part.address, stored, Size(part.count));
+  kernels.fill(part.address, Bytes(&stored), Size(part.count));
 }
 
 void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,

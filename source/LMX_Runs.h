@@ -27,8 +27,15 @@ void ReadRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::in
 /// Writes n pixels from column x of row y on.
 void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint32_t* working);
 
-/// Writes the same working pixel n times.
-void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t working);
+/// A working pixel as a picture stores it.
+inline std::uint32_t StoredPixel(const LMX_Picture& picture, std::uint32_t working) {
+  std::uint32_t stored = 0;
+  picture.WritePixel(reinterpret_cast<std::uint8_t*>(&stored), working);
+  return stored;
+}
+
+/// Writes the same stored pixel n times.
+void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t stored);
 
 /// A place in a picture.
 struct PixelPosition {
@@ -66,7 +73,8 @@ void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n)
 /// The same from right to left: the pixel at `to` becomes the last of the n pixels from `from` on.
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
 
-/// Copies with an adjustment, or as colour negatives. `to` may be the same place as `from`.
+/// Copies with an adjustment, or as colour negatives, of adjusted pixels unless `by` is nil. `to` may be the same place
+/// as `from`.
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by);
 void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment* by);

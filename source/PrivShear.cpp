@@ -20,7 +20,8 @@
 namespace {
 
 struct Frame {
-  explicit Frame(unsigned int color) : pixel(color ^ 0xFF000000) {}
+  Frame(unsigned int color, const LMX_Picture& result)
+      : pixel(color ^ 0xFF000000), stored(StoredPixel(result, pixel)) {}
 
   // What a pixel at the image's edge is blended with.
   std::uint32_t Beside(std::uint32_t imagePixel) const {
@@ -28,6 +29,7 @@ struct Frame {
   }
 
   std::uint32_t pixel;
+  std::uint32_t stored;  // as the result stores it
 };
 
 // Where the source's lines come to lie in the result.
@@ -100,7 +102,7 @@ std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame&
 
 void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
               const Line& line, const Frame& frame) {
-  FillRun(result, 0, y, line.begin, frame.pixel);
+  FillRun(result, 0, y, line.begin, frame.stored);
   const std::int32_t shown = line.end - line.begin;
   if (shown > 0) {
     std::uint32_t before;
@@ -112,16 +114,16 @@ void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Pictu
   if (line.fraction > 0 && x < result.width) {
     std::uint32_t last;
     ReadRun(source, line.first + shown - 1, sourceRow, 1, &last);
-    FillRun(result, x++, y, 1, EdgePixel(last, line.fraction, frame));
+    FillRun(result, x++, y, 1, StoredPixel(result, EdgePixel(last, line.fraction, frame)));
   }
-  FillRun(result, x, y, result.width - x, frame.pixel);
+  FillRun(result, x, y, result.width - x, frame.stored);
 }
 
 // ---------------------------------------------------------------------------------------------------------- columns
 
 void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t columns, const Frame& frame) {
   ColumnWalk walk(result, 0);
-  for (std::int32_t y = 0; y < result.height; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.pixel);
+  for (std::int32_t y = 0; y < result.height; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.stored);
 }
 
 // Neighbouring columns are turned into runs, kRows rows at a time, and blended along themselves. As they are displaced by
@@ -175,21 +177,13 @@ class ColumnRuns {
   std::uint32_t rings_[kColumns][kRowsKept + kApart];
 };
 
-// A working pixel as a picture stores it.
-std::uint32_t Stored(const LMX_Picture& picture, std::uint32_t working) {
-  std::uint32_t stored = 0;
-  picture.WritePixel(reinterpret_cast<std::uint8_t*>(&stored), working);
-  return stored;
-}
-
 // Rows y to y + n - 1 of one column of the result, as it stores them.
 void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Picture& result, std::int32_t column,
                 const Line& line, std::int32_t y, std::int32_t n, const Frame& frame, std::uint32_t* pixels) {
   const std::int32_t begin = std::clamp(line.begin, y, y + n);
   const std::int32_t end = std::clamp(line.end, y, y + n);
   const std::int32_t shift = line.first - line.begin;  // from rows of the result to rows of the source
-  const std::uint32_t frameStored = Stored(result, frame.pixel);
-  std::fill_n(pixels, begin - y, frameStored);
+  std::fill_n(pixels, begin - y, frame.stored);
   for (std::int32_t at = begin; at < end;) {
     const std::int32_t r = at + shift;
     const std::int32_t part = std::min(end - at, runs.UpToEnd(r));
@@ -200,9 +194,10 @@ void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Pic
                                                       static_cast<std::size_t>(part));
     at += part;
   }
-  std::fill(pixels + (end - y), pixels + n, frameStored);
+  std::fill(pixels + (end - y), pixels + n, frame.stored);
   if (line.fraction > 0 && line.end >= y && line.end < y + n) {
-    pixels[line.end - y] = Stored(result, EdgePixel(runs.PixelAt(column, line.end + shift - 1), line.fraction, frame));
+    pixels[line.end - y] =
+        StoredPixel(result, EdgePixel(runs.PixelAt(column, line.end + shift - 1), line.fraction, frame));
   }
 }
 
@@ -226,7 +221,7 @@ LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, std::int32_t sourceX,
 
   ColumnWalk walk(result, 0);
   const auto fillRows = [&](std::int32_t from, std::int32_t to) {
-    for (std::int32_t y = from; y < to; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.pixel);
+    for (std::int32_t y = from; y < to; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.stored);
   };
   fillRows(0, top);
   ColumnRuns runs(source, sourceX, columns, origin);
@@ -254,13 +249,13 @@ LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, std::int32_t sourceX,
 void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color,
                           long yield) {
   const Placement at = Place(source.width, source.height, result.width, result.height, shear);
-  const Frame frame(frame_color);
+  const Frame frame(frame_color, result);
   YieldPace pace(yield);
   std::int64_t offset = at.offset;
   for (std::int32_t y = 0; y < result.height; ++y) {
     pace.BeginLines(result.width, 1);
     if (y < at.begin || y >= at.end) {
-      FillRun(result, 0, y, result.width, frame.pixel);
+      FillRun(result, 0, y, result.width, frame.stored);
     } else {
       const Line line = LineAt(offset, source.width, result.width);
       ShearRow(source, at.firstLine + (y - at.begin), result, y, line, frame);
@@ -271,7 +266,7 @@ void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear
 
 void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield) {
   const Placement at = Place(source.height, source.width, result.height, result.width, shear);
-  const Frame frame(frame_color);
+  const Frame frame(frame_color, result);
   // Where rows are missing, each column has to be walked from its own first row.
   const std::int32_t widest = source.HasEveryRow() ? kColumns : 1;
   YieldPace pace(yield);

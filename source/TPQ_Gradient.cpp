@@ -34,7 +34,7 @@ void FillSection(const LMX_Picture& picture, std::int32_t top, std::int32_t bott
       return Blend(upper >> shift & 0xFF, upperWeight, lower >> shift & 0xFF, lowerWeight);
     };
     const std::uint32_t pixel = LMX_Pixel::Pack(channel(24), channel(16), channel(8), channel(0));
-    FillRun(picture, 0, y, picture.width, pixel);
+    FillRun(picture, 0, y, picture.width, StoredPixel(picture, pixel));
     pace.YieldIfDue();
     pace.Count(1, picture.width);
   }

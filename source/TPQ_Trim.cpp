@@ -48,7 +48,7 @@ REALpictureStruct* LMX_Trim(REALpictureStruct* p, long left, long top, long widt
   };
   const std::int32_t begin = inResult(-static_cast<std::int64_t>(left));
   const std::int32_t end = std::max(begin, inResult(static_cast<std::int64_t>(source.width) - left));
-  const std::uint32_t frame = static_cast<std::uint32_t>(frame_color) & 0xFFFFFF;
+  const std::uint32_t frame = StoredPixel(result, static_cast<std::uint32_t>(frame_color) & 0xFFFFFF);
   for (std::int32_t y = 0; y < result.height; ++y) {
     const std::int64_t sourceRow = static_cast<std::int64_t>(top) + y;
     if (sourceRow < 0 || sourceRow >= source.height) {

@@ -145,8 +145,9 @@ TEST_F(RunsTest, ReadsAndWrites) {
 }
 
 TEST_F(RunsTest, Fills) {
-  Check([](const Places& at) { FillRun(at.to.picture, at.to.x, at.to.y, at.n, 0x80FF4020); },
-        [](auto&, std::int32_t, std::int32_t) { return 0x80FF4020u; });
+  Check(
+      [](const Places& at) { FillRun(at.to.picture, at.to.x, at.to.y, at.n, StoredPixel(at.to.picture, 0x80FF4020)); },
+      [](auto&, std::int32_t, std::int32_t) { return 0x80FF4020u; });
 }
 
 TEST_F(RunsTest, Adjusts) {
