@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "HostCalls.h"
+#include "kernels/RunKernels.h"
 
 /// Of a function with tiles on its stack: they are not to become part of a frame that waits while the host has control,
 /// which may call again.
@@ -21,6 +22,7 @@ class YieldPace {
   void YieldIfDue() {
     if (yield_ <= 0 || counted_ < yield_) return;
     counted_ = 0;
+    FinishStreaming();  // the host, and threads that it wakes, may look at what is complete
     REALYieldToRB();
   }
 
