@@ -38,7 +38,7 @@ bool LMX_Picture::Lock() {
       bytesPerRow = static_cast<std::int32_t>(static_cast<std::uint32_t>(width) * 4);
       height = std::max(buffer->height, 0);
     }
-  } else {
+  } else if (description.pictureType == kPictureTypeBitmapContext) {
     const auto context = static_cast<CGContextRef>(description.pictureData);
     if (!context || !BitmapContextsAreKnown()) return false;
     width = std::max(static_cast<std::int32_t>(CGBitmapContextGetWidth(context)), 0);
@@ -51,6 +51,8 @@ bool LMX_Picture::Lock() {
       ForgetPixels();
       return false;
     }
+  } else {
+    return false;
   }
   locked = true;
   return true;

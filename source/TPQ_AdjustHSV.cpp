@@ -2,7 +2,7 @@
 // or in place. LMX_GetAverageHSV: hue, saturation and brightness of a rectangle.
 //
 // left, top, width, height  the selection, in pixels; its far ends are included (see Selection)
-// hue_degrees               -360 to 360, both excluded; a NaN blackens what has a hue
+// hue_degrees               -360 to 360, both excluded; a NaN blackens what keeps a saturation
 // saturation_factor,        0 to below 1000, cut to whole numbers: 0.9 acts as 0, 1.9 as 1. A NaN acts as 0
 //   brightness_factor
 // negative                  every pixel of the picture, selected or not, becomes its colour negative, fully transparent;
@@ -44,9 +44,9 @@ bool IsTrue(REALboolean boolean) {
   return static_cast<std::uint8_t>(boolean) != 0;
 }
 
-// A factor's whole part, in 1/1024; a NaN's wraps to 0.
+// A factor's whole part, in 1/1024; a NaN's wraps to 0. What a negative one would scale comes out as 0.
 std::int32_t Scale(double factor) {
-  return WrappedToInt(static_cast<std::int64_t>(TruncatedToInt(factor)) * 1024);
+  return std::max(WrappedToInt(static_cast<std::int64_t>(TruncatedToInt(factor)) * 1024), 0);
 }
 
 // Columns x0 to x1 - 1 of a row. `by` is nil where nothing is adjusted.

@@ -180,6 +180,23 @@ TEST_F(PictureTest, LocksContextsOfEveryDepth) {
   }
 }
 
+// No wrapper holds such a picture, unless somebody changes its description.
+TEST_F(PictureTest, DoesNotLockAnotherType) {
+  fake::Context context(3, 2);
+  fake::Buffer buffer(3, 2);
+  for (REALpictureStruct* const handle : {context.Handle(), buffer.Handle()}) {
+    for (const std::uint32_t type : {0u, 7u, 9u, 11u, 0xFFFFFFFFu}) {
+      LMX_Picture picture(handle);
+      picture.description.pictureType = type;
+      EXPECT_FALSE(picture.Lock());
+      EXPECT_FALSE(picture.locked);
+      EXPECT_EQ(picture.width, 0);
+      EXPECT_EQ(picture.data, nullptr);
+      EXPECT_EQ(picture.buffer, nullptr);
+    }
+  }
+}
+
 TEST_F(PictureTest, DoesNotLockANilContext) {
   REALpictureStruct handle = {"picture", 8, nullptr};
   {

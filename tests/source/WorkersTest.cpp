@@ -2,10 +2,14 @@
 // pass, and the sixteen names of the turns.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "FakeHost.h"
@@ -26,6 +30,12 @@ class WorkersTest : public testing::Test {
  protected:
   void SetUp() override { fake::StartPlugin(); }
 };
+
+// How often the host was called like that.
+std::ptrdiff_t Count(const std::string& call) {
+  const std::vector<std::string>& calls = fake::TheHost().calls;
+  return std::count(calls.begin(), calls.end(), call);
+}
 
 // Opaque pixels, each of another colour.
 std::uint32_t Numbered(std::int32_t x, std::int32_t y) {
@@ -324,18 +334,143 @@ TEST_F(WorkersTest, ShearsOfNothingAreAllFrame) {
   }
 }
 
-// The entry points never make a fifth quarter turn; none of the workers is one.
-TEST_F(WorkersTest, AFifthQuarterTurnPaintsNothing) {
+// The entry points turn by 0 to 3 quarters; no worker is for others, and only 1 and 3 exchange width and height.
+TEST_F(WorkersTest, OtherQuarterTurnsPaintNothing) {
   fake::Buffer sourceBuffer(W, H);
   Number(sourceBuffer, W, H);
-  fake::Buffer resultBuffer(W, H);
-  resultBuffer.SetWord(1, 1, 0x7F123456);
-  resultBuffer.picture.name = "new";
-  fake::TheHost().newPicture = resultBuffer.Handle();
   LMX_Picture source(sourceBuffer.Handle());
   ASSERT_TRUE(source.Lock());
-  EXPECT_EQ(PrivFlipRotate_NoMask_NonVector(source, false, false, 4, 0), resultBuffer.Handle());
-  EXPECT_EQ(resultBuffer.Word(1, 1), 0x7F123456u);
+  for (const int quarter : {4, 5, 7, -1, -3, INT_MAX, INT_MIN}) {
+    SCOPED_TRACE(quarter);
+    fake::Buffer resultBuffer(W, H);
+    resultBuffer.SetWord(1, 1, 0x7F123456);
+    resultBuffer.picture.name = "new";
+    fake::TheHost().newPicture = resultBuffer.Handle();
+    fake::TheHost().calls.clear();
+    EXPECT_EQ(PrivFlipRotate_NoMask_NonVector(source, false, false, quarter, 1), resultBuffer.Handle());
+    EXPECT_EQ(resultBuffer.Word(1, 1), 0x7F123456u);
+    EXPECT_EQ(Count("Constructor(new, 3, 2)"), 1);
+    EXPECT_EQ(Count("REALYieldToRB()"), 0);
+  }
+}
+
+TEST_F(WorkersTest, FlagsAreExactlyFalseOrTrue) {
+  fake::Buffer sourceBuffer(W, H);
+  Number(sourceBuffer, W, H);
+  for (int quarter = 0; quarter < 4; ++quarter) {
+    for (const auto& [flipH, flipV] : {std::pair(2, 0), std::pair(0, 2), std::pair(1, 255), std::pair(128, 1)}) {
+      fake::Buffer resultBuffer(quarter % 2 == 0 ? W : H, quarter % 2 == 0 ? H : W);
+      resultBuffer.SetWord(1, 1, 0x7F123456);
+      fake::TheHost().newPicture = resultBuffer.Handle();
+      EXPECT_EQ(PrivFlipRotate_NonVector(sourceBuffer.Handle(), static_cast<std::uint8_t>(flipH),
+                                         static_cast<std::uint8_t>(flipV), quarter, 1),
+                resultBuffer.Handle());
+      EXPECT_EQ(resultBuffer.Word(1, 1), 0x7F123456u);
+    }
+  }
+}
+
+// -------------------------------------------------------------------------------------------------------- adjustments
+
+// Every word of a row of opaque red after an adjustment in place; rows are long enough for any kernel.
+std::uint32_t AdjustedRed(double hue, double saturation, double brightness) {
+  constexpr std::int32_t kWidth = 70;
+  fake::Buffer buffer(kWidth, 1);
+  for (std::int32_t x = 0; x < kWidth; ++x) buffer.SetWord(x, 0, 0x00FF0000);
+  LMX_Picture picture(buffer.Handle());
+  EXPECT_TRUE(picture.Lock());
+  PrivAdjustHSV(picture, picture, 0, 0, kWidth, 1, hue, saturation, brightness, false, 0);
+  for (std::int32_t x = 1; x < kWidth; ++x) EXPECT_EQ(buffer.Word(x, 0), buffer.Word(0, 0)) << x;
+  return buffer.Word(0, 0);
+}
+
+// The entry points refuse negative factors. Here a product below 0 counts as 0.
+TEST_F(WorkersTest, NegativeFactorsActAsZero) {
+  for (const double factor : {-1.0, -1.9, -2.0, -64.0, -999.0, -1000.0, -32768.0, -65537.0, -2000000.0}) {
+    SCOPED_TRACE(factor);
+    EXPECT_EQ(AdjustedRed(0, factor, 1), 0x00FFFFFFu);
+    EXPECT_EQ(AdjustedRed(0, 1, factor), 0x00000000u);
+    EXPECT_EQ(AdjustedRed(0, factor, factor), 0x00000000u);
+  }
+}
+
+// The entry points refuse a turn and more. A hue wraps once; what is still outside the sectors is black, and the first
+// sector goes on below 0.
+TEST_F(WorkersTest, HuesWrapOnce) {
+  EXPECT_EQ(AdjustedRed(-360, 1, 1), 0x00FF0000u);
+  EXPECT_EQ(AdjustedRed(360, 1, 1), 0x00FF0000u);
+  // floor(-365 x 1024 / 60) = -6230, with a turn -86: t = (1048576 - 1110 x 1023) x 255 / 1048576 = -21.1, 0xFF...EB
+  EXPECT_EQ(AdjustedRed(-365, 1, 1), 0x00FFEB00u);
+  EXPECT_EQ(AdjustedRed(-500, 1, 1), 0x00000000u);
+  EXPECT_EQ(AdjustedRed(800, 1, 1), 0x00000000u);
+}
+
+// Kernels that note which pixels they write before they do their work.
+class WriteNotes {
+ public:
+  WriteNotes() : kernels_(gRunKernels) {
+    current_ = this;
+    gRunKernels.adjustHSV[kBufferForm][kBufferForm] = [](auto* to, auto* from, auto* by, std::size_t n) {
+      current_->Note(to, n);
+      current_->kernels_.adjustHSV[kBufferForm][kBufferForm](to, from, by, n);
+    };
+    gRunKernels.negative[kBufferForm][kBufferForm] = [](auto* to, auto* from, std::size_t n) {
+      current_->Note(to, n);
+      current_->kernels_.negative[kBufferForm][kBufferForm](to, from, n);
+    };
+    gRunKernels.copy[kWorkingForm][kBufferForm] = [](auto* to, auto* from, std::size_t n) {
+      current_->conversions += static_cast<int>(n);
+      current_->kernels_.copy[kWorkingForm][kBufferForm](to, from, n);
+    };
+  }
+  ~WriteNotes() { gRunKernels = kernels_; }
+  WriteNotes(const WriteNotes&) = delete;
+  WriteNotes& operator=(const WriteNotes&) = delete;
+
+  int Writes(const std::uint8_t* pixel) const {
+    const auto found = writes_.find(pixel);
+    return found == writes_.end() ? 0 : found->second;
+  }
+
+  int conversions = 0;  ///< of working pixels into stored ones
+
+ private:
+  void Note(const std::uint8_t* to, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) ++writes_[to + 4 * i];
+  }
+
+  static WriteNotes* current_;
+  const RunKernels kernels_;
+  std::map<const std::uint8_t*, int> writes_;
+};
+WriteNotes* WriteNotes::current_ = nullptr;
+
+TEST_F(WorkersTest, NegativesWriteEveryPixelOnce) {
+  constexpr std::int32_t kWidth = 1100, kHeight = 3;  // more than two pieces
+  fake::Buffer sourceBuffer(kWidth, kHeight), resultBuffer(kWidth, kHeight);
+  LMX_Picture source(sourceBuffer.Handle()), result(resultBuffer.Handle());
+  ASSERT_TRUE(source.Lock() && result.Lock());
+  for (const bool inPlace : {false, true}) {
+    const WriteNotes notes;
+    PrivAdjustHSV(source, inPlace ? source : result, 5, 1, 1080, 0, 60, 1, 1, true, 0);
+    fake::Buffer& written = inPlace ? sourceBuffer : resultBuffer;
+    for (std::int32_t y = 0; y < kHeight; ++y) {
+      for (std::int32_t x = 0; x < kWidth; ++x) ASSERT_EQ(notes.Writes(written.Row(y) + 4 * x), 1) << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(WorkersTest, ShearsConvertTheFrameOnce) {
+  fake::Buffer sourceBuffer(W, H), resultBuffer(20, 20);
+  LMX_Picture source(sourceBuffer.Handle()), result(resultBuffer.Handle());
+  ASSERT_TRUE(source.Lock() && result.Lock());
+  for (const auto worker : {Priv_ShearHorizontal, Priv_ShearVertical}) {
+    const WriteNotes notes;
+    worker(source, result, 0, 0x00123456, 0);
+    EXPECT_LE(notes.conversions, 1);
+    EXPECT_EQ(resultBuffer.Word(0, 0), 0x00123456u);
+    EXPECT_EQ(resultBuffer.Word(19, 19), 0x00123456u);
+  }
 }
 
 }  // namespace
