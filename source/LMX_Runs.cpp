@@ -208,7 +208,7 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
   }
   // By way of stored pixels of the buffer form, which keep all of the colours: a negative takes nothing else.
   const auto adjust = gRunKernels.adjustHSV[FormOf(from.picture)][kBufferForm];
-  const auto negate = KernelsBetween(from, to).negative[kBufferForm][FormOf(to.picture)];
+  const auto negate = gRunKernels.negative[kBufferForm][FormOf(to.picture)];
   Transform(to, from, n, [&](std::uint8_t* out, const std::uint8_t* in, std::size_t count, std::int32_t) {
     std::uint32_t adjusted[kChunk];
     for (std::size_t i = 0; i < count; i += kChunk) {
