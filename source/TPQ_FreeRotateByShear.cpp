@@ -14,6 +14,7 @@
 
 #include "LMX_Convert.h"
 #include "LMX_Picture.h"
+#include "LMX_Trigonometry.h"
 #include "PrivFlipRotate.h"
 #include "PrivShear.h"
 #include "TPQ_Errors.h"
@@ -54,12 +55,12 @@ Size BoundingBox(const Size& size, double theta, double degrees) {
   const double width = size.width;
   const double height = size.height;
   const double diagonal = 2 * std::sqrt((height * height + width * width) * 0.25);
-  const double a = std::atan(height / width);
+  const double a = ArcTangent(height / width);
   const double a1 = Normalised(theta + a);
   const double a2 = Normalised((kPi - a) + theta);
   const double a3 = Normalised(theta - a);
-  const double sine = std::sin(degrees > 0 ? a1 : a2);
-  const double cosine = std::cos(degrees > 0 ? a3 : a1);
+  const double sine = Sine(degrees > 0 ? a1 : a2);
+  const double cosine = Cosine(degrees > 0 ? a3 : a1);
   return {TruncatedToInt(std::ceil(diagonal * cosine)), TruncatedToInt(std::ceil(sine * diagonal))};
 }
 
@@ -75,8 +76,8 @@ bool PlanRotation(const Size& source, double rotation, Rotation* plan) {
   const int quarters = TruncatedToInt(std::floor((rotation + 45.0) / 90.0));
   const double degrees = rotation - quarters * 90;
   const double theta = degrees * kPi / 180.0;
-  const double tangent = std::tan(theta * -0.5);
-  const double sine = std::sin(-theta);
+  const double tangent = Tangent(theta * -0.5);
+  const double sine = Sine(-theta);
   plan->quarter = quarters % 4;
   plan->alongRows = -tangent;
   plan->alongColumns = sine;

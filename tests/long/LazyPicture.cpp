@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "support/Definition.h"
+#include "support/ReferenceFunctions.h"
 
 namespace lazy {
 namespace {
@@ -124,8 +125,8 @@ Picture ShearedVertically(const Picture& source, int width, int height, double s
 Picture Rotated(const Picture& source, double degrees, int width, int height) {
   constexpr std::uint32_t kClear = 0xFF000000;
   const double theta = degrees * 3.14159 / 180.0;
-  const double tangent = std::tan(theta * -0.5);
-  const double sine = std::sin(-theta);
+  const double tangent = reference::Tangent(theta * -0.5);
+  const double sine = reference::Sine(-theta);
   const auto length = [](int size, int lines, double step) {
     return static_cast<int>((std::int64_t{size} * 65536 + 65535 + std::abs(static_cast<std::int64_t>(step)) * lines) /
                             65536);

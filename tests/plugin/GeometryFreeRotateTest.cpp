@@ -65,6 +65,40 @@ TEST_P(GeometryFreeRotate, ThePiOfTheSizeIsALittleShort) {
   ExpectSize(1e-7, 10, 5);
 }
 
+TEST_P(GeometryFreeRotate, SizesThatTheLastBitDecides) {
+  // Each of them is another size by the functions of some C library, which err in the last bit.
+  const struct {
+    double degrees;
+    int width, height, resultWidth, resultHeight;
+  } kTurns[] = {{1e-300, 5, 67, 5, 67},
+                {5e-324, 5, 67, 5, 67},
+                {5e-324, 62, 9, 62, 9},
+                {5e-324, 67, 23, 67, 24},
+                {5e-324, 76, 17, 76, 17},
+                {5e-324, 127, 17, 127, 17},
+                {5e-324, 50, 47, 50, 48},
+                {5e-324, 130, 19, 130, 20},
+                {1e-323, 63, 110, 63, 110},
+                {1e-323, 100, 94, 100, 95},
+                {1.5e-323, 75, 52, 75, 52},
+                {1.3449746190494519e-284, 76, 17, 76, 17},
+                {4.8407398935616478e-122, 62, 9, 62, 9},
+                {89.999999999999957, 21, 109, 110, 22},
+                {89.999999999999986, 35, 82, 82, 36},
+                {89.999999999999986, 36, 111, 111, 37},
+                {89.999999999999986, 79, 90, 91, 80},
+                {89.999999999999986, 83, 73, 74, 84},
+                {std::nextafter(90.0, 360.0), 114, 35, 35, 115},
+                {std::nextafter(90.0, 360.0), 65, 48, 48, 65},
+                {std::nextafter(90.0, 360.0), 130, 96, 96, 130}};
+  for (const auto& turn : kTurns) {
+    const Called called = Rotate(Numbered(turn.width, turn.height), turn.degrees);
+    ASSERT_FALSE(called.result.IsNil());
+    EXPECT_EQ(std::pair(called.result.Width(), called.result.Height()), std::pair(turn.resultWidth, turn.resultHeight))
+        << turn.width << " x " << turn.height << " at " << turn.degrees;
+  }
+}
+
 TEST_P(GeometryFreeRotate, PositiveAnglesTurnClockwise) {
   Words halves;
   for (int i = 0; i < 31 * 31; ++i) halves.push_back(i % 31 < 15 ? 0xFFFF0000 : 0xFF0000FF);

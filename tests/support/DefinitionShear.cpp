@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "DefinitionParts.h"
+#include "ReferenceFunctions.h"
 
 namespace definition {
 namespace {
@@ -175,13 +176,15 @@ Size TurnedSize(Size size, double d, double theta) {
   if (d == 0) return size;
   const double h = size.height;
   const double w = size.width;
-  const double a = std::atan(h / w);
+  const double a = reference::ArcTangent(h / w);
   const double A1 = Normalised(theta + a);
   const double A2 = Normalised((3.14159 - a) + theta);
   const double A3 = Normalised(theta - a);
   const double R = std::sqrt((h * h + w * w) * 0.25);
-  if (d > 0) return {IntegerPart(std::ceil(2 * R * std::cos(A3))), IntegerPart(std::ceil(std::sin(A1) * (2 * R)))};
-  return {IntegerPart(std::ceil(2 * R * std::cos(A1))), IntegerPart(std::ceil(std::sin(A2) * (2 * R)))};
+  if (d > 0)
+    return {IntegerPart(std::ceil(2 * R * reference::Cosine(A3))),
+            IntegerPart(std::ceil(reference::Sine(A1) * (2 * R)))};
+  return {IntegerPart(std::ceil(2 * R * reference::Cosine(A1))), IntegerPart(std::ceil(reference::Sine(A2) * (2 * R)))};
 }
 
 // The length of the lines of a sheared picture, or nothing where a 32-bit integer cannot hold what it is made from.
@@ -219,8 +222,8 @@ Outcome FreeRotateByShear(const StoredPicture* source, double rotation, std::uin
   const bool swapped = quarter == 1 || quarter == 3;
   const Size size = {swapped ? source->height : source->width, swapped ? source->width : source->height};
   const double theta = d * 3.14159 / 180.0;
-  const double t = std::tan(theta * -0.5);
-  const double u = std::sin(-theta);
+  const double t = reference::Tangent(theta * -0.5);
+  const double u = reference::Sine(-theta);
   const std::optional<int> w2 = ShearedLength(size.width, size.height, -t);
   const std::optional<int> h3 = w2 ? ShearedLength(size.height, *w2, u) : std::nullopt;
   if (!h3) return outcome;  // before any picture is made

@@ -1,0 +1,184 @@
+// Numbers are pairs of doubles: an unevaluated sum of `high`, which is that sum rounded to nearest,
+// and `low`. Their arithmetic needs nothing but sums, products and quotients of doubles, each
+// rounded to nearest and none fused with another:
+//
+//   T. J. Dekker, "A Floating-Point Technique for Extending the Available Precision", 1971
+//   (Product, QuickSum)
+//   D. E. Knuth, "The Art of Computer Programming", volume 2, section 4.2.2 (Sum)
+//   M. Joldes, J.-M. Muller, V. Popescu, "Tight and Rigorous Error Bounds for Basic Building Blocks
+//   of Double-Word Arithmetic", 2017 (the operations on pairs and their bounds)
+//
+// The bound. Relative to its result, a sum of pairs errs by less than 4 units of 2^-106, a product
+// by less than 8, a quotient by less than 16. The functions add up to this, in the same units:
+//
+//   angle less its quarters  9: two sums, and 1 for what is left out of pi/2 (see Reduced)
+//   sine, cosine of it       32: in a term 1 - q * rest, q errs by 2 * 9 + 8 + 16, and its product
+//                            with the rest by 8 more. For the outermost term that counts 0.45 times
+//                            at most, for the others 0.06 times, and each has 4 for its sum. The
+//                            sine's series is multiplied by the angle. Both series are cut off at
+//                            2^-118.
+//   tangent                  80: 32 + 32, and 16 for the quotient
+//   arc tangent              140: of what the guess lacks, q * cos - sin errs by (16 + 32 + 8) q
+//                            and 32 * 1.06 q, all the rest by less than 10 q, as it is below 0.06 q
+//                            itself; and q is at most 1.28 times the result. The last sums have 9.
+//
+// So every result errs by less than 256 * 2^-106 = 2^-98 of it before it is rounded to a double,
+// which is less than 2^-45 of that double's last place. It is rounded wrongly only if the true
+// value is as close as that to the middle between two doubles, which can be expected of one argument in
+// 2^44.
+#include "LMX_Trigonometry.h"
+
+#include <cmath>
+
+namespace {
+
+struct Pair {
+  double high;
+  double low;
+};
+
+// ---------------------------------------------------------------------------------- pairs, exactly
+
+// a + b.
+Pair Sum(double a, double b) {
+  const double high = a + b;
+  const double fromB = high - a;
+  return {high, (a - (high - fromB)) + (b - fromB)};
+}
+
+// a + b, where a is 0 or not the smaller one.
+Pair QuickSum(double a, double b) {
+  const double high = a + b;
+  return {high, b - (high - a)};
+}
+
+// The upper half of the digits, so that products of halves are exact.
+double UpperHalf(double a) {
+  const double scaled = a * 134217729.0;  // 2^27 + 1
+  return scaled - (scaled - a);
+}
+
+// a * b, unless the product is below 2^-960 or so.
+Pair Product(double a, double b) {
+  const double high = a * b;
+  const double upperA = UpperHalf(a), lowerA = a - upperA;
+  const double upperB = UpperHalf(b), lowerB = b - upperB;
+  return {high, ((upperA * upperB - high) + upperA * lowerB + lowerA * upperB) + lowerA * lowerB};
+}
+
+// --------------------------------------------------------------------------- pairs, nearly exactly
+
+Pair operator-(const Pair& a) {
+  return {-a.high, -a.low};
+}
+
+Pair operator+(const Pair& a, const Pair& b) {
+  const Pair high = Sum(a.high, b.high);
+  const Pair low = Sum(a.low, b.low);
+  const Pair sum = QuickSum(high.high, high.low + low.high);
+  return QuickSum(sum.high, low.low + sum.low);
+}
+
+Pair operator-(const Pair& a, const Pair& b) {
+  return a + -b;
+}
+
+Pair operator*(const Pair& a, const Pair& b) {
+  const Pair high = Product(a.high, b.high);
+  return QuickSum(high.high, high.low + (a.high * b.low + a.low * b.high));
+}
+
+Pair operator/(const Pair& a, const Pair& b) {
+  const double quotient = a.high / b.high;
+  const Pair rest = a - b * Pair{quotient, 0};
+  return QuickSum(quotient, rest.high / b.high);
+}
+
+Pair operator/(const Pair& a, double b) {
+  const double quotient = a.high / b;
+  const Pair product = Product(quotient, b);
+  return QuickSum(quotient, ((a.high - product.high) + (a.low - product.low)) / b);
+}
+
+constexpr Pair kOne = {1, 0};
+
+// --------------------------------------------------------------------------------------- functions
+
+// pi/2 is the sum of these and less than 2^-159. Each has 51 digits; three times it is exact.
+constexpr double kQuarter[] = {0x1.921fb54442d18p+0, 0x1.1a62633145c08p-54, -0x1.1f1976b7ed8fcp-106};
+
+struct Angle {
+  int quarter;
+  Pair rest;  // at most pi/4, and a little, to either side
+};
+
+// No double up to 6.3 is closer to a multiple of pi/2 than 2^-53.9; what is left out, at most
+// 4 * 2^-159.8, is 2^-106 of that.
+Angle Reduced(double radians) {
+  const double quarter = std::floor(radians * 0.6366197723675814 + 0.5);  // 2/pi
+  Pair rest = Sum(radians, -quarter * kQuarter[0]);
+  for (int i = 1; i < 3; ++i) rest = rest - Pair{quarter * kQuarter[i], 0};
+  return {static_cast<int>(quarter), rest};
+}
+
+// With n = first, x up to pi/4: 1 - x^2 / (n (n + 1)) * (1 - x^2 / ((n + 2) (n + 3)) * (1 - ...)).
+Pair Series(const Pair& x, int first) {
+  constexpr int kTerms = 15;
+  const Pair square = x * x;
+  Pair sum = kOne;
+  for (int n = first + 2 * (kTerms - 1); n >= first; n -= 2) {
+    sum = kOne - square / (n * (n + 1)) * sum;
+  }
+  return sum;
+}
+
+Pair SineOf(const Pair& x) {
+  return x * Series(x, 2);
+}
+
+Pair CosineOf(const Pair& x) {
+  return Series(x, 1);
+}
+
+// The sine of an angle and some quarters.
+double SineOf(const Angle& angle) {
+  const Pair sine = (angle.quarter & 1) == 0 ? SineOf(angle.rest) : CosineOf(angle.rest);
+  return (angle.quarter & 2) == 0 ? sine.high : -sine.high;
+}
+
+// Sine and tangent of less differ from the angle by less than a quarter of its last place, x^3 / 3.
+constexpr double kTiny = 0x1p-27;
+
+}  // namespace
+
+double Sine(double radians) {
+  return std::fabs(radians) < kTiny ? radians : SineOf(Reduced(radians));
+}
+
+double Cosine(double radians) {
+  Angle angle = Reduced(radians);
+  ++angle.quarter;
+  return SineOf(angle);
+}
+
+double Tangent(double radians) {
+  if (std::fabs(radians) < kTiny) return radians;
+  const Pair x = {radians, 0};
+  return (SineOf(x) / CosineOf(x)).high;
+}
+
+double ArcTangent(double quotient) {
+  const bool steep = quotient > 1;
+  const Pair q = steep ? kOne / Pair{quotient, 0} : Pair{quotient, 0};
+  // A guess that is right to 0.004. The difference to it is the arc tangent of `tangent`, by its
+  // series up to the 15th power.
+  const Pair guess = {q.high * (1.0584 - 0.273 * q.high), 0};
+  const Pair sine = SineOf(guess), cosine = CosineOf(guess);
+  const Pair tangent = (q * cosine - sine) / (cosine + q * sine);
+  const Pair square = tangent * tangent;
+  Pair sum = kOne / 15;
+  for (int n = 13; n > 0; n -= 2) sum = kOne / n - square * sum;
+  const Pair angle = guess + tangent * sum;
+  if (!steep) return angle.high;
+  return (Pair{kQuarter[0], kQuarter[1]} - angle).high;
+}
