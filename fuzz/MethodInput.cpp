@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "Archive.h"
+#include "support/Cases.h"
 #include "support/Pictures.h"
 
 namespace fuzz {
@@ -167,6 +168,7 @@ std::int32_t Integer(const ArgumentInput& argument, const StoredPicture* source)
 }
 
 double Double(const ArgumentInput& argument) {
+  if (argument.kind == kAwkwardAngle) return support::AwkwardAngle(argument.bits);
   double number = 0;
   switch (argument.kind % 4) {
     case 0:

@@ -35,6 +35,9 @@ struct SourceInput {
   std::uint8_t content = 0;   ///< 0: the words that the input ends with; else the seed of random ones
 };
 
+/// Of a double, the kind that is an angle at which the last bit of a sine decides a size.
+constexpr std::uint8_t kAwkwardAngle = 240;
+
 /// A number from few bytes: what it means depends on the type and on `kind`, see Arguments.
 struct ArgumentInput {
   std::uint8_t kind = 0;

@@ -96,6 +96,7 @@ ArgumentInput RandomArgument(Random& random, char type) {
   } else if (type == 'd') {
     argument.kind = static_cast<std::uint8_t>(random.Below(2));
     argument.bits = random.Below(OneIn(random, 4) ? 65536 : 20000);
+    if (OneIn(random, 8)) argument = {kAwkwardAngle, random.Next()};
   } else if (type == 'c' && OneIn(random, 2)) {
     argument.bits &= 0xFFFFFF;
   }

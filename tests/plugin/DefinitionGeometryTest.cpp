@@ -12,6 +12,7 @@ using definition::StoredPicture;
 using host::Colour;
 using support::AnyDouble;
 using support::AnyInteger;
+using support::AwkwardAngle;
 using support::ForEachCase;
 using support::Fraction;
 using support::MethodCall;
@@ -88,6 +89,7 @@ TEST_F(DefinitionGeometry, ShearVertical) {
 
 double RandomAngle(Random& random) {
   if (OneIn(random, 10)) return AnyDouble(random);
+  if (OneIn(random, 4)) return AwkwardAngle(random.Next());
   const double eighth = random.Between(0, 8) * 45.0;
   if (OneIn(random, 4)) return eighth;
   if (OneIn(random, 8)) return std::nextafter(eighth, OneIn(random, 2) ? 0.0 : 360.0);

@@ -84,6 +84,25 @@ std::uint8_t AnyBooleanByte(Random& random) {
   return OneIn(random, 2) ? random.OneOf(kAwkward) : static_cast<std::uint8_t>(random.Below(256));
 }
 
+double AwkwardAngle(std::uint64_t bits) {
+  const auto number = static_cast<std::uint32_t>(bits >> 2);
+  double angle = 0;
+  switch (bits % 4) {
+    case 0:
+      angle = number % 5 * 90.0;
+      for (std::uint32_t steps = number / 5 % 5; steps > 0; --steps) {
+        angle = std::nextafter(angle, number % 2 == 0 ? 0.0 : 360.0);
+      }
+      return angle;
+    case 1:
+      return std::ldexp(1.0, -static_cast<int>(number % 1075));
+    case 2:
+      return number % (360 * 1024) / 1024.0;
+    default:
+      return number % 3600 / 10.0;
+  }
+}
+
 double Fraction(Random& random) {
   return static_cast<double>(random.Next() >> 11) / 9007199254740992.0;
 }

@@ -22,6 +22,10 @@ std::int32_t AnyInteger(Random& random);
 double AnyDouble(Random& random);
 /// Any byte where a boolean should be, 0 and 1 more often.
 std::uint8_t AnyBooleanByte(Random& random);
+/// Degrees at which the last bit of a sine is the likeliest to decide the size of a rotated
+/// picture: next to a quarter, and powers of 2 down to the least double; also multiples of 1/1024
+/// and of a tenth.
+double AwkwardAngle(std::uint64_t bits);
 /// A fraction of 1.
 double Fraction(Random& random);
 /// True once in n times.
