@@ -141,33 +141,16 @@ Pair CosineOf(const Pair& x) {
 }
 
 // The sine of an angle and some quarters.
-double SineOf(const Angle& angle) {
+Pair SineOf(const Angle& angle) {
   const Pair sine = (angle.quarter & 1) == 0 ? SineOf(angle.rest) : CosineOf(angle.rest);
-  return (angle.quarter & 2) == 0 ? sine.high : -sine.high;
+  return (angle.quarter & 2) == 0 ? sine : -sine;
 }
 
-// Sine and tangent of less differ from the angle by less than a quarter of its last place, x^3 / 3.
-constexpr double kTiny = 0x1p-27;
-
-}  // namespace
-
-double Sine(double radians) {
-  return std::fabs(radians) < kTiny ? radians : SineOf(Reduced(radians));
+Pair TangentOf(const Pair& x) {
+  return SineOf(x) / CosineOf(x);
 }
 
-double Cosine(double radians) {
-  Angle angle = Reduced(radians);
-  ++angle.quarter;
-  return SineOf(angle);
-}
-
-double Tangent(double radians) {
-  if (std::fabs(radians) < kTiny) return radians;
-  const Pair x = {radians, 0};
-  return (SineOf(x) / CosineOf(x)).high;
-}
-
-double ArcTangent(double quotient) {
+Pair ArcTangentOf(double quotient) {
   const bool steep = quotient > 1;
   const Pair q = steep ? kOne / Pair{quotient, 0} : Pair{quotient, 0};
   // A guess that is right to 0.004. The difference to it is the arc tangent of `tangent`, by its
@@ -179,6 +162,28 @@ double ArcTangent(double quotient) {
   Pair sum = kOne / 15;
   for (int n = 13; n > 0; n -= 2) sum = kOne / n - square * sum;
   const Pair angle = guess + tangent * sum;
-  if (!steep) return angle.high;
-  return (Pair{kQuarter[0], kQuarter[1]} - angle).high;
+  return steep ? Pair{kQuarter[0], kQuarter[1]} - angle : angle;
+}
+
+// Sine and tangent of less differ from the angle by less than a quarter of its last place, x^3 / 3.
+constexpr double kTiny = 0x1p-27;
+
+}  // namespace
+
+double Sine(double radians) {
+  return std::fabs(radians) < kTiny ? radians : SineOf(Reduced(radians)).high;
+}
+
+double Cosine(double radians) {
+  Angle angle = Reduced(radians);
+  ++angle.quarter;
+  return SineOf(angle).high;
+}
+
+double Tangent(double radians) {
+  return std::fabs(radians) < kTiny ? radians : TangentOf({radians, 0}).high;
+}
+
+double ArcTangent(double quotient) {
+  return ArcTangentOf(quotient).high;
 }

@@ -12,6 +12,11 @@
 #include "support/Random.h"
 #include "support/ReferenceFunctions.h"
 
+// Once more, for its pairs before they are rounded.
+namespace unrounded {
+#include "../../source/LMX_Trigonometry.cpp"
+}
+
 namespace {
 
 using support::ForEachCase;
@@ -143,6 +148,27 @@ TEST(Trigonometry, TheArgumentsOfRotations) {
       CompareSine(Normalised(angle));
       CompareCosine(Normalised(angle));
     }
+  });
+}
+
+// The bound that LMX_Trigonometry.cpp derives. Results show only errors above 2^-70, since few values are
+// that close to the middle between two doubles.
+TEST(Trigonometry, ErrorsBeforeRounding) {
+  using namespace unrounded;
+  static constexpr double kBound = 0x1p-98;
+  ForEachCase(5000, [](Random& random) {
+    const double sine = (kHighestAngle + 0.8) * Fraction(random) - 0.8;
+    Pair pair = SineOf(Reduced(sine));
+    EXPECT_LT(std::fabs(reference::SineError(sine, pair.high, pair.low)), kBound) << sine;
+    const double cosine = 0.7854 * Fraction(random);
+    pair = CosineOf(Reduced(cosine).rest);
+    EXPECT_LT(std::fabs(reference::CosineError(cosine, pair.high, pair.low)), kBound) << cosine;
+    const double tangent = 0.8 * Fraction(random) - 0.4;
+    pair = TangentOf({tangent, 0});
+    EXPECT_LT(std::fabs(reference::TangentError(tangent, pair.high, pair.low)), kBound) << tangent;
+    const double quotient = std::ldexp(1 + Fraction(random), random.Between(-31, 30));
+    pair = ArcTangentOf(quotient);
+    EXPECT_LT(std::fabs(reference::ArcTangentError(quotient, pair.high, pair.low)), kBound) << quotient;
   });
 }
 

@@ -10,4 +10,10 @@ double Cosine(double radians);
 double Tangent(double radians);
 double ArcTangent(double quotient);
 
+/// How far high + low is from the true value, relative to it; right to 2^-111.
+double SineError(double radians, double high, double low);
+double CosineError(double radians, double high, double low);
+double TangentError(double radians, double high, double low);
+double ArcTangentError(double quotient, double high, double low);
+
 }  // namespace reference
