@@ -83,7 +83,7 @@ double Normalised(double angle) {
   return angle;
 }
 
-TEST(Trigonometry, EveryMultipleOfAnAngleOfScreens) {
+TEST(Trigonometry, MultiplesOf1024thsAndTenthsOfADegree) {
   for (int i = -45 * 1024; i <= 45 * 1024; ++i) CompareDegrees(i / 1024.0);
   for (int i = -450; i <= 450; ++i) CompareDegrees(i / 10.0);
 }
