@@ -39,7 +39,9 @@ PROGRAMS = {
     "sanitized": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("tests/source/source_tests",)],
     "emulated": [("tests/kernels/kernel_tests", "--gtest_filter=*emulated*:All*")],
 }
-LEVELS = ("plain", "sse2", "avx2")
+# Those below the highest, which is the plug-in's own.
+LEVEL_HEADER = pathlib.Path(__file__).parent.parent / "source/kernels/KernelLevel.h"
+LEVELS = re.search(r"^enum class KernelLevel { (.*) };$", LEVEL_HEADER.read_text(), re.M).group(1).split(", ")[:-1]
 
 # Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is needed by their tests, in
 # which every operand lies between inaccessible pages.

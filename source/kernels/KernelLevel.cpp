@@ -1,7 +1,7 @@
 #include "KernelLevel.h"
 
 #ifndef LMX_HIGHEST_LEVEL
-#define LMX_HIGHEST_LEVEL KernelLevel::avx512
+#define LMX_HIGHEST_LEVEL kLastLevel
 #endif
 
 const KernelLevel kHighestLevel = LMX_HIGHEST_LEVEL;

@@ -1,24 +1,43 @@
-// The choice of the kernels.
+// The levels of the kernels, and the choice among them.
 #include "RunKernels.h"
-
-#include "KernelLevel.h"
 
 RunKernels gRunKernels;
 RunKernels gStreamingKernels;
 
-void SelectRunKernels() {
-  FillPlain(&gRunKernels);
-  FillPlain(&gStreamingKernels);
+namespace {
+
+bool RunsEverywhere() {
+  return true;
+}
 #ifdef LMX_X86
-  const auto use = [](void (*fill)(RunKernels*), void (*stream)(RunKernels*)) {
-    fill(&gRunKernels);
-    fill(&gStreamingKernels);
-    stream(&gStreamingKernels);
-  };
-  __builtin_cpu_init();
-  if (kHighestLevel >= KernelLevel::sse2) use(FillSse2, StreamSse2);
-  if (kHighestLevel >= KernelLevel::avx2 && __builtin_cpu_supports("avx2")) use(FillAvx2, StreamAvx2);
-  const bool hasAvx512 = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
-  if (kHighestLevel >= KernelLevel::avx512 && hasAvx512) use(FillAvx512, StreamAvx512);
+bool HasAvx2() {
+  return __builtin_cpu_supports("avx2") != 0;
+}
+bool HasAvx512() {
+  return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
+}
 #endif
+
+}  // namespace
+
+const LevelKernels kLevelKernels[kKernelLevels] = {
+    {"plain", FillPlain, nullptr, RunsEverywhere},
+#ifdef LMX_X86
+    {"sse2", FillSse2, StreamSse2, RunsEverywhere},
+    {"avx2", FillAvx2, StreamAvx2, HasAvx2},
+    {"avx512", FillAvx512, StreamAvx512, HasAvx512},
+#endif
+};
+
+void SelectRunKernels() {
+#ifdef LMX_X86
+  __builtin_cpu_init();
+#endif
+  for (int i = 0; i <= static_cast<int>(kHighestLevel); ++i) {
+    const LevelKernels& level = kLevelKernels[i];
+    if (level.name == nullptr || !level.runsHere()) continue;
+    level.fill(&gRunKernels);
+    level.fill(&gStreamingKernels);
+    if (level.stream != nullptr) level.stream(&gStreamingKernels);
+  }
 }

@@ -15,6 +15,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "KernelLevel.h"
 #include "LMX_Pixel.h"
 
 #if defined(__i386__) || defined(__x86_64__)
@@ -100,6 +101,18 @@ void StreamAvx2(RunKernels* kernels);
 void FillAvx512(RunKernels* kernels);
 void StreamAvx512(RunKernels* kernels);
 #endif
+
+/// A level: how its kernels get into a table, on top of those below, and whether this processor has its instructions.
+struct LevelKernels {
+  const char* name;  ///< nullptr where the architecture has no such level
+  void (*fill)(RunKernels*);
+  void (*stream)(RunKernels*);  ///< nullptr if it has no way past the cache
+  bool (*runsHere)();
+};
+
+/// By KernelLevel.
+constexpr int kKernelLevels = static_cast<int>(kLastLevel) + 1;
+extern const LevelKernels kLevelKernels[kKernelLevels];
 
 /// Puts what was written past the cache before everything that follows, as other processors see it.
 LMX_EXPAND void FinishStreaming() {

@@ -2,35 +2,27 @@
 
 #include <algorithm>
 
-#ifdef LMX_X86
 namespace {
 
-bool HasAvx2() {
-  return __builtin_cpu_supports("avx2") != 0;
-}
-bool HasAvx512() {
-  return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
+std::vector<Level> MakeLevels() {
+  std::vector<Level> levels;
+  for (const auto& [name, fill, stream, runsHere] : kLevelKernels) {
+    if (name == nullptr) continue;
+    levels.push_back({name, fill, runsHere});
+    if (stream != nullptr) levels.push_back({std::string(name) + "_streaming", stream, runsHere});
+  }
+#ifdef LMX_EMULATED_AVX512
+  const auto runsHere = kLevelKernels[static_cast<int>(KernelLevel::avx2)].runsHere;
+  levels.push_back({"avx512_emulated", FillAvx512Emulated, runsHere});
+  levels.push_back({"avx512_emulated_streaming", StreamAvx512Emulated, runsHere});
+#endif
+  return levels;
 }
 
 }  // namespace
-#endif
 
 const std::vector<Level>& Levels() {
-  static const std::vector<Level> levels = {
-      {"plain", FillPlain, [] { return true; }},
-#ifdef LMX_X86
-      {"sse2", FillSse2, [] { return true; }},
-      {"sse2_streaming", StreamSse2, [] { return true; }},
-      {"avx2", FillAvx2, HasAvx2},
-      {"avx2_streaming", StreamAvx2, HasAvx2},
-      {"avx512", FillAvx512, HasAvx512},
-      {"avx512_streaming", StreamAvx512, HasAvx512},
-#endif
-#ifdef LMX_EMULATED_AVX512
-      {"avx512_emulated", FillAvx512Emulated, HasAvx2},
-      {"avx512_emulated_streaming", StreamAvx512Emulated, HasAvx2},
-#endif
-  };
+  static const std::vector<Level> levels = MakeLevels();
   return levels;
 }
 

@@ -1,4 +1,4 @@
-// The levels of the kernels. A new level is one line of Levels.cpp.
+// The levels of the kernels: those of the product, and their variants.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 #include "kernels/RunKernels.h"
 
 struct Level {
-  const char* name;
+  std::string name;
   void (*fill)(RunKernels*);
   bool (*runsHere)();
 };
