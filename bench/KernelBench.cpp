@@ -18,6 +18,7 @@ constexpr const char* kUsage =
   --kernel=TEXT        kernels whose name has this in it
   --n=N                only this length of runs; 16, 512 and 1920 if not given
   --seconds=S          for each kernel, length and content (default 0.03)
+  --variants           also the variants of levels: what writes past the cache, and what is emulated
   --json               one object per line and measurement
   --help               this text
 )";
@@ -84,14 +85,18 @@ int BatchOf(const std::function<void()>& work) {
     const auto batch = [&] {
       for (int i = 0; i < calls; ++i) work();
     };
-    if (MeasureInTurn({batch}, {1, 0})[0].median >= kBatchSeconds) break;
+    if (MeasureInTurn({{batch}}, {1, 0})[0].median >= kBatchSeconds) break;
   }
   return calls;
 }
 
 class KernelBench {
  public:
-  explicit KernelBench(const Options& options) : options_(options), levels_(LevelsHere()), json_(options.Has("json")) {}
+  explicit KernelBench(const Options& options) : options_(options), json_(options.Has("json")) {
+    for (NamedKernels& level : LevelsHere()) {
+      if (options.Has("variants") || !IsVariant(level.level)) levels_.push_back(level);
+    }
+  }
 
   void Run() const {
     if (!json_) WriteHead();
@@ -109,15 +114,15 @@ class KernelBench {
     const Operands operands(kernel, n, opaque);
     if (!operands.HaveAlpha() && !opaque) return;
     const char* const content = operands.HaveAlpha() ? kContents[opaque ? 0 : 1] : "any";
-    std::vector<std::function<void()>> batches;
+    std::vector<Work> batches;
     std::vector<double> pixels;
     for (const NamedKernels& level : levels_) {
       const auto work = [&] { kernel.call(level.kernels, operands.Call()); };
       const int calls = BatchOf(work);
       pixels.push_back(static_cast<double>(operands.Pixels()) * calls);
-      batches.emplace_back([&kernel, &level, &operands, calls] {
+      batches.push_back({[&kernel, &level, &operands, calls] {
         for (int i = 0; i < calls; ++i) kernel.call(level.kernels, operands.Call());
-      });
+      }});
     }
     const std::vector<Timing> timings = MeasureInTurn(batches, {5, options_.Number("seconds", 0.03)});
     if (!json_) std::printf("%-32s %-12s %5zu", kernel.name, content, n);
@@ -142,7 +147,7 @@ class KernelBench {
   }
 
   const Options& options_;
-  const std::vector<NamedKernels> levels_;
+  std::vector<NamedKernels> levels_;
   const bool json_;
 };
 

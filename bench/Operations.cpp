@@ -12,12 +12,12 @@ constexpr double kGround = 0x305010;
 
 template <int flipH, int flipV, int rotation>
 std::vector<double> Turn(int, int) {
-  return {flipH, flipV, rotation, 0};
+  return {flipH, flipV, rotation};
 }
 
 template <int degrees>
 std::vector<double> Rotate(int, int) {
-  return {degrees, kClear, 0};
+  return {degrees, kClear};
 }
 
 // A part of a length, never nothing.
@@ -28,54 +28,54 @@ int Scaled(int length, int numerator, int denominator) {
 template <int numerator, int denominator>
 std::vector<double> Stretch(int width, int height) {
   const int newWidth = Scaled(width, numerator, denominator), newHeight = Scaled(height, numerator, denominator);
-  return {double(newWidth), double(newHeight), 0};
+  return {double(newWidth), double(newHeight)};
 }
 
 // Results hold the whole slanted picture.
 std::vector<double> ShearH(int width, int height) {
   const int room = height * 3 / 10;
-  return {double(width + room), double(height), 0.3, kClear, 0};
+  return {double(width + room), double(height), 0.3, kClear};
 }
 
 std::vector<double> ShearV(int width, int height) {
   const int room = width * 3 / 10;
-  return {double(width), double(height + room), 0.3, kClear, 0};
+  return {double(width), double(height + room), 0.3, kClear};
 }
 
 std::vector<double> TrimWhole(int width, int height) {
-  return {0, 0, double(width), double(height), kClear, 0};
+  return {0, 0, double(width), double(height), kClear};
 }
 
 // Three quarters of each side.
 std::vector<double> TrimInside(int width, int height) {
   const int x = width / 8, y = height / 8;
-  return {double(x), double(y), double(Scaled(width, 3, 4)), double(Scaled(height, 3, 4)), kClear, 0};
+  return {double(x), double(y), double(Scaled(width, 3, 4)), double(Scaled(height, 3, 4)), kClear};
 }
 
 // A twentieth of each side around the picture.
 std::vector<double> TrimBorder(int width, int height) {
   const int x = width / 20, y = height / 20;
-  return {double(-x), double(-y), double(width + 2 * x), double(height + 2 * y), kClear, 0};
+  return {double(-x), double(-y), double(width + 2 * x), double(height + 2 * y), kClear};
 }
 
 std::vector<double> AdjustHSV(int width, int height) {
-  return {0, 0, double(width), double(height), 30, 1, 1, 0, 0};
+  return {0, 0, double(width), double(height), 30, 1, 1, 0};
 }
 
 std::vector<double> AdjustRGB(int width, int height) {
-  return {0, 0, double(width), double(height), 20, -10, 5, 0};
+  return {0, 0, double(width), double(height), 20, -10, 5};
 }
 
 std::vector<double> Average(int width, int height) {
-  return {0, 0, double(width), double(height), 0};
+  return {0, 0, double(width), double(height)};
 }
 
 std::vector<double> Gradient(int width, int height) {
-  return {double(width), double(height), kSky, kWhite, 0};
+  return {double(width), double(height), kSky, kWhite};
 }
 
 std::vector<double> DoubleGradient(int width, int height) {
-  return {double(width), double(height), kSky, kWhite, kGround, 0};
+  return {double(width), double(height), kSky, kWhite, kGround};
 }
 
 }  // namespace

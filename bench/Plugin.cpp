@@ -5,7 +5,9 @@
 
 #include "HostInterface.h"
 #include "host/BitmapContext.h"
+#include "host/HiddenSymbol.h"
 #include "host/Value.h"
+#include "kernels/RunKernels.h"
 
 // On 32-bit the plug-in may call with any stack; the build realigns it in every function here.
 namespace bench {
@@ -106,7 +108,8 @@ PoolPicture* PluginPool::Make(int width, int height) {
 
 // ---- Methods ------------------------------------------------------------------------------------------------------
 
-MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers)
+MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers,
+                       std::int32_t yield)
     : method_(method) {
   std::size_t next = 0;
   const auto number = [&] {
@@ -119,6 +122,8 @@ MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const s
       native_.AddPointer(&results_.at(places++));
     } else if (parameter.type == host::Type::Picture) {
       native_.AddPointer(picture);
+    } else if (host::SameName(parameter.name, "yield")) {
+      native_.AddInteger(yield);
     } else if (parameter.type == host::Type::Double) {
       native_.AddDouble(number());
     } else if (parameter.type == host::Type::Integer) {
@@ -146,6 +151,7 @@ Plugin::Plugin(const std::string& file) {
     methods_.push_back(host::ParseDeclaration(definition.declaration));
     methods_.back().entry = definition.entry;
   }
+  level_ = static_cast<const RunKernels*>(host::HiddenSymbol(file, "gRunKernels"))->level;
 }
 
 const host::Method& Plugin::Method(const std::string& name) const {

@@ -33,9 +33,9 @@ class PluginPool : public Pool {
 /// A method with its arguments, to be called any number of times.
 class MethodCall {
  public:
-  /// Numbers serve for every type; a ByRef argument gets a place of its own and no number. `picture` goes where the
-  /// declaration has one. Throws host::Error if there are too many or too few.
-  MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers);
+  /// Numbers serve for every type; a ByRef argument gets a place of its own and no number. `picture` and `yield` go where
+  /// the declaration has them. Throws host::Error if there are too many or too few.
+  MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers, std::int32_t yield);
   MethodCall(const MethodCall&) = delete;
   MethodCall& operator=(const MethodCall&) = delete;
 
@@ -59,10 +59,13 @@ class Plugin {
   /// With or without the module's name before it. Throws host::Error.
   const host::Method& Method(const std::string& name) const;
   std::int32_t LastError() const;
+  /// The level of kernels that it has chosen, as its own table says.
+  const std::string& Level() const { return level_; }
 
  private:
   host::Library library_;
   std::vector<host::Method> methods_;
+  std::string level_;
 };
 
 }  // namespace bench

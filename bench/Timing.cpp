@@ -15,25 +15,28 @@ double ProcessorSeconds() {
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-Timing Summary(std::vector<double> seconds) {
-  std::sort(seconds.begin(), seconds.end());
-  const std::size_t last = seconds.size() - 1;
-  return {seconds[seconds.size() / 2], seconds[last / 4], seconds[last - last / 4]};
-}
-
 }  // namespace
 
-std::vector<Timing> MeasureInTurn(const std::vector<std::function<void()>>& works, const Budget& budget) {
+Timing Summary(std::vector<double> figures) {
+  std::sort(figures.begin(), figures.end());
+  const std::size_t last = figures.size() - 1;
+  return {figures[figures.size() / 2], figures[last / 4], figures[last - last / 4]};
+}
+
+std::vector<Timing> MeasureInTurn(const std::vector<Work>& works, const Budget& budget) {
   using Clock = std::chrono::steady_clock;
-  for (const auto& work : works) work();
   std::vector<std::vector<double>> seconds(works.size());
   const Clock::time_point start = Clock::now();
   const auto elapsed = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
-  for (int round = 0; round < budget.least || elapsed() < budget.seconds; ++round) {
+  const auto enough = [&](int rounds) {
+    return (rounds >= budget.least && elapsed() >= budget.seconds) || (rounds > 0 && elapsed() >= budget.most);
+  };
+  for (int rounds = -1; !enough(rounds); ++rounds) {
     for (std::size_t i = 0; i < works.size(); ++i) {
+      if (works[i].prepare) works[i].prepare();
       const double before = ProcessorSeconds();
-      works[i]();
-      seconds[i].push_back(ProcessorSeconds() - before);
+      works[i].run();
+      if (rounds >= 0) seconds[i].push_back(ProcessorSeconds() - before);
     }
   }
   std::vector<Timing> timings(works.size());

@@ -2,32 +2,23 @@
 
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <sstream>
+#include <utility>
 
 #include "host/Value.h"
 
 namespace bench {
-namespace {
-
-// What a level asks of the processor; the rest runs everywhere.
-bool RunsHere(const std::string& level) {
-#if defined(__i386__) || defined(__x86_64__)
-  if (level == "avx2") return __builtin_cpu_supports("avx2") != 0;
-  if (level == "avx512") return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0;
-#endif
-  return true;
-}
-
-}  // namespace
-
-std::vector<Level> LevelsIn(const std::string& folder) {
-  std::vector<Level> levels;
-  for (const char* name : {"plain", "sse2", "avx2", "avx512"}) {
+std::vector<std::unique_ptr<Plugin>> LoadLevels(const std::string& folder) {
+  std::vector<std::unique_ptr<Plugin>> plugins;
+  std::istringstream names(LMX_LEVELS);
+  for (std::string name; names >> name;) {
     const std::string file = folder + "/libLMX-" + name + ".so";
-    if (std::filesystem::exists(file) && RunsHere(name)) levels.push_back({name, file});
+    if (!std::filesystem::exists(file)) continue;
+    auto plugin = std::make_unique<Plugin>(file);
+    if (plugin->Level() == name) plugins.push_back(std::move(plugin));
   }
-  if (levels.empty()) levels.push_back({"best", folder + "/libLMX.so"});
-  return levels;
+  if (plugins.empty()) plugins.push_back(std::make_unique<Plugin>(folder + "/libLMX.so"));
+  return plugins;
 }
 
 Workbench::Workbench(host::Storage storage, const Pixels& pixels, int width, int height)
@@ -40,12 +31,21 @@ std::function<void()> Workbench::Copy() {
   return [this] { std::memcpy(copy_->pixels, source_->pixels, source_->Bytes()); };
 }
 
-std::function<void()> Workbench::Call(const Plugin& plugin, const Operation& operation) {
+Timing Workbench::Memcpy(const Budget& budget) {
+  const auto copyToResult = [this] {
+    PoolPicture* const result = pool_.Make(source_->width, source_->height);
+    std::memcpy(result->pixels, source_->pixels, source_->Bytes());
+    pool_.GiveBack(*result);
+  };
+  return MeasureInTurn({{copyToResult, Copy()}}, budget).front();
+}
+
+Work Workbench::Call(const Plugin& plugin, const Operation& operation, std::int32_t yield) {
   const std::vector<double> arguments = operation.arguments(source_->width, source_->height);
-  if (operation.inPlace) Copy()();
-  auto call =
-      std::make_shared<MethodCall>(plugin.Method(operation.method), operation.inPlace ? copy_ : source_, arguments);
+  PoolPicture* const picture = operation.inPlace ? copy_ : source_;
+  auto call = std::make_shared<MethodCall>(plugin.Method(operation.method), picture, arguments, yield);
   const int shortages = pool_.Shortages();
+  Copy()();
   PoolPicture* const result = (*call)();
   const std::int32_t error = plugin.LastError();
   const bool empty = call->ReturnsPicture() && (result == nullptr || result->Bytes() == 0);
@@ -53,9 +53,10 @@ std::function<void()> Workbench::Call(const Plugin& plugin, const Operation& ope
   if (pool_.Shortages() != shortages) throw host::Error("no memory for its pictures");
   if (error != 0) throw host::Error("failed with code " + std::to_string(error));
   if (empty) throw host::Error("gave no picture");
-  return [this, call] {
-    if (PoolPicture* const picture = (*call)()) pool_.GiveBack(*picture);
-  };
+  return {[this, call] {
+            if (PoolPicture* const made = (*call)()) pool_.GiveBack(*made);
+          },
+          Copy()};
 }
 
 }  // namespace bench

@@ -9,45 +9,48 @@ import sys
 TOLERANCE = 0.05
 
 HEAD = """\
-# Instructions that each operation takes on a picture of 256 x 192 pixels, from the method's entry to its return, as
-# Callgrind counts them in the native build. scripts/instructions compares, scripts/instructions --update writes anew.
-# Counts hold for one version of the compiler and of the C library:
+# Instructions for each pixel of a picture of 320 x 1000, from the method's entry to its return, as Callgrind counts them in
+# the native build: without yields, and with a yield every 10000 pixels. scripts/instructions compares,
+# scripts/instructions --update writes anew. Counts hold for one version of the compiler and of the C library:
 # made with: {made_with}
 #
-# level, picture, instructions, operation
+# level, picture, without yields, with yields, operation
 """
+PIXELS = 320 * 1000
+YIELDS = ("0", "10000")
 
 
-def counted(folder, levels):
-    """(level, picture, operation): count, from the files of Callgrind, one for each call."""
+def counted(folder):
+    """(level, picture, operation): instructions for each pixel without yields and with them, from the files of Callgrind,
+    one for each call."""
     counts = {}
-    for level in levels:
-        for file in (folder / level).glob("callgrind.out.*"):
-            text = file.read_text()
-            name = re.search(r"^desc: Trigger: Client Request: (\S+) (.*)$", text, re.M)
-            if name:
-                total = re.search(r"^(?:summary|totals): (\d+)", text, re.M)
-                counts[level, *name.groups()] = int(total.group(1))
+    for file in folder.glob("*.out.*"):
+        text = file.read_text()
+        name = re.search(r"^desc: Trigger: Client Request: (\S+) (\S+) (\d+) (.*)$", text, re.M)
+        if name:
+            level, picture, pace, operation = name.groups()
+            total = int(re.search(r"^(?:summary|totals): (\d+)", text, re.M).group(1))
+            counts.setdefault((level, picture, operation), [0, 0])[YIELDS.index(pace)] = round(total / PIXELS, 3)
     return counts
 
 
 def read(file):
-    """The counts of the file, and what they were made with."""
+    """The counts of the file, and what they were made with. Passes over what is no line of it, as a merge may leave."""
     counts, made_with = {}, ""
     for line in file.read_text().splitlines() if file.exists() else []:
         if line.startswith("# made with: "):
             made_with = line.removeprefix("# made with: ")
-        elif line and not line.startswith("#"):
-            level, picture, count, operation = line.split(maxsplit=3)
-            counts[level, picture, operation] = int(count)
+        elif match := re.fullmatch(r"(\w+) +(\S+) +([\d.]+) +([\d.]+)  (.*)", line):
+            level, picture, *both, operation = match.groups()
+            counts[level, picture, operation] = [float(count) for count in both]
     return counts, made_with
 
 
 def write(file, counts, made_with):
-    lines = [f"{level:5} {picture:20} {count:>10}  {operation}"
-             for (level, picture, operation), count in sorted(counts.items())]
+    lines = [f"{level:6} {picture:20} {both[0]:>9.3f} {both[1]:>9.3f}  {operation}"
+             for (level, picture, operation), both in sorted(counts.items())]
     file.write_text(HEAD.format(made_with=made_with) + "\n".join(lines) + "\n")
-    print(f"wrote {file}, {len(counts)} counts")
+    print(f"wrote {file}, {len(counts)} lines")
 
 
 def compare(expected, counts, same_tools):
@@ -59,13 +62,14 @@ def compare(expected, counts, same_tools):
             print(f"FAILED  {name}: {'missing' if key not in counts else 'new'}")
             well = False
             continue
-        change = counts[key] / expected[key] - 1
-        if abs(change) <= TOLERANCE:
-            continue
-        slower = change > 0
-        word = "fewer " if not slower else "FAILED" if same_tools else "more  "
-        print(f"{word}  {name}: {expected[key]} -> {counts[key]}, {100 * change:+.1f} %")
-        well = well and not (slower and same_tools)
+        for yields, before, now in zip(("", " with yields"), expected[key], counts[key]):
+            change = now / before - 1
+            if abs(change) <= TOLERANCE:
+                continue
+            slower = change > 0
+            word = "fewer " if not slower else "FAILED" if same_tools else "more  "
+            print(f"{word}  {name}{yields}: {before:.3f} -> {now:.3f}, {100 * change:+.1f} %")
+            well = well and not (slower and same_tools)
     return well
 
 
@@ -75,22 +79,22 @@ def main():
     parser.add_argument("--made-with", required=True)
     parser.add_argument("file", type=pathlib.Path)
     parser.add_argument("folder", type=pathlib.Path)
-    parser.add_argument("levels", nargs="+")
     arguments = parser.parse_args()
-    counts = counted(arguments.folder, arguments.levels)
+    counts = counted(arguments.folder)
     if not counts:
         sys.exit("nothing was counted")
+    levels = sorted({level for level, *_ in counts})
     expected, made_with = read(arguments.file)
     if arguments.update:
-        others = {key: count for key, count in expected.items() if key[0] not in arguments.levels}
+        others = {key: count for key, count in expected.items() if key[0] not in levels}
         write(arguments.file, {**others, **counts}, arguments.made_with)
         return
-    print(f"{len(counts)} counts on {' and '.join(arguments.levels)}")
+    print(f"{2 * len(counts)} counts on {' and '.join(levels)}")
     same_tools = made_with == arguments.made_with
     if not same_tools:
         print(f"notice: the counts were made with {made_with or 'nothing'};\n"
               f"        this is {arguments.made_with}, so more instructions are no failure")
-    here = {key: count for key, count in expected.items() if key[0] in arguments.levels}
+    here = {key: count for key, count in expected.items() if key[0] in levels}
     well = compare(here, counts, same_tools)
     print("all is well" if well else f"not as in {arguments.file}; if that is meant: scripts/instructions --update")
     sys.exit(not well)

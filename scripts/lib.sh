@@ -46,6 +46,9 @@ build() {
     quietly "$folder/build.log" cmake --build "$folder" --parallel "$jobs" ${1:+--target "$@"}
 }
 
+# kernel_levels: the names of all levels of kernels, lowest first.
+kernel_levels() { sed -n '/^enum class KernelLevel/ { s/.*{ //; s/ }.*//; s/, /\n/g; p }' source/kernels/KernelLevel.h; }
+
 # cpp_files: our C++ files, each ended by a zero byte.
 cpp_files() {
   find -- */ -path 'build*' -prune -o \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z

@@ -16,8 +16,9 @@ namespace bench {
 namespace {
 
 constexpr const char* kUsage =
-    R"(bench_peers [option...]: times the plug-in and other libraries, in ns per pixel and multiples of memcpy
+    R"(bench_peers [option...]: times the plug-in and other libraries, in ns per pixel
 
+  --size=WxH           the picture (default 1920x1080)
   --content=TEXT       contents whose name has this in it: opaque, fading
   --operation=TEXT     operations whose name has this in it
   --peer=TEXT          libraries whose name has this in it
@@ -26,8 +27,6 @@ constexpr const char* kUsage =
   --json               one object per line and measurement
   --help               this text
 )";
-
-constexpr int kWidth = 1920, kHeight = 1080;
 
 // As the bitmap contexts have them, but in words.
 void Premultiply(const Pixels& straight, std::uint32_t* words) {
@@ -52,16 +51,21 @@ class PeerBench {
   PeerBench(const Options& options, const Plugin& plugin)
       : options_(options),
         plugin_(plugin),
-        budget_{static_cast<int>(options.Number("least", 5)), options.Number("seconds", 0.3)} {}
+        budget_{static_cast<int>(options.Number("least", 5)), options.Number("seconds", 0.3)} {
+    if (std::sscanf(options.Text("size", "1920x1080").c_str(), "%dx%d", &width_, &height_) != 2 || width_ < 1 ||
+        height_ < 1) {
+      throw host::Error("a size is WxH");
+    }
+  }
 
   void RunOn(const Content& content, const std::vector<Peer>& peers) const {
-    const Pixels pixels = Draw(content, kWidth, kHeight);
+    const Pixels pixels = Draw(content, width_, height_);
     const bool translucent = std::string(content.name) != "opaque";
-    Workbench workbench(host::Storage::BitmapContext, pixels, kWidth, kHeight);
-    const Canvas source(kWidth, kHeight), spare(kWidth, kHeight);
+    Workbench workbench(host::Storage::BitmapContext, pixels, width_, height_);
+    const Canvas source(width_, height_), spare(width_, height_);
     Premultiply(pixels, source.Picture().words);
     if (!options_.Has("json")) {
-      std::printf("%s, %d x %d: ns per pixel and multiples of memcpy\n", content.name, kWidth, kHeight);
+      std::printf("%s, %d x %d: ns per pixel\n", content.name, width_, height_);
     }
     for (const Peer& peer : peers) {
       if (!options_.Wants("peer", peer.name) || (translucent && !peer.knowsAlpha)) continue;
@@ -69,27 +73,30 @@ class PeerBench {
         const Operation& operation = Operations()[IndexOf(work)];
         if (!options_.Wants("operation", operation.name) || (translucent && !operation.takesPicture)) continue;
         // A copy before each, so that both find their source equally warm.
-        const std::function<void()> call = workbench.Call(plugin_, operation);
+        const Timing copy = workbench.Memcpy({budget_.least, 0});
+        const Work call = workbench.Call(plugin_, operation, 0);
         const auto copyTheirs = [&] { std::memcpy(spare.Picture().words, source.Picture().words, 4 * pixels.size()); };
-        Tell(content, peer, work, MeasureInTurn({workbench.Copy(), call, copyTheirs, work.work}, budget_));
+        Tell(content, peer, work, copy, MeasureInTurn({call, {work.work, copyTheirs}}, budget_));
         workbench.Clear();
       }
     }
   }
 
  private:
-  void Tell(const Content& content, const Peer& peer, const PeerWork& work, const std::vector<Timing>& timings) const {
-    const auto ns = [](const Timing& timing) { return timing.median * 1e9 / (double{kWidth} * kHeight); };
-    const double memcpyNs = (ns(timings[0]) + ns(timings[2])) / 2, ours = ns(timings[1]), theirs = ns(timings[3]);
+  void Tell(const Content& content, const Peer& peer, const PeerWork& work, const Timing& copy,
+            const std::vector<Timing>& timings) const {
+    const auto ns = [&](const Timing& timing) { return timing.median * 1e9 / (double(width_) * height_); };
+    const double ours = ns(timings[0]), theirs = ns(timings[1]);
     if (options_.Has("json")) {
-      std::printf(R"({"content":"%s","index":%zu,"operation":"%s","library":"%s","version":"%s","difference":"%s",)"
-                  R"("memcpy":%.5f,"ours":%.5f,"theirs":%.5f})"
-                  "\n",
-                  content.name, IndexOf(work), work.operation, peer.name, peer.version.c_str(), work.difference,
-                  memcpyNs, ours, theirs);
+      std::printf(
+          R"({"width":%d,"height":%d,"content":"%s","index":%zu,"operation":"%s","library":"%s","version":"%s","difference":"%s",)"
+          R"("memcpy":%.5f,"ours":%.5f,"theirs":%.5f})"
+          "\n",
+          width_, height_, content.name, IndexOf(work), work.operation, peer.name, peer.version.c_str(),
+          work.difference, ns(copy), ours, theirs);
     } else {
-      std::printf("%-22s %-17s LMX %8.3f %7.2fx   peer %8.3f %7.2fx   peer / LMX %6.2f   %s\n", work.operation,
-                  peer.name, ours, ours / memcpyNs, theirs, theirs / memcpyNs, theirs / ours, work.difference);
+      std::printf("%-20s %-15s LMX %7.3f  peer %7.3f  peer / LMX %5.2f  %s\n", work.operation, peer.name, ours, theirs,
+                  theirs / ours, work.difference);
     }
     std::fflush(stdout);
   }
@@ -97,6 +104,8 @@ class PeerBench {
   const Options& options_;
   const Plugin& plugin_;
   const Budget budget_;
+  int width_ = 0;
+  int height_ = 0;
 };
 
 void Run(const Options& options) {
