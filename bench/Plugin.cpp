@@ -151,7 +151,8 @@ Plugin::Plugin(const std::string& file) {
     methods_.push_back(host::ParseDeclaration(definition.declaration));
     methods_.back().entry = definition.entry;
   }
-  level_ = static_cast<const RunKernels*>(host::HiddenSymbol(file, "gRunKernels"))->level;
+  const void* const kernels = host::HiddenSymbol(file, "gRunKernels");
+  if (kernels != nullptr) level_ = static_cast<const RunKernels*>(kernels)->level;
 }
 
 const host::Method& Plugin::Method(const std::string& name) const {

@@ -59,13 +59,13 @@ class Plugin {
   /// With or without the module's name before it. Throws host::Error.
   const host::Method& Method(const std::string& name) const;
   std::int32_t LastError() const;
-  /// The level of kernels that it has chosen, as its own table says.
+  /// The level of kernels that it has chosen, as its own table says; a stripped library does not.
   const std::string& Level() const { return level_; }
 
  private:
   host::Library library_;
   std::vector<host::Method> methods_;
-  std::string level_;
+  std::string level_ = "unknown level";
 };
 
 }  // namespace bench

@@ -1,7 +1,9 @@
 // `lmx bench`: how long the methods take on a picture of the user's.
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 
 #include "Image.h"
@@ -9,8 +11,10 @@
 
 namespace tool {
 
-/// Times every operation that bench/ knows on the picture, beside memcpy of it, and writes a line for each at once, as
-/// an object of JSON if wanted. Throws Interrupted on Ctrl-C, between two operations.
-void WriteBench(std::ostream& out, const std::string& plugin, const Image& image, host::Storage storage, bool json);
+/// Times memcpy of the picture, then every operation that bench/ knows on it, without yields and with one every `yield`
+/// pixels (10000 if nothing was asked for), and writes a line for each at once, as an object of JSON if wanted. Throws
+/// Interrupted on Ctrl-C, between two operations.
+void WriteBench(std::ostream& out, const std::string& plugin, const Image& image, host::Storage storage,
+                std::optional<std::int32_t> yield, bool json);
 
 }  // namespace tool

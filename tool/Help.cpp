@@ -21,7 +21,7 @@ constexpr const char* kUsage =
   lmx METHOD picture [name=value...] + METHOD [name=value...] ... -o out.png
                                                        several: each gets the picture that the one before left
   lmx chart -o chart.png                               draws a test chart
-  lmx bench picture                                    times the methods on a picture, beside memcpy of it
+  lmx bench picture                                    times the methods on a picture, with and without yields
 
 A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png); the result is a PNG file.
 Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case

@@ -87,7 +87,7 @@ void TimeMethods(const CommandLine& line) {
   ExpectOperands(line, 1);
   const std::vector<std::string>& operands = line.steps.front().operands;
   if (operands.empty()) throw UsageError("on which picture? lmx bench photo.jpg");
-  WriteBench(std::cout, PluginFile(line), ReadPicture(operands.front()), line.storage, line.json);
+  WriteBench(std::cout, PluginFile(line), ReadPicture(operands.front()), line.storage, line.yield, line.json);
 }
 
 void RunMethods(const CommandLine& line) {

@@ -17,7 +17,8 @@ namespace {
 std::string LevelOf(const std::string& file) {
   host::Host host;
   host.Load(file);
-  return static_cast<const RunKernels*>(host::HiddenSymbol(file, "gRunKernels"))->level;
+  const void* const kernels = host::HiddenSymbol(file, "gRunKernels");
+  return kernels == nullptr ? "no table" : static_cast<const RunKernels*>(kernels)->level;
 }
 
 // The highest level that runs here, from those up to `cap`.
