@@ -8,6 +8,7 @@ import re
 import statistics
 import subprocess
 
+SMALL, LARGE = 1920, 4000  # the widths of the two pictures
 CONTENTS = {"opaque": "opaque", "fading": "alpha from 0 to 255", "soft": "soft edges"}
 PACKAGES = ("g++ libc6-dev libyuv-dev libopencv-core-dev libpixman-1-dev libleptonica-dev libvips-dev libstb-dev "
             "libimlib2-dev libgraphicsmagick1-dev").split()
@@ -80,40 +81,81 @@ def group(rows, *keys):
     return groups
 
 
-def method_table(rows):
+def use_one_memcpy(rows, *keys):
+    """The figures of memcpy become one for each picture: the median of all that were measured on it."""
+    for of_picture in group(rows, *keys).values():
+        memcpy = statistics.median(row["memcpy"] for row in of_picture)
+        for row in of_picture:
+            row["memcpy"] = memcpy
+
+
+def find(rows, operation, **wanted):
+    return next((r for r in rows if r["operation"] == operation and wanted.items() <= r.items()), None)
+
+
+def multiple(row):
+    return times(row) if row else "–"
+
+
+def yielding(row):
+    """How many times as long a call takes with yields."""
+    return f"{row['yielding'] / row['ns']:.1f}" if row else "–"
+
+
+def per_small(row, rows):
+    """How many times as long a pixel of this picture takes as one of the small picture."""
+    same = {key: row[key] for key in ("bits", "form", "content", "level")} if row else {}
+    small = find(rows, row["operation"], width=SMALL, **same) if row else None
+    return f"{row['ns'] / small['ns']:.2f}" if small else "–"
+
+
+def method_table(rows, all_rows):
     """One picture and ABI: operations by levels."""
     levels = in_order(row["level"] for row in rows)
-    head = ["operation", "memcpy"] + [f"{level}{unit}" for level in levels for unit in (" ns", " ×")]
+    is_small = rows[0]["width"] == SMALL
+    head = ["operation"] + [f"{level}{of}" for level in levels for of in (" ns", " ×" if is_small else " size", " yield")]
     table = []
     for (operation,), of_operation in group(rows, "operation").items():
-        by_level = {row["level"]: row for row in of_operation}
-        cells = [cell for level in levels for cell in (f"{by_level[level]['ns']:.3f}", times(by_level[level]))]
-        table.append([operation, f"{of_operation[0]['memcpy']:.3f}", *cells])
+        by_level = [find(of_operation, operation, level=level) for level in levels]
+        cells = [cell for row in by_level
+                 for cell in (f"{row['ns']:.3f}", multiple(row) if is_small else per_small(row, all_rows), yielding(row))]
+        table.append([operation, *cells])
     return head, table
 
 
-def summary_of_methods(rows):
-    """All operations, a column for each kind of picture, at 1920 x 1080 in multiples of memcpy."""
-    levels = in_order(row["level"] for row in rows if row["bits"] == 64)
+def columns(rows, cell, **wanted):
+    """All operations, a column for each level of the 64-bit build on an opaque picture, and for the best level on other
+    kinds of pictures and in the 32-bit product."""
+    levels = in_order(row["level"] for row in rows)
     best = levels[-1]
-    columns = [(level, dict(bits=64, form="context", content="opaque", width=1920, level=level)) for level in levels]
-    columns += [
-        ("alpha 0–255", dict(bits=64, form="context", content="fading", width=1920, level=best)),
-        ("soft edges", dict(bits=64, form="context", content="soft", width=1920, level=best)),
-        ("buffer", dict(bits=64, form="buffer", content="opaque", width=1920, level=best)),
-        ("32-bit", dict(bits=32, form="context", content="opaque", width=1920, level=best)),
-        ("32-bit, alpha", dict(bits=32, form="context", content="fading", width=1920, level=best)),
+    opaque = dict(bits=64, form="context", content="opaque", level=best)
+    kinds = [(level, {**opaque, "level": level}) for level in levels]
+    kinds += [
+        ("alpha 0–255", {**opaque, "content": "fading"}),
+        ("soft edges", {**opaque, "content": "soft"}),
+        ("buffer", {**opaque, "form": "buffer"}),
+        ("32-bit", {**opaque, "bits": 32}),
+        ("32-bit, alpha", {**opaque, "bits": 32, "content": "fading"}),
     ]
-    large = dict(bits=64, form="context", content="opaque", width=4000, level=best)
-    def find(operation, wanted):
-        found = [r for r in rows if r["operation"] == operation and wanted.items() <= r.items()]
-        return found[0] if found else None
+    table = [[operation] + [cell(find(rows, operation, **kind, **wanted)) for _, kind in kinds]
+             for operation in in_order(row["operation"] for row in rows)]
+    used = [0] + [i for i in range(1, len(kinds) + 1) if any(row[i] != "–" for row in table)]
+    head = ["operation"] + [name for name, _ in kinds]
+    return [head[i] for i in used], [[row[i] for i in used] for row in table]
+
+
+def large_table(rows):
+    """The large picture beside the small one, opaque, levels of the 64-bit build and the best of the 32-bit one."""
+    levels = in_order(row["level"] for row in rows if row["width"] == LARGE)
+    kinds = [(level, 64, level) for level in levels] + [("32-bit", 32, levels[-1])]
+    cells = (lambda row: f"{row['ns']:.3f}" if row else "–", lambda row: per_small(row, rows), yielding)
+    head = ["operation"] + [f"{name}{of}" for name, *_ in kinds for of in (", ns", " ÷ small", ", yields")]
     table = []
     for operation in in_order(row["operation"] for row in rows):
-        found = [find(operation, wanted) for _, wanted in columns]
-        row = find(operation, large)
-        table.append([operation, *(times(f) if f else "–" for f in found), f"{row['ns']:.2f}" if row else "–"])
-    return ["operation"] + [name for name, _ in columns] + ["4000 × 3000, ns"], table
+        found = [find(rows, operation, bits=bits, form="context", content="opaque", width=LARGE, level=level)
+                 for _, bits, level in kinds]
+        table.append([operation] + [cell(row) for row in found for cell in cells])
+    return head, table
 
 
 def spread(rows):
@@ -161,14 +203,15 @@ def peer_table(rows):
 def print_tables(results):
     for (bits, form, content, width, height), rows in group(results.get("methods", []), "bits", "form", "content",
                                                             "width", "height").items():
-        print(f"\nMethods, {bits}-bit, {form}, {CONTENTS[content]}, {width} x {height}: "
-              "ns per pixel and multiples of memcpy")
-        print(plain(*method_table(rows)))
+        print(f"\nMethods, {bits}-bit, {form}, {CONTENTS[content]}, {width} x {height}; memcpy: "
+              f"{rows[0]['memcpy']:.3f} ns per pixel")
+        print(plain(*method_table(rows, results["methods"])))
     for (bits,), rows in group(results.get("kernels", []), "bits").items():
         print(f"\nKernels, {bits}-bit: ns per pixel, in runs of 512 where no other length is told")
         print(plain(*kernel_table(rows)))
-    for (content,), rows in group(results.get("peers", []), "content").items():
-        print(f"\nThe plug-in and the fastest of the others, {CONTENTS[content]}, 1920 x 1080: multiples of memcpy")
+    for (content, width, height), rows in group(results.get("peers", []), "content", "width", "height").items():
+        print(f"\nThe plug-in and the fastest of the others, {CONTENTS[content]}, {width} x {height}: "
+              f"multiples of memcpy, {rows[0]['memcpy']:.3f} ns per pixel")
         print(plain(*ahead(rows)))
 
 
@@ -183,15 +226,21 @@ def sections(results):
     ])}
     if results.get("methods"):
         rows = results["methods"]
-        memcpy = statistics.median(r["memcpy"] for r in rows if r["bits"] == 64 and r["width"] == 1920)
-        parts["methods"] = (f"`memcpy` of the 1920 × 1080 picture took {memcpy:.3f} ns per pixel. Half of the "
-                            f"repetitions were within {100 * spread(rows):.0f} % of their median.\n\n"
-                            + markdown(*summary_of_methods(rows)))
+        memcpy = {width: statistics.median(r["memcpy"] for r in rows if r["bits"] == 64 and r["width"] == width)
+                  for width in (SMALL, LARGE)}
+        parts["methods"] = (f"`memcpy` took {memcpy[SMALL]:.3f} ns per pixel of the 1920 × 1080 picture, and "
+                            f"{memcpy[LARGE]:.3f} ns of the 4000 × 3000 one. Half of the repetitions were within "
+                            f"{100 * spread(rows):.0f} % of their median.\n\n"
+                            + markdown(*columns(rows, multiple, width=SMALL)))
+        parts["yields"] = markdown(*columns(rows, yielding, width=SMALL))
+        parts["large"] = markdown(*large_table(rows))
     if results.get("kernels"):
         parts["kernels"] = markdown(*kernel_table([r for r in results["kernels"] if r["bits"] == 64]))
-    for (content,), rows in group(results.get("peers", []), "content").items():
-        parts[f"ahead {content}"] = markdown(*ahead(rows))
-        parts[f"peers {content}"] = markdown(*peer_table(rows))
+    for (content, width), rows in group(results.get("peers", []), "content", "width").items():
+        size = "" if width == SMALL else " large"
+        parts[f"ahead {content}{size}"] = markdown(*ahead(rows))
+        if width == SMALL:
+            parts[f"peers {content}"] = markdown(*peer_table(rows))
     return parts
 
 
@@ -218,6 +267,8 @@ def main():
     results = {"machine": machine(arguments.command)}
     for part in arguments.parts:
         results[part] = [row for file in sorted(arguments.folder.glob(f"{part}*.jsonl")) for row in lines_of(file)]
+    use_one_memcpy(results.get("methods", []), "bits", "form", "content", "width")
+    use_one_memcpy(results.get("peers", []), "content", "width")
     results.get("peers", []).sort(key=lambda row: row["index"])
     print_tables(results)
     file = arguments.folder / "results.json"
