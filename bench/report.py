@@ -54,14 +54,14 @@ def markdown(head, rows):
     return "\n".join("| " + " | ".join(map(str, row)) + " |" for row in [head, align, *rows])
 
 
-def plain(head, rows):
+def plain(head, rows, gap="  "):
     """The same for terminals."""
     widths = [max(len(str(row[i])) for row in [head, *rows]) for i in range(len(head))]
     numbers = [is_number(cell) for cell in rows[0]]
 
     def line(row):
         cells = zip(row, widths, numbers)
-        return "  ".join(str(cell).rjust(width) if number else str(cell).ljust(width) for cell, width, number in cells)
+        return gap.join(str(cell).rjust(width) if number else str(cell).ljust(width) for cell, width, number in cells)
 
     return "\n".join(line(row).rstrip() for row in [head, *rows])
 
@@ -93,6 +93,10 @@ def find(rows, operation, **wanted):
     return next((r for r in rows if r["operation"] == operation and wanted.items() <= r.items()), None)
 
 
+def nanoseconds(row):
+    return f"{row['ns']:.3f}" if row else "–"
+
+
 def multiple(row):
     return times(row) if row else "–"
 
@@ -113,12 +117,12 @@ def method_table(rows, all_rows):
     """One picture and ABI: operations by levels."""
     levels = in_order(row["level"] for row in rows)
     is_small = rows[0]["width"] == SMALL
-    head = ["operation"] + [f"{level}{of}" for level in levels for of in (" ns", " ×" if is_small else " size", " yield")]
+    head = ["operation"] + [name for level in levels for name in (level, "×" if is_small else "size", "yield")]
     table = []
     for (operation,), of_operation in group(rows, "operation").items():
         by_level = [find(of_operation, operation, level=level) for level in levels]
         cells = [cell for row in by_level
-                 for cell in (f"{row['ns']:.3f}", multiple(row) if is_small else per_small(row, all_rows), yielding(row))]
+                 for cell in (nanoseconds(row), multiple(row) if is_small else per_small(row, all_rows), yielding(row))]
         table.append([operation, *cells])
     return head, table
 
@@ -148,7 +152,7 @@ def large_table(rows):
     """The large picture beside the small one, opaque, levels of the 64-bit build and the best of the 32-bit one."""
     levels = in_order(row["level"] for row in rows if row["width"] == LARGE)
     kinds = [(level, 64, level) for level in levels] + [("32-bit", 32, levels[-1])]
-    cells = (lambda row: f"{row['ns']:.3f}" if row else "–", lambda row: per_small(row, rows), yielding)
+    cells = (nanoseconds, lambda row: per_small(row, rows), yielding)
     head = ["operation"] + [f"{name}{of}" for name, *_ in kinds for of in (", ns", " ÷ small", ", yields")]
     table = []
     for operation in in_order(row["operation"] for row in rows):
@@ -203,9 +207,10 @@ def peer_table(rows):
 def print_tables(results):
     for (bits, form, content, width, height), rows in group(results.get("methods", []), "bits", "form", "content",
                                                             "width", "height").items():
-        print(f"\nMethods, {bits}-bit, {form}, {CONTENTS[content]}, {width} x {height}; memcpy: "
-              f"{rows[0]['memcpy']:.3f} ns per pixel")
-        print(plain(*method_table(rows, results["methods"])))
+        print(f"\nMethods, {bits}-bit, {form}, {CONTENTS[content]}, {width} x {height}: ns per pixel and "
+              f"{'multiples of memcpy' if width == SMALL else 'those over 1920 x 1080'}, with yields over without; memcpy: "
+              f"{rows[0]['memcpy']:.3f} ns")
+        print(plain(*method_table(rows, results["methods"]), gap=" "))
     for (bits,), rows in group(results.get("kernels", []), "bits").items():
         print(f"\nKernels, {bits}-bit: ns per pixel, in runs of 512 where no other length is told")
         print(plain(*kernel_table(rows)))
