@@ -129,7 +129,7 @@ Outcome Host::Call(std::string_view name, const std::vector<Value>& values) {
   Arguments arguments(*method, values);
   HostState& state = *state_;
   const LockBalance balance;
-  Table().ProtectAll(state.options.closeUnlocked);
+  Table().ProtectAll();
 
   Outcome outcome;
   const auto settle = [&] {

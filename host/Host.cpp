@@ -91,7 +91,7 @@ void Host::Load(const std::string& path) {
 
 void Host::CallPluginMainAgain() {
   const auto entry = reinterpret_cast<REALPluginMainFunction*>(state_->library.Symbol(kEntry));
-  Table().ProtectAll(state_->options.closeUnlocked);
+  Table().ProtectAll();
   entry(&Resolve);
   state_->ThrowNewComplaints();
 }

@@ -45,9 +45,6 @@ struct Options {
   NewPictures newPictures = {};
   /// Whether complaints are thrown as host::Misuse at the end of Load and Call, or only kept for Complaints().
   bool throwComplaints = true;
-  /// Whether pixels, buffer records and row tables of pictures that are not locked are inaccessible while the plug-in
-  /// runs. It costs a system call per lock; a benchmark switches it off.
-  bool closeUnlocked = true;
   /// Whether service calls are written to Log().
   bool keepLog = true;
 };

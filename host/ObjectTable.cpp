@@ -102,17 +102,17 @@ void ObjectTable::Unlock(PictureObject& picture) {
   picture.context = nullptr;
 }
 
-void ObjectTable::Protect(const PictureObject& picture, bool closeUnlocked) {
+void ObjectTable::Protect(const PictureObject& picture) {
   if (picture.memory == nullptr) return;
   using Access = GuardedMemory::Access;
   const Access usable = picture.readOnly ? Access::Read : Access::Write;
-  picture.memory->Protect(picture.locks > 0 || !closeUnlocked ? usable : Access::None);
+  picture.memory->Protect(picture.locks > 0 ? usable : Access::None);
 }
 
-void ObjectTable::ProtectAll(bool closeUnlocked) {
+void ObjectTable::ProtectAll() {
   for (const auto& entry : objects_) {
     if (entry.second->kind != Object::Kind::Picture) continue;
-    Protect(static_cast<const PictureObject&>(*entry.second), closeUnlocked);
+    Protect(static_cast<const PictureObject&>(*entry.second));
   }
 }
 

@@ -61,9 +61,9 @@ class ObjectTable {
   void Lock(PictureObject& picture);
   void Unlock(PictureObject& picture);
 
-  /// Sets what the plug-in can do with each picture's pixels from now on.
-  void ProtectAll(bool closeUnlocked);
-  static void Protect(const PictureObject& picture, bool closeUnlocked);
+  /// Sets what the plug-in can do with each picture's pixels from now on: while it is not locked, nothing.
+  void ProtectAll();
+  static void Protect(const PictureObject& picture);
 
   /// In the order in which they were made.
   std::vector<Object*> Objects() const;

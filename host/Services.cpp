@@ -143,7 +143,7 @@ void PictureConstructor(REALobjectStruct* object, int width, int height) {
   ++state.newPictures;
   if (settings.change) settings.change(state.newPictures, shape);
   picture->memory = MakeMemory(shape);
-  ObjectTable::Protect(*picture, state.options.closeUnlocked);
+  ObjectTable::Protect(*picture);
 }
 
 void* LoadObjectMethod(REALobjectStruct* object, const char* declaration) {
@@ -208,7 +208,7 @@ void LockPictureDescription(REALpictureStruct* handle, REALpictureDescription* d
     return Complain(Service::LockPictureDescription, "called with " + Table().Describe(handle) + what);
   }
   Table().Lock(*picture);
-  ObjectTable::Protect(*picture, HostState::current->options.closeUnlocked);
+  ObjectTable::Protect(*picture);
   if (usable) {
     Describe(*picture, *description);
   } else {
@@ -229,7 +229,7 @@ void EndLock(REALpictureStruct* handle) {
     return Complain(Service::UnlockPictureDescription, NameOf(*picture) + " is not locked");
   }
   Table().Unlock(*picture);
-  ObjectTable::Protect(*picture, state.options.closeUnlocked);
+  ObjectTable::Protect(*picture);
 }
 
 void UnlockPictureDescription(REALpictureStruct* handle) {
@@ -241,7 +241,7 @@ void YieldToRB() {
   HostState& state = *HostState::current;
   if (!Begin(state, Service::YieldToRB, 0) || !state.host.onYield) return;
   state.host.onYield();
-  Table().ProtectAll(state.options.closeUnlocked);  // what the program looked at is open
+  Table().ProtectAll();  // what the program looked at is open
 }
 
 struct Entry {

@@ -93,15 +93,6 @@ TEST_F(GuardedCallDeathTest, UnlockedPixelsAreClosed) {
   }
 }
 
-TEST(Guard, UnlockedPixelsAreOpenWhenToldSo) {
-  host::Options options;
-  options.closeUnlocked = false;
-  Host host(options);
-  host.Load(ODD_PLUGIN);
-  const Picture picture({5, 3, Storage::Buffer});
-  EXPECT_EQ(host.Call("ReadByteUnlocked", {picture, 0, 0}).result, 0xDE);
-}
-
 TEST_F(GuardedCallDeathTest, ReadOnlyPicturesCannotBeWritten) {
   Picture picture({5, 3, Storage::Buffer});
   picture.SetReadOnly(true);
