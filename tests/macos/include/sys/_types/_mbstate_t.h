@@ -1,0 +1,4 @@
+// See math.h.
+#pragma once
+
+struct mbstate_t;

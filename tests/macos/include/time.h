@@ -1,0 +1,4 @@
+// See math.h.
+#pragma once
+
+using time_t = long;
