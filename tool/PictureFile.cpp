@@ -93,6 +93,10 @@ bool StartsWith(const Bytes& bytes, std::initializer_list<unsigned char> start) 
   return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin());
 }
 
+bool IsPng(const Bytes& bytes) {
+  return StartsWith(bytes, {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'});
+}
+
 std::uint32_t BigEndian(const unsigned char* bytes) {
   return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
 }
@@ -100,7 +104,7 @@ std::uint32_t BigEndian(const unsigned char* bytes) {
 // What the file claims. The size of a PNG lies at a fixed place; stb_image does not tell one that it finds too large.
 Size ClaimedSize(const std::string& path, const Bytes& bytes) {
   constexpr std::size_t kPngWidth = 16, kPngHeight = 20, kPngSizeEnd = 24;
-  if (StartsWith(bytes, {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'})) {
+  if (IsPng(bytes)) {
     if (bytes.size() < kPngSizeEnd) Fail(path, "is damaged: it ends in its header");
     if (!ChunksFit(bytes)) Fail(path, "is damaged: it ends too early");
     return {BigEndian(bytes.data() + kPngWidth), BigEndian(bytes.data() + kPngHeight)};
@@ -114,13 +118,14 @@ Size ClaimedSize(const std::string& path, const Bytes& bytes) {
   return {width, height};
 }
 
-Image Decode(const std::string& path, const Bytes& bytes) {
+Image Decode(const std::string& path, Bytes bytes) {
   const Size size = ClaimedSize(path, bytes);
   if (size.width == 0 || size.height == 0) Fail(path, "is damaged: it claims to have no pixels");
   if (size.width > kMaxPixels / size.height) {
     Fail(path, "is too large: " + std::to_string(size.width) + " x " + std::to_string(size.height) +
                    " pixels, and at most " + std::to_string(kMaxPixels) + " are read");
   }
+  if (IsPng(bytes) && !FillPalette(&bytes)) Fail(path, "is damaged: it has two palettes");
   int width = 0, height = 0, channels = 0;
   const std::unique_ptr<unsigned char, void (*)(void*)> decoded(
       stbi_load_from_memory(bytes.data(), static_cast<int>(bytes.size()), &width, &height, &channels, kChannels),

@@ -10,14 +10,17 @@ namespace {
 // that an honest one needs: 16-bit RGBA with a byte per row, in a buffer that grows by doubling.
 constexpr std::size_t kLargestBlock = std::size_t{1} << 30;
 
-// The reader copes without memory. Pixels that a damaged JPEG lacks stay as they were allocated: 0, and nothing that the
-// process has used before.
+// The reader copes without memory. Pixels that a damaged file lacks stay as they were allocated: 0,
+// and nothing that the process has used before.
 void* Allocate(std::size_t size) {
   return size > kLargestBlock ? nullptr : std::calloc(1, size);
 }
 
-void* Reallocate(void* block, std::size_t size) {
-  return size > kLargestBlock ? nullptr : std::realloc(block, size);
+void* Grow(void* block, std::size_t oldSize, std::size_t size) {
+  if (size > kLargestBlock) return nullptr;
+  void* const grown = std::realloc(block, size);
+  if (grown != nullptr && size > oldSize) std::memset(static_cast<char*>(grown) + oldSize, 0, size - oldSize);
+  return grown;
 }
 
 // The writer does not: it is left by an exception.
@@ -35,7 +38,7 @@ void* Copy(void* to, const void* from, std::size_t size) {
 }  // namespace
 
 #define STBI_MALLOC(size) Allocate(size)
-#define STBI_REALLOC(block, size) Reallocate(block, size)
+#define STBI_REALLOC_SIZED(block, oldSize, size) Grow(block, oldSize, size)
 #define STBI_FREE(block) std::free(block)
 #define STBI_ONLY_PNG
 #define STBI_ONLY_JPEG

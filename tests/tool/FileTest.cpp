@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <initializer_list>
 #include <iterator>
 #include <random>
 #include <set>
@@ -109,6 +110,95 @@ TEST_F(HostileFileTest, AJpegWithoutAScanIsTheSamePictureEveryTime) {
     written.insert(ReadFile(Path("turned.png")));
   }
   EXPECT_EQ(written.size(), 1u);
+}
+
+// A square PNG of one channel, 8 bits a pixel.
+Bytes OneChannelPng(unsigned char side, unsigned char colourType, unsigned char interlace, const Bytes& palette,
+                    const Bytes& packed) {
+  Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  const auto word = [&](std::size_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<unsigned char>(value >> shift));
+  };
+  const auto chunk = [&](const std::string& type, const Bytes& data) {
+    word(data.size());
+    bytes.insert(bytes.end(), type.begin(), type.end());
+    bytes.insert(bytes.end(), data.begin(), data.end());
+    word(0);  // a checksum, which nobody reads
+  };
+  chunk("IHDR", {0, 0, 0, side, 0, 0, 0, side, 8, colourType, 0, 0, interlace});
+  if (!palette.empty()) chunk("PLTE", palette);
+  chunk("IDAT", packed);
+  chunk("IEND", {});
+  return bytes;
+}
+
+// Bits of a deflate stream. Codes come with their highest bit first, everything else with the lowest.
+class Packed {
+ public:
+  Packed& Bits(unsigned value, int count) {
+    for (int i = 0; i < count; ++i) Bit(value >> i & 1);
+    return *this;
+  }
+  Packed& Code(unsigned value, int count) {
+    for (int i = count - 1; i >= 0; --i) Bit(value >> i & 1);
+    return *this;
+  }
+  Bytes bytes = {0x78, 0x01};  // the head of zlib
+
+ private:
+  void Bit(unsigned bit) {
+    if (used_ == 0) bytes.push_back(0);
+    bytes.back() = static_cast<unsigned char>(bytes.back() | bit << used_);
+    used_ = (used_ + 1) % 8;
+  }
+  int used_ = 0;
+};
+
+// The last seven bytes are copied from a distance of 0, that is, from themselves. With the filters of its 15 rows an
+// interlaced picture of 8 x 8 pixels has 79 bytes, more than its reader first makes room for.
+TEST_F(HostileFileTest, APngWhosePixelsAreMissingIsTheSamePictureEveryTime) {
+  Packed packed;
+  packed.Bits(1, 1).Bits(1, 2);                          // one block, with the codes that are always the same
+  for (int i = 0; i < 72; ++i) packed.Code(0x30, 8);     // 0
+  packed.Code(5, 7).Code(30, 5).Code(0, 7).Bits(0, 16);  // 7 bytes, distance 30, which is none; the end
+  const std::string file = Hostile(OneChannelPng(8, 0, 1, {}, packed.bytes));
+  std::set<Bytes> written;
+  for (const char* filler : {"0", "85", "200"}) {
+    setenv("MALLOC_PERTURB_", filler, 1);
+    const Ended ended = Lmx({"FlipRotate", file, "rotation=180", "-o", Path("turned.png")});
+    unsetenv("MALLOC_PERTURB_");
+    ASSERT_EQ(ended.status, 0) << ended.error;
+    written.insert(ReadFile(Path("turned.png")));
+  }
+  EXPECT_EQ(written.size(), 1u);
+}
+
+// The reader keeps 256 colours on its stack, and fills in those that the file has.
+TEST_F(HostileFileTest, PixelsBeyondThePaletteAreBlack) {
+  const auto picture = [](const Bytes& palette) {
+    const Bytes stored = {0x78, 0x01, 1, 6, 0, 0xF9, 0xFF, 0, 0, 1, 0, 2, 255};  // two rows, not packed
+    return OneChannelPng(2, 3, 0, palette, stored);
+  };
+  const auto opaque = [](std::initializer_list<std::uint32_t> colours) {
+    std::vector<std::uint32_t> pixels;
+    for (const std::uint32_t colour : colours) pixels.push_back(0xFF000000 | colour);
+    return pixels;
+  };
+  const Bytes one = {1, 2, 3}, two = {1, 2, 3, 4, 5, 6};
+  EXPECT_EQ(tool::ReadPicture(Hostile(picture(one))).pixels, opaque({0x010203, 0, 0, 0}));
+  EXPECT_EQ(tool::ReadPicture(Hostile(picture(two))).pixels, opaque({0x010203, 0x040506, 0, 0}));
+  const Bytes whole(768, 9);
+  EXPECT_EQ(tool::ReadPicture(Hostile(picture(whole))).pixels, opaque({0x090909, 0x090909, 0x090909, 0x090909}));
+  Bytes twice = picture(one);
+  const Bytes another = {0, 0, 0, 3, 'P', 'L', 'T', 'E', 1, 2, 3, 0, 0, 0, 0};
+  twice.insert(twice.begin() + 33, another.begin(), another.end());
+  ExpectRefused(Hostile(twice), "two palettes");
+  Bytes transparent = picture(one);
+  const Bytes alphas = {0, 0, 0, 2, 't', 'R', 'N', 'S', 1, 2, 0, 0, 0, 0};
+  transparent.insert(transparent.begin() + 33 + 15, alphas.begin(), alphas.end());
+  ExpectRefused(Hostile(transparent), "damaged");
+  ExpectRefused(Hostile(picture({1, 2})), "damaged");
+  ExpectRefused(Hostile(picture(Bytes(771, 9))), "damaged");
 }
 
 // Where addresses have 32 bits, the end of such a chunk would lie before its start.
