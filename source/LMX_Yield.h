@@ -45,6 +45,12 @@ class YieldPace {
     return lines;
   }
 
+  /// For workers that make a band of lines of a picture that nobody sees: yields where line by line would, one after
+  /// another.
+  void ReportLines(std::int32_t lines, std::int32_t pixelsPerLine) {
+    while (lines > 0) lines -= BeginLines(pixelsPerLine, lines);
+  }
+
   /// For workers that yield after a line: counts the lines done, and yields if due.
   void EndLines(std::int32_t lines, std::int32_t pixelsPerLine) {
     Count(lines, pixelsPerLine);

@@ -85,6 +85,21 @@ TEST_F(YieldPaceTest, ComesBeforeALine) {
   });
 }
 
+// Lines of a picture that nobody sees are done ahead; their yields come for each of them, as if they were done one by one.
+TEST_F(YieldPaceTest, ComesOnceForEveryLineOfABandThatIsDone) {
+  ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
+    const std::size_t expected = Expected(Order::kYieldThenCountThenLine, yield, pixelsPerLine).size();
+    for (const std::int32_t band : {1, 3, 8, kLines}) {
+      YieldPace pace(yield);
+      const Yields yields = Run([&](std::int32_t left) {
+        pace.ReportLines(std::min(band, left), pixelsPerLine);
+        return std::min(band, left);
+      });
+      EXPECT_EQ(yields.size(), expected) << band << " lines together";
+    }
+  });
+}
+
 TEST_F(YieldPaceTest, ComesAfterALine) {
   ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
     YieldPace pace(yield);
