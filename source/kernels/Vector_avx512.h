@@ -17,7 +17,22 @@ struct Vector {
   LMX_EXPAND static void Store(void* p, Reg a) { _mm512_storeu_si512(p, a); }
   // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
   LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) { return _mm512_maskz_loadu_epi32(First(n), p); }
-  LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) { _mm512_mask_storeu_epi32(p, First(n), a); }
+  LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) {
+    if (n > 8) return _mm512_mask_storeu_epi32(p, First(n), a);
+    __m128i part = _mm512_castsi512_si128(a);
+    if (n == 8) return _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_castsi512_si256(a));
+    if ((n & 4) != 0) {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(p), part);
+      part = _mm512_extracti32x4_epi32(a, 1);
+      p += 16;
+    }
+    if ((n & 2) != 0) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(p), part);
+      part = _mm_unpackhi_epi64(part, part);
+      p += 8;
+    }
+    if ((n & 1) != 0) LMX_Pixel::Store(p, static_cast<uint32_t>(_mm_cvtsi128_si32(part)));
+  }
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm512_setzero_si512(); }
@@ -43,6 +58,7 @@ struct Vector {
   LMX_EXPAND static Reg Average16(Reg a, Reg b) { return _mm512_avg_epu16(a, b); }  // (a + b + 1) / 2
   LMX_EXPAND static Reg MulLow16(Reg a, Reg b) { return _mm512_mullo_epi16(a, b); }
   LMX_EXPAND static Reg MulHigh16(Reg a, Reg b) { return _mm512_mulhi_epu16(a, b); }
+  LMX_EXPAND static Reg MulHighSigned16(Reg a, Reg b) { return _mm512_mulhi_epi16(a, b); }
   LMX_EXPAND static Reg MulAddPairs16(Reg a, Reg b) { return _mm512_madd_epi16(a, b); }
   LMX_EXPAND static Reg MulEven32(Reg a, Reg b) { return _mm512_mul_epu32(a, b); }
   LMX_EXPAND static Reg SumBytes(Reg a) { return _mm512_sad_epu8(a, Zero()); }  // of each 64 bits

@@ -54,6 +54,7 @@ struct Vector {
   LMX_EXPAND static Reg Average16(Reg a, Reg b) { return _mm_avg_epu16(a, b); }  // (a + b + 1) / 2
   LMX_EXPAND static Reg MulLow16(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
   LMX_EXPAND static Reg MulHigh16(Reg a, Reg b) { return _mm_mulhi_epu16(a, b); }
+  LMX_EXPAND static Reg MulHighSigned16(Reg a, Reg b) { return _mm_mulhi_epi16(a, b); }
   LMX_EXPAND static Reg MulAddPairs16(Reg a, Reg b) { return _mm_madd_epi16(a, b); }
   LMX_EXPAND static Reg MulEven32(Reg a, Reg b) { return _mm_mul_epu32(a, b); }
   LMX_EXPAND static Reg SumBytes(Reg a) { return _mm_sad_epu8(a, Zero()); }  // of each 64 bits

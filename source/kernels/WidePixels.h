@@ -260,22 +260,56 @@ void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   });
 }
 
+// Converts a square of pixels; false when one needs its definition. Most squares are opaque, so that is one test for all.
+template <class From, class To>
+LMX_EXPAND bool ConvertSquare(Reg* square) {
+  bool isWide = true;
+  for (size_t i = 0; i < kWide; ++i) isWide = Conversion<From, To>::Wide(square[i], &square[i]) && isWide;
+  return isWide;
+}
+template <>
+LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
+  Reg all = square[0];
+  for (size_t i = 1; i < kWide; ++i) all = Vector::And(all, square[i]);
+  if (Vector::HasBits(all, Vector::Set32(ContextForm::kAlpha))) {
+    for (size_t i = 0; i < kWide; ++i) square[i] = Vector::SwapBytes(square[i]);
+    return true;
+  }
+  bool isWide = true;
+  for (size_t i = 0; i < kWide; ++i) isWide = ContextForm::Read(square[i], &square[i]) && isWide;
+  return isWide;
+}
+
 // A square of a transposition.
 template <class From, class To, class Stores>
 LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
-  bool isWide = true;
-  for (size_t i = 0; i < kWide; ++i) {
-    square[i] = Vector::Load(from[r + i] + 4 * c);
-    isWide = Conversion<From, To>::Wide(square[i], &square[i]) && isWide;
-  }
-  if (isWide) {
+  for (size_t i = 0; i < kWide; ++i) square[i] = Vector::Load(from[r + i] + 4 * c);
+  if (ConvertSquare<From, To>(square)) {
     Vector::Transpose(square);
     for (size_t i = 0; i < kWide; ++i) Stores::Store(to[c + i] + 4 * r, square[i]);
     return;
   }
   for (size_t j = c; j < c + kWide; ++j) {
     for (size_t i = r; i < r + kWide; ++i) ConvertOne<From, To>(to[j] + 4 * i, from[i] + 4 * j);
+  }
+}
+
+// The first rows and columns of a square.
+template <class From, class To>
+__attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* const* from, size_t rows,
+                                             size_t columns, size_t r, size_t c) {
+  Reg square[kWide];
+  for (size_t i = 0; i < kWide; ++i) {
+    square[i] = i < rows ? Vector::LoadFirst(from[r + i] + 4 * c, columns) : Vector::Zero();
+  }
+  if (ConvertSquare<From, To>(square)) {
+    Vector::Transpose(square);
+    for (size_t i = 0; i < columns; ++i) Vector::StoreFirst(to[c + i] + 4 * r, rows, square[i]);
+    return;
+  }
+  for (size_t j = c; j < c + columns; ++j) {
+    for (size_t i = r; i < r + rows; ++i) ConvertOne<From, To>(to[j] + 4 * i, from[i] + 4 * j);
   }
 }
 
@@ -296,8 +330,11 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
     }
   }
   const auto rest = [&](size_t r0, size_t r1, size_t c0, size_t c1) {
-    for (size_t c = c0; c < c1; ++c) {
-      for (size_t r = r0; r < r1; ++r) ConvertOne<From, To>(to[c] + 4 * r, from[r] + 4 * c);
+    const auto upTo = [](size_t n) { return n < kWide ? n : kWide; };
+    for (size_t r = r0; r < r1; r += kWide) {
+      for (size_t c = c0; c < c1; c += kWide) {
+        TransposePart<From, To>(to, from, upTo(r1 - r), upTo(c1 - c), r, c);
+      }
     }
   };
   rest(blockRows, rows, 0, blockColumns);

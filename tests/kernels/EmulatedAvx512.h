@@ -86,5 +86,7 @@ inline void StoreLanes(void* p, unsigned mask, const __m512i& a) {
 #define _mm512_cvtepi32_ps(a) emulated::Converted<std::int32_t, float, __m512>(a)
 #undef _mm512_cvttps_epi32
 #define _mm512_cvttps_epi32(a) emulated::Converted<float, std::int32_t, __m512i>(a)
+#undef _mm512_mulhi_epi16
+#define _mm512_mulhi_epi16(a, b) emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_mulhi_epi16(x, y); })
 #undef _mm512_cvtepi32_pd
 #define _mm512_cvtepi32_pd(a) emulated::Converted<std::int32_t, double, __m512d>(a)
