@@ -32,6 +32,7 @@ KernelArguments OrdinaryArguments(std::size_t n, Random& random) {
   KernelArguments arguments = MakeArguments(n, random);
   arguments.stride = n;
   arguments.columns = arguments.pitch = 16;
+  SetBoxes({29491, 32767, 20000}, 9, &arguments);  // nine tenths
   arguments.before = 0xFF406080;
   arguments.fraction = 20000;
   arguments.hsv = {512, 1024, 1024};

@@ -70,10 +70,17 @@ bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, st
   const LMX_Picture& picture = from.picture;
   const std::int64_t last = static_cast<std::int64_t>(from.y) + static_cast<std::int64_t>(step) * (count - 1);
   if (count < 1 || Clip(picture, from.x, from.y, n).count < n || last < 0 || last >= picture.height) return false;
+  const std::ptrdiff_t x = 4 * static_cast<std::ptrdiff_t>(from.x);
+  if (!picture.buffer) {
+    const auto pitch = static_cast<std::uintptr_t>(picture.bytesPerRow) * static_cast<std::uintptr_t>(step);
+    auto run = reinterpret_cast<std::uintptr_t>(picture.RowAddress(from.y) + x);
+    for (std::int32_t i = 0; i < count; ++i, run += pitch) runs[i] = reinterpret_cast<std::uint8_t*>(run);
+    return true;
+  }
   for (std::int32_t i = 0; i < count; ++i) {
     std::uint8_t* const row = picture.RowAddress(from.y + i * step);
     if (!row) return false;
-    runs[i] = row + 4 * static_cast<std::ptrdiff_t>(from.x);
+    runs[i] = row + x;
   }
   return true;
 }
@@ -228,15 +235,61 @@ void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n
   });
 }
 
-void HalveRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const auto halve = KernelsBetween(from, to).halve[FormOf(from.picture)][FormOf(to.picture)];
-  std::uint32_t in[2 * kChunk], out[kChunk];
+void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, PixelForm through) {
+  const auto halve = gRunKernels.halve[FormOf(from.picture)][through];
+  const Clipped whole = Clip(from.picture, from.x, from.y, 2 * n);
+  if (whole.count == 2 * n) return halve(working, whole.address, Size(n));
+  std::uint32_t in[2 * kChunk];
   for (std::int32_t i = 0; i < n; i += kChunk) {
     const std::int32_t part = std::min(kChunk, n - i);
-    std::uint8_t* const room = RoomForRun(to.picture, to.x + i, to.y, part, out);
-    halve(room, StoredRun(from.picture, from.x + 2 * i, from.y, 2 * part, in), Size(part));
-    PutRun(to.picture, to.x + i, to.y, part, room, out);
+    halve(working + 4 * Size(i), StoredRun(from.picture, from.x + 2 * i, from.y, 2 * part, in), Size(part));
   }
+}
+
+void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, std::uint8_t* const* columns) {
+  std::uint32_t spare[kTile * kTile];
+  const std::uint8_t* rows[kTile];
+  StoredRuns(from, 1, n, lines, spare, rows);
+  gRunKernels.transpose[FormOf(from.picture)][kWorkingForm](columns, rows, Size(lines), Size(n));
+}
+
+void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns,
+                  PixelForm kept) {
+  std::uint32_t spare[kTile * kTile];
+  std::uint8_t* rows[kTile];
+  RoomForRuns(to, 1, n, lines, spare, rows);
+  const PixelForm form = kept == kWorkingForm ? FormOf(to.picture) : kWorkingForm;  // which moves pixels as they are
+  gRunKernels.transpose[form][kWorkingForm](rows, columns, Size(n), Size(lines));
+  PutRuns(to, 1, n, lines, spare, rows);
+}
+
+void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* const* runs, const BoxUnits& units,
+                 std::int32_t count, std::int32_t n, const LMX_Picture* written) {
+  const RunKernels& kernels = written ? KernelsFor(*written) : gRunKernels;
+  kernels.boxes[form](to, runs, &units, Size(count), Size(n));
+}
+
+void ReadRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, PixelForm kept,
+              std::uint32_t* spare, const std::uint8_t** runs) {
+  StoredRuns(walk, x, n, count, spare, runs);
+  if (kept == kWorkingForm) return;
+  for (std::int32_t i = 0; i < count; ++i, spare += n) {
+    gRunKernels.copy[kept][kWorkingForm](Bytes(spare), runs[i], Size(n));
+    runs[i] = Bytes(spare);
+  }
+}
+
+RunSums::RunSums(std::int32_t n) : n_(n) {
+  constexpr std::int32_t kStep = static_cast<std::int32_t>(kBoxSumsStep);
+  std::fill_n(sums_, 4 * ((n + kStep - 1) / kStep * kStep), 0);
+}
+
+void RunSums::Add(const std::uint8_t* const* runs, std::int32_t count, std::uint32_t units) {
+  gRunKernels.addToBoxes(sums_, runs, Size(count), units, Size(n_));
+}
+
+void RunSums::Average(std::uint8_t* to, PixelForm form, std::uint32_t units) const {
+  gRunKernels.averageBoxes[form](to, sums_, units, Size(n_));
 }
 
 void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums) {

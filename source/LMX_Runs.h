@@ -84,8 +84,41 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction);
 
-/// Makes n pixels, each the truncated mean of two neighbours of the 2 n pixels from `from` on.
-void HalveRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
+/// Makes n working pixels, each the truncated mean of two neighbours of the 2 n pixels from `from` on, as it is when it was
+/// written in the form `through` and read again.
+void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, PixelForm through);
+
+/// Turns `lines` rows from `from` on, n pixels of each, into n runs of working pixels; both at most kTile.
+constexpr std::int32_t kTile = 64;
+void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, std::uint8_t* const* columns);
+
+/// Turns n runs of `lines` pixels, which have the form of the picture, into pixels of `lines` rows from `to` on. With
+/// kWorkingForm for `kept` they are read and written as working pixels, in a picture that holds them all.
+void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns,
+                  PixelForm kept);
+
+/// StoredRuns along a walk, as runs of working pixels. With kWorkingForm for `kept` the picture has nothing else.
+void ReadRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, PixelForm kept,
+              std::uint32_t* spare, const std::uint8_t** runs);
+
+/// Box averages of runs of working pixels, as kernels make them (RunKernels.h): `count` boxes of at most kMostBoxRuns runs.
+/// `written` is the picture that holds whole rows of averages, if there is one.
+void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* const* runs, const BoxUnits& units,
+                 std::int32_t count, std::int32_t n, const LMX_Picture* written = nullptr);
+
+/// An average of any number of such runs, at most kMostSums pixels long, which are added part by part.
+class RunSums {
+ public:
+  static constexpr std::int32_t kMostSums = 512;
+
+  explicit RunSums(std::int32_t n);
+  void Add(const std::uint8_t* const* runs, std::int32_t count, std::uint32_t units);
+  void Average(std::uint8_t* to, PixelForm form, std::uint32_t units) const;
+
+ private:
+  std::int32_t n_;
+  std::uint32_t sums_[4 * kMostSums];
+};
 
 /// Adds n pixels to the sums.
 void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums);

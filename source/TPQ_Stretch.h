@@ -12,9 +12,3 @@ REALpictureStruct* PrivStretch_NonVector(REALpictureStruct* p, int width, int he
 
 /// Both passes, over a temporary picture; error 5 when that is not to be had, with the result left as it is.
 void PrivStretch_NonVector_NoMask(LMX_Picture& source, LMX_Picture& result, long yield);
-
-/// One pass along the rows: the destination has the source's height and any width.
-void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield);
-
-/// One pass along the columns: the destination has the source's width and any height.
-void Priv_StetchVertical(LMX_Picture& source, LMX_Picture& destination, long yield);

@@ -16,6 +16,7 @@
 #include <stdint.h>
 
 #include "KernelLevel.h"
+#include "LMX_Boxes.h"
 #include "LMX_Pixel.h"
 
 #if defined(__i386__) || defined(__x86_64__)
@@ -26,16 +27,10 @@
 /// below.
 enum PixelForm { kContextForm = 0, kBufferForm = 1, kStorageForms = 2, kWorkingForm = 2, kForms = 3 };
 
+/// The most runs of a box that `boxes` takes, and what the sums of `addToBoxes` are made for: a multiple of this many
+/// pixels.
 constexpr size_t kMostBoxRuns = 32;
-
-/// How many units of each run are in a box average: each at least 1, all together at most 32768.
-struct BoxUnits {
-  uint32_t first;
-  uint32_t whole;  ///< of each run between the first and the last
-  uint32_t last;
-
-  LMX_EXPAND uint32_t Of(size_t count) const { return first + static_cast<uint32_t>(count - 2) * whole + last; }
-};
+constexpr size_t kBoxSumsStep = 16;
 
 struct RunKernels {
   /// The level's name: "plain", or the instruction set of the highest level that filled in.
@@ -68,19 +63,19 @@ struct RunKernels {
   /// From working to working pixels it moves pixels as they are, whatever their form.
   void (*transpose[kForms][kForms])(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns);
 
-  /// Box averages: reads `count` runs (2 to kMostBoxRuns), takes units.first times the first, units.last times the last and
-  /// units.whole times each of the others, divides by all these units, and writes.
-  void (*box[kForms][kStorageForms])(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits* units,
-                                     size_t n);
+  /// Box averages of working pixels: makes the runs to[0] to to[count - 1], each from the runs that its box has, which begin
+  /// with runs[0]; divides by all the units of a box, and writes. No box has more than kMostBoxRuns runs. A run of `to`
+  /// may be one of `runs` that no later box has.
+  void (*boxes[kForms])(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count, size_t n);
 
-  /// The same of any number of runs, in steps: addToBoxes reads `count` runs (1 to kMostBoxRuns) and adds `units` times
-  /// each to the sums, averageBoxes divides them by all the units that were added (at most 32768), and writes. There are
-  /// four sums a pixel, 0 at first, in an order that only these two know.
-  void (*addToBoxes[kForms])(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n);
-  void (*averageBoxes[kStorageForms])(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n);
+  /// An average of any number of runs of working pixels, in steps: addToBoxes adds `units` times (1 to 32767) each of `count`
+  /// runs (1 to kMostBoxRuns) to the sums, averageBoxes divides them by all the units that were added, as many as a box has, and writes.
+  /// There are four sums a pixel, 0 at first, in an order that only these two know; n is rounded up to kBoxSumsStep.
+  void (*addToBoxes)(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n);
+  void (*averageBoxes[kForms])(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n);
 
-  /// Averages of neighbours: pixel i of `to` is the mean of the pixels 2 i and 2 i + 1 of `from`, truncated. n is the
-  /// number of averages.
+  /// Averages of neighbours, as working pixels: pixel i of `to` is the mean of the pixels 2 i and 2 i + 1 of `from`,
+  /// truncated, written in the second form and read again. n is the number of averages.
   void (*halve[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, size_t n);
 };
 

@@ -82,23 +82,26 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
   }
 }
 
-template <PixelForm from_form, PixelForm to_form>
-void Box(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits* units, size_t n) {
-  for (size_t i = 0; i < n; ++i) {
-    uint32_t sums[4] = {};
-    LMX_Pixel::AddToBox(sums, Read<from_form>(runs[0] + 4 * i), units->first);
-    for (size_t run = 1; run + 1 < count; ++run) {
-      LMX_Pixel::AddToBox(sums, Read<from_form>(runs[run] + 4 * i), units->whole);
+template <PixelForm form>
+void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count, size_t n) {
+  BoxWalk walk(*units);
+  for (size_t i = 0; i < count; ++i) {
+    const Box box = walk.Next();
+    for (size_t x = 0; x < n; ++x) {
+      uint32_t sums[4] = {};
+      for (size_t run = 0; run < box.count; ++run) {
+        const uint32_t taken = run == 0 ? box.first : run + 1 < box.count ? units->ofRun : box.last;
+        LMX_Pixel::AddToBox(sums, LMX_Pixel::Load(runs[run] + 4 * x), taken);
+      }
+      Write<form>(to[i] + 4 * x, LMX_Pixel::BoxAverage(sums, units->ofBox));
     }
-    LMX_Pixel::AddToBox(sums, Read<from_form>(runs[count - 1] + 4 * i), units->last);
-    Write<to_form>(to + 4 * i, LMX_Pixel::BoxAverage(sums, units->Of(count)));
+    runs += box.advance;
   }
 }
 
-template <PixelForm form>
 void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
   for (size_t run = 0; run < count; ++run) {
-    for (size_t i = 0; i < n; ++i) LMX_Pixel::AddToBox(sums + 4 * i, Read<form>(runs[run] + 4 * i), units);
+    for (size_t i = 0; i < n; ++i) LMX_Pixel::AddToBox(sums + 4 * i, LMX_Pixel::Load(runs[run] + 4 * i), units);
   }
 }
 
@@ -107,13 +110,15 @@ void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
   for (size_t i = 0; i < n; ++i) Write<form>(to + 4 * i, LMX_Pixel::BoxAverage(sums + 4 * i, units));
 }
 
-template <PixelForm from_form, PixelForm to_form>
+template <PixelForm from_form, PixelForm through_form>
 void Halve(uint8_t* to, const uint8_t* from, size_t n) {
   for (size_t i = 0; i < n; ++i) {
     uint32_t sums[4] = {};
     LMX_Pixel::AddToBox(sums, Read<from_form>(from + 8 * i), 1);
     LMX_Pixel::AddToBox(sums, Read<from_form>(from + 8 * i + 4), 1);
-    Write<to_form>(to + 4 * i, LMX_Pixel::BoxAverage(sums, 2));
+    uint8_t stored[4];
+    Write<through_form>(stored, LMX_Pixel::BoxAverage(sums, 2));
+    LMX_Pixel::Store(to + 4 * i, Read<through_form>(stored));
   }
 }
 
@@ -138,9 +143,8 @@ void FillForm(RunKernels* kernels) {
   FillMoves<form, kContextForm>(kernels);
   FillMoves<form, kBufferForm>(kernels);
   FillMoves<form, kWorkingForm>(kernels);
-  kernels->box[form][kContextForm] = Box<form, kContextForm>;
-  kernels->box[form][kBufferForm] = Box<form, kBufferForm>;
-  kernels->addToBoxes[form] = AddToBoxes<form>;
+  kernels->boxes[form] = Boxes<form>;
+  kernels->averageBoxes[form] = AverageBoxes<form>;
 }
 
 template <PixelForm form>
@@ -150,7 +154,6 @@ void FillStorageForm(RunKernels* kernels) {
   FillChanges<form, kBufferForm>(kernels);
   kernels->sumRGB[form] = SumRunRGB<form>;
   kernels->sumHSV[form] = SumRunHSV<form>;
-  kernels->averageBoxes[form] = AverageBoxes<form>;
 }
 
 }  // namespace
@@ -161,4 +164,5 @@ void FillPlain(RunKernels* kernels) {
   FillStorageForm<kBufferForm>(kernels);
   FillForm<kWorkingForm>(kernels);
   kernels->fill = FillRun;
+  kernels->addToBoxes = AddToBoxes;
 }

@@ -19,7 +19,6 @@ void FillWrites(RunKernels* kernels) {
   FillMoves<from, to, From, To, Stores>(kernels);
   kernels->copyMirrored[from][to] = ConvertMirrored<From, To, Stores>;
   kernels->adjustRGB[from][to] = AdjustRGB<From, To, Stores>;
-  kernels->box[from][to] = Box<From, To, Stores>;
 }
 
 template <class Stores>
@@ -30,6 +29,8 @@ void FillAllWrites(RunKernels* kernels) {
   FillWrites<kBufferForm, kBufferForm, BufferForm, BufferForm, Stores>(kernels);
   FillMoves<kWorkingForm, kWorkingForm, WorkingForm, WorkingForm, Stores>(kernels);
   kernels->fill = Fill<Stores>;
+  kernels->boxes[kContextForm] = Boxes<ContextForm, Stores>;
+  kernels->boxes[kBufferForm] = Boxes<BufferForm, Stores>;
 }
 
 template <PixelForm from, PixelForm to, class From, class To>
@@ -48,8 +49,6 @@ void FillStorageForm(RunKernels* kernels) {
   FillMoves<kWorkingForm, form, WorkingForm, Form, Cached>(kernels);
   kernels->sumRGB[form] = SumRGB<Form>;
   kernels->sumHSV[form] = SumHSV<Form>;
-  kernels->box[kWorkingForm][form] = Box<WorkingForm, Form, Cached>;
-  kernels->addToBoxes[form] = AddToBoxes<Form>;
   kernels->averageBoxes[form] = AverageBoxes<Form>;
 }
 
@@ -57,7 +56,9 @@ void FillWide(RunKernels* kernels) {
   FillAllWrites<Cached>(kernels);
   FillStorageForm<kContextForm, ContextForm>(kernels);
   FillStorageForm<kBufferForm, BufferForm>(kernels);
-  kernels->addToBoxes[kWorkingForm] = AddToBoxes<WorkingForm>;
+  kernels->boxes[kWorkingForm] = Boxes<WorkingForm, Cached>;
+  kernels->addToBoxes = AddToBoxes;
+  kernels->averageBoxes[kWorkingForm] = AverageBoxes<WorkingForm>;
 }
 
 }  // namespace

@@ -5,124 +5,60 @@
 
 namespace {
 
-// --------------------------------------------------------------------------------------------------------------- boxes
+// ------------------------------------------------------------------------------------------------ averages of two runs
 
-class MixWeights {
+// A box of exactly 32768 units. The quotient of a first + b last is a + (b - a) last / 32768, rounded down: the high half
+// of the signed product of 2 (b - a), -510 to 510, and `last`, 1 to 32767.
+class WholeMix {
  public:
-  explicit MixWeights(const BoxUnits& units)
-      : ofFirst_(Vector::Set16(units.first)), both_(Vector::Set16(units.first ^ units.last)) {}
+  explicit WholeMix(const Box& box) : last_(Vector::Set16(box.last)) {}
 
-  LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return Vector::Xor(ofFirst_, Vector::And(secondIsLarger, both_)); }
-
- private:
-  Reg ofFirst_;
-  Reg both_;  // what the two weights differ in
-};
-
-// All units are 32768, and both weights below that.
-class WholeMixPart {
- public:
-  explicit WholeMixPart(const BoxUnits& units) : weights_(units) {}
-
-  LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return weights_.Weight(secondIsLarger); }
-  LMX_EXPAND static Reg Of(Reg distance, Reg weight) {
-    return Vector::MulHigh16(distance, Vector::Add16(weight, weight));
+  LMX_EXPAND Reg operator()(Reg a, Reg b) const {
+    const auto mix = [this](Reg x, Reg y) {
+      const Reg difference = Vector::Sub16(y, x);
+      return Vector::Add16(x, Vector::MulHighSigned16(Vector::Add16(difference, difference), last_));
+    };
+    const Channels x = Unpack(a), y = Unpack(b);
+    return Pack({mix(x.low, y.low), mix(x.high, y.high)});
   }
 
  private:
-  MixWeights weights_;
+  Reg last_;
 };
 
-// All units are 32768 - e with a small e. With a sum of H 32768 + L, which is H units + (H e + L), the quotient is H, and
-// one more where H e + L reaches the units.
-constexpr uint32_t kMostMissing = 64;  // e, so that nothing exceeds 16 bits
-
-LMX_EXPAND Reg DivideByUnits(Reg high, Reg low, Reg missing) {
-  const Reg rest = Vector::Add16(low, Vector::MulLow16(high, missing));
-  return Vector::Add16(high, Vector::Right16<15>(Vector::Add16(rest, missing)));
-}
-
-class MixPart {
+// A box of U units, 32704 to 32768: the smaller channel and d w / U, where d is the distance, 0 to 255, and w the weight of
+// the larger channel, 1 to U - 1. With G = w 2^32 / U + e, the sum floor(d G / 2^16) + 1 lies above
+// 2^16 (d w / U) - 0.01 and at most 0.01 + 1 above it, since |e| < 2. A quotient that is not whole is 1 / U, at least 2 /
+// 2^16, below the next one; so the sum's upper half is the quotient. G takes two halves: d times the upper one has 32 bits,
+// and the upper half of d times the lower one, plus 1, is carried into its lower half. What belongs to the second run is the
+// first one's complement: both add up to 2^32 - 1.
+class Mix {
  public:
-  explicit MixPart(const BoxUnits& units) : weights_(units), missing_(Vector::Set16(32768 - units.Of(2))) {}
+  // What w 2^17 lacks to w 2^32 / U, for each w, in 1/65536; at most 2^24 + 2^16.
+  static uint32_t Excess(uint32_t ofBox) { return static_cast<uint32_t>((1ull << 48) / ofBox - (1ull << 33)); }
 
-  LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return weights_.Weight(secondIsLarger); }
-  LMX_EXPAND Reg Of(Reg distance, Reg weight) const {
-    const Reg high = Vector::MulHigh16(distance, Vector::Add16(weight, weight));
-    const Reg low = Vector::And(Vector::MulLow16(distance, weight), Vector::Set16(32767));
-    return DivideByUnits(high, low, missing_);
+  Mix(const Box& box, uint32_t excess) {
+    const uint32_t share = (box.first << 17) + static_cast<uint32_t>(static_cast<uint64_t>(box.first) * excess >> 16);
+    high_ = Vector::Set16(share >> 16);
+    low_ = Vector::Set16(share & 0xFFFF);
+  }
+
+  LMX_EXPAND Reg operator()(Reg a, Reg b) const { return Distances(a, b).Mix(*this); }
+
+  LMX_EXPAND static Reg Weight(Reg secondIsLarger) { return secondIsLarger; }
+  LMX_EXPAND Reg Of(Reg distance, Reg secondIsLarger) const {
+    const Reg weight = Vector::Xor(high_, secondIsLarger);
+    const Reg carried = Vector::MulHigh16(distance, Vector::Xor(low_, secondIsLarger));
+    const Reg rest = Vector::Average16(Vector::MulLow16(distance, weight), carried);
+    return Vector::Add16(Vector::MulHigh16(distance, weight), Vector::Right16<15>(rest));
   }
 
  private:
-  MixWeights weights_;
-  Reg missing_;
+  Reg high_;
+  Reg low_;
 };
 
-// The averages of a register of pixels from each of the runs; false when a pixel needs its definition.
-template <class From, class To, class Part>
-struct Mixing {
-  LMX_EXPAND static bool Wide(const uint8_t* first, const uint8_t* second, const Part& part, Reg* out) {
-    Reg a, b;
-    if (!From::Read(Vector::Load(first), &a) || !From::Read(Vector::Load(second), &b)) return false;
-    *out = To::Write(Distances(a, b).Mix(part));
-    return true;
-  }
-};
-
-template <class Part>
-struct Mixing<ContextForm, ContextForm, Part> {
-  LMX_EXPAND static bool Wide(const uint8_t* first, const uint8_t* second, const Part& part, Reg* out) {
-    const Reg a = Vector::Load(first), b = Vector::Load(second);
-    if (Vector::HasBits(Vector::And(a, b), Vector::Set32(ContextForm::kAlpha))) {
-      *out = Distances(a, b).Mix(part);
-      return true;
-    }
-    Reg straightA, straightB;
-    if (!ContextForm::Read(a, &straightA) || !ContextForm::Read(b, &straightB)) return false;
-    *out = ContextForm::Write(Distances(straightA, straightB).Mix(part));
-    return true;
-  }
-};
-
-// One average, by the definition.
-template <class From, class To>
-void BoxOne(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits& units, size_t i) {
-  uint32_t sums[4] = {};
-  LMX_Pixel::AddToBox(sums, From::ReadOne(runs[0] + 4 * i), units.first);
-  for (size_t run = 1; run + 1 < count; ++run) {
-    LMX_Pixel::AddToBox(sums, From::ReadOne(runs[run] + 4 * i), units.whole);
-  }
-  LMX_Pixel::AddToBox(sums, From::ReadOne(runs[count - 1] + 4 * i), units.last);
-  To::WriteOne(to + 4 * i, LMX_Pixel::BoxAverage(sums, units.Of(count)));
-}
-
-// Calls wide(i, &out) for each whole register, and averages what it refuses, or leaves over, one by one.
-template <class From, class To, class Stores, class Wide>
-LMX_EXPAND void BoxRegisters(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits& units, size_t n,
-                             const Wide& wide) {
-  const size_t ahead = Stores::Ahead(to, n);
-  size_t i = 0;
-  for (; i < ahead; ++i) BoxOne<From, To>(to, runs, count, units, i);
-  for (; i + kWide <= n; i += kWide) {
-    Reg out;
-    if (wide(i, &out)) {
-      Stores::Store(to + 4 * i, out);
-    } else {
-      for (size_t j = i; j < i + kWide; ++j) BoxOne<From, To>(to, runs, count, units, j);
-    }
-  }
-  for (; i < n; ++i) BoxOne<From, To>(to, runs, count, units, i);
-}
-
-template <class From, class To, class Stores, class Part>
-void MixRuns(uint8_t* to, const uint8_t* const* runs, const BoxUnits& units, size_t n) {
-  const Part part(units);
-  const uint8_t* const first = runs[0];
-  const uint8_t* const second = runs[1];
-  BoxRegisters<From, To, Stores>(to, runs, 2, units, n, [&](size_t i, Reg* out) LMX_EXPANDED {
-    return Mixing<From, To, Part>::Wide(first + 4 * i, second + 4 * i, part, out);
-  });
-}
+// ----------------------------------------------------------------------------------------------- averages of more runs
 
 // A quarter of a register of pixels in 32-bit lanes, four times.
 struct Quarters {
@@ -146,145 +82,263 @@ LMX_EXPAND Quarters Weighted(const Channels& a, Reg weight) {
            Vector::MulAddPairs16(Vector::UnpackHigh16(a.high), weight)}};
 }
 
-LMX_EXPAND Quarters Sum(const Quarters& a, const Quarters& b) {
-  return {{Vector::Add32(a.of[0], b.of[0]), Vector::Add32(a.of[1], b.of[1]), Vector::Add32(a.of[2], b.of[2]),
-           Vector::Add32(a.of[3], b.of[3])}};
-}
-
-// The sums of the runs' channels, up to 128 runs.
-template <class From>
-LMX_EXPAND bool SumRuns(const uint8_t* const* runs, size_t count, size_t i, Channels* sums) {
-  *sums = {Vector::Zero(), Vector::Zero()};
+// The sums of the channels of some runs, at most 128.
+template <class Pixels>
+LMX_EXPAND Channels SumRuns(const uint8_t* const* runs, size_t count, size_t i, const Pixels& pixels) {
+  Channels sums = {Vector::Zero(), Vector::Zero()};
   for (size_t run = 0; run < count; ++run) {
-    Reg pixels;
-    if (!From::Read(Vector::Load(runs[run] + 4 * i), &pixels)) return false;
-    const Channels channels = Unpack(pixels);
-    sums->low = Vector::Add16(sums->low, channels.low);
-    sums->high = Vector::Add16(sums->high, channels.high);
+    const Channels channels = Unpack(pixels.Load(runs[run] + 4 * i));
+    sums = {Vector::Add16(sums.low, channels.low), Vector::Add16(sums.high, channels.high)};
   }
-  return true;
+  return sums;
 }
 
-template <class From, class To, class Stores>
-void AverageRuns(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits& units, size_t n) {
-  const Reg ends = Vector::Set32(units.last << 16 | units.first);
-  const Reg whole = Vector::Set32(units.whole);
-  const Reg missing = Vector::Set16(32768 - units.Of(count));
-  const auto divide = [missing](Reg a, Reg b) LMX_EXPANDED {
-    const Reg rest = Vector::Set32(32767);
+// A box of three runs or more, of U = 32768 - e units, e at most kMostMissing. With a sum of H 32768 + L, which is
+// H U + (H e + L), the quotient is H, 0 to 255, and one more where H e + L reaches U; twice U it cannot reach, and with e
+// added, 255 e + 32767 + e, it stays in 16 bits.
+class Average {
+ public:
+  Average(const Box& box, const BoxUnits& units)
+      : between_(box.count - 2),
+        ends_(Vector::Set32(box.last << 16 | box.first)),
+        whole_(Vector::Set32(units.ofRun)),
+        missing_(Vector::Set16(kWholeBox - units.ofBox)) {}
+
+  template <class Pixels>
+  LMX_EXPAND Reg operator()(const uint8_t* const* runs, size_t i, const Pixels& pixels) const {
+    const Reg first = pixels.Load(runs[0] + 4 * i), last = pixels.Load(runs[between_ + 1] + 4 * i);
+    const Quarters ends = WeightedBytes(first, last, ends_);
+    const Quarters inside = Weighted(SumRuns(runs + 1, between_, i, pixels), whole_);
+    const auto sum = [&](size_t q) { return Vector::Add32(ends.of[q], inside.of[q]); };
+    return Pack({Quotient(sum(0), sum(1)), Quotient(sum(2), sum(3))});
+  }
+
+ private:
+  LMX_EXPAND Reg Quotient(Reg a, Reg b) const {
+    const Reg low = Vector::Set32(32767);
     const Reg high = Vector::Pack32(Vector::Right32<15>(a), Vector::Right32<15>(b));
-    return DivideByUnits(high, Vector::Pack32(Vector::And(a, rest), Vector::And(b, rest)), missing);
-  };
-  BoxRegisters<From, To, Stores>(to, runs, count, units, n, [&](size_t i, Reg* out) LMX_EXPANDED {
-    Reg first, last;
-    Channels between;
-    if (!From::Read(Vector::Load(runs[0] + 4 * i), &first)) return false;
-    if (!From::Read(Vector::Load(runs[count - 1] + 4 * i), &last)) return false;
-    if (!SumRuns<From>(runs + 1, count - 2, i, &between)) return false;
-    const Quarters sums = Sum(WeightedBytes(first, last, ends), Weighted(between, whole));
-    *out = To::Write(Pack({divide(sums.of[0], sums.of[1]), divide(sums.of[2], sums.of[3])}));
-    return true;
-  });
-}
+    const Reg rest = Vector::Add16(Vector::Pack32(Vector::And(a, low), Vector::And(b, low)), missing_);
+    return Vector::Add16(high, Vector::Right16<15>(Vector::Add16(rest, Vector::MulLow16(high, missing_))));
+  }
 
-template <class From, class To, class Stores>
-void Box(uint8_t* to, const uint8_t* const* runs, size_t count, const BoxUnits* units, size_t n) {
-  const uint32_t all = units->Of(count);
-  if (all < 32768 - kMostMissing) {
-    for (size_t i = 0; i < n; ++i) BoxOne<From, To>(to, runs, count, *units, i);
-  } else if (count > 2) {
-    AverageRuns<From, To, Stores>(to, runs, count, *units, n);
-  } else if (all == 32768) {
-    MixRuns<From, To, Stores, WholeMixPart>(to, runs, *units, n);
-  } else {
-    MixRuns<From, To, Stores, MixPart>(to, runs, *units, n);
+  size_t between_;
+  Reg ends_;
+  Reg whole_;
+  Reg missing_;
+};
+
+// --------------------------------------------------------------------------------------------------------------- runs
+
+// Working pixels of a whole register.
+struct AllColumns {
+  LMX_EXPAND static Reg Load(const uint8_t* p) { return Vector::Load(p); }
+};
+
+// Of n columns, 1 to kWide. The others read as opaque, so that they do not keep a register from being opaque.
+class FirstColumns {
+ public:
+  LMX_EXPAND explicit FirstColumns(size_t n) : n_(n) {
+    uint8_t bytes[sizeof(Reg)];
+    Vector::Store(bytes, Vector::Set32(0xFFFFFFFF));
+    if (n > 0) beyond_ = Vector::Xor(Vector::LoadFirst(bytes, n), Vector::Set32(0xFFFFFFFF));
+  }
+  LMX_EXPAND Reg Load(const uint8_t* p) const { return Vector::Or(Vector::LoadFirst(p, n_), beyond_); }
+  LMX_EXPAND void Store(uint8_t* p, Reg a) const { Vector::StoreFirst(p, n_, a); }
+
+ private:
+  size_t n_;
+  Reg beyond_ = Vector::Zero();
+};
+
+// Makes runs of n pixels, of which average(i, pixels) gives the working pixels from pixel i on.
+template <class To, class Stores>
+class Runs {
+ public:
+  LMX_EXPAND explicit Runs(size_t n) : n_(n), rest_(n % kWide) {}
+
+  template <class OfRegister>
+  LMX_EXPAND void Make(uint8_t* to, const OfRegister& average) const {
+    size_t i = Stores::Ahead(to, n_);
+    if (i > 0) return MakeFrom(i, to, average);
+    for (; i + kWide <= n_; i += kWide) Stores::Store(to + 4 * i, To::Write(average(i, AllColumns())));
+    if (i < n_) rest_.Store(to + 4 * i, To::Write(average(i, rest_)));
+  }
+
+ private:
+  // The first `ahead` pixels with ordinary stores.
+  template <class OfRegister>
+  LMX_EXPAND void MakeFrom(size_t ahead, uint8_t* to, const OfRegister& average) const {
+    const auto part = [&](size_t from, size_t end) LMX_EXPANDED {
+      for (size_t i = from; i < end; i += kWide) {
+        const FirstColumns first(end - i < kWide ? end - i : kWide);
+        first.Store(to + 4 * i, To::Write(average(i, first)));
+      }
+    };
+    part(0, ahead);
+    size_t i = ahead;
+    for (; i + kWide <= n_; i += kWide) Stores::Store(to + 4 * i, To::Write(average(i, AllColumns())));
+    part(i, n_);
+  }
+
+  size_t n_;
+  FirstColumns rest_;
+};
+
+// Less than a register of each run.
+template <class To>
+class Strip {
+ public:
+  LMX_EXPAND explicit Strip(size_t n) : columns_(n) {}
+  template <class OfRegister>
+  LMX_EXPAND void Make(uint8_t* to, const OfRegister& average) const {
+    columns_.Store(to, To::Write(average(0, columns_)));
+  }
+
+ private:
+  FirstColumns columns_;
+};
+
+template <class Made>
+LMX_EXPAND void MakeBoxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits& units, size_t count,
+                          const Made& made) {
+  const uint32_t excess = Mix::Excess(units.ofBox);
+  const auto mixed = [&](const auto& mix) LMX_EXPANDED {
+    return [&](size_t i, const auto& pixels)
+               LMX_EXPANDED { return mix(pixels.Load(runs[0] + 4 * i), pixels.Load(runs[1] + 4 * i)); };
+  };
+  BoxWalk walk(units);
+  for (size_t row = 0; row < count; ++row) {
+    const Box box = walk.Next();
+    if (box.count == 1) {
+      made.Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return pixels.Load(runs[0] + 4 * i); });
+    } else if (box.count == 2 && units.ofBox == kWholeBox) {
+      made.Make(to[row], mixed(WholeMix(box)));
+    } else if (box.count == 2) {
+      made.Make(to[row], mixed(Mix(box, excess)));
+    } else {
+      const Average average(box, units);
+      made.Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return average(runs, i, pixels); });
+    }
+    runs += box.advance;
   }
 }
 
-// Registers of pixels have their sums in four registers of quarters, the pixels that are left over in channels.
-template <class From>
+template <class To, class Stores>
+void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count, size_t n) {
+  if (n == 0) return;
+  if (n < kWide) return MakeBoxes(to, runs, *units, count, Strip<To>(n));
+  MakeBoxes(to, runs, *units, count, Runs<To, Stores>(n));
+}
+
+// ---------------------------------------------------------------------------------------------------- averages in steps
+
+// Calls step(i, pixels) for every register of n pixels, the last one in part.
+template <class Step>
+LMX_EXPAND void ForRegisters(size_t n, const Step& step) {
+  size_t i = 0;
+  for (; i + kWide <= n; i += kWide) step(i, AllColumns());
+  if (i < n) step(i, FirstColumns(n - i));
+}
+
+// A register of pixels has its sums in four registers of quarters.
+static_assert(kBoxSumsStep % kWide == 0);
+
 void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
   const Reg weight = Vector::Set32(units);
-  size_t i = 0;
-  for (; i + kWide <= n; i += kWide) {
-    Channels channels;
-    if (!SumRuns<From>(runs, count, i, &channels)) {
-      // By way of working pixels, in the order of the others.
-      channels = {Vector::Zero(), Vector::Zero()};
-      for (size_t run = 0; run < count; ++run) {
-        uint32_t pixels[kWide];
-        for (size_t j = 0; j < kWide; ++j) pixels[j] = From::ReadOne(runs[run] + 4 * (i + j));
-        const Channels more = Unpack(Vector::Load(pixels));
-        channels = {Vector::Add16(channels.low, more.low), Vector::Add16(channels.high, more.high)};
-      }
-    }
-    const Quarters added = Weighted(channels, weight);
+  ForRegisters(n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+    const Quarters added = Weighted(SumRuns(runs, count, i, pixels), weight);
     for (size_t q = 0; q < 4; ++q) {
       uint32_t* const sum = sums + 4 * i + q * kWide;
       Vector::Store(sum, Vector::Add32(Vector::Load(sum), added.of[q]));
     }
-  }
-  for (; i < n; ++i) {
-    for (size_t run = 0; run < count; ++run) {
-      LMX_Pixel::AddToBox(sums + 4 * i, From::ReadOne(runs[run] + 4 * i), units);
-    }
-  }
+  });
 }
 
-// With M = ceil(2^40 / units), sum M >> 40 is sum / units for every sum below 2^23, since M units - 2^40 < 2^15. Of fewer
-// units M does not fit in 32 bits.
-constexpr uint32_t kFewestWideUnits = 257;
-
+// With M = ceil(2^40 / units), sum M >> 40 is sum / units for every sum below 2^23, since M units - 2^40 < 2^15. M has 26
+// bits.
 template <class To>
 void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
-  const Reg factor = Vector::Set32(
-      static_cast<uint32_t>(((1ull << 40) + units - 1) / (units < kFewestWideUnits ? kFewestWideUnits : units)));
-  const auto quotient = [&](Reg sum) LMX_EXPANDED {
+  const Reg factor = Vector::Set32(static_cast<uint32_t>(((1ull << 40) + units - 1) / units));
+  const auto quotient = [&](size_t at) LMX_EXPANDED {
+    const Reg sum = Vector::Load(sums + at);
     const Reg even = Vector::Right64<40>(Vector::MulEven32(sum, factor));
     const Reg odd = Vector::Right64<40>(Vector::MulEven32(Vector::Right64<32>(sum), factor));
     return Vector::Or(even, Vector::Left64<32>(odd));
   };
-  size_t i = 0;
-  for (; i + kWide <= n; i += kWide) {
-    Reg quarters[4];
-    for (size_t q = 0; q < 4; ++q) {
-      if (units < kFewestWideUnits) {
-        uint32_t quotients[kWide];
-        for (size_t j = 0; j < kWide; ++j) quotients[j] = sums[4 * i + q * kWide + j] / units;
-        quarters[q] = Vector::Load(quotients);
-      } else {
-        quarters[q] = quotient(Vector::Load(sums + 4 * i + q * kWide));
-      }
-    }
-    const Reg low = Vector::Pack32(quarters[0], quarters[1]), high = Vector::Pack32(quarters[2], quarters[3]);
-    Vector::Store(to + 4 * i, To::Write(Pack({low, high})));
-  }
-  for (; i < n; ++i) To::WriteOne(to + 4 * i, LMX_Pixel::BoxAverage(sums + 4 * i, units));
+  Runs<To, Cached>(n).Make(to, [&](size_t i, const auto&) LMX_EXPANDED {
+    const Reg low = Vector::Pack32(quotient(4 * i), quotient(4 * i + kWide));
+    return Pack({low, Vector::Pack32(quotient(4 * i + 2 * kWide), quotient(4 * i + 3 * kWide))});
+  });
 }
 
-template <class From, class To>
+// --------------------------------------------------------------------------------------------------------------- halves
+
+// Written in a form, and read again.
+template <class Form>
+LMX_EXPAND Reg Through(Reg working) {
+  Reg read = working;
+  Form::Read(Form::Write(working), &read);  // what was written is well-formed
+  return read;
+}
+
+template <class From, class ThroughForm>
 LMX_EXPAND void HalveOne(uint8_t* to, const uint8_t* from) {
   uint32_t sums[4] = {};
   LMX_Pixel::AddToBox(sums, From::ReadOne(from), 1);
   LMX_Pixel::AddToBox(sums, From::ReadOne(from + 4), 1);
-  To::WriteOne(to, LMX_Pixel::BoxAverage(sums, 2));
+  uint8_t stored[4];
+  ThroughForm::WriteOne(stored, LMX_Pixel::BoxAverage(sums, 2));
+  LMX_Pixel::Store(to, ThroughForm::ReadOne(stored));
 }
 
-// Truncated means: Average8 rounds up.
-template <class From, class To>
+template <class Form>
+constexpr bool kIsContext = false;
+template <>
+constexpr bool kIsContext<ContextForm> = true;
+
+// The means of a register of pairs; false when a pixel needs its definition. Average8 rounds up.
+template <class From, class ThroughForm>
+LMX_EXPAND bool HalveWide(Reg first, Reg second, Reg* out) {
+  Reg even = Vector::EvenPixels(first, second), odd = Vector::OddPixels(first, second);
+  const auto mean = [&] {
+    const Reg roundedUp = Vector::And(Vector::Xor(even, odd), Vector::Set32(0x01010101));
+    return Vector::Sub8(Vector::Average8(even, odd), roundedUp);
+  };
+  if (kIsContext<From> && Vector::HasBits(Vector::And(first, second), Vector::Set32(ContextForm::kAlpha))) {
+    *out = Vector::SwapBytes(mean());
+    return true;
+  }
+  if (!From::Read(even, &even) || !From::Read(odd, &odd)) return false;
+  *out = Through<ThroughForm>(mean());
+  return true;
+}
+
+template <class From, class ThroughForm>
 void Halve(uint8_t* to, const uint8_t* from, size_t n) {
   size_t i = 0;
-  for (; i + kWide <= n; i += kWide) {
-    const Reg first = Vector::Load(from + 8 * i), second = Vector::Load(from + 8 * i + 4 * kWide);
-    Reg even, odd;
-    if (From::Read(Vector::EvenPixels(first, second), &even) && From::Read(Vector::OddPixels(first, second), &odd)) {
-      const Reg roundedUp = Vector::And(Vector::Xor(even, odd), Vector::Set32(0x01010101));
-      Vector::Store(to + 4 * i, To::Write(Vector::Sub8(Vector::Average8(even, odd), roundedUp)));
+  const auto one = [&](size_t end) {
+    for (; i < end; ++i) HalveOne<From, ThroughForm>(to + 4 * i, from + 8 * i);
+  };
+  Reg out;
+  while (i + kWide <= n) {
+    const uint8_t* const pairs = from + 8 * i;
+    if (HalveWide<From, ThroughForm>(Vector::Load(pairs), Vector::Load(pairs + 4 * kWide), &out)) {
+      Vector::Store(to + 4 * i, out);
+      i += kWide;
     } else {
-      for (size_t j = i; j < i + kWide; ++j) HalveOne<From, To>(to + 4 * j, from + 8 * j);
+      one(i + kWide);
     }
   }
-  for (; i < n; ++i) HalveOne<From, To>(to + 4 * i, from + 8 * i);
+  const size_t rest = n - i;
+  if (rest == 0) return;
+  const uint8_t* const pairs = from + 8 * i;
+  const Reg first = Vector::LoadFirst(pairs, 2 * rest < kWide ? 2 * rest : kWide);
+  const Reg second = 2 * rest > kWide ? Vector::LoadFirst(pairs + 4 * kWide, 2 * rest - kWide) : Vector::Zero();
+  if (HalveWide<From, ThroughForm>(first, second, &out)) {
+    Vector::StoreFirst(to + 4 * i, rest, out);
+  } else {
+    one(n);
+  }
 }
 
 }  // namespace

@@ -103,6 +103,12 @@ Pixels EveryChannel() {
   return Opaque(channels);
 }
 
+// The same as working pixels.
+Pixels Working(Pixels opaque) {
+  for (std::uint32_t& pixel : opaque) pixel |= 0xFF000000;
+  return opaque;
+}
+
 // All distances of two channels with all weights, of units at which the arithmetic changes and of some others.
 TEST(AllDistancesAndWeights, BoxOfTwo) {
   const std::vector<NamedKernels> levels = LevelsHere();
@@ -111,15 +117,17 @@ TEST(AllDistancesAndWeights, BoxOfTwo) {
     first.push_back(i | 255 << 8 | (255 - i) << 16);
     second.push_back(0 | i << 8 | 255 << 16);
   }
-  const std::uint8_t* const runs[] = {Bytes(std::as_const(first)), Bytes(std::as_const(second))};
+  const Pixels workingFirst = Working(first), workingSecond = Working(second);
+  const std::uint8_t* const runs[] = {Bytes(workingFirst), Bytes(workingSecond)};
   Pixels expected(first.size()), actual(first.size());
-  for (const std::uint32_t units : {32768u, 32767u, 32766u, 32740u, 32704u, 32703u, 20000u, 257u, 3u, 2u}) {
-    const std::uint32_t step = units > 32766 || units < 300 ? 1 : 13;
+  std::uint8_t* const to = Bytes(actual);
+  for (const std::uint32_t units : {32768u, 32767u, 32766u, 32740u, 32705u, 32704u}) {
+    const std::uint32_t step = units > 32766 || units == 32704 ? 1 : 13;
     for (std::uint32_t last = 1; last < units; last += step) {
       for (std::size_t i = 0; i < first.size(); ++i) expected[i] = plain::Mix(first[i], second[i], last, units);
-      const BoxUnits box = {units - last, 0, last};
+      const BoxUnits box = {std::max(units - last, last), units, units - last};
       for (const NamedKernels& level : levels) {
-        level.kernels.box[kBufferForm][kBufferForm](Bytes(actual), runs, 2, &box, actual.size());
+        level.kernels.boxes[kBufferForm](&to, runs, &box, 1, actual.size());
         ASSERT_TRUE(SameRun(first, expected, actual, level.level)) << last << " of " << units;
       }
     }
@@ -127,26 +135,54 @@ TEST(AllDistancesAndWeights, BoxOfTwo) {
 }
 
 // A constant colour stays what it is, whatever the units.
-TEST(AllUnitsOfManyRuns, BoxOfOneColour) {
+TEST(AllUnitsOfManyRuns, BoxesOfOneColour) {
   const std::vector<NamedKernels> levels = LevelsHere();
-  const Pixels colours = EveryChannel();
+  const Pixels colours = EveryChannel(), working = Working(colours);
   Pixels actual(colours.size());
-  const std::vector<const std::uint8_t*> runs(kMostBoxRuns, Bytes(colours));
-  for (std::uint32_t whole = 1; whole <= 16000; whole += whole < 1200 ? 1 : 97) {
-    const std::uint32_t count = std::min<std::uint32_t>(2 + 32700 / whole, kMostBoxRuns);
-    const std::uint32_t ends = std::min(32768 - (count - 2) * whole, 2 * whole);
-    for (std::uint32_t first = 1; first < ends; first += 1 + ends / 5) {
-      const BoxUnits box = {first, whole, ends - first};
-      for (const NamedKernels& level : levels) {
-        level.kernels.box[kBufferForm][kBufferForm](Bytes(actual), runs.data(), count, &box, actual.size());
-        ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << count << " runs, " << first << ", " << whole;
+  std::uint8_t* const to = Bytes(actual);
+  const std::vector<const std::uint8_t*> runs(kMostBoxRuns, Bytes(working));
+  for (std::uint32_t ofRun = 32768 / (kMostBoxRuns - 2) + 1; ofRun <= 32768; ofRun += ofRun < 1200 ? 1 : 97) {
+    for (const std::uint32_t ofBox : {32768u, 32767u, 32750u, 32704u}) {
+      for (std::uint32_t left = 1; left <= ofRun; left += 1 + ofRun / 5) {
+        const BoxUnits box = {ofRun, ofBox, left};
+        for (const NamedKernels& level : levels) {
+          level.kernels.boxes[kBufferForm](&to, runs.data(), &box, 1, actual.size());
+          ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << ofRun << ", " << ofBox << ", " << left;
+        }
       }
     }
   }
 }
 
-// All units: a colour of which everything was taken is the highest sum that still gives it, with one unit of the next
-// darker one it is the lowest that gives the darker one.
+// An average may go where a run was that no later box has: one for another, if a box takes no less than a run has.
+TEST(Boxes, MayTakeThePlaceOfTheirRuns) {
+  constexpr std::size_t kRuns = 20, kMost = 100;
+  Random random(3);
+  Pixels pixels(kRuns * kMost);
+  for (std::uint32_t& pixel : pixels) pixel = random.Word();
+  for (const NamedKernels& level : LevelsHere()) {
+    for (const BoxUnits& box :
+         {BoxUnits{29491, 32767, 29491}, {32768, 32768, 32768}, {16384, 32768, 16384}, {9000, 32750, 4000}}) {
+      for (const std::size_t n : std::vector<std::size_t>{1, 7, 16, 33, kMost}) {
+        const std::size_t count = (kRuns - 1) * box.ofRun / box.ofBox;
+        Pixels apart(kRuns * kMost), inPlace = pixels;
+        const std::uint8_t* runs[kRuns];
+        std::uint8_t* to[kRuns];
+        for (std::size_t i = 0; i < kRuns; ++i) {
+          runs[i] = Bytes(std::as_const(pixels)) + 4 * i * n;
+          to[i] = Bytes(apart) + 4 * i * n;
+        }
+        level.kernels.boxes[kWorkingForm](to, runs, &box, count, n);
+        for (std::size_t i = 0; i < kRuns; ++i) runs[i] = to[i] = Bytes(inPlace) + 4 * i * n;
+        level.kernels.boxes[kWorkingForm](to, runs, &box, count, n);
+        EXPECT_EQ(std::memcmp(inPlace.data(), apart.data(), 4 * count * n), 0) << level.level << ", " << n;
+      }
+    }
+  }
+}
+
+// All units of a box: a colour of which everything was taken is the highest sum that still gives it, with one unit of the
+// next darker one it is the lowest that gives the darker one.
 TEST(AllUnits, AverageBoxes) {
   const std::vector<NamedKernels> levels = LevelsHere();
   const Pixels colours = EveryChannel();
@@ -154,17 +190,21 @@ TEST(AllUnits, AverageBoxes) {
   for (std::uint32_t& pixel : darker) {
     for (int shift = 0; shift < 24; shift += 8) pixel -= (pixel >> shift & 0xFF) > 0 ? 1u << shift : 0;
   }
-  const std::uint8_t* const run = Bytes(colours);
-  const std::uint8_t* const darkerRun = Bytes(std::as_const(darker));
-  for (std::uint32_t units = 1; units < 32768; ++units) {
+  const Pixels workingColours = Working(colours), workingDarker = Working(darker);
+  const std::uint8_t* const run = Bytes(workingColours);
+  const std::uint8_t* const darkerRun = Bytes(workingDarker);
+  for (std::uint32_t units = kWholeBox - kMostMissing; units <= kWholeBox; ++units) {
     for (const NamedKernels& level : levels) {
       Pixels sums(4 * colours.size());
-      level.kernels.addToBoxes[kBufferForm](sums.data(), &run, 1, units, colours.size());
+      level.kernels.addToBoxes(sums.data(), &run, 1, units - 1, colours.size());
+      level.kernels.addToBoxes(sums.data(), &run, 1, 1, colours.size());
       level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units, colours.size());
       ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << "units " << units;
-      level.kernels.addToBoxes[kBufferForm](sums.data(), &darkerRun, 1, 1, colours.size());
-      level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units + 1, colours.size());
-      ASSERT_TRUE(SameRun(colours, darker, actual, level.level)) << "units " << units << " + 1";
+      std::fill(sums.begin(), sums.end(), 0);
+      level.kernels.addToBoxes(sums.data(), &run, 1, units - 1, colours.size());
+      level.kernels.addToBoxes(sums.data(), &darkerRun, 1, 1, colours.size());
+      level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units, colours.size());
+      ASSERT_TRUE(SameRun(colours, darker, actual, level.level)) << "units " << units << ", one of the next";
     }
   }
 }
@@ -174,7 +214,7 @@ TEST(AllPairsOfChannels, Halve) {
   for (std::uint32_t a = 0; a < 256; ++a) {
     for (std::uint32_t b = 0; b < 256; ++b) {
       pairs.insert(pairs.end(), {a | b << 8 | a << 16, b | a << 8 | 255 << 16});
-      expected.push_back((a + b) / 2 | (a + b) / 2 << 8 | (a + 255) / 2 << 16);
+      expected.push_back((a + b) / 2 | (a + b) / 2 << 8 | (a + 255) / 2 << 16 | 0xFF000000);
     }
   }
   for (const NamedKernels& level : LevelsHere()) {

@@ -1,5 +1,6 @@
 #include "KernelCases.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -38,10 +39,6 @@ constexpr Operand kRows = form == kContextForm  ? Operand::ContextRows
                           : form == kBufferForm ? Operand::BufferRows
                                                 : Operand::WorkingRows;
 
-template <PixelForm form>
-constexpr Operand kRuns = form == kContextForm  ? Operand::ContextRuns
-                          : form == kBufferForm ? Operand::BufferRuns
-                                                : Operand::WorkingRuns;
 template <PixelForm form>
 constexpr Operand kPairs = form == kContextForm ? Operand::ContextPairs : Operand::BufferPairs;
 
@@ -198,6 +195,7 @@ std::uint32_t BoxOf(const std::vector<std::uint32_t>& units, PixelOfRun pixel) {
   for (int k = 0; k < 4; ++k) {
     std::uint64_t sum = 0, all = 0;
     for (std::size_t run = 0; run < units.size(); ++run) {
+      if (units[run] == 0) continue;
       sum += std::uint64_t{Channel(pixel(run), k)} * units[run];
       all += units[run];
     }
@@ -206,72 +204,88 @@ std::uint32_t BoxOf(const std::vector<std::uint32_t>& units, PixelOfRun pixel) {
   return average;
 }
 
-std::vector<std::uint32_t> UnitsOfRuns(const KernelArguments& a) {
-  std::vector<std::uint32_t> units(a.count, a.box.whole);
-  units.front() = a.box.first;
-  units.back() = a.box.last;
+// What box `box` takes of each run: run r has the units from r ofRun on, the box those from its place on.
+std::vector<std::uint32_t> UnitsOfRuns(const KernelArguments& a, std::size_t box) {
+  const std::int64_t begin = std::int64_t{a.box.ofRun} - a.box.left + static_cast<std::int64_t>(box) * a.box.ofBox;
+  std::vector<std::uint32_t> units;
+  for (std::size_t run = 0; run < a.runs; ++run) {
+    const std::int64_t at = static_cast<std::int64_t>(run) * a.box.ofRun;
+    const std::int64_t taken = std::min(begin + a.box.ofBox, at + a.box.ofRun) - std::max(begin, at);
+    units.push_back(static_cast<std::uint32_t>(std::max<std::int64_t>(taken, 0)));
+  }
   return units;
 }
 
-template <PixelForm from, PixelForm to>
-void DefineBox(const KernelCall& c) {
-  const std::vector<std::uint32_t> units = UnitsOfRuns(c.arguments);
+template <PixelForm to>
+void DefineBox(const KernelCall& c, std::size_t box) {
+  const std::vector<std::uint32_t> units = UnitsOfRuns(c.arguments, box);
   ForEachPixel(c, [&](std::size_t i) {
-    WriteOne<to>(OutBytes(c) + 4 * i, BoxOf(units, [&](std::size_t run) {
-                   return ReadOne<from>(InBytes(c) + 4 * (run * c.arguments.stride + i));
+    WriteOne<to>(OutBytes(c) + 4 * (box * c.arguments.stride + i), BoxOf(units, [&](std::size_t run) {
+                   return LMX_Pixel::Load(InBytes(c) + 4 * (run * c.arguments.stride + i));
                  }));
   });
 }
 
-template <PixelForm from, PixelForm to>
-KernelCase BoxCase(const char* name) {
+template <PixelForm to>
+KernelCase BoxesCase(const char* name) {
   return {name,
-          Slot(offsetof(RunKernels, box), from, to),
-          kRun<to>,
+          Slot(offsetof(RunKernels, boxes), to),
+          Operand::Averages,
           false,
-          {{kRuns<from>, false}},
+          {{Operand::WorkingRuns, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            const auto runs = Addresses<const std::uint8_t>(InBytes(c), c.arguments.stride, c.arguments.count);
-            k.box[from][to](OutBytes(c), runs.data(), runs.size(), &c.arguments.box, c.arguments.n);
+            const KernelArguments& a = c.arguments;
+            const auto runs = Addresses<const std::uint8_t>(InBytes(c), a.stride, a.runs);
+            const auto averages = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.count);
+            k.boxes[to](averages.data(), runs.data(), &a.box, a.count, a.n);
           },
-          DefineBox<from, to>};
+          [](const KernelCall& c) {
+            for (std::size_t box = 0; box < c.arguments.count; ++box) DefineBox<to>(c, box);
+          }};
 }
 
 // The two kernels of a box in steps, as they are used: the sums are theirs.
-template <PixelForm from, PixelForm to>
+template <PixelForm to>
 KernelCase BoxInStepsCase(const char* name, std::size_t slot) {
   return {name,
           slot,
           kRun<to>,
           false,
-          {{kRuns<from>, false}},
+          {{Operand::WorkingRuns, false}},
           [](const RunKernels& k, const KernelCall& c) {
             const KernelArguments& a = c.arguments;
-            const auto runs = Addresses<const std::uint8_t>(InBytes(c), a.stride, a.count);
-            std::vector<std::uint32_t> sums(4 * a.n);
-            k.addToBoxes[from](sums.data(), runs.data(), 1, a.box.first, a.n);
-            if (a.count > 2) k.addToBoxes[from](sums.data(), runs.data() + 1, a.count - 2, a.box.whole, a.n);
-            k.addToBoxes[from](sums.data(), runs.data() + a.count - 1, 1, a.box.last, a.n);
-            k.averageBoxes[to](OutBytes(c), sums.data(), a.box.Of(a.count), a.n);
+            const auto runs = Addresses<const std::uint8_t>(InBytes(c), a.stride, a.runs);
+            const std::vector<std::uint32_t> units = UnitsOfRuns(a, 0);
+            std::vector<std::uint32_t> sums(4 * ((a.n + kBoxSumsStep - 1) / kBoxSumsStep * kBoxSumsStep));
+            for (std::size_t run = 0, same; run < a.runs; run += same) {
+              for (same = 1; run + same < a.runs && same < kMostBoxRuns && units[run + same] == units[run];) ++same;
+              const std::uint32_t some = units[run] / 2, others = units[run] - some;  // all of them may be 32768
+              if (some > 0) k.addToBoxes(sums.data(), runs.data() + run, same, some, a.n);
+              if (others > 0) k.addToBoxes(sums.data(), runs.data() + run, same, others, a.n);
+            }
+            k.averageBoxes[to](OutBytes(c), sums.data(), a.box.ofBox, a.n);
           },
-          DefineBox<from, to>};
+          [](const KernelCall& c) { DefineBox<to>(c, 0); }};
 }
 
-template <PixelForm from, PixelForm to>
+template <PixelForm from, PixelForm through>
 KernelCase HalveCase(const char* name) {
-  return {name,
-          Slot(offsetof(RunKernels, halve), from, to),
-          kRun<to>,
-          false,
-          {{kPairs<from>, false}},
-          [](const RunKernels& k, const KernelCall& c) { k.halve[from][to](OutBytes(c), InBytes(c), c.arguments.n); },
-          [](const KernelCall& c) {
-            ForEachPixel(c, [&](std::size_t i) {
-              WriteOne<to>(OutBytes(c) + 4 * i, BoxOf({1, 1}, [&](std::size_t neighbour) {
-                             return ReadOne<from>(InBytes(c) + 4 * (2 * i + neighbour));
-                           }));
-            });
-          }};
+  return {
+      name,
+      Slot(offsetof(RunKernels, halve), from, through),
+      Operand::Pixels,
+      false,
+      {{kPairs<from>, false}},
+      [](const RunKernels& k, const KernelCall& c) { k.halve[from][through](OutBytes(c), InBytes(c), c.arguments.n); },
+      [](const KernelCall& c) {
+        ForEachPixel(c, [&](std::size_t i) {
+          std::uint8_t stored[4];
+          WriteOne<through>(stored, BoxOf({1, 1}, [&](std::size_t neighbour) {
+                              return ReadOne<from>(InBytes(c) + 4 * (2 * i + neighbour));
+                            }));
+          LMX_Pixel::Store(OutBytes(c) + 4 * i, ReadOne<through>(stored));
+        });
+      }};
 }
 
 void AddColour(RGBSums* sums, std::uint32_t pixel) {
@@ -372,17 +386,13 @@ const std::vector<KernelCase>& KernelCases() {
       SumRGBCase<kBuffer>("sum_rgb_buffer"),
       SumHSVCase<kContext>("sum_hsv_context"),
       SumHSVCase<kBuffer>("sum_hsv_buffer"),
-      BoxCase<kContext, kContext>("box_context_context"),
-      BoxCase<kContext, kBuffer>("box_context_buffer"),
-      BoxCase<kBuffer, kContext>("box_buffer_context"),
-      BoxCase<kBuffer, kBuffer>("box_buffer_buffer"),
-      BoxCase<kWorking, kContext>("box_working_context"),
-      BoxCase<kWorking, kBuffer>("box_working_buffer"),
-      BoxInStepsCase<kContext, kBuffer>("add_to_boxes_context", Slot(offsetof(RunKernels, addToBoxes), kContext)),
-      BoxInStepsCase<kBuffer, kContext>("add_to_boxes_buffer", Slot(offsetof(RunKernels, addToBoxes), kBuffer)),
-      BoxInStepsCase<kWorking, kContext>("add_to_boxes_working", Slot(offsetof(RunKernels, addToBoxes), kWorking)),
-      BoxInStepsCase<kWorking, kContext>("average_boxes_context", Slot(offsetof(RunKernels, averageBoxes), kContext)),
-      BoxInStepsCase<kWorking, kBuffer>("average_boxes_buffer", Slot(offsetof(RunKernels, averageBoxes), kBuffer)),
+      BoxesCase<kContext>("boxes_context"),
+      BoxesCase<kBuffer>("boxes_buffer"),
+      BoxesCase<kWorking>("boxes_working"),
+      BoxInStepsCase<kWorking>("add_to_boxes", offsetof(RunKernels, addToBoxes)),
+      BoxInStepsCase<kContext>("average_boxes_context", Slot(offsetof(RunKernels, averageBoxes), kContext)),
+      BoxInStepsCase<kBuffer>("average_boxes_buffer", Slot(offsetof(RunKernels, averageBoxes), kBuffer)),
+      BoxInStepsCase<kWorking>("average_boxes_working", Slot(offsetof(RunKernels, averageBoxes), kWorking)),
       HalveCase<kContext, kContext>("halve_context_context"),
       HalveCase<kContext, kBuffer>("halve_context_buffer"),
       HalveCase<kBuffer, kContext>("halve_buffer_context"),

@@ -25,9 +25,8 @@ enum class Operand {
   Columns,        ///< `columns` runs of n pixels of any form, `stride` apart
   RGBTotals,      ///< RGBSums
   HSVTotals,      ///< HSVSums
-  ContextRuns,    ///< `count` stored runs, `stride` apart
-  BufferRuns,     ///< the same in the other form
-  WorkingRuns,    ///< the same, working pixels
+  WorkingRuns,    ///< `runs` runs of working pixels, `stride` apart
+  Averages,       ///< `count` runs of n pixels of any form, `stride` apart
   ContextPairs,   ///< a stored run of 2 n pixels
   BufferPairs,    ///< the same in the other form
 };
@@ -38,7 +37,8 @@ struct KernelArguments {
   std::size_t stride;
   std::size_t columns;
   std::size_t pitch;
-  std::size_t count;
+  std::size_t count;  // boxes
+  std::size_t runs;   // of which they are made
   std::uint32_t before;
   std::uint32_t fraction;
   BoxUnits box;
@@ -77,6 +77,9 @@ std::size_t AlignmentOf(Operand operand);
 
 /// Arguments for n pixels: often the edges of their ranges.
 KernelArguments MakeArguments(std::size_t n, Random& random);
+
+/// Sets the boxes, as many of them, and the runs that they have.
+void SetBoxes(const BoxUnits& units, std::size_t count, KernelArguments* arguments);
 
 /// Contents of an operand: runs that are wholly opaque, wholly clear, mostly the one or the other, well-formed and
 /// malformed, grey and coloured. `operand` can be an input, or an output that is added to.

@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr std::size_t kMostRuns = 50;  // of kMostColumns + kMostGap
+
 // What the alphas of a run are like. Kernels may treat whole blocks of the first kinds apart.
 enum class Alphas { Opaque, Clear, OpaqueAndClear, OpaqueButOne, ClearButOne, Any };
 enum class Colours { Any, Extreme, Grey };
@@ -66,10 +68,10 @@ bool IsOneOf(Operand operand, std::initializer_list<Operand> operands) {
 std::uint32_t MakePixel(Operand form, const Style& style, std::size_t i, Random& random) {
   const std::uint32_t alpha = MakeAlpha(style, i, random);
   const bool wellFormed = style.wellFormed && i != style.malformed;
-  if (IsOneOf(form, {Operand::ContextPixels, Operand::ContextRows, Operand::ContextRuns, Operand::ContextPairs})) {
+  if (IsOneOf(form, {Operand::ContextPixels, Operand::ContextRows, Operand::ContextPairs})) {
     return __builtin_bswap32(alpha << 24 | MakeColour(style, wellFormed ? alpha : 255, random));
   }
-  if (IsOneOf(form, {Operand::BufferPixels, Operand::BufferRows, Operand::BufferRuns, Operand::BufferPairs})) {
+  if (IsOneOf(form, {Operand::BufferPixels, Operand::BufferRows, Operand::BufferPairs})) {
     const std::uint32_t transparency = wellFormed ? 127 - alpha / 2 : 255 - alpha;
     return transparency << 24 | MakeColour(style, 255, random);
   }
@@ -100,22 +102,22 @@ HSVSums MakeHSVSums(Random& random) {
   return {MakeRGBSums(random), saturation, random.Below(1 << 24) / 256.0};
 }
 
-// Of two runs, or of several in which those between have as much as either end at most. Often all units together are
-// 32768 or little less, as they are in use.
-BoxUnits MakeBoxUnits(std::size_t count, Random& random) {
-  constexpr std::uint32_t kAll[] = {256, 257, 32703, 32704, 32705, 32766, 32767, 32767, 32768, 32768};
-  const std::uint32_t all = random.Below(4) != 0 ? random.OneOf(kAll) : 2 + random.Below(32767);
-  if (count == 2) {
-    const std::uint32_t firsts[] = {1, all / 2, all - 1, 1 + random.Below(all - 1)};
-    const std::uint32_t first = random.OneOf(firsts);
-    return {first, 0, all - first};
-  }
-  const std::uint32_t runs = static_cast<std::uint32_t>(count);
-  const std::uint32_t most = std::max(all, 4 * runs);
-  const std::uint32_t whole = std::min(most / (runs - 1), 1 + random.Below(most / (runs - 1)) * 2);
-  const std::uint32_t ends = std::max(2u, most - (runs - 2) * whole);
-  const std::uint32_t first = 1 + random.Below(ends - 1);
-  return {first, whole, ends - first};
+// Runs that are worth as much as a box takes, or half of it, or more, or less, down to boxes of kMostBoxRuns runs.
+BoxUnits MakeBoxUnits(Random& random) {
+  constexpr std::uint32_t kOfBox[] = {32704, 32705, 32766, 32767, 32767, 32768, 32768};
+  const std::uint32_t ofBox = random.Below(4) != 0 ? random.OneOf(kOfBox) : 32704 + random.Below(65);
+  constexpr std::uint32_t kFewest = 32768 / (kMostBoxRuns - 2) + 1;
+  const std::uint32_t ofRuns[] = {ofBox,
+                                  ofBox / 2,
+                                  3 * ofBox,
+                                  kFewest,
+                                  kFewest + random.Below(32768 - kFewest),
+                                  16384 + random.Below(16384),
+                                  16384 + random.Below(16384),
+                                  32768 + random.Below(100000)};
+  const std::uint32_t ofRun = random.OneOf(ofRuns);
+  const std::uint32_t lefts[] = {1, ofRun, ofRun - 1, 1 + random.Below(ofRun), 1 + random.Below(ofRun)};
+  return {ofRun, ofBox, random.OneOf(lefts)};
 }
 
 // `count` runs of n pixels, `stride` pixels apart.
@@ -143,9 +145,9 @@ std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
       return sizeof(RGBSums);
     case Operand::HSVTotals:
       return sizeof(HSVSums);
-    case Operand::ContextRuns:
-    case Operand::BufferRuns:
     case Operand::WorkingRuns:
+      return SizeOfRuns(arguments.runs, arguments.stride, arguments.n);
+    case Operand::Averages:
       return SizeOfRuns(arguments.count, arguments.stride, arguments.n);
     case Operand::ContextPairs:
     case Operand::BufferPairs:
@@ -162,8 +164,7 @@ std::size_t AlignmentOf(Operand operand) {
     case Operand::ContextRows:
     case Operand::BufferRows:
     case Operand::Columns:
-    case Operand::ContextRuns:
-    case Operand::BufferRuns:
+    case Operand::Averages:
     case Operand::ContextPairs:
     case Operand::BufferPairs:
       return 1;
@@ -172,6 +173,13 @@ std::size_t AlignmentOf(Operand operand) {
     default:
       return alignof(std::uint32_t);
   }
+}
+
+void SetBoxes(const BoxUnits& units, std::size_t count, KernelArguments* arguments) {
+  arguments->box = units;
+  arguments->count = count;
+  const std::uint64_t taken = std::uint64_t{units.ofRun} - units.left + std::uint64_t{units.ofBox} * count;
+  arguments->runs = static_cast<std::size_t>((taken + units.ofRun - 1) / units.ofRun);
 }
 
 KernelArguments MakeArguments(std::size_t n, Random& random) {
@@ -188,8 +196,8 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   arguments.pitch = arguments.columns + (random.Below(2) == 0 ? 0 : random.Below(kMostGap + 1));
   arguments.before = random.Word();
   arguments.fraction = MakeFraction(random);
-  arguments.count = 2 + (random.Below(4) == 0 ? random.Below(kMostBoxRuns - 1) : random.Below(4));
-  arguments.box = MakeBoxUnits(arguments.count, random);
+  SetBoxes(MakeBoxUnits(random), 1 + random.Below(8), &arguments);
+  while (arguments.runs > kMostRuns) SetBoxes(arguments.box, arguments.count - 1, &arguments);
   const std::int32_t shift = random.Below(2) == 0 ? random.OneOf(kShifts) : random.Between(-6144, 6143);
   const std::int32_t saturation = factor(), value = factor();
   arguments.hsv = {shift, saturation, value};
@@ -218,7 +226,8 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
 }
 
 bool MakeOrdinaryPixels(Operand operand, const KernelArguments& arguments, bool opaque, Random& random, void* bytes) {
-  constexpr Operand kOthers[] = {Operand::OnePixel, Operand::Columns, Operand::RGBTotals, Operand::HSVTotals};
+  constexpr Operand kOthers[] = {Operand::OnePixel, Operand::Columns, Operand::Averages, Operand::RGBTotals,
+                                 Operand::HSVTotals};
   if (std::find(std::begin(kOthers), std::end(kOthers), operand) != std::end(kOthers)) return false;
   const std::size_t count = SizeOf(operand, arguments) / 4;
   MakePixels(operand, count, {opaque ? Alphas::Opaque : Alphas::Any, Colours::Any, true, 0, count}, random, bytes);

@@ -51,7 +51,7 @@ std::string Text(const KernelArguments& a) {
   std::snprintf(text, sizeof text,
                 "stride=%zu columns=%zu pitch=%zu count=%zu before=%08x fraction=%u box={%u, %u, %u} hsv={%d, %d, %d} "
                 "rgb={%d, %d, %d}",
-                a.stride, a.columns, a.pitch, a.count, a.before, a.fraction, a.box.first, a.box.whole, a.box.last,
+                a.stride, a.columns, a.pitch, a.count, a.before, a.fraction, a.box.ofRun, a.box.ofBox, a.box.left,
                 a.hsv.hueShift, a.hsv.saturationScale, a.hsv.valueScale, a.rgb.red, a.rgb.green, a.rgb.blue);
   return text;
 }

@@ -172,13 +172,74 @@ TEST_F(RunsTest, Blends) {
         });
 }
 
+// A working pixel, written in a form and read again.
+std::uint32_t Through(PixelForm form, std::uint32_t pixel) {
+  std::uint8_t stored[4];
+  form == kContextForm ? LMX_Pixel::WriteContext(stored, pixel) : LMX_Pixel::WriteBuffer(stored, pixel);
+  return form == kContextForm ? LMX_Pixel::ReadContext(stored) : LMX_Pixel::ReadBuffer(stored);
+}
+
+std::uint8_t* Bytes(std::uint32_t* pixels) {
+  return reinterpret_cast<std::uint8_t*>(pixels);
+}
+
 TEST_F(RunsTest, Halves) {
-  Check([](const Places& at) { HalveRun(at.to, at.from, at.n); },
-        [](auto& read, std::int32_t i, std::int32_t) {
+  for (const PixelForm form : {kContextForm, kBufferForm}) {
+    Check(
+        [form](const Places& at) {
+          std::vector<std::uint32_t> working(static_cast<std::size_t>(at.n) + 1);
+          HalveRun(Bytes(working.data()), at.from, at.n, form);
+          WriteRun(at.to.picture, at.to.x, at.to.y, at.n, working.data());
+        },
+        [form](auto& read, std::int32_t i, std::int32_t) {
           std::uint32_t sums[4] = {};
           for (const std::int32_t j : {2 * i, 2 * i + 1}) LMX_Pixel::AddToBox(sums, read(j), 1);
-          return LMX_Pixel::BoxAverage(sums, 2);
+          return Through(form, LMX_Pixel::BoxAverage(sums, 2));
         });
+  }
+}
+
+// Rows of a picture as runs of its columns, wherever they lie; and runs as columns of another one, in both ways in which it
+// can keep them.
+TEST_F(RunsTest, ColumnsAreRuns) {
+  Random random(5);
+  std::uint32_t pixels[kTile][kTile];
+  std::uint8_t* columns[kTile];
+  for (std::int32_t i = 0; i < kTile; ++i) columns[i] = Bytes(pixels[i]);
+  for (int trial = 0; trial < 300; ++trial) {
+    const TestPicture source(trial % 2 != 0, random), result(trial / 2 % 2 != 0, random);
+    const std::int32_t n = random.Between(1, kTile), lines = random.Between(1, kHeight);
+    const std::int32_t x = random.OneOf({0, -3, 7, kWidth - n, kWidth - 5}), y = random.Between(-1, 1);
+    SCOPED_TRACE(testing::Message() << n << " columns of " << lines << " from (" << x << ", " << y << ")");
+    ReadColumns({*source.wrapper, x, y}, n, lines, columns);
+    for (std::int32_t i = 0; i < n; ++i) {
+      for (std::int32_t j = 0; j < lines; ++j) ASSERT_EQ(pixels[i][j], source.Read(x + i, y + j)) << i << ", " << j;
+    }
+    const PixelForm form = FormOf(*result.wrapper);
+    const bool isInside = x >= 0 && x + n <= kWidth && y >= 0 && y + lines <= kHeight;
+    for (std::int32_t i = 0; i < n; ++i) {
+      for (std::int32_t j = 0; j < lines; ++j) {
+        result.wrapper->WritePixel(columns[i] + 4 * j, pixels[i][j]);
+        pixels[i][j] = LMX_Pixel::Load(columns[i] + 4 * j);
+      }
+    }
+    std::vector<std::uint8_t> expected = result.Bytes();
+    for (const bool isWorking : {false, true}) {
+      if (isWorking && !isInside) continue;
+      for (std::int32_t i = 0; i < n; ++i) {
+        for (std::int32_t j = 0; j < lines; ++j) {
+          if (!result.Holds(x + i, y + j)) continue;
+          std::uint8_t* const at = &expected[static_cast<std::size_t>(4 * ((y + j) * kWidth + x + i))];
+          const std::uint8_t* const stored = columns[i] + 4 * j;
+          const std::uint32_t working =
+              form == kContextForm ? LMX_Pixel::ReadContext(stored) : LMX_Pixel::ReadBuffer(stored);
+          LMX_Pixel::Store(at, isWorking ? working : LMX_Pixel::Load(stored));
+        }
+      }
+      WriteColumns({*result.wrapper, x, y}, n, lines, columns, isWorking ? kWorkingForm : form);
+      ASSERT_TRUE(result.Bytes() == expected) << (isWorking ? "as working pixels" : "as it stores them");
+    }
+  }
 }
 
 TEST_F(RunsTest, SumsWhatIsInside) {

@@ -15,6 +15,7 @@
 #include "FakeHost.h"
 #include "PrivFlipRotate.h"
 #include "PrivShear.h"
+#include "PrivStretch.h"
 #include "TPQ_AdjustHSV.h"
 #include "TPQ_AdjustRGB.h"
 #include "TPQ_Errors.h"
