@@ -76,16 +76,11 @@ void AverageMany(const Boxes& boxes, std::int32_t box, const Runs& runs, std::ui
 
 // --------------------------------------------------------------------------------------------------------------- rows
 
-struct Span {
-  std::int32_t begin;
-  std::int32_t end;
-};
-
 // The columns of a band of rows, as runs of working pixels: those that are in use, read kTile at a time.
 class BandColumns {
  public:
-  BandColumns(const LMX_Picture& picture, std::int32_t y, std::int32_t lines, std::int32_t x)
-      : picture_(picture), y_(y), lines_(lines), begin_(x), end_(x) {
+  BandColumns(const LMX_Picture& picture, std::int32_t y, std::int32_t lines)
+      : picture_(picture), y_(y), lines_(lines) {
     for (std::int32_t i = 0; i < kMost; ++i) columns_[i] = reinterpret_cast<std::uint8_t*>(tile_[i]);
   }
 
@@ -108,34 +103,33 @@ class BandColumns {
   const LMX_Picture& picture_;
   std::int32_t y_;
   std::int32_t lines_;
-  std::int32_t begin_;
-  std::int32_t end_;
+  std::int32_t begin_ = 0;
+  std::int32_t end_ = 0;
   std::uint8_t* columns_[kMost];
   std::uint32_t tile_[kMost][kTile];
 };
 
-// Rows of a source, `lines` of them from y on, at most kTile, as rows of a temporary picture from `toY` on: the columns of a
-// span. `kept` is the form in which it keeps its pixels, its own one or kWorkingForm.
+// Rows of a source, `lines` of them from y on, at most kTile, as rows of a temporary picture from `toY` on. `kept` is the
+// form in which it keeps its pixels, its own one or kWorkingForm.
 LMX_OWN_FRAME void StretchRows(const LMX_Picture& source, std::int32_t y, std::int32_t lines, const Boxes& boxes,
-                               const LMX_Picture& temporary, std::int32_t toY, Span span, PixelForm kept) {
+                               const LMX_Picture& temporary, std::int32_t toY, PixelForm kept) {
   const PixelForm form = FormOf(temporary);
   if (kept == kWorkingForm && source.width == static_cast<std::int64_t>(temporary.width) * 2) {
     for (std::int32_t i = 0; i < lines; ++i) {
-      HalveRun(temporary.RowAddress(toY + i) + 4 * static_cast<std::ptrdiff_t>(span.begin),
-               {source, 2 * span.begin, y + i}, span.end - span.begin, form);
+      HalveRun(temporary.RowAddress(toY + i), {source, 0, y + i}, temporary.width, form);
     }
     return;
   }
-  BandColumns from(source, y, lines, boxes.First(span.begin));
+  BandColumns from(source, y, lines);
   std::uint32_t tile[kTile][kTile];
   std::uint8_t* columns[kTile];
   for (std::int32_t i = 0; i < kTile; ++i) columns[i] = reinterpret_cast<std::uint8_t*>(tile[i]);
   std::int32_t filled = 0;
-  for (std::int32_t x = span.begin; x < span.end;) {
+  for (std::int32_t x = 0; x < temporary.width;) {
     std::int32_t n = 1;
     if (boxes.AreSmall()) {
-      n = std::min({boxes.Of(from.End()) - x, span.end - x, kTile - filled});
-      if (n <= 0) {
+      n = std::min({boxes.Of(from.End()), temporary.width, x + kTile - filled}) - x;
+      if (n == 0) {
         from.Read(boxes.First(x));
         continue;
       }
@@ -149,7 +143,7 @@ LMX_OWN_FRAME void StretchRows(const LMX_Picture& source, std::int32_t y, std::i
     }
     x += n;
     filled += n;
-    if (filled == kTile || x == span.end) {
+    if (filled == kTile || x == temporary.width) {
       WriteColumns({temporary, x - filled, toY}, filled, lines, columns, kept);
       filled = 0;
     }
@@ -166,7 +160,7 @@ void RowPass(const LMX_Picture& source, const LMX_Picture& temporary, PixelForm 
   const std::int32_t band = BandOf(temporary.width);
   for (std::int32_t y = 0, n; y < temporary.height; y += n) {
     n = std::min(band, temporary.height - y);
-    StretchRows(source, y, n, boxes, temporary, y, {0, temporary.width}, kept);
+    StretchRows(source, y, n, boxes, temporary, y, kept);
     pace.ReportLines(n, temporary.width);
   }
 }
@@ -227,34 +221,32 @@ void ColumnPass(const LMX_Picture& temporary, PixelForm kept, const Boxes& boxes
 
 // Rows of the temporary picture that are kept while rows are made of them, kTile at a time.
 constexpr std::int32_t kKeptRows = 2 * kTile;
-// Columns that are taken through both passes, so that these rows stay in the cache.
-constexpr std::int32_t kBlock = 1024;
 
-// Rows of a picture from rows of the temporary one, of which row r is kept in row r % keptRows: those of a span.
+// Rows of a picture from rows of the temporary one, of which row r is kept in row r % keptRows.
 LMX_OWN_FRAME void AverageRows(const LMX_Picture& temporary, std::int32_t keptRows, const Boxes& boxes,
-                               const LMX_Picture& to, PixelForm form, std::int32_t y, std::int32_t count, Span span) {
-  const std::ptrdiff_t x = 4 * static_cast<std::ptrdiff_t>(span.begin);
+                               const LMX_Picture& to, PixelForm form, std::int32_t y, std::int32_t count) {
   const std::uint8_t* runs[kKeptRows];
   std::uint8_t* rows[kTile];
   const std::int32_t first = boxes.First(y), end = boxes.Needed(y + count);
-  for (std::int32_t r = first; r < end; ++r) runs[r - first] = temporary.RowAddress(r % keptRows) + x;
-  for (std::int32_t i = 0; i < count; ++i) rows[i] = to.RowAddress(y + i) + x;
-  AverageRuns(rows, form, runs, boxes.From(y), count, span.end - span.begin, &to);
+  for (std::int32_t r = first; r < end; ++r) runs[r - first] = temporary.RowAddress(r % keptRows);
+  for (std::int32_t i = 0; i < count; ++i) rows[i] = to.RowAddress(y + i);
+  AverageRuns(rows, form, runs, boxes.From(y), count, to.width, &to);
 }
 
-// Both passes over a span of columns. What is `to` may be the temporary picture, which keeps every row then.
-void StretchSpan(const LMX_Picture& source, const LMX_Picture& temporary, std::int32_t band, std::int32_t keptRows,
-                 const Boxes& across, const Boxes& down, const LMX_Picture& to, std::int32_t height, PixelForm form,
-                 Span span, YieldPace pace) {
+// Both passes, into `height` rows of a picture: that may be the temporary one, which keeps every row then. `band` rows are
+// made at a time; keptRows is a multiple of it, or every row.
+void StretchAtOnce(const LMX_Picture& source, const LMX_Picture& temporary, std::int32_t band, std::int32_t keptRows,
+                   const LMX_Picture& to, PixelForm form, std::int32_t height, YieldPace pace) {
+  const Boxes across(source.width, temporary.width), down(source.height, height);
   std::int32_t made = 0;
   for (std::int32_t y = 0; y < height;) {
     const std::int32_t count = std::min({down.Of(made), height, y + kTile}) - y;
     if (count > 0) {
-      AverageRows(temporary, keptRows, down, to, form, y, count, span);
+      AverageRows(temporary, keptRows, down, to, form, y, count);
       y += count;
     } else {
       const std::int32_t lines = std::min(band, temporary.height - made);
-      StretchRows(source, made, lines, across, temporary, made % keptRows, span, kWorkingForm);
+      StretchRows(source, made, lines, across, temporary, made % keptRows, kWorkingForm);
       made += lines;
       pace.ReportLines(lines, temporary.width);
     }
@@ -275,18 +267,14 @@ void Priv_StretchThrough(LMX_Picture& temporary, LMX_Picture& source, LMX_Pictur
     Priv_StetchVertical(temporary, result, yield);
     return;
   }
-  const Boxes across(source.width, result.width), down(source.height, result.height);
+  const Boxes down(source.height, result.height);
   const YieldPace pace(yield);
-  const std::int32_t width = result.width, height = result.height;
   if (yield <= 0 && down.AreSmall() && result.HasEveryRow()) {
-    for (std::int32_t x = 0; x < width; x += kBlock) {
-      StretchSpan(source, temporary, kTile, kKeptRows, across, down, result, height, FormOf(result),
-                  {x, std::min(x + kBlock, width)}, pace);
-    }
-  } else if (down.AreSmall() && height <= source.height) {
-    StretchSpan(source, temporary, BandOf(width), source.height, across, down, temporary, height, kWorkingForm,
-                {0, width}, pace);
-    ColumnPass(temporary, kWorkingForm, Boxes(height, height), result, pace);
+    StretchAtOnce(source, temporary, kTile, kKeptRows, result, FormOf(result), result.height, pace);
+  } else if (down.AreSmall() && result.height <= source.height) {
+    StretchAtOnce(source, temporary, BandOf(temporary.width), source.height, temporary, kWorkingForm, result.height,
+                  pace);
+    ColumnPass(temporary, kWorkingForm, Boxes(result.height, result.height), result, pace);
   } else {
     RowPass(source, temporary, kWorkingForm, pace);
     ColumnPass(temporary, kWorkingForm, down, result, pace);
