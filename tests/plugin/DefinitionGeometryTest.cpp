@@ -134,6 +134,29 @@ TEST_F(DefinitionGeometry, Stretch) {
   });
 }
 
+// Higher than a band of rows, or so wide that a band has only a few.
+TEST_F(DefinitionGeometry, StretchInBands) {
+  ForEachCase(24, [this](Random& random) {
+    const definition::Form form = support::RandomForm(random);
+    const bool isWide = OneIn(random, 4);
+    const int sourceWidth = isWide ? 4500 + random.Between(0, 900) : random.Between(60, 300);
+    const int sourceHeight = isWide ? random.Between(60, 90) : random.Between(100, 400);
+    Setting setting = support::RandomNewPictures(random);
+    setting.source = support::RandomPicture(random, form, sourceWidth, sourceHeight);
+    setting.layout = support::RandomLayout(random, form);
+    const int width = isWide ? 4200 + random.Between(0, 900) : random.Between(1, 2 * sourceWidth);
+    const int height = random.Between(1, 2 * sourceHeight);
+    const int yield = OneIn(random, 3) ? 0 : random.Between(1, 12) * height;
+    CheckCall({"Stretch",
+               true,
+               {width, height, yield},
+               [=](const StoredPicture* source, const MakePicture& make) {
+                 return definition::Stretch(source, width, height, yield, make);
+               }},
+              setting);
+  });
+}
+
 TEST_F(DefinitionGeometry, Trim) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);

@@ -1,5 +1,6 @@
 // When the geometric methods yield, by hand: a count of pixels since the last yield, tested before every line.
 
+#include <algorithm>
 #include <climits>
 #include <stdexcept>
 
@@ -115,6 +116,11 @@ TEST_P(GeometryYield, EveryPassHasItsOwnCount) {
   EXPECT_EQ(Yields("FreeRotateByShear", {Numbered(4, 3), 0.0, kClearFrame}, 9), 0 + 0 + 1 + 0);
 }
 
+// 16416 boxes of 32766 units take 32832 rows of 16383 units: the last row is left over, and counts.
+TEST_P(GeometryYield, CountsRowsThatNoBoxNeeds) {
+  EXPECT_EQ(Yields("Stretch", {Numbered(1, 32833), 1, 16416}, 1), 32832);
+}
+
 TEST_P(GeometryYield, FindsTheLinesBeforeItCompleteAndNoOther) {
   EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, false, 0, 1}), (Texts{"###/.../...", "###/###/..."}));
   EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, false, 90, 1}),
@@ -146,6 +152,25 @@ TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
     EXPECT_EQ(text, seen.back() + "/" + seen.back() + "/" + seen.back());
   }
   EXPECT_EQ(seen, expected);
+}
+
+// Windows stay alive: a temporary picture is made ahead of its yields, but not by more than 2^18 pixels.
+TEST_P(GeometryYield, FindsATemporaryPictureNotFarAhead) {
+  constexpr int kWidth = 6000, kHeight = 100;
+  int yields = 0, furthest = 0;
+  host_.onYield = [&] {
+    const auto live = support::LiveNewPictures(host_);
+    ASSERT_EQ(live.size(), 2u);
+    int rows = 0;
+    while (rows < kHeight && live[1].second.Stored(kWidth - 1, rows) != host::kUnwritten) ++rows;
+    if (++yields < kHeight) furthest = std::max(furthest, rows - yields);
+  };
+  // Columns grow: each row of the first pass is written where it belongs.
+  Run("Stretch", {Numbered(kWidth / 2, kHeight), kWidth, kHeight + 1, kWidth});
+  host_.onYield = nullptr;
+  EXPECT_GT(yields, kHeight);
+  EXPECT_GE(furthest, 8) << "bands of a few rows are slow";
+  EXPECT_LE(furthest * kWidth, 1 << 18);
 }
 
 TEST_P(GeometryYield, FindsNoPictureWhoseReaderIsDone) {
