@@ -183,6 +183,8 @@ LMX_OWN_FRAME void StretchColumns(const LMX_Picture& temporary, PixelForm kept, 
   ColumnWalk fromWalk(temporary, 0), toWalk(result, 0);
   const auto read = [&](ColumnWalk& walk, std::int32_t count) {
     ReadRuns(walk, x, n, count, kept, spareFrom, runs);
+    // Each of them is another line of the cache.
+    for (std::int32_t i = 0; i < count; ++i) __builtin_prefetch(runs[i] + 4 * (n - 1));
     return runs;
   };
   for (std::int32_t y = 0, count; y < result.height; y += count) {
