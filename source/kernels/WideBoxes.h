@@ -164,6 +164,25 @@ class Runs {
     if (i < n_) rest_.Store(to + 4 * i, To::Write(average(i, rest_)));
   }
 
+  // The same run `count` times.
+  LMX_EXPAND void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
+    for (size_t row = 0; row < count; ++row) {
+      if (Stores::Ahead(to[row], n_) == 0) continue;
+      for (row = 0; row < count; ++row) {
+        Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return pixels.Load(run + 4 * i); });
+      }
+      return;
+    }
+    size_t i = 0;
+    for (; i + kWide <= n_; i += kWide) {
+      const Reg pixels = To::Write(Vector::Load(run + 4 * i));
+      for (size_t row = 0; row < count; ++row) Stores::Store(to[row] + 4 * i, pixels);
+    }
+    if (i == n_) return;
+    const Reg pixels = To::Write(rest_.Load(run + 4 * i));
+    for (size_t row = 0; row < count; ++row) rest_.Store(to[row] + 4 * i, pixels);
+  }
+
  private:
   // The first `ahead` pixels with ordinary stores.
   template <class OfRegister>
@@ -193,6 +212,10 @@ class Strip {
   LMX_EXPAND void Make(uint8_t* to, const OfRegister& average) const {
     columns_.Store(to, To::Write(average(0, columns_)));
   }
+  LMX_EXPAND void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
+    const Reg pixels = To::Write(columns_.Load(run));
+    for (size_t row = 0; row < count; ++row) columns_.Store(to[row], pixels);
+  }
 
  private:
   FirstColumns columns_;
@@ -208,9 +231,15 @@ LMX_EXPAND void MakeBoxes(uint8_t* const* to, const uint8_t* const* runs, const 
   };
   BoxWalk walk(units);
   for (size_t row = 0; row < count; ++row) {
-    const Box box = walk.Next();
+    Box box = walk.Next();
     if (box.count == 1) {
-      made.Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return pixels.Load(runs[0] + 4 * i); });
+      const size_t first = row;
+      for (BoxWalk ahead = walk; box.advance == 0 && row + 1 < count; ++row, walk = ahead) {
+        const Box next = ahead.Next();
+        if (next.count != 1) break;
+        box = next;
+      }
+      made.Copy(to + first, row + 1 - first, runs[0]);
     } else if (box.count == 2 && units.ofBox == kWholeBox) {
       made.Make(to[row], mixed(WholeMix(box)));
     } else if (box.count == 2) {
