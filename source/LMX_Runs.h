@@ -37,6 +37,9 @@ struct PixelPosition {
   std::int32_t y;
 };
 
+/// Writes the same working pixel to n pixels of each of `rows` rows.
+void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t working);
+
 /// Runs of pixels as a picture stores them, one above another, for kernels that take several at a time: `count` runs of n
 /// pixels, in rows from.y, from.y + step, ... Each lies in the picture, if that holds all of it, else in `spare`, which has
 /// room for all of them: there it is a copy, with clear pixels for what is missing.
@@ -66,6 +69,11 @@ void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n)
 /// The same from right to left: the pixel at `to` becomes the last of the n pixels from `from` on.
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
 
+/// Makes columns x to x + n - 1 of another picture, n <= 64, to rows of `pixels` pixels: what lies along the walk. The
+/// first becomes the row `to`, its neighbours follow in steps of `rowStep`, 1 or -1.
+void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
+                   std::int32_t pixels);
+
 /// Copies with an adjustment, or as colour negatives. `to` may be the same place as `from`.
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by);
@@ -75,6 +83,19 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 /// of the one before, 0 to 65535. `to` is in another picture.
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction);
+
+/// Where the columns of a shear come from: pixel r of column c is the mix of the pixels r + down[c] and r + down[c] + 1 of
+/// its source, the first of which has the weight fraction[c] of 65535. The `down` of neighbours differ by 1 at most.
+constexpr std::int32_t kMostColumns = 16;
+struct ColumnShears {
+  std::uint32_t down[kMostColumns];
+  std::uint32_t fraction[kMostColumns];
+};
+
+/// Makes `rows` rows of n <= kMostColumns columns from those in another picture from `from` on. The pictures have all the
+/// pixels that it takes.
+void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::int32_t rows,
+                  const ColumnShears& shears);
 
 /// Makes n pixels, each the truncated mean of two neighbours of the 2 n pixels from `from` on.
 void HalveRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n);

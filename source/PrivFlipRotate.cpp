@@ -35,28 +35,17 @@ struct Turn {
   Order resultRows;
 };
 
-// A tile is kTileColumns columns of the source and as many rows of the result, kTileRows pixels of each.
-constexpr std::int32_t kTileColumns = 64;
-constexpr std::int32_t kTileRows = 64;
-
 // Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row `firstRow`; the rows of its
 // neighbours follow in steps of `rowStep`, 1 or -1.
-LMX_OWN_FRAME void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn,
-                               std::int32_t firstRow, std::int32_t rowStep, std::int32_t lines, Order rows) {
-  const auto transpose = KernelsFor(result).transpose[FormOf(source)][FormOf(result)];
-  std::uint32_t spareFrom[kTileRows * kTileColumns], spareTo[kTileColumns * kTileRows];
-  const std::uint8_t* from[kTileRows];
-  std::uint8_t* to[kTileColumns];
-  ColumnWalk walk =
+void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
+                 std::int32_t rowStep, std::int32_t lines, Order rows) {
+  const ColumnWalk walk =
       rows == Order::kForward ? ColumnWalk(source, 0) : ColumnWalk(source, source.height - 1, ColumnWalk::kUp);
-  for (std::int32_t x = 0; x < result.width; x += kTileRows) {
-    const std::int32_t n = std::min(kTileRows, result.width - x);
-    StoredRuns(walk, firstColumn, lines, n, spareFrom, from);
-    RoomForRuns({result, x, firstRow}, rowStep, n, lines, spareTo, to);
-    transpose(to, from, static_cast<std::size_t>(n), static_cast<std::size_t>(lines));
-    PutRuns({result, x, firstRow}, rowStep, n, lines, spareTo, to);
-  }
+  TransposeRuns({result, 0, firstRow}, rowStep, walk, firstColumn, lines, result.width);
 }
+
+// How many columns are turned together.
+constexpr std::int32_t kTileColumns = 64;
 
 void TurnPicture(const LMX_Picture& source, const LMX_Picture& result, const Turn& turn, long yield) {
   YieldPace pace(yield);

@@ -183,7 +183,7 @@ class RowReader {
     std::uint32_t spare[kRows * kTile];
     const std::uint8_t* from[kRows];
     StoredRuns({picture_, x_, y_}, 1, n, lines_, spare, from);
-    gRunKernels.transpose[FormOf(picture_)][kWorkingForm](groups_ + end_, from, static_cast<std::size_t>(lines_),
+    gRunKernels.transpose[FormOf(picture_)][kWorkingForm](groups_ + end_, from, static_cast<std::size_t>(lines_), 0,
                                                           static_cast<std::size_t>(n));
     x_ += n;
     end_ += static_cast<std::uint32_t>(n);
@@ -215,7 +215,7 @@ class RowWriter {
     std::uint8_t* to[kRows];
     for (std::int32_t i = 0; i < inTile_; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(tile_[i]);
     RoomForRuns({picture_, x_, y_}, 1, inTile_, lines_, spare, to);
-    KernelsFor(picture_).transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(inTile_),
+    KernelsFor(picture_).transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(inTile_), 0,
                                                                static_cast<std::size_t>(lines_));
     PutRuns({picture_, x_, y_}, 1, inTile_, lines_, spare, to);
     x_ += inTile_;

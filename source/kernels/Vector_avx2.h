@@ -15,6 +15,41 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm256_storeu_si256(static_cast<__m256i*>(p), a); }
+
+  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written; it counts as 0.
+  LMX_EXPAND static Reg LoadFirst(const void* p, size_t n) {
+    return _mm256_maskload_epi32(static_cast<const int*>(p), FirstLanes(n));
+  }
+  LMX_EXPAND static void StoreFirst(void* p, Reg a, size_t n) {
+    if (n == kPixels) return Store(p, a);
+    // A masked store takes some processors as long as dozens of others.
+    uint8_t* to = static_cast<uint8_t*>(p);
+    __m128i half = _mm256_castsi256_si128(a);
+    if (n & 4) {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), half);
+      half = _mm256_extracti128_si256(a, 1);
+      to += 16;
+    }
+    if (n & 2) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(to), half);
+      half = _mm_srli_si128(half, 8);
+      to += 8;
+    }
+    if (n & 1) LMX_Pixel::Store(to, static_cast<uint32_t>(_mm_cvtsi128_si32(half)));
+  }
+
+  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  using Lanes = __m256i;
+  LMX_EXPAND static Lanes FirstLanes(size_t n) {
+    return _mm256_cmpgt_epi32(Set32(static_cast<uint32_t>(n)), _mm256_set_epi32(7, 6, 5, 4, 3, 2, 1, 0));
+  }
+  LMX_EXPAND static Reg OnesFrom(size_t n) { return Xor(FirstLanes(n), Set32(0xFFFFFFFF)); }
+  LMX_EXPAND static Lanes EqualLanes(Reg a, Reg b) { return Equal32(a, b); }
+  // Loads these lanes, and no others, of the first n pixels at p; in `a` they are 0.
+  LMX_EXPAND static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t /*n*/) {
+    return Or(a, _mm256_maskload_epi32(static_cast<const int*>(p), lanes));
+  }
+
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm256_setzero_si256(); }

@@ -15,6 +15,21 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm512_loadu_si512(p); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm512_storeu_si512(p, a); }
+
+  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written; it counts as 0.
+  LMX_EXPAND static Reg LoadFirst(const void* p, size_t n) { return _mm512_maskz_loadu_epi32(FirstLanes(n), p); }
+  LMX_EXPAND static void StoreFirst(void* p, Reg a, size_t n) { _mm512_mask_storeu_epi32(p, FirstLanes(n), a); }
+
+  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  using Lanes = __mmask16;
+  LMX_EXPAND static Lanes FirstLanes(size_t n) { return static_cast<Lanes>(0xFFFFu >> (kPixels - n)); }
+  LMX_EXPAND static Reg OnesFrom(size_t n) { return _mm512_maskz_set1_epi32(static_cast<Lanes>(~FirstLanes(n)), -1); }
+  LMX_EXPAND static Lanes EqualLanes(Reg a, Reg b) { return _mm512_cmpeq_epi32_mask(a, b); }
+  // Loads these lanes, and no others, of the first n pixels at p; in `a` they are 0.
+  LMX_EXPAND static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t /*n*/) {
+    return _mm512_mask_loadu_epi32(a, lanes, p);
+  }
+
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm512_setzero_si512(); }

@@ -15,6 +15,37 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm_storeu_si128(static_cast<__m128i*>(p), a); }
+
+  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written; it counts as 0.
+  LMX_EXPAND static Reg LoadFirst(const void* p, size_t n) {
+    if (n == kPixels) return Load(p);
+    const uint8_t* const from = static_cast<const uint8_t*>(p);
+    const Reg last = n & 1 ? _mm_cvtsi32_si128(static_cast<int>(LMX_Pixel::Load(from + 4 * (n - 1)))) : Zero();
+    return n == 1 ? last : _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from)), last);
+  }
+  LMX_EXPAND static void StoreFirst(void* p, Reg a, size_t n) {
+    if (n == kPixels) return Store(p, a);
+    uint8_t* to = static_cast<uint8_t*>(p);
+    if (n & 2) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(to), a);
+      a = _mm_srli_si128(a, 8);
+      to += 8;
+    }
+    if (n & 1) LMX_Pixel::Store(to, static_cast<uint32_t>(_mm_cvtsi128_si32(a)));
+  }
+
+  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  using Lanes = __m128i;
+  LMX_EXPAND static Lanes FirstLanes(size_t n) {
+    return _mm_cmpgt_epi32(Set32(static_cast<uint32_t>(n)), _mm_set_epi32(3, 2, 1, 0));
+  }
+  LMX_EXPAND static Reg OnesFrom(size_t n) { return Xor(FirstLanes(n), Set32(0xFFFFFFFF)); }
+  LMX_EXPAND static Lanes EqualLanes(Reg a, Reg b) { return Equal32(a, b); }
+  // Loads these lanes of the first n pixels at p, of which all may be read; in `a` they are 0.
+  LMX_EXPAND static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t n) {
+    return Or(a, And(LoadFirst(p, n), lanes));
+  }
+
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm_stream_si128(static_cast<__m128i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm_setzero_si128(); }
