@@ -43,6 +43,17 @@ class YieldPace {
     return lines;
   }
 
+  /// For lines of a temporary picture, which nobody sees: how many may be done before they are reported, 1 to `atMost`;
+  /// and their report, which yields before every line for which that is due. Windows stay alive: the work done ahead is
+  /// never more than a band of a few megapixels' tenth.
+  static std::int32_t LinesAhead(std::int32_t pixelsPerLine, std::int32_t atMost) {
+    constexpr std::int32_t kPixelsAhead = 1 << 18;
+    return std::clamp(kPixelsAhead / std::max(pixelsPerLine, 1), 1, atMost);
+  }
+  void ReportLines(std::int32_t lines, std::int32_t pixelsPerLine) {
+    for (std::int32_t i = 0; i < lines; ++i) BeginLines(pixelsPerLine, 1);
+  }
+
   /// For workers that yield after a line: counts the lines done, and yields if due.
   void EndLines(std::int32_t lines, std::int32_t pixelsPerLine) {
     Count(lines, pixelsPerLine);

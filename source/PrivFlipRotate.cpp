@@ -120,3 +120,35 @@ void Priv_Rotate270_V(LMX_Picture& source, LMX_Picture& result, long yield) {
 void Priv_Rotate270_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
   Priv_Rotate90(source, result, yield);
 }
+
+TurnedRows::TurnedRows(LMX_Picture& source, LMX_Picture& turned, int quarter, long yield)
+    : source_(source),
+      turned_(turned),
+      quarter_(quarter),
+      isWhole_(!source.HasEveryRow() || !turned.HasEveryRow() || !turned.HasRowsOfItsOwn()) {
+  static constexpr decltype(&Priv_Rotate0) kTurns[] = {Priv_Rotate0, Priv_Rotate90, Priv_Rotate180, Priv_Rotate270};
+  if (isWhole_) {
+    kTurns[quarter](source, turned, yield);
+  } else {
+    YieldPace(yield).ReportLines(turned.height, turned.width);
+  }
+}
+
+void TurnedRows::MakeBand(std::int32_t y) {
+  const bool onItsSide = quarter_ % 2 != 0;
+  const std::int32_t most = onItsSide ? YieldPace::LinesAhead(turned_.width, kTileColumns / 2) : 1;
+  const std::int32_t n = std::min(most, turned_.height - y);
+  const std::int32_t width = turned_.width;
+  begin_ = y;
+  end_ = y + n;
+  switch (quarter_) {
+    case 0:
+      return CopyRun({turned_, 0, 0}, {source_, 0, y}, width);
+    case 1:
+      return TurnColumns(source_, turned_, y, 0, 1, n, Order::kBackward);
+    case 2:
+      return CopyRunMirrored({turned_, 0, 0}, {source_, source_.width - width, source_.height - 1 - y}, width);
+    default:
+      return TurnColumns(source_, turned_, source_.width - y - n, n - 1, -1, n, Order::kForward);
+  }
+}

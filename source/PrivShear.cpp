@@ -13,6 +13,7 @@
 #include <cmath>
 
 #include "LMX_Convert.h"
+#include "LMX_Region.h"
 #include "LMX_Runs.h"
 #include "LMX_Yield.h"
 #include "kernels/RunKernels.h"
@@ -29,32 +30,6 @@ struct Frame {
 
   std::uint32_t pixel;
 };
-
-// Where the source's lines come to lie in the result.
-struct Placement {
-  std::int32_t begin;      // result lines before this one are frame
-  std::int32_t end;        // and so are the lines from this one on
-  std::int32_t firstLine;  // the source line at `begin`
-  std::int64_t offset;     // its 16.16 position along itself
-  std::int32_t step;       // how much less the offset of each following line is
-};
-
-// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that is odd has the
-// extra pixel at the end. A positive shear leaves the last line displaced by one step, a negative one starts at 0.
-Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
-                double shear) {
-  if (std::isnan(shear)) shear = 0;
-  const std::int32_t step = TruncatedToInt(std::floor(shear * 65536.0));
-  const std::int64_t natural = static_cast<std::int64_t>(std::floor(length + lines * std::fabs(shear)));
-  Placement placement;
-  placement.begin = resultLines > lines ? (resultLines - lines) / 2 : 0;
-  placement.end = resultLines > lines ? placement.begin + lines : resultLines;
-  placement.firstLine = resultLines < lines ? (lines - resultLines) / 2 : 0;
-  placement.step = step;
-  placement.offset = (resultLength - natural) / 2 * 65536 + static_cast<std::int64_t>(step > 0 ? lines : 0) * step -
-                     static_cast<std::int64_t>(step) * placement.firstLine;
-  return placement;
-}
 
 // One line of the source in one line of the result: the image's pixels are `begin` to `end` - 1 there, and its pixel
 // `first` is the one at `begin`. Where the image is cut off at the start, its pixel before `first` takes the frame's
@@ -85,6 +60,48 @@ Line LineAt(std::int64_t offset, std::int32_t length, std::int32_t resultLength)
   return line;
 }
 
+// Where the source's lines come to lie in the result.
+struct Placement {
+  std::int32_t begin;      // result lines before this one are frame
+  std::int32_t end;        // and so are the lines from this one on
+  std::int32_t firstLine;  // the source line at `begin`
+  std::int64_t offset;     // its 16.16 position along itself
+  std::int32_t step;       // how much less the offset of each following line is
+
+  // That of a source line, of which only the pixels of a span are taken. What is before and after them is clear.
+  Line LineOf(std::int32_t line, const LineSpan& span, std::int32_t resultLength) const {
+    const std::int64_t moved = static_cast<std::int64_t>(line - firstLine) * step;
+    Line at =
+        LineAt(offset - moved + static_cast<std::int64_t>(span.begin) * 65536, span.end - span.begin, resultLength);
+    at.first += span.begin;
+    return at;
+  }
+
+  // Where an image comes to lie.
+  ImageRegion Sheared(ImageRegion image, ImageRegion::Axis along) const {
+    const double perLine = step / 65536.0;
+    image.Shear(along, static_cast<double>(offset) / 65536.0 + perLine * firstLine, perLine, begin - firstLine);
+    return image;
+  }
+};
+
+// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that is odd has the
+// extra pixel at the end. A positive shear leaves the last line displaced by one step, a negative one starts at 0.
+Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
+                double shear) {
+  if (std::isnan(shear)) shear = 0;
+  const std::int32_t step = TruncatedToInt(std::floor(shear * 65536.0));
+  const std::int64_t natural = static_cast<std::int64_t>(std::floor(length + lines * std::fabs(shear)));
+  Placement placement;
+  placement.begin = resultLines > lines ? (resultLines - lines) / 2 : 0;
+  placement.end = resultLines > lines ? placement.begin + lines : resultLines;
+  placement.firstLine = resultLines < lines ? (lines - resultLines) / 2 : 0;
+  placement.step = step;
+  placement.offset = (resultLength - natural) / 2 * 65536 + static_cast<std::int64_t>(step > 0 ? lines : 0) * step -
+                     static_cast<std::int64_t>(step) * placement.firstLine;
+  return placement;
+}
+
 // The pixel behind the image's last one, which shares it with the frame. It shifts where the others divide.
 std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame& frame) {
   const std::uint32_t beside = frame.Beside(last);
@@ -98,9 +115,10 @@ std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame&
 
 // ------------------------------------------------------------------------------------------------------------- rows
 
+// Writes `written` of a row of the result.
 void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
-              const Line& line, const Frame& frame) {
-  FillRun(result, 0, y, line.begin, frame.pixel);
+              const Line& line, const LineSpan& written, const Frame& frame) {
+  FillRun(result, written.begin, y, line.begin - written.begin, frame.pixel);
   const std::int32_t shown = line.end - line.begin;
   if (shown > 0) {
     std::uint32_t before;
@@ -114,7 +132,40 @@ void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Pictu
     ReadRun(source, line.first + shown - 1, sourceRow, 1, &last);
     FillRun(result, x++, y, 1, EdgePixel(last, line.fraction, frame));
   }
-  FillRun(result, x, y, result.width - x, frame.pixel);
+  FillRun(result, x, y, written.end - x, frame.pixel);
+}
+
+// Whether only the image of a result has to be written, because nobody sees the rest: it is clear.
+bool IsSparse(const LMX_Picture& result, const Frame& frame) {
+  return result.unlockOnRelease && frame.pixel == 0 && result.HasEveryRow() && result.HasRowsOfItsOwn();
+}
+
+// Of the source, rowOf(y) is the row in which row y is. `image` is where its image lies; it becomes that of the result.
+template <class RowOf>
+void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result, double shear,
+               unsigned int frame_color, long yield, ImageRegion& image) {
+  const Placement at = Place(source.width, source.height, result.width, result.height, shear);
+  const Frame frame(frame_color);
+  const bool isSparse = IsSparse(result, frame);
+  const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongRows) : ImageRegion(result);
+  YieldPace pace(yield);
+  for (std::int32_t y = 0; y < result.height; ++y) {
+    pace.BeginLines(result.width, 1);
+    LineSpan written = {0, result.width};
+    if (isSparse) {
+      // Whoever reads columns reads some more of them at once.
+      const LineSpan span = sheared.Along(ImageRegion::kAlongRows, y, y, ImageRegion::kWritten, result.width);
+      written = {std::max(span.begin - kMostColumns, 0), std::min(span.end + kMostColumns, result.width)};
+    }
+    if (y < at.begin || y >= at.end) {
+      FillRun(result, written.begin, y, written.end - written.begin, frame.pixel);
+      continue;
+    }
+    const std::int32_t from = at.firstLine + (y - at.begin);
+    const LineSpan read = image.Along(ImageRegion::kAlongRows, from, from, ImageRegion::kRead, source.width);
+    ShearRow(source, rowOf(from), result, y, at.LineOf(from, read, result.width), written, frame);
+  }
+  image = sheared;
 }
 
 // ---------------------------------------------------------------------------------------------------------- columns
@@ -218,50 +269,65 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
   }
 }
 
-// Columns x to x + n - 1 of the result, all frame or none.
-LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t x, std::int32_t n,
-                                const Placement& at, const Frame& frame, bool hasEveryRow) {
-  const bool isImage = x >= at.begin && x < at.end;
-  Strip strip = {{source, at.firstLine + (x - at.begin), 0}, {result, x, 0}, frame, {}};
-  for (std::int32_t i = 0; i < n && isImage; ++i) {
-    const std::int64_t offset = at.offset - static_cast<std::int64_t>(x + i - at.begin) * at.step;
-    strip.lines[i] = LineAt(offset, source.height, result.height);
+// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`.
+LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
+                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
+                                const Frame& frame, bool hasEveryRow) {
+  const std::int32_t from = at.firstLine + (x - at.begin);
+  const LineSpan read = image.Along(ImageRegion::kAlongColumns, from, from + n - 1, ImageRegion::kRead, source.height);
+  Strip strip = {{source, from, 0}, {result, x, 0}, frame, {}};
+  for (std::int32_t i = 0; i < n && x >= at.begin && x < at.end; ++i) {
+    strip.lines[i] = at.LineOf(from + i, read, result.height);
   }
-  if (hasEveryRow) return ShearStrip(strip, 0, n, 0, result.height);
-  for (std::int32_t i = 0; i < n; ++i) {
-    WalkColumn({source, strip.from.x + i, 0}, {result, x + i, 0}, strip.lines[i], frame);
-  }
+  if (hasEveryRow) return ShearStrip(strip, 0, n, written.begin, written.end);
+  for (std::int32_t i = 0; i < n; ++i) WalkColumn({source, from + i, 0}, {result, x + i, 0}, strip.lines[i], frame);
 }
 
 }  // namespace
 
 void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color,
                           long yield) {
-  const Placement at = Place(source.width, source.height, result.width, result.height, shear);
-  const Frame frame(frame_color);
-  YieldPace pace(yield);
-  std::int64_t offset = at.offset;
-  for (std::int32_t y = 0; y < result.height; ++y) {
-    pace.BeginLines(result.width, 1);
-    if (y < at.begin || y >= at.end) {
-      FillRun(result, 0, y, result.width, frame.pixel);
-    } else {
-      const Line line = LineAt(offset, source.width, result.width);
-      ShearRow(source, at.firstLine + (y - at.begin), result, y, line, frame);
-      offset -= at.step;
-    }
-  }
+  ImageRegion image(source);
+  ShearImageHorizontal(source, result, shear, frame_color, yield, image);
 }
 
 void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield) {
+  ImageRegion image(source);
+  ShearImageVertical(source, result, shear, frame_color, yield, image);
+}
+
+void ShearImageHorizontal(TurnedRows& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                          ImageRegion& image) {
+  const auto rowOf = [&](std::int32_t y) { return source.RowOf(y); };
+  ShearRows(source.Picture(), rowOf, result, shear, frame_color, yield, image);
+}
+
+void ShearImageHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                          ImageRegion& image) {
+  const auto rowOf = [](std::int32_t y) { return y; };
+  ShearRows(source, rowOf, result, shear, frame_color, yield, image);
+}
+
+void ShearImageVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                        ImageRegion& image) {
   const Placement at = Place(source.height, source.width, result.height, result.width, shear);
   const Frame frame(frame_color);
+  const bool isTemporary = result.unlockOnRelease;
+  const bool isSparse = IsSparse(result, frame);
+  const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongColumns) : ImageRegion(result);
   const bool hasEveryRow = source.HasEveryRow() && result.HasEveryRow();
   YieldPace pace(yield);
   for (std::int32_t x = 0; x < result.width;) {
     const std::int32_t regionEnd = x < at.begin ? at.begin : x < at.end ? at.end : result.width;
-    const std::int32_t columns = pace.BeginLines(result.height, std::min(kMostColumns, regionEnd - x));
-    ShearColumns(source, result, x, columns, at, frame, hasEveryRow);
-    x += columns;
+    const std::int32_t most = std::min(kMostColumns, regionEnd - x);
+    const std::int32_t n =
+        isTemporary ? YieldPace::LinesAhead(result.height, most) : pace.BeginLines(result.height, most);
+    const LineSpan written =
+        isSparse ? sheared.Along(ImageRegion::kAlongColumns, x, x + n - 1, ImageRegion::kWritten, result.height)
+                 : LineSpan{0, result.height};
+    ShearColumns(source, image, result, x, n, written, at, frame, hasEveryRow);
+    if (isTemporary) pace.ReportLines(n, result.height);
+    x += n;
   }
+  image = sheared;
 }
