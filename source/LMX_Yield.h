@@ -44,8 +44,8 @@ class YieldPace {
   }
 
   /// For lines of a temporary picture, which nobody sees: how many may be done before they are reported, 1 to `atMost`;
-  /// and their report, which yields before every line for which that is due. Windows stay alive: the work done ahead is
-  /// never more than a band of a few megapixels' tenth.
+  /// and their report, which yields before every line for which that is due. Windows stay alive: at most 2^18 pixels are
+  /// done ahead, or one line.
   static std::int32_t LinesAhead(std::int32_t pixelsPerLine, std::int32_t atMost) {
     constexpr std::int32_t kPixelsAhead = 1 << 18;
     return std::clamp(kPixelsAhead / std::max(pixelsPerLine, 1), 1, atMost);

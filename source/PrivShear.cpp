@@ -151,12 +151,9 @@ void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result
   YieldPace pace(yield);
   for (std::int32_t y = 0; y < result.height; ++y) {
     pace.BeginLines(result.width, 1);
-    LineSpan written = {0, result.width};
-    if (isSparse) {
-      // Whoever reads columns reads some more of them at once.
-      const LineSpan span = sheared.Along(ImageRegion::kAlongRows, y, y, ImageRegion::kWritten, result.width);
-      written = {std::max(span.begin - kMostColumns, 0), std::min(span.end + kMostColumns, result.width)};
-    }
+    const LineSpan written = isSparse
+                                 ? sheared.Along(ImageRegion::kAlongRows, y, y, ImageRegion::kWritten, result.width)
+                                 : LineSpan{0, result.width};
     if (y < at.begin || y >= at.end) {
       FillRun(result, written.begin, y, written.end - written.begin, frame.pixel);
       continue;
@@ -269,7 +266,8 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
   }
 }
 
-// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`.
+// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`. Rows that are near the
+// image in one column are read in all of them. What nobody wrote there comes out as far from the image again.
 LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
                                 std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
                                 const Frame& frame, bool hasEveryRow) {

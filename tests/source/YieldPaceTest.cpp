@@ -85,6 +85,29 @@ TEST_F(YieldPaceTest, ComesBeforeALine) {
   });
 }
 
+TEST_F(YieldPaceTest, ComesBeforeEachLineThatIsReported) {
+  ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
+    const std::size_t expected = Expected(Order::kYieldThenCountThenLine, yield, pixelsPerLine).size();
+    for (const std::int32_t band : {1, 3, kLines}) {
+      YieldPace pace(yield);
+      yields_.clear();
+      for (std::int32_t done = 0; done < kLines; done += band) {
+        pace.ReportLines(std::min(band, kLines - done), pixelsPerLine);
+      }
+      EXPECT_EQ(yields_.size(), expected) << band << " lines done ahead";
+    }
+  });
+}
+
+TEST_F(YieldPaceTest, AllowsABandAhead) {
+  EXPECT_EQ(YieldPace::LinesAhead(1, 16), 16);
+  EXPECT_EQ(YieldPace::LinesAhead(1 << 14, 16), 16);
+  EXPECT_EQ(YieldPace::LinesAhead((1 << 14) + 1, 16), 15);
+  EXPECT_EQ(YieldPace::LinesAhead(1 << 18, 16), 1);
+  EXPECT_EQ(YieldPace::LinesAhead(INT_MAX, 16), 1);
+  EXPECT_EQ(YieldPace::LinesAhead(0, 16), 16);
+}
+
 TEST_F(YieldPaceTest, ComesAfterALine) {
   ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
     YieldPace pace(yield);
