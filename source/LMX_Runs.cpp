@@ -128,13 +128,14 @@ void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::in
 }
 
 void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t working) {
-  std::uint8_t stored[4];
-  gRunKernels.copy[kWorkingForm][FormOf(to.picture)](stored, Bytes(&working), 1);
+  if (rows <= 0) return;
   const LMX_Picture& picture = to.picture;
   const std::int64_t first = std::max(to.x, 0);
   const std::int64_t count =
       std::min(static_cast<std::int64_t>(to.x) + n, static_cast<std::int64_t>(picture.width)) - first;
   if (count <= 0 || picture.bitsPerPixel != 32) return;
+  std::uint8_t stored[4];
+  picture.WritePixel(stored, working);
   // Pieces of rows share lines of the cache with what lies beside them.
   const auto fill = (count == picture.width ? KernelsFor(picture) : gRunKernels).fill;
   const std::int64_t end = std::min(static_cast<std::int64_t>(to.y) + rows, static_cast<std::int64_t>(picture.height));

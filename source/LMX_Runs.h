@@ -37,6 +37,22 @@ struct PixelPosition {
   std::int32_t y;
 };
 
+/// A single pixel, as ReadRun reads and WriteRun writes it.
+inline std::uint8_t* PixelAddress(const PixelPosition& at) {
+  const LMX_Picture& picture = at.picture;
+  if (at.x < 0 || at.x >= picture.width || at.y < 0 || at.y >= picture.height) return nullptr;
+  std::uint8_t* const row = picture.RowAddress(at.y);
+  return row ? row + 4 * static_cast<std::ptrdiff_t>(at.x) : nullptr;
+}
+inline std::uint32_t ReadOnePixel(const PixelPosition& at) {
+  const std::uint8_t* const pixel = PixelAddress(at);
+  return pixel ? at.picture.ReadPixel(pixel) : 0;
+}
+inline void WriteOnePixel(const PixelPosition& at, std::uint32_t working) {
+  std::uint8_t* const pixel = PixelAddress(at);
+  if (pixel) at.picture.WritePixel(pixel, working);
+}
+
 /// Writes the same working pixel to n pixels of each of `rows` rows.
 void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t working);
 

@@ -121,16 +121,14 @@ void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Pictu
   FillRun(result, written.begin, y, line.begin - written.begin, frame.pixel);
   const std::int32_t shown = line.end - line.begin;
   if (shown > 0) {
-    std::uint32_t before;
-    ReadRun(source, line.Origin(), sourceRow, 1, &before);
-    if (!line.cut) before = frame.Beside(before);
+    const std::uint32_t origin = ReadOnePixel({source, line.Origin(), sourceRow});
+    const std::uint32_t before = line.cut ? origin : frame.Beside(origin);
     BlendRun({result, line.begin, y}, {source, line.first, sourceRow}, shown, before, line.fraction);
   }
   std::int32_t x = line.end;
   if (line.fraction > 0 && x < result.width) {
-    std::uint32_t last;
-    ReadRun(source, line.first + shown - 1, sourceRow, 1, &last);
-    FillRun(result, x++, y, 1, EdgePixel(last, line.fraction, frame));
+    const std::uint32_t last = ReadOnePixel({source, line.first + shown - 1, sourceRow});
+    WriteOnePixel({result, x++, y}, EdgePixel(last, line.fraction, frame));
   }
   FillRun(result, x, y, written.end - x, frame.pixel);
 }
@@ -189,9 +187,7 @@ struct Strip {
   // Pixel `y` of a column, where walks along it stay in the picture.
   std::uint32_t PixelAt(std::int32_t column, std::int32_t y) const {
     return ::PixelAt(lines[column], y, frame, [&](std::int32_t i) {
-      std::uint32_t pixel;
-      ReadRun(from.picture, from.x + column, i, 1, &pixel);
-      return pixel;
+      return ReadOnePixel({from.picture, from.x + column, i});
     });
   }
 
@@ -213,16 +209,16 @@ void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int
 
 // Rows in which some columns are image and others are not, or meet it: each half of the columns for itself.
 void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
-  constexpr std::int32_t kFew = 3;
+  constexpr std::int32_t kFew = 4;
   if (n > kFew) {
     ShearStrip(strip, first, n / 2, top, bottom);
     ShearStrip(strip, first + n / 2, n - n / 2, top, bottom);
     return;
   }
   for (std::int32_t y = top; y < bottom; ++y) {
-    std::uint32_t pixels[kFew];
-    for (std::int32_t i = 0; i < n; ++i) pixels[i] = strip.PixelAt(first + i, y);
-    WriteRun(strip.to.picture, strip.to.x + first, y, n, pixels);
+    for (std::int32_t i = first; i < first + n; ++i) {
+      WriteOnePixel({strip.to.picture, strip.to.x + i, y}, strip.PixelAt(i, y));
+    }
   }
 }
 
@@ -258,11 +254,8 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
   }
   ColumnWalk walk(to.picture, 0);
   for (std::int32_t y = 0; y < to.picture.height; ++y, walk.Next()) {
-    FillRun(to.picture, to.x, walk.Row(), 1, PixelAt(line, y, frame, [&](std::int32_t i) {
-              std::uint32_t pixel;
-              ReadRun(from.picture, from.x, std::min(i, last), 1, &pixel);
-              return pixel;
-            }));
+    const auto read = [&](std::int32_t i) { return ReadOnePixel({from.picture, from.x, std::min(i, last)}); };
+    WriteOnePixel({to.picture, to.x, walk.Row()}, PixelAt(line, y, frame, read));
   }
 }
 
