@@ -33,6 +33,7 @@ KernelArguments OrdinaryArguments(std::size_t n, Random& random) {
   arguments.stride = n;
   arguments.columns = arguments.pitch = 16;
   SetBoxes({29491, 32767, 20000}, 9, &arguments);  // nine tenths
+  arguments.slope = std::min<std::int32_t>(19661, static_cast<std::int32_t>(65536 * kMostColumns / n));
   arguments.before = 0xFF406080;
   arguments.fraction = 20000;
   arguments.hsv = {512, 1024, 1024};

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 
 #include "HostCalls.h"
 #include "kernels/RunKernels.h"
@@ -81,6 +82,12 @@ class LMX_Picture {
       if (!RowAddress(r)) return false;
     }
     return true;
+  }
+
+  /// Whether the rows of a bitmap context do not overlap; those of a buffer are the host's word.
+  bool HasRowsOfItsOwn() const {
+    return buffer || height < 2 ||
+           std::abs(static_cast<std::int64_t>(bytesPerRow)) >= static_cast<std::int64_t>(width) * 4;
   }
 
   /// The working pixel of a stored one.

@@ -125,10 +125,25 @@ void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::i
 }
 
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t stored) {
-  const Clipped part = Clip(picture, x, y, n);
+  FillRuns({picture, x, y}, n, 1, stored);
+}
+
+void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t stored) {
+  if (rows <= 0) return;
+  const LMX_Picture& picture = to.picture;
+  const std::int64_t first = std::max(to.x, 0);
+  const std::int64_t count =
+      std::min(static_cast<std::int64_t>(to.x) + n, static_cast<std::int64_t>(picture.width)) - first;
+  if (count <= 0 || picture.bitsPerPixel != 32) return;
   // Pieces of rows share lines of the cache with what lies beside them.
-  const RunKernels& kernels = part.count == picture.width ? KernelsFor(picture) : gRunKernels;
-  kernels.fill(part.address, Bytes(&stored), Size(part.count));
+  const auto fill = (count == picture.width ? KernelsFor(picture) : gRunKernels).fill;
+  const std::int64_t end = std::min(static_cast<std::int64_t>(to.y) + rows, static_cast<std::int64_t>(picture.height));
+  for (std::int32_t y = std::max(to.y, 0); y < end; ++y) {
+    std::uint8_t* const later = y + kRowsAhead < end ? picture.RowAddress(y + kRowsAhead) : nullptr;
+    if (later) __builtin_prefetch(later + 4 * first, 1);
+    std::uint8_t* const row = picture.RowAddress(y);
+    if (row) fill(row + 4 * first, Bytes(&stored), static_cast<std::size_t>(count));
+  }
 }
 
 void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
@@ -197,6 +212,28 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
   }
 }
 
+void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
+                   std::int32_t pixels) {
+  const auto transpose = gRunKernels.transpose[FormOf(walk.Picture())][FormOf(to.picture)];
+  std::uint32_t spareFrom[kTile * kTile], spareTo[kTile * kTile];
+  const std::uint8_t* from[kTile + kRowsAhead];
+  std::uint8_t* rows[kTile];
+  for (std::int32_t i = 0; i < pixels; i += kTile) {
+    const std::int32_t part = std::min(kTile, pixels - i);
+    std::int32_t ahead = std::min(kRowsAhead, pixels - i - part);
+    if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, part + ahead, from)) {
+      walk.Skip(part);
+    } else {
+      ahead = 0;
+      StoredRuns(walk, x, n, part, spareFrom, from);
+    }
+    const PixelPosition at = {to.picture, to.x + i, to.y};
+    RoomForRuns(at, rowStep, part, n, spareTo, rows);
+    transpose(rows, from, Size(part), Size(ahead), Size(n));
+    PutRuns(at, rowStep, part, n, spareTo, rows);
+  }
+}
+
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by) {
   const auto adjust = KernelsBetween(from, to).adjustHSV[FormOf(from.picture)][FormOf(to.picture)];
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
@@ -235,6 +272,22 @@ void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n
   });
 }
 
+void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::int32_t rows,
+                  const ColumnShears& shears) {
+  constexpr std::int32_t kRows = 64;
+  const auto most = static_cast<std::int32_t>(*std::max_element(shears.down, shears.down + n));
+  const auto blend = gRunKernels.blendColumns[FormOf(from.picture)][FormOf(to.picture)];
+  const std::uint8_t* in[kRows + kMostColumns + 1 + kRowsAhead];
+  std::uint8_t* out[kRows + kRowsAhead];
+  for (std::int32_t r = 0; r < rows; r += kRows) {
+    const std::int32_t part = std::min(kRows, rows - r);
+    const std::int32_t ahead = std::min(kRowsAhead, rows - r - part);
+    if (!RunsInside({from.picture, from.x, from.y + r}, 1, n, part + most + 1 + ahead, in)) return;
+    if (!RunsInside({to.picture, to.x, to.y + r}, 1, n, part + ahead, out)) return;
+    blend(out, in, shears.down, shears.fraction, Size(part), Size(ahead), Size(n));
+  }
+}
+
 void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, PixelForm through) {
   const auto halve = gRunKernels.halve[FormOf(from.picture)][through];
   const Clipped whole = Clip(from.picture, from.x, from.y, 2 * n);
@@ -250,7 +303,7 @@ void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, 
   std::uint32_t spare[kTile * kTile];
   const std::uint8_t* rows[kTile];
   StoredRuns(from, 1, n, lines, spare, rows);
-  gRunKernels.transpose[FormOf(from.picture)][kWorkingForm](columns, rows, Size(lines), Size(n));
+  gRunKernels.transpose[FormOf(from.picture)][kWorkingForm](columns, rows, Size(lines), 0, Size(n));
 }
 
 void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns,
@@ -259,7 +312,7 @@ void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, c
   std::uint8_t* rows[kTile];
   RoomForRuns(to, 1, n, lines, spare, rows);
   const PixelForm form = kept == kWorkingForm ? FormOf(to.picture) : kWorkingForm;  // which moves pixels as they are
-  gRunKernels.transpose[form][kWorkingForm](rows, columns, Size(n), Size(lines));
+  gRunKernels.transpose[form][kWorkingForm](rows, columns, Size(n), 0, Size(lines));
   PutRuns(to, 1, n, lines, spare, rows);
 }
 

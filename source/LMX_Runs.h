@@ -44,6 +44,25 @@ struct PixelPosition {
   std::int32_t y;
 };
 
+/// A single pixel, as ReadRun reads and WriteRun writes it.
+inline std::uint8_t* PixelAddress(const PixelPosition& at) {
+  const LMX_Picture& picture = at.picture;
+  if (at.x < 0 || at.x >= picture.width || at.y < 0 || at.y >= picture.height) return nullptr;
+  std::uint8_t* const row = picture.RowAddress(at.y);
+  return row ? row + 4 * static_cast<std::ptrdiff_t>(at.x) : nullptr;
+}
+inline std::uint32_t ReadOnePixel(const PixelPosition& at) {
+  const std::uint8_t* const pixel = PixelAddress(at);
+  return pixel ? at.picture.ReadPixel(pixel) : 0;
+}
+inline void WriteOnePixel(const PixelPosition& at, std::uint32_t working) {
+  std::uint8_t* const pixel = PixelAddress(at);
+  if (pixel) at.picture.WritePixel(pixel, working);
+}
+
+/// Writes the same stored pixel to n pixels of each of `rows` rows.
+void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t stored);
+
 /// Runs of pixels as a picture stores them, one above another, for kernels that take several at a time: `count` runs of n
 /// pixels, in rows from.y, from.y + step, ... Each lies in the picture, if that holds all of it, else in `spare`, which has
 /// room for all of them: there it is a copy, with clear pixels for what is missing.
@@ -73,6 +92,11 @@ void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n)
 /// The same from right to left: the pixel at `to` becomes the last of the n pixels from `from` on.
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
 
+/// Makes columns x to x + n - 1 of another picture, n <= 64, to rows of `pixels` pixels: what lies along the walk. The
+/// first becomes the row `to`, its neighbours follow in steps of `rowStep`, 1 or -1.
+void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
+                   std::int32_t pixels);
+
 /// Copies with an adjustment, or as colour negatives, of adjusted pixels unless `by` is nil. `to` may be the same place
 /// as `from`.
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
@@ -83,6 +107,19 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 /// of the one before, 0 to 65535. `to` is in another picture.
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction);
+
+/// Where the columns of a shear come from: pixel r of column c is the mix of the pixels r + down[c] and r + down[c] + 1 of
+/// its source, the first of which has the weight fraction[c] of 65535. The `down` of neighbours differ by 1 at most.
+constexpr std::int32_t kMostColumns = 16;
+struct ColumnShears {
+  std::uint32_t down[kMostColumns];
+  std::uint32_t fraction[kMostColumns];
+};
+
+/// Makes `rows` rows of n <= kMostColumns columns from those in another picture from `from` on. The pictures have all the
+/// pixels that it takes.
+void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::int32_t rows,
+                  const ColumnShears& shears);
 
 /// Makes n working pixels, each the truncated mean of two neighbours of the 2 n pixels from `from` on, as it is when it was
 /// written in the form `through` and read again.

@@ -45,8 +45,13 @@ class YieldPace {
     return lines;
   }
 
-  /// For workers that make a band of lines of a picture that nobody sees: yields where line by line would, one after
-  /// another.
+  /// For lines of a temporary picture, which nobody sees: how many may be done before they are reported, 1 to `atMost`;
+  /// and their report, which yields before every line for which that is due. Windows stay alive: at most 2^18 pixels are
+  /// done ahead, or one line.
+  static std::int32_t LinesAhead(std::int32_t pixelsPerLine, std::int32_t atMost) {
+    constexpr std::int32_t kPixelsAhead = 1 << 18;
+    return std::clamp(kPixelsAhead / std::max(pixelsPerLine, 1), 1, atMost);
+  }
   void ReportLines(std::int32_t lines, std::int32_t pixelsPerLine) {
     while (lines > 0) lines -= BeginLines(pixelsPerLine, lines);
   }

@@ -35,28 +35,17 @@ struct Turn {
   Order resultRows;
 };
 
-// A tile is kTileColumns columns of the source and as many rows of the result, kTileRows pixels of each.
-constexpr std::int32_t kTileColumns = 64;
-constexpr std::int32_t kTileRows = 64;
-
 // Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row `firstRow`; the rows of its
 // neighbours follow in steps of `rowStep`, 1 or -1.
-LMX_OWN_FRAME void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn,
-                               std::int32_t firstRow, std::int32_t rowStep, std::int32_t lines, Order rows) {
-  const auto transpose = KernelsFor(result).transpose[FormOf(source)][FormOf(result)];
-  std::uint32_t spareFrom[kTileRows * kTileColumns], spareTo[kTileColumns * kTileRows];
-  const std::uint8_t* from[kTileRows];
-  std::uint8_t* to[kTileColumns];
-  ColumnWalk walk =
+void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
+                 std::int32_t rowStep, std::int32_t lines, Order rows) {
+  const ColumnWalk walk =
       rows == Order::kForward ? ColumnWalk(source, 0) : ColumnWalk(source, source.height - 1, ColumnWalk::kUp);
-  for (std::int32_t x = 0; x < result.width; x += kTileRows) {
-    const std::int32_t n = std::min(kTileRows, result.width - x);
-    StoredRuns(walk, firstColumn, lines, n, spareFrom, from);
-    RoomForRuns({result, x, firstRow}, rowStep, n, lines, spareTo, to);
-    transpose(to, from, static_cast<std::size_t>(n), static_cast<std::size_t>(lines));
-    PutRuns({result, x, firstRow}, rowStep, n, lines, spareTo, to);
-  }
+  TransposeRuns({result, 0, firstRow}, rowStep, walk, firstColumn, lines, result.width);
 }
+
+// How many columns are turned together.
+constexpr std::int32_t kTileColumns = 64;
 
 void TurnPicture(const LMX_Picture& source, const LMX_Picture& result, const Turn& turn, long yield) {
   YieldPace pace(yield);
@@ -130,4 +119,36 @@ void Priv_Rotate270_V(LMX_Picture& source, LMX_Picture& result, long yield) {
 }
 void Priv_Rotate270_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
   Priv_Rotate90(source, result, yield);
+}
+
+TurnedRows::TurnedRows(LMX_Picture& source, LMX_Picture& turned, int quarter, long yield)
+    : source_(source),
+      turned_(turned),
+      quarter_(quarter),
+      isWhole_(!source.HasEveryRow() || !turned.HasEveryRow() || !turned.HasRowsOfItsOwn()) {
+  static constexpr decltype(&Priv_Rotate0) kTurns[] = {Priv_Rotate0, Priv_Rotate90, Priv_Rotate180, Priv_Rotate270};
+  if (isWhole_) {
+    kTurns[quarter](source, turned, yield);
+  } else {
+    YieldPace(yield).ReportLines(turned.height, turned.width);
+  }
+}
+
+void TurnedRows::MakeBand(std::int32_t y) {
+  const bool onItsSide = quarter_ % 2 != 0;
+  const std::int32_t most = onItsSide ? YieldPace::LinesAhead(turned_.width, kTileColumns / 2) : 1;
+  const std::int32_t n = std::min(most, turned_.height - y);
+  const std::int32_t width = turned_.width;
+  begin_ = y;
+  end_ = y + n;
+  switch (quarter_) {
+    case 0:
+      return CopyRun({turned_, 0, 0}, {source_, 0, y}, width);
+    case 1:
+      return TurnColumns(source_, turned_, y, 0, 1, n, Order::kBackward);
+    case 2:
+      return CopyRunMirrored({turned_, 0, 0}, {source_, source_.width - width, source_.height - 1 - y}, width);
+    default:
+      return TurnColumns(source_, turned_, source_.width - y - n, n - 1, -1, n, Order::kForward);
+  }
 }

@@ -7,6 +7,33 @@
 
 #include "LMX_Picture.h"
 
+/// A turned picture that nobody sees, made as it is read: a locked temporary picture holds a band of its rows at a time.
+/// Where rows are missing, it is made as a whole, and read where it is.
+class TurnedRows {
+ public:
+  /// `quarter` counts clockwise quarter turns, 0 to 3. Yields as the worker of that name does.
+  TurnedRows(LMX_Picture& source, LMX_Picture& turned, int quarter, long yield);
+
+  const LMX_Picture& Picture() const { return turned_; }
+
+  /// The row of the picture in which row y is now.
+  std::int32_t RowOf(std::int32_t y) {
+    if (isWhole_) return y;
+    if (y < begin_ || y >= end_) MakeBand(y);
+    return y - begin_;
+  }
+
+ private:
+  void MakeBand(std::int32_t y);
+
+  const LMX_Picture& source_;
+  const LMX_Picture& turned_;
+  int quarter_;
+  bool isWhole_;
+  std::int32_t begin_ = 0;  // of the band
+  std::int32_t end_ = 0;
+};
+
 void Priv_Rotate0(LMX_Picture& source, LMX_Picture& result, long yield);
 void Priv_Rotate0_H(LMX_Picture& source, LMX_Picture& result, long yield);
 void Priv_Rotate0_V(LMX_Picture& source, LMX_Picture& result, long yield);

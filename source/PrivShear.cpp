@@ -13,6 +13,7 @@
 #include <cmath>
 
 #include "LMX_Convert.h"
+#include "LMX_Region.h"
 #include "LMX_Runs.h"
 #include "LMX_Yield.h"
 #include "kernels/RunKernels.h"
@@ -31,32 +32,6 @@ struct Frame {
   std::uint32_t pixel;
   std::uint32_t stored;  // as the result stores it
 };
-
-// Where the source's lines come to lie in the result.
-struct Placement {
-  std::int32_t begin;      // result lines before this one are frame
-  std::int32_t end;        // and so are the lines from this one on
-  std::int32_t firstLine;  // the source line at `begin`
-  std::int64_t offset;     // its 16.16 position along itself
-  std::int32_t step;       // how much less the offset of each following line is
-};
-
-// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that is odd has the
-// extra pixel at the end. A positive shear leaves the last line displaced by one step, a negative one starts at 0.
-Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
-                double shear) {
-  if (std::isnan(shear)) shear = 0;
-  const std::int32_t step = TruncatedToInt(std::floor(shear * 65536.0));
-  const std::int64_t natural = static_cast<std::int64_t>(std::floor(length + lines * std::fabs(shear)));
-  Placement placement;
-  placement.begin = resultLines > lines ? (resultLines - lines) / 2 : 0;
-  placement.end = resultLines > lines ? placement.begin + lines : resultLines;
-  placement.firstLine = resultLines < lines ? (lines - resultLines) / 2 : 0;
-  placement.step = step;
-  placement.offset = (resultLength - natural) / 2 * 65536 + static_cast<std::int64_t>(step > 0 ? lines : 0) * step -
-                     static_cast<std::int64_t>(step) * placement.firstLine;
-  return placement;
-}
 
 // One line of the source in one line of the result: the image's pixels are `begin` to `end` - 1 there, and its pixel
 // `first` is the one at `begin`. Where the image is cut off at the start, its pixel before `first` takes the frame's
@@ -87,6 +62,48 @@ Line LineAt(std::int64_t offset, std::int32_t length, std::int32_t resultLength)
   return line;
 }
 
+// Where the source's lines come to lie in the result.
+struct Placement {
+  std::int32_t begin;      // result lines before this one are frame
+  std::int32_t end;        // and so are the lines from this one on
+  std::int32_t firstLine;  // the source line at `begin`
+  std::int64_t offset;     // its 16.16 position along itself
+  std::int32_t step;       // how much less the offset of each following line is
+
+  // That of a source line, of which only the pixels of a span are taken. What is before and after them is clear.
+  Line LineOf(std::int32_t line, const LineSpan& span, std::int32_t resultLength) const {
+    const std::int64_t moved = static_cast<std::int64_t>(line - firstLine) * step;
+    Line at =
+        LineAt(offset - moved + static_cast<std::int64_t>(span.begin) * 65536, span.end - span.begin, resultLength);
+    at.first += span.begin;
+    return at;
+  }
+
+  // Where an image comes to lie.
+  ImageRegion Sheared(ImageRegion image, ImageRegion::Axis along) const {
+    const double perLine = step / 65536.0;
+    image.Shear(along, static_cast<double>(offset) / 65536.0 + perLine * firstLine, perLine, begin - firstLine);
+    return image;
+  }
+};
+
+// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that is odd has the
+// extra pixel at the end. A positive shear leaves the last line displaced by one step, a negative one starts at 0.
+Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
+                double shear) {
+  if (std::isnan(shear)) shear = 0;
+  const std::int32_t step = TruncatedToInt(std::floor(shear * 65536.0));
+  const std::int64_t natural = static_cast<std::int64_t>(std::floor(length + lines * std::fabs(shear)));
+  Placement placement;
+  placement.begin = resultLines > lines ? (resultLines - lines) / 2 : 0;
+  placement.end = resultLines > lines ? placement.begin + lines : resultLines;
+  placement.firstLine = resultLines < lines ? (lines - resultLines) / 2 : 0;
+  placement.step = step;
+  placement.offset = (resultLength - natural) / 2 * 65536 + static_cast<std::int64_t>(step > 0 ? lines : 0) * step -
+                     static_cast<std::int64_t>(step) * placement.firstLine;
+  return placement;
+}
+
 // The pixel behind the image's last one, which shares it with the frame. It shifts where the others divide.
 std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame& frame) {
   const std::uint32_t beside = frame.Beside(last);
@@ -100,189 +117,210 @@ std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame&
 
 // ------------------------------------------------------------------------------------------------------------- rows
 
+// Writes `written` of a row of the result.
 void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
-              const Line& line, const Frame& frame) {
-  FillRun(result, 0, y, line.begin, frame.stored);
+              const Line& line, const LineSpan& written, const Frame& frame) {
+  FillRun(result, written.begin, y, line.begin - written.begin, frame.stored);
   const std::int32_t shown = line.end - line.begin;
   if (shown > 0) {
-    std::uint32_t before;
-    ReadRun(source, line.Origin(), sourceRow, 1, &before);
-    if (!line.cut) before = frame.Beside(before);
+    const std::uint32_t origin = ReadOnePixel({source, line.Origin(), sourceRow});
+    const std::uint32_t before = line.cut ? origin : frame.Beside(origin);
     BlendRun({result, line.begin, y}, {source, line.first, sourceRow}, shown, before, line.fraction);
   }
   std::int32_t x = line.end;
   if (line.fraction > 0 && x < result.width) {
-    std::uint32_t last;
-    ReadRun(source, line.first + shown - 1, sourceRow, 1, &last);
-    FillRun(result, x++, y, 1, StoredPixel(result, EdgePixel(last, line.fraction, frame)));
+    const std::uint32_t last = ReadOnePixel({source, line.first + shown - 1, sourceRow});
+    WriteOnePixel({result, x++, y}, EdgePixel(last, line.fraction, frame));
   }
-  FillRun(result, x, y, result.width - x, frame.stored);
+  FillRun(result, x, y, written.end - x, frame.stored);
+}
+
+// Whether only the image of a result has to be written, because nobody sees the rest: it is clear.
+bool IsSparse(const LMX_Picture& result, const Frame& frame) {
+  return result.unlockOnRelease && frame.pixel == 0 && result.HasEveryRow() && result.HasRowsOfItsOwn();
+}
+
+// Of the source, rowOf(y) is the row in which row y is. `image` is where its image lies; it becomes that of the result.
+template <class RowOf>
+void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result, double shear,
+               unsigned int frame_color, long yield, ImageRegion& image) {
+  const Placement at = Place(source.width, source.height, result.width, result.height, shear);
+  const Frame frame(frame_color, result);
+  const bool isSparse = IsSparse(result, frame);
+  const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongRows) : ImageRegion(result);
+  YieldPace pace(yield);
+  for (std::int32_t y = 0; y < result.height; ++y) {
+    pace.BeginLines(result.width, 1);
+    const LineSpan written = isSparse
+                                 ? sheared.Along(ImageRegion::kAlongRows, y, y, ImageRegion::kWritten, result.width)
+                                 : LineSpan{0, result.width};
+    if (y < at.begin || y >= at.end) {
+      FillRun(result, written.begin, y, written.end - written.begin, frame.stored);
+      continue;
+    }
+    const std::int32_t from = at.firstLine + (y - at.begin);
+    const LineSpan read = image.Along(ImageRegion::kAlongRows, from, from, ImageRegion::kRead, source.width);
+    ShearRow(source, rowOf(from), result, y, at.LineOf(from, read, result.width), written, frame);
+  }
+  image = sheared;
 }
 
 // ---------------------------------------------------------------------------------------------------------- columns
 
-void FillColumns(const LMX_Picture& result, std::int32_t x, std::int32_t columns, const Frame& frame) {
-  ColumnWalk walk(result, 0);
-  for (std::int32_t y = 0; y < result.height; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.stored);
+// The pixel at `y` of a line of the result; read(i) gives those of the source's line.
+template <class Read>
+std::uint32_t PixelAt(const Line& line, std::int32_t y, const Frame& frame, Read read) {
+  const std::int32_t i = line.first + (y - line.begin);
+  if (y >= line.begin && y < line.end) {
+    const std::uint32_t pixel = read(i);
+    const bool isFirst = y == line.begin && !line.cut;
+    return LMX_Pixel::Blend(pixel, isFirst ? frame.Beside(pixel) : read(i - 1), line.fraction);
+  }
+  return y == line.end && line.fraction > 0 ? EdgePixel(read(i - 1), line.fraction, frame) : frame.pixel;
 }
 
-// Neighbouring columns are turned into runs, kRows rows at a time, and blended along themselves. As they are displaced by
-// up to a pixel each against each other, a piece of kRows rows of the result needs up to kRows + kColumns + 1 rows of the
-// source, and what is read ahead is less than kRows.
-constexpr std::int32_t kColumns = 64;
-constexpr std::int32_t kRows = 64;
-constexpr std::int32_t kRowsKept = 256;
-constexpr std::int32_t kApart = 16;  // between rings, so that their rows do not compete for the same lines of the cache
-static_assert(kRowsKept % kRows == 0 && kRowsKept >= 3 * kRows + kColumns);
+// Neighbouring columns of a result and those of the source from which they come.
+struct Strip {
+  PixelPosition from;  // column by column, as `to`; rows count from 0
+  PixelPosition to;
+  const Frame& frame;
+  Line lines[kMostColumns];
 
-// Columns of a picture as runs of stored pixels: rings of the last kRowsKept rows.
-class ColumnRuns {
- public:
-  // Reading starts at row `first`.
-  ColumnRuns(const LMX_Picture& picture, std::int32_t x, std::int32_t columns, std::int32_t first)
-      : picture_(picture), x_(x), columns_(columns), first_(first), next_(first), walk_(picture, first) {}
-
-  // Reads on until row `last` is there.
-  void ReadTo(std::int32_t last) {
-    while (next_ <= last) Read();
+  // Pixel `y` of a column, where walks along it stay in the picture.
+  std::uint32_t PixelAt(std::int32_t column, std::int32_t y) const {
+    return ::PixelAt(lines[column], y, frame, [&](std::int32_t i) {
+      return ReadOnePixel({from.picture, from.x + column, i});
+    });
   }
 
-  // Row `r` of a column. Rows follow behind it in the ring, up to its end.
-  const std::uint8_t* At(std::int32_t column, std::int32_t r) const {
-    return reinterpret_cast<const std::uint8_t*>(rings_[column] + Place(r));
+  // Rows y to y + rows - 1 of n columns, which are image, and have image above.
+  void Blend(std::int32_t first, std::int32_t n, std::int32_t y, std::int32_t rows) const {
+    const auto shift = [&](std::int32_t i) { return lines[first + i].first - lines[first + i].begin; };
+    std::int32_t least = shift(0);
+    for (std::int32_t i = 1; i < n; ++i) least = std::min(least, shift(i));
+    ColumnShears shears;
+    for (std::int32_t i = 0; i < n; ++i) {
+      shears.down[i] = static_cast<std::uint32_t>(shift(i) - least);
+      shears.fraction[i] = lines[first + i].fraction;
+    }
+    BlendColumns({to.picture, to.x + first, y}, {from.picture, from.x + first, y + least - 1}, n, rows, shears);
   }
-  std::int32_t UpToEnd(std::int32_t r) const { return kRowsKept - Place(r); }
-  // The same pixel as a working one.
-  std::uint32_t PixelAt(std::int32_t column, std::int32_t r) const { return picture_.ReadPixel(At(column, r)); }
-
- private:
-  std::int32_t Place(std::int32_t r) const { return (r - first_) % kRowsKept; }
-
-  void Read() {
-    std::uint32_t spare[kRows * kColumns];
-    const std::uint8_t* from[kRows];
-    std::uint8_t* to[kColumns];
-    StoredRuns(walk_, x_, columns_, kRows, spare, from);
-    for (std::int32_t i = 0; i < columns_; ++i) to[i] = reinterpret_cast<std::uint8_t*>(rings_[i] + Place(next_));
-    gRunKernels.transpose[kWorkingForm][kWorkingForm](to, from, kRows, static_cast<std::size_t>(columns_));
-    next_ += kRows;
-  }
-
-  const LMX_Picture& picture_;
-  std::int32_t x_;
-  std::int32_t columns_;
-  std::int32_t first_;
-  std::int32_t next_;  // the row that is read next
-  ColumnWalk walk_;
-  std::uint32_t rings_[kColumns][kRowsKept + kApart];
 };
 
-// Rows y to y + n - 1 of one column of the result, as it stores them.
-void ShearPiece(const LMX_Picture& source, const ColumnRuns& runs, const LMX_Picture& result, std::int32_t column,
-                const Line& line, std::int32_t y, std::int32_t n, const Frame& frame, std::uint32_t* pixels) {
-  const std::int32_t begin = std::clamp(line.begin, y, y + n);
-  const std::int32_t end = std::clamp(line.end, y, y + n);
-  const std::int32_t shift = line.first - line.begin;  // from rows of the result to rows of the source
-  std::fill_n(pixels, begin - y, frame.stored);
-  for (std::int32_t at = begin; at < end;) {
-    const std::int32_t r = at + shift;
-    const std::int32_t part = std::min(end - at, runs.UpToEnd(r));
-    const std::uint32_t before =
-        at == line.begin && !line.cut ? frame.Beside(runs.PixelAt(column, r)) : runs.PixelAt(column, r - 1);
-    gRunKernels.blend[FormOf(source)][FormOf(result)](reinterpret_cast<std::uint8_t*>(pixels + (at - y)),
-                                                      runs.At(column, r), before, line.fraction,
-                                                      static_cast<std::size_t>(part));
-    at += part;
+void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom);
+
+// Rows in which some columns are image and others are not, or meet it: each half of the columns for itself.
+void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
+  constexpr std::int32_t kFew = 4;
+  if (n > kFew) {
+    ShearStrip(strip, first, n / 2, top, bottom);
+    ShearStrip(strip, first + n / 2, n - n / 2, top, bottom);
+    return;
   }
-  std::fill(pixels + (end - y), pixels + n, frame.stored);
-  if (line.fraction > 0 && line.end >= y && line.end < y + n) {
-    pixels[line.end - y] =
-        StoredPixel(result, EdgePixel(runs.PixelAt(column, line.end + shift - 1), line.fraction, frame));
+  for (std::int32_t y = top; y < bottom; ++y) {
+    for (std::int32_t i = first; i < first + n; ++i) {
+      WriteOnePixel({strip.to.picture, strip.to.x + i, y}, strip.PixelAt(i, y));
+    }
   }
 }
 
-// Makes columns x to x + columns - 1 of the result from the same number of the source's, from `sourceX` on.
-LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, std::int32_t sourceX, const LMX_Picture& result,
-                                std::int32_t x, std::int32_t columns, const Line* lines, const Frame& frame) {
-  // Rows of the result that are not all frame, the first row of the source that is needed, and how far the rows of the
-  // source are behind those of the result at most.
-  std::int32_t top = result.height;
-  std::int32_t bottom = 0;
-  std::int32_t origin = source.height;
-  std::int32_t shift = -result.height;
-  for (const Line* line = lines; line < lines + columns; ++line) {
+// Rows `top` to `bottom` - 1 of n columns of a strip.
+void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
+  // From `image` to `imageEnd` not all columns are frame, from `inside` to `insideEnd` all blend two pixels of the image.
+  std::int32_t image = bottom, imageEnd = top, inside = top, insideEnd = bottom;
+  for (const Line* line = strip.lines + first; line < strip.lines + first + n; ++line) {
+    inside = std::max(inside, line->cut ? line->begin : line->begin + 1);
+    insideEnd = std::min(insideEnd, line->end);
     if (!line->Shows()) continue;
-    top = std::min(top, line->begin);
-    bottom = std::max(bottom, std::min(line->end + 1, result.height));
-    origin = std::min(origin, line->Origin());
-    shift = std::max(shift, line->first - line->begin);
+    image = std::min(image, std::max(line->begin, top));
+    imageEnd = std::max(imageEnd, std::min(line->end + 1, bottom));
   }
-  if (bottom == 0) return FillColumns(result, x, columns, frame);
+  image = std::min(image, imageEnd);
+  FillRuns({strip.to.picture, strip.to.x + first, top}, n, image - top, strip.frame.stored);
+  if (inside < insideEnd) {
+    ShearHalves(strip, first, n, image, inside);
+    strip.Blend(first, n, inside, insideEnd - inside);
+    ShearHalves(strip, first, n, insideEnd, imageEnd);
+  } else {
+    ShearHalves(strip, first, n, image, imageEnd);
+  }
+  FillRuns({strip.to.picture, strip.to.x + first, imageEnd}, n, bottom - imageEnd, strip.frame.stored);
+}
 
-  ColumnWalk walk(result, 0);
-  const auto fillRows = [&](std::int32_t from, std::int32_t to) {
-    for (std::int32_t y = from; y < to; ++y, walk.Next()) FillRun(result, x, walk.Row(), columns, frame.stored);
-  };
-  fillRows(0, top);
-  ColumnRuns runs(source, sourceX, columns, origin);
-  std::uint32_t pieces[kColumns][kRows];
-  std::uint32_t spare[kRows * kColumns];
-  const std::uint8_t* from[kColumns];
-  std::uint8_t* to[kRows];
-  for (std::int32_t i = 0; i < columns; ++i) from[i] = reinterpret_cast<const std::uint8_t*>(pieces[i]);
-  for (std::int32_t y = top; y < bottom; y += kRows) {
-    const std::int32_t n = std::min(kRows, bottom - y);
-    runs.ReadTo(y + n - 1 + shift);
-    for (std::int32_t i = 0; i < columns; ++i) {
-      ShearPiece(source, runs, result, i, lines[i], y, n, frame, pieces[i]);
-    }
-    RoomForRuns(walk, x, columns, n, spare, to);
-    KernelsFor(result).transpose[kWorkingForm][kWorkingForm](to, from, static_cast<std::size_t>(columns),
-                                                             static_cast<std::size_t>(n));
-    PutRuns(walk, x, columns, n, spare, to);
+// One column of pictures in which rows may be missing: it is walked from its own first row.
+void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& line, const Frame& frame) {
+  std::int32_t last = line.Origin();  // where the walk ends
+  for (ColumnWalk walk(from.picture, last); last < from.picture.height - 1; ++last) {
+    walk.Next();
+    if (walk.Row() == last) break;
   }
-  fillRows(bottom, result.height);
+  ColumnWalk walk(to.picture, 0);
+  for (std::int32_t y = 0; y < to.picture.height; ++y, walk.Next()) {
+    const auto read = [&](std::int32_t i) { return ReadOnePixel({from.picture, from.x, std::min(i, last)}); };
+    WriteOnePixel({to.picture, to.x, walk.Row()}, PixelAt(line, y, frame, read));
+  }
+}
+
+// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`. Rows that are near the
+// image in one column are read in all of them. What nobody wrote there comes out as far from the image again.
+LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
+                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
+                                const Frame& frame, bool hasEveryRow) {
+  const std::int32_t from = at.firstLine + (x - at.begin);
+  const LineSpan read = image.Along(ImageRegion::kAlongColumns, from, from + n - 1, ImageRegion::kRead, source.height);
+  Strip strip = {{source, from, 0}, {result, x, 0}, frame, {}};
+  for (std::int32_t i = 0; i < n && x >= at.begin && x < at.end; ++i) {
+    strip.lines[i] = at.LineOf(from + i, read, result.height);
+  }
+  if (hasEveryRow) return ShearStrip(strip, 0, n, written.begin, written.end);
+  for (std::int32_t i = 0; i < n; ++i) WalkColumn({source, from + i, 0}, {result, x + i, 0}, strip.lines[i], frame);
 }
 
 }  // namespace
 
 void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color,
                           long yield) {
-  const Placement at = Place(source.width, source.height, result.width, result.height, shear);
-  const Frame frame(frame_color, result);
-  YieldPace pace(yield);
-  std::int64_t offset = at.offset;
-  for (std::int32_t y = 0; y < result.height; ++y) {
-    pace.BeginLines(result.width, 1);
-    if (y < at.begin || y >= at.end) {
-      FillRun(result, 0, y, result.width, frame.stored);
-    } else {
-      const Line line = LineAt(offset, source.width, result.width);
-      ShearRow(source, at.firstLine + (y - at.begin), result, y, line, frame);
-      offset -= at.step;
-    }
-  }
+  ImageRegion image(source);
+  ShearImageHorizontal(source, result, shear, frame_color, yield, image);
 }
 
 void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield) {
+  ImageRegion image(source);
+  ShearImageVertical(source, result, shear, frame_color, yield, image);
+}
+
+void ShearImageHorizontal(TurnedRows& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                          ImageRegion& image) {
+  const auto rowOf = [&](std::int32_t y) { return source.RowOf(y); };
+  ShearRows(source.Picture(), rowOf, result, shear, frame_color, yield, image);
+}
+
+void ShearImageHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                          ImageRegion& image) {
+  const auto rowOf = [](std::int32_t y) { return y; };
+  ShearRows(source, rowOf, result, shear, frame_color, yield, image);
+}
+
+void ShearImageVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                        ImageRegion& image) {
   const Placement at = Place(source.height, source.width, result.height, result.width, shear);
   const Frame frame(frame_color, result);
-  // Where rows are missing, each column has to be walked from its own first row.
-  const std::int32_t widest = source.HasEveryRow() ? kColumns : 1;
+  const bool isTemporary = result.unlockOnRelease;
+  const bool isSparse = IsSparse(result, frame);
+  const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongColumns) : ImageRegion(result);
+  const bool hasEveryRow = source.HasEveryRow() && result.HasEveryRow();
   YieldPace pace(yield);
-  std::int64_t offset = at.offset;
   for (std::int32_t x = 0; x < result.width;) {
     const std::int32_t regionEnd = x < at.begin ? at.begin : x < at.end ? at.end : result.width;
-    const std::int32_t columns = pace.BeginLines(result.height, std::min(widest, regionEnd - x));
-    if (x < at.begin || x >= at.end) {
-      FillColumns(result, x, columns, frame);
-    } else {
-      Line lines[kColumns];
-      for (std::int32_t i = 0; i < columns; ++i, offset -= at.step) {
-        lines[i] = LineAt(offset, source.height, result.height);
-      }
-      ShearColumns(source, at.firstLine + (x - at.begin), result, x, columns, lines, frame);
-    }
-    x += columns;
+    const std::int32_t most = std::min(kMostColumns, regionEnd - x);
+    const std::int32_t n =
+        isTemporary ? YieldPace::LinesAhead(result.height, most) : pace.BeginLines(result.height, most);
+    const LineSpan written =
+        isSparse ? sheared.Along(ImageRegion::kAlongColumns, x, x + n - 1, ImageRegion::kWritten, result.height)
+                 : LineSpan{0, result.height};
+    ShearColumns(source, image, result, x, n, written, at, frame, hasEveryRow);
+    if (isTemporary) pace.ReportLines(n, result.height);
+    x += n;
   }
+  image = sheared;
 }

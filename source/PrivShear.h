@@ -6,9 +6,20 @@
 #pragma once
 
 #include "LMX_Picture.h"
+#include "LMX_Region.h"
+#include "PrivFlipRotate.h"
 
 /// Moves every row sideways; a positive shear moves upper rows to the right of lower ones.
 void Priv_ShearHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield);
 
 /// Moves every column up or down; a positive shear moves left columns below right ones.
 void Priv_ShearVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield);
+
+/// The same as steps of a rotation. `image` is where the source's image lies: nothing else is read. It becomes that of the
+/// result. Of a temporary result only what is near the image is written; its lines may be made before they are reported.
+void ShearImageHorizontal(TurnedRows& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                          ImageRegion& image);
+void ShearImageHorizontal(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                          ImageRegion& image);
+void ShearImageVertical(LMX_Picture& source, LMX_Picture& result, double shear, unsigned int frame_color, long yield,
+                        ImageRegion& image);

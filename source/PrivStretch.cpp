@@ -150,14 +150,9 @@ LMX_OWN_FRAME void StretchRows(const LMX_Picture& source, std::int32_t y, std::i
   }
 }
 
-// How many rows are made before their yields are due: those of a picture that nobody sees, up to 2^18 pixels.
-std::int32_t BandOf(std::int32_t width) {
-  return std::clamp((1 << 18) / width, 1, kTile);
-}
-
 void RowPass(const LMX_Picture& source, const LMX_Picture& temporary, PixelForm kept, YieldPace pace) {
   const Boxes boxes(source.width, temporary.width);
-  const std::int32_t band = BandOf(temporary.width);
+  const std::int32_t band = YieldPace::LinesAhead(temporary.width, kTile);
   for (std::int32_t y = 0, n; y < temporary.height; y += n) {
     n = std::min(band, temporary.height - y);
     StretchRows(source, y, n, boxes, temporary, y, kept);
@@ -274,8 +269,8 @@ void Priv_StretchThrough(LMX_Picture& temporary, LMX_Picture& source, LMX_Pictur
   if (yield <= 0 && down.AreSmall() && result.HasEveryRow()) {
     StretchAtOnce(source, temporary, kTile, kKeptRows, result, FormOf(result), result.height, pace);
   } else if (down.AreSmall() && result.height <= source.height) {
-    StretchAtOnce(source, temporary, BandOf(temporary.width), source.height, temporary, kWorkingForm, result.height,
-                  pace);
+    StretchAtOnce(source, temporary, YieldPace::LinesAhead(temporary.width, kTile), source.height, temporary,
+                  kWorkingForm, result.height, pace);
     ColumnPass(temporary, kWorkingForm, Boxes(result.height, result.height), result, pace);
   } else {
     RowPass(source, temporary, kWorkingForm, pace);

@@ -112,7 +112,6 @@ REALpictureStruct* LMX_FreeRotateByShear_Frame(REALpictureStruct* p, double rota
 
 REALpictureStruct* PrivFreeRotateByShear_Frame_NonVector(REALpictureStruct* source, double rotation,
                                                          unsigned int frame_color, int yield) {
-  static constexpr decltype(&Priv_Rotate0) kTurns[] = {Priv_Rotate0, Priv_Rotate90, Priv_Rotate180, Priv_Rotate270};
   LMX_Picture original(source);
   if (!original.Lock()) return nullptr;
   Rotation plan;
@@ -121,19 +120,20 @@ REALpictureStruct* PrivFreeRotateByShear_Frame_NonVector(REALpictureStruct* sour
   // Each temporary picture goes when the pass that reads it is over.
   LMX_Picture result, turned, sheared, shearedTwice;
   if (!Make(turned, plan.turned, false)) return nullptr;
-  kTurns[plan.quarter](original, turned, yield);
+  TurnedRows rows(original, turned, plan.quarter, yield);
+  ImageRegion image(turned);
 
   if (!Make(sheared, plan.sheared, false)) return nullptr;
-  Priv_ShearHorizontal(turned, sheared, plan.alongRows, frame_color, yield);
+  ShearImageHorizontal(rows, sheared, plan.alongRows, frame_color, yield, image);
   turned.Release();
 
   if (!Make(shearedTwice, plan.shearedTwice, false)) return nullptr;
-  Priv_ShearVertical(sheared, shearedTwice, plan.alongColumns, frame_color, yield);
+  ShearImageVertical(sheared, shearedTwice, plan.alongColumns, frame_color, yield, image);
   sheared.Release();
 
   // A result that cannot be locked goes to the caller as it is.
   if (Make(result, plan.result, true)) {
-    Priv_ShearHorizontal(shearedTwice, result, plan.alongRows, frame_color, yield);
+    ShearImageHorizontal(shearedTwice, result, plan.alongRows, frame_color, yield, image);
   }
   shearedTwice.Release();
   return result.picture;

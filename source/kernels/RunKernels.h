@@ -32,6 +32,10 @@ enum PixelForm { kContextForm = 0, kBufferForm = 1, kStorageForms = 2, kWorkingF
 constexpr size_t kMostBoxRuns = 32;
 constexpr size_t kBoxSumsStep = 16;
 
+/// How far ahead rows are fetched into the cache by what goes down them: each is in another page, where no processor
+/// looks by itself.
+constexpr int32_t kRowsAhead = 16;
+
 struct RunKernels {
   /// The level's name: "plain", or the instruction set of the highest level that filled in.
   const char* level;
@@ -55,13 +59,24 @@ struct RunKernels {
   void (*blend[kStorageForms][kStorageForms])(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
                                               size_t n);
 
+  /// Blends columns along themselves, each with its own displacement and weight: pixel c of the run to[r] is the mix of
+  /// pixel c of the run from[r + down[c] + 1] with the one above it, in from[r + down[c]], whose weight is fraction[c] of
+  /// 65535. r < rows, c < n, and the `down` of neighbours differ by 1 at most. All runs from from[0] to the last one that
+  /// is in use have n pixels that may be read. In both lists `ahead` more runs follow the last one in use: they come next,
+  /// and are fetched into the cache.
+  void (*blendColumns[kStorageForms][kStorageForms])(uint8_t* const* to, const uint8_t* const* from,
+                                                     const uint32_t* down, const uint32_t* fraction, size_t rows,
+                                                     size_t ahead, size_t n);
+
   /// Adds n stored pixels to the sums, in their order.
   void (*sumRGB[kStorageForms])(RGBSums* sums, const uint8_t* stored, size_t n);
   void (*sumHSV[kStorageForms])(HSVSums* sums, const uint8_t* stored, size_t n);
 
   /// Turns columns into runs: copies pixel c of the run from[r] to pixel r of the run to[c], for r < rows and c < columns.
-  /// From working to working pixels it moves pixels as they are, whatever their form.
-  void (*transpose[kForms][kForms])(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns);
+  /// From working to working pixels it moves pixels as they are, whatever their form. `ahead` more runs follow in `from`:
+  /// they come next, as do the pixels after those of `to`, and are fetched into the cache.
+  void (*transpose[kForms][kForms])(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead,
+                                    size_t columns);
 
   /// Box averages of working pixels: makes the runs to[0] to to[count - 1], each from the runs that its box has, which begin
   /// with runs[0]; divides by all the units of a box, and writes. No box has more than kMostBoxRuns runs. A run of `to`

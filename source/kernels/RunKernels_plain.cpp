@@ -65,6 +65,19 @@ void BlendRun(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fracti
   }
 }
 
+template <PixelForm from_form, PixelForm to_form>
+void BlendColumns(uint8_t* const* to, const uint8_t* const* from, const uint32_t* down, const uint32_t* fraction,
+                  size_t rows, size_t /*ahead*/, size_t n) {
+  for (size_t c = 0; c < n; ++c) {
+    uint32_t above = rows == 0 ? 0 : Read<from_form>(from[down[c]] + 4 * c);
+    for (size_t r = 0; r < rows; ++r) {
+      const uint32_t pixel = Read<from_form>(from[r + down[c] + 1] + 4 * c);
+      Write<to_form>(to[r] + 4 * c, LMX_Pixel::Blend(pixel, above, fraction[c]));
+      above = pixel;
+    }
+  }
+}
+
 template <PixelForm form>
 void SumRunRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   for (size_t i = 0; i < n; ++i) LMX_Pixel::AddRGB(sums, Read<form>(stored + 4 * i));
@@ -76,7 +89,7 @@ void SumRunHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
 }
 
 template <PixelForm from_form, PixelForm to_form>
-void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns) {
+void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t /*ahead*/, size_t columns) {
   for (size_t c = 0; c < columns; ++c) {
     for (size_t r = 0; r < rows; ++r) Write<to_form>(to[c] + 4 * r, Read<from_form>(from[r] + 4 * c));
   }
@@ -135,6 +148,7 @@ void FillChanges(RunKernels* kernels) {
   kernels->adjustRGB[from_form][to_form] = AdjustRunRGB<from_form, to_form>;
   kernels->negative[from_form][to_form] = NegativeRun<from_form, to_form>;
   kernels->blend[from_form][to_form] = BlendRun<from_form, to_form>;
+  kernels->blendColumns[from_form][to_form] = BlendColumns<from_form, to_form>;
   kernels->halve[from_form][to_form] = Halve<from_form, to_form>;
 }
 

@@ -38,6 +38,7 @@ void FillChanges(RunKernels* kernels) {
   kernels->adjustHSV[from][to] = AdjustHSV<From, To>;
   kernels->negative[from][to] = Negative<From, To>;
   kernels->blend[from][to] = Blend<From, To>;
+  kernels->blendColumns[from][to] = BlendColumns<From, To>;
   kernels->halve[from][to] = Halve<From, To>;
 }
 

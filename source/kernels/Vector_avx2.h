@@ -16,8 +16,8 @@ struct Vector {
   LMX_EXPAND static Reg Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm256_storeu_si256(static_cast<__m256i*>(p), a); }
   // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
-  LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) {
-    return _mm256_maskload_epi32(reinterpret_cast<const int*>(p), First(n));
+  LMX_EXPAND static Reg LoadFirst(const void* p, size_t n) {
+    return _mm256_maskload_epi32(static_cast<const int*>(p), FirstLanes(n));
   }
   // Narrower stores, since masked ones take many times as long on some processors.
   LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) {
@@ -35,6 +35,19 @@ struct Vector {
     }
     if ((n & 1) != 0) LMX_Pixel::Store(p, static_cast<uint32_t>(_mm_cvtsi128_si32(part)));
   }
+
+  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  using Lanes = __m256i;
+  LMX_EXPAND static Lanes FirstLanes(size_t n) {
+    return _mm256_cmpgt_epi32(Set32(static_cast<uint32_t>(n)), _mm256_set_epi32(7, 6, 5, 4, 3, 2, 1, 0));
+  }
+  LMX_EXPAND static Reg OnesFrom(size_t n) { return Xor(FirstLanes(n), Set32(0xFFFFFFFF)); }
+  LMX_EXPAND static Lanes EqualLanes(Reg a, Reg b) { return Equal32(a, b); }
+  // Loads these lanes, and no others, of the first n pixels at p; in `a` they are 0.
+  LMX_EXPAND static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t /*n*/) {
+    return Or(a, _mm256_maskload_epi32(static_cast<const int*>(p), lanes));
+  }
+
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm256_setzero_si256(); }
@@ -116,6 +129,8 @@ struct Vector {
   LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm256_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm256_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm256_unpackhi_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm256_unpacklo_epi32(a, a); }
+  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm256_unpackhi_epi32(a, a); }
   LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm256_packus_epi16(low, high); }
 
   // The chosen 16-bit lanes of each 64 bits.
@@ -200,10 +215,6 @@ struct Vector {
   }
 
  private:
-  LMX_EXPAND static Reg First(size_t n) {
-    return _mm256_cmpgt_epi32(_mm256_set1_epi32(static_cast<int>(n)), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
-  }
-
   // The chosen bytes, or 16-bit lanes, of each 128 bits.
   LMX_EXPAND static Reg Bytes(Reg a, __m128i order) {
     return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(order));

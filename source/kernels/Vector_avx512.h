@@ -16,9 +16,9 @@ struct Vector {
   LMX_EXPAND static Reg Load(const void* p) { return _mm512_loadu_si512(p); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm512_storeu_si512(p, a); }
   // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
-  LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) { return _mm512_maskz_loadu_epi32(First(n), p); }
+  LMX_EXPAND static Reg LoadFirst(const void* p, size_t n) { return _mm512_maskz_loadu_epi32(FirstLanes(n), p); }
   LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) {
-    if (n > 8) return _mm512_mask_storeu_epi32(p, First(n), a);
+    if (n > 8) return _mm512_mask_storeu_epi32(p, FirstLanes(n), a);
     __m128i part = _mm512_castsi512_si128(a);
     if (n == 8) return _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_castsi512_si256(a));
     if ((n & 4) != 0) {
@@ -33,6 +33,17 @@ struct Vector {
     }
     if ((n & 1) != 0) LMX_Pixel::Store(p, static_cast<uint32_t>(_mm_cvtsi128_si32(part)));
   }
+
+  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  using Lanes = __mmask16;
+  LMX_EXPAND static Lanes FirstLanes(size_t n) { return static_cast<Lanes>(0xFFFFu >> (kPixels - n)); }
+  LMX_EXPAND static Reg OnesFrom(size_t n) { return _mm512_maskz_set1_epi32(static_cast<Lanes>(~FirstLanes(n)), -1); }
+  LMX_EXPAND static Lanes EqualLanes(Reg a, Reg b) { return _mm512_cmpeq_epi32_mask(a, b); }
+  // Loads these lanes, and no others, of the first n pixels at p; in `a` they are 0.
+  LMX_EXPAND static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t /*n*/) {
+    return _mm512_mask_loadu_epi32(a, lanes, p);
+  }
+
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm512_setzero_si512(); }
@@ -114,6 +125,8 @@ struct Vector {
   LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm512_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm512_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm512_unpackhi_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm512_unpacklo_epi32(a, a); }
+  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm512_unpackhi_epi32(a, a); }
   LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm512_packus_epi16(low, high); }
 
   // The chosen 16-bit lanes of each 64 bits.
@@ -211,8 +224,6 @@ struct Vector {
   }
 
  private:
-  LMX_EXPAND static __mmask16 First(size_t n) { return static_cast<__mmask16>((1u << n) - 1); }
-
   // The chosen bytes, or 16-bit lanes, of each 128 bits.
   LMX_EXPAND static Reg Bytes(Reg a, __m128i order) { return _mm512_shuffle_epi8(a, _mm512_broadcast_i32x4(order)); }
   template <int a, int b, int c, int d, int e, int f, int g, int h>

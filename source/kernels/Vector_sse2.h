@@ -15,20 +15,37 @@ struct Vector {
 
   LMX_EXPAND static Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
   LMX_EXPAND static void Store(void* p, Reg a) { _mm_storeu_si128(static_cast<__m128i*>(p), a); }
-  // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
-  LMX_EXPAND static Reg LoadFirst(const uint8_t* p, size_t n) {
-    if (n == 4) return Load(p);
-    const Reg pair = n < 2 ? Zero() : _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
-    if (n == 2) return pair;
-    const Reg last = _mm_cvtsi32_si128(static_cast<int>(LMX_Pixel::Load(p + 4 * (n - 1))));
-    return n == 1 ? last : _mm_unpacklo_epi64(pair, last);
+
+  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written; it counts as 0.
+  LMX_EXPAND static Reg LoadFirst(const void* p, size_t n) {
+    if (n == kPixels) return Load(p);
+    const uint8_t* const from = static_cast<const uint8_t*>(p);
+    const Reg last = n & 1 ? _mm_cvtsi32_si128(static_cast<int>(LMX_Pixel::Load(from + 4 * (n - 1)))) : Zero();
+    return n == 1 ? last : _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from)), last);
   }
-  LMX_EXPAND static void StoreFirst(uint8_t* p, size_t n, Reg a) {
-    if (n == 4) return Store(p, a);
-    if (n >= 2) _mm_storel_epi64(reinterpret_cast<__m128i*>(p), a);
-    const Reg last = n == 1 ? a : _mm_unpackhi_epi64(a, a);
-    if (n != 2) LMX_Pixel::Store(p + 4 * (n - 1), static_cast<uint32_t>(_mm_cvtsi128_si32(last)));
+  LMX_EXPAND static void StoreFirst(void* p, size_t n, Reg a) {
+    if (n == kPixels) return Store(p, a);
+    uint8_t* to = static_cast<uint8_t*>(p);
+    if (n & 2) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(to), a);
+      a = _mm_srli_si128(a, 8);
+      to += 8;
+    }
+    if (n & 1) LMX_Pixel::Store(to, static_cast<uint32_t>(_mm_cvtsi128_si32(a)));
   }
+
+  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  using Lanes = __m128i;
+  LMX_EXPAND static Lanes FirstLanes(size_t n) {
+    return _mm_cmpgt_epi32(Set32(static_cast<uint32_t>(n)), _mm_set_epi32(3, 2, 1, 0));
+  }
+  LMX_EXPAND static Reg OnesFrom(size_t n) { return Xor(FirstLanes(n), Set32(0xFFFFFFFF)); }
+  LMX_EXPAND static Lanes EqualLanes(Reg a, Reg b) { return Equal32(a, b); }
+  // Loads these lanes of the first n pixels at p, of which all may be read; in `a` they are 0.
+  LMX_EXPAND static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t n) {
+    return Or(a, And(LoadFirst(p, n), lanes));
+  }
+
   // Past the cache; to an address that is a multiple of the register's size.
   LMX_EXPAND static void Stream(void* p, Reg a) { _mm_stream_si128(static_cast<__m128i*>(p), a); }
   LMX_EXPAND static Reg Zero() { return _mm_setzero_si128(); }
@@ -110,6 +127,8 @@ struct Vector {
   LMX_EXPAND static Reg Interleave8High(Reg a, Reg b) { return _mm_unpackhi_epi8(a, b); }
   LMX_EXPAND static Reg DoubleLow8(Reg a) { return _mm_unpacklo_epi8(a, a); }
   LMX_EXPAND static Reg DoubleHigh8(Reg a) { return _mm_unpackhi_epi8(a, a); }
+  LMX_EXPAND static Reg DoubleLow32(Reg a) { return _mm_unpacklo_epi32(a, a); }
+  LMX_EXPAND static Reg DoubleHigh32(Reg a) { return _mm_unpackhi_epi32(a, a); }
   LMX_EXPAND static Reg Pack16(Reg low, Reg high) { return _mm_packus_epi16(low, high); }
 
   // The chosen two, or one, of the four 16-bit lanes of each 64 bits.

@@ -7,13 +7,8 @@ namespace {
 
 template <class Stores>
 void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
-  const uint32_t word = LMX_Pixel::Load(pixel);
-  const Reg words = Vector::Set32(word);
-  const size_t ahead = Stores::Ahead(stored, n);
-  size_t i = 0;
-  for (; i < ahead; ++i) LMX_Pixel::Store(stored + 4 * i, word);
-  for (; i + kWide <= n; i += kWide) Stores::Store(stored + 4 * i, words);
-  for (; i < n; ++i) LMX_Pixel::Store(stored + 4 * i, word);
+  const Reg words = Vector::Set32(LMX_Pixel::Load(pixel));
+  InSteps<Stores>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED { pixels.Store(stored + 4 * i, words); });
 }
 
 // ------------------------------------------------------------------------------------------------------------ blends
@@ -27,12 +22,16 @@ struct Distances {
     secondIsLarger = {Vector::DoubleLow8(isLarger), Vector::DoubleHigh8(isLarger)};
   }
 
-  // min + part(distance, weight of the larger one)
+  // min + part(distance, weight of the larger one), of the two halves of the pixels
+  template <class Part>
+  LMX_EXPAND Reg Mix(const Part& ofLow, const Part& ofHigh) const {
+    const Reg low = ofLow.Of(of.low, ofLow.Weight(secondIsLarger.low));
+    const Reg high = ofHigh.Of(of.high, ofHigh.Weight(secondIsLarger.high));
+    return Vector::Add8(min, Pack({low, high}));
+  }
   template <class Part>
   LMX_EXPAND Reg Mix(const Part& part) const {
-    const Reg low = part.Of(of.low, part.Weight(secondIsLarger.low));
-    const Reg high = part.Of(of.high, part.Weight(secondIsLarger.high));
-    return Vector::Add8(min, Pack({low, high}));
+    return Mix(part, part);
   }
 
   Reg min;
@@ -45,6 +44,7 @@ struct Distances {
 class BlendPart {
  public:
   explicit BlendPart(uint32_t fraction) : ofFirst_(Vector::Set16(65535 - fraction)) {}
+  explicit BlendPart(Reg weightsOfFirst) : ofFirst_(weightsOfFirst) {}
 
   LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return Vector::Xor(ofFirst_, secondIsLarger); }
   LMX_EXPAND Reg Of(Reg distance, Reg weight) const {
@@ -62,6 +62,7 @@ class BlendPart {
 // `from`. False, and nothing done, when a pixel needs its definition.
 template <class From, class To>
 struct Blending {
+  static constexpr bool kOpaqueAsStored = false;
   template <class Pixels>
   LMX_EXPAND static bool Wide(const uint8_t* from, const Pixels& pixels, bool /*isFirst*/, const BlendPart& part,
                               Reg* last, Reg* out) {
@@ -76,6 +77,7 @@ struct Blending {
 // Opaque pixels are stored as they are, so that they can be blended as they are stored.
 template <>
 struct Blending<ContextForm, ContextForm> {
+  static constexpr bool kOpaqueAsStored = true;
   template <class Pixels>
   LMX_EXPAND static bool Wide(const uint8_t* from, const Pixels& pixels, bool isFirst, const BlendPart& part, Reg* last,
                               Reg* out) {
@@ -110,6 +112,153 @@ void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
       last = Vector::Set32(pixel);
     }
   });
+}
+
+// ------------------------------------------------------------------------------------------------- columns of a shear
+
+// Neighbouring columns on their way down: each row is blended with the one above it, which stays at hand.
+template <class From, class To>
+class ColumnBlending {
+ public:
+  // `fractions` are the columns' weights of the pixel above, in lanes of 32 bits.
+  LMX_EXPAND ColumnBlending(Reg fractions, Reg above)
+      : low_(WeightsOf(Vector::DoubleLow32(fractions))),
+        high_(WeightsOf(Vector::DoubleHigh32(fractions))),
+        above_(above),
+        straightAbove_(above) {}
+
+  // The mix of the next row with the one above it; false when a pixel of either needs its definition.
+  LMX_EXPAND bool Next(Reg row, Reg* out) {
+    const Reg above = above_;
+    above_ = row;
+    if (Blending<From, To>::kOpaqueAsStored &&
+        Vector::HasBits(Vector::And(row, above), Vector::Set32(ContextForm::kAlpha))) {
+      isStraight_ = false;
+      *out = Distances(row, above).Mix(low_, high_);
+      return true;
+    }
+    Reg straight;
+    const bool isWide = (isStraight_ || From::Read(above, &straightAbove_)) && From::Read(row, &straight);
+    isStraight_ = isWide;
+    if (!isWide) return false;
+    *out = To::Write(Distances(straight, straightAbove_).Mix(low_, high_));
+    straightAbove_ = straight;
+    return true;
+  }
+
+ private:
+  LMX_EXPAND static BlendPart WeightsOf(Reg fractions) {
+    const Reg inBothHalves = Vector::Or(fractions, Vector::Left32<16>(fractions));
+    return BlendPart(Vector::Xor(inBothHalves, Vector::Set32(0xFFFFFFFF)));
+  }
+
+  BlendPart low_;
+  BlendPart high_;
+  Reg above_;          // as it is stored
+  Reg straightAbove_;  // the same as working pixels, if they have been needed
+  bool isStraight_ = false;
+};
+
+// Rows that come later are fetched into the cache.
+template <int isWritten>
+LMX_EXPAND void Fetch(const uint8_t* run, size_t n) {
+  for (size_t i = 0; i < 4 * n; i += 64) __builtin_prefetch(run + i, isWritten);
+  __builtin_prefetch(run + 4 * n - 1, isWritten);
+}
+
+// Neighbouring columns, at most a register of them. They are displaced by a few rows against each other: a row of the
+// sheared picture has lanes from each of those.
+struct SlantedColumns {
+  SlantedColumns(const uint32_t* down, size_t columns) : n(columns), least(down[0]), idle(Vector::OnesFrom(n)) {
+    uint32_t most = least;
+    for (size_t j = 1; j < n; ++j) {
+      least = down[j] < least ? down[j] : least;
+      most = down[j] > most ? down[j] : most;
+    }
+    steps = most - least;
+    const Reg downs = Vector::Or(idle, Vector::Sub32(Vector::LoadFirst(down, n), Vector::Set32(least)));
+    for (uint32_t k = 0; k < kWide; ++k) lanes[k] = Vector::EqualLanes(downs, Vector::Set32(k));
+  }
+
+  size_t n;
+  uint32_t least;
+  size_t steps;
+  Reg idle;  // all bits of lanes without a column, so that they count as opaque
+  typename Vector::Lanes lanes[kWide];
+};
+
+// Puts `count` rows together: the columns begin at `at` in the runs `from`.
+template <size_t steps>
+void Unslant(Reg* rows, size_t count, const uint8_t* const* from, size_t at, const SlantedColumns& columns) {
+  const size_t n = columns.n;
+  const Reg idle = columns.idle;
+  typename Vector::Lanes lanes[steps + 1];
+  for (size_t k = 0; k <= steps; ++k) lanes[k] = columns.lanes[k];
+  for (size_t r = 0; r < count; ++r) {
+    Reg row = idle;
+    for (size_t k = 0; k <= steps; ++k) row = Vector::LoadLanes(row, lanes[k], from[r + k] + at, n);
+    rows[r] = row;
+  }
+}
+
+template <size_t steps = kWide - 1>
+LMX_EXPAND void UnslantRows(Reg* rows, size_t count, const uint8_t* const* from, size_t at,
+                            const SlantedColumns& columns) {
+  if constexpr (steps > 0) {
+    if (columns.steps < steps) return UnslantRows<steps - 1>(rows, count, from, at, columns);
+  }
+  Unslant<steps>(rows, count, from, at, columns);
+}
+
+// Columns c to c + n - 1, n <= kWide. `fetch(r)` is called on the way.
+template <class From, class To, class FetchRow>
+LMX_EXPAND void BlendColumnsAt(size_t c, size_t n, uint8_t* const* to, const uint8_t* const* from, const uint32_t* down,
+                               const uint32_t* fraction, size_t rows, const FetchRow& fetch) {
+  constexpr size_t kRowsAtOnce = 16;
+  Reg sheared[kRowsAtOnce];
+  const SlantedColumns columns(down + c, n);
+  from += columns.least;
+  UnslantRows(sheared, 1, from, 4 * c, columns);
+  ColumnBlending<From, To> blending(Vector::LoadFirst(fraction + c, n), sheared[0]);
+  for (size_t begin = 0; begin < rows; begin += kRowsAtOnce) {
+    const size_t count = rows - begin < kRowsAtOnce ? rows - begin : kRowsAtOnce;
+    UnslantRows(sheared, count, from + begin + 1, 4 * c, columns);
+    for (size_t i = 0; i < count; ++i) {
+      const size_t r = begin + i;
+      fetch(r);
+      Reg out;
+      if (blending.Next(sheared[i], &out)) {
+        Vector::StoreFirst(to[r] + 4 * c, n, out);
+        continue;
+      }
+      for (size_t j = c; j < c + n; ++j) {
+        const uint8_t* const* const pair = from + r + (down[j] - columns.least);
+        const uint32_t above = From::ReadOne(pair[0] + 4 * j), pixel = From::ReadOne(pair[1] + 4 * j);
+        To::WriteOne(to[r] + 4 * j, LMX_Pixel::Blend(pixel, above, fraction[j]));
+      }
+    }
+  }
+}
+
+template <class From, class To>
+void BlendColumns(uint8_t* const* to, const uint8_t* const* from, const uint32_t* down, const uint32_t* fraction,
+                  size_t rows, size_t ahead, size_t n) {
+  if (rows == 0 || n == 0) return;
+  uint32_t most = 0;
+  for (size_t c = 0; c < n; ++c) most = down[c] > most ? down[c] : most;
+  const auto fetch = [&](size_t r) LMX_EXPANDED {
+    const size_t later = r + kRowsAhead;
+    if (later >= rows + ahead) return;
+    Fetch<0>(from[later + most + 1], n);
+    Fetch<1>(to[later], n);
+  };
+  const auto nothing = [](size_t) {};
+  if (n < kWide) return BlendColumnsAt<From, To>(0, n, to, from, down, fraction, rows, fetch);
+  BlendColumnsAt<From, To>(0, kWide, to, from, down, fraction, rows, fetch);
+  for (size_t c = kWide; c < n; c += kWide) {
+    const size_t last = n - kWide;  // some columns once more
+    BlendColumnsAt<From, To>(c < last ? c : last, kWide, to, from, down, fraction, rows, nothing);
+  }
 }
 
 }  // namespace

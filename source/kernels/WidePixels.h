@@ -201,6 +201,7 @@ struct WorkingForm {
 // From one form to another, through working pixels.
 template <class From, class To>
 struct Conversion {
+  static constexpr bool kOpaqueStays = false;
   LMX_EXPAND static bool Wide(Reg in, Reg* out) {
     Reg working;
     if (!From::Read(in, &working)) return false;
@@ -212,6 +213,7 @@ struct Conversion {
 // A channel k comes back as k where its alpha divides 255 k, and as k - 1 elsewhere.
 template <>
 struct Conversion<ContextForm, ContextForm> {
+  static constexpr bool kOpaqueStays = true;
   LMX_EXPAND static bool Wide(Reg in, Reg* out) {
     const Reg alpha = Vector::And(in, Vector::Set32(0xFF));
     if (Vector::HasBits(in, Vector::Set32(0xFF))) return *out = in, true;
@@ -233,6 +235,7 @@ struct Conversion<ContextForm, ContextForm> {
 // Only the highest bit is lost.
 template <>
 struct Conversion<BufferForm, BufferForm> {
+  static constexpr bool kOpaqueStays = false;
   LMX_EXPAND static bool Wide(Reg in, Reg* out) { return *out = Vector::And(in, Vector::Set32(0x7FFFFFFF)), true; }
 };
 
@@ -260,13 +263,19 @@ void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   });
 }
 
-// Converts a square of pixels; false when one needs its definition. Most squares are opaque, so that is one test for all.
+// Converts a square's rows; false when a pixel needs its definition. Opaque context pixels take one test for all.
 template <class From, class To>
 LMX_EXPAND bool ConvertSquare(Reg* square) {
+  if constexpr (Conversion<From, To>::kOpaqueStays) {
+    Reg all = square[0];
+    for (size_t i = 1; i < kWide; ++i) all = Vector::And(all, square[i]);
+    if (Vector::HasBits(all, Vector::Set32(ContextForm::kAlpha))) return true;
+  }
   bool isWide = true;
   for (size_t i = 0; i < kWide; ++i) isWide = Conversion<From, To>::Wide(square[i], &square[i]) && isWide;
   return isWide;
 }
+
 template <>
 LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
   Reg all = square[0];
@@ -280,65 +289,70 @@ LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
   return isWide;
 }
 
-// A square of a transposition.
-template <class From, class To, class Stores>
-LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
-  Reg square[kWide];
-  for (size_t i = 0; i < kWide; ++i) square[i] = Vector::Load(from[r + i] + 4 * c);
-  if (ConvertSquare<From, To>(square)) {
-    Vector::Transpose(square);
-    for (size_t i = 0; i < kWide; ++i) Stores::Store(to[c + i] + 4 * r, square[i]);
-    return;
-  }
-  for (size_t j = c; j < c + kWide; ++j) {
-    for (size_t i = r; i < r + kWide; ++i) ConvertOne<From, To>(to[j] + 4 * i, from[i] + 4 * j);
-  }
-}
-
-// The first rows and columns of a square.
 template <class From, class To>
-__attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* const* from, size_t rows,
-                                             size_t columns, size_t r, size_t c) {
-  Reg square[kWide];
-  for (size_t i = 0; i < kWide; ++i) {
-    square[i] = i < rows ? Vector::LoadFirst(from[r + i] + 4 * c, columns) : Vector::Zero();
-  }
-  if (ConvertSquare<From, To>(square)) {
-    Vector::Transpose(square);
-    for (size_t i = 0; i < columns; ++i) Vector::StoreFirst(to[c + i] + 4 * r, rows, square[i]);
-    return;
-  }
+void TransposeScalar(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns, size_t r, size_t c) {
   for (size_t j = c; j < c + columns; ++j) {
     for (size_t i = r; i < r + rows; ++i) ConvertOne<From, To>(to[j] + 4 * i, from[i] + 4 * j);
   }
 }
 
-// By blocks of kLine x kLine pixels, so that lines of the cache are read and written whole.
+// A square of a transposition.
 template <class From, class To, class Stores>
-void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns) {
+LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
+  Reg square[kWide];
+  for (size_t i = 0; i < kWide; ++i) square[i] = Vector::Load(from[r + i] + 4 * c);
+  if (!ConvertSquare<From, To>(square)) return TransposeScalar<From, To>(to, from, kWide, kWide, r, c);
+  Vector::Transpose(square);
+  for (size_t i = 0; i < kWide; ++i) Stores::Store(to[c + i] + 4 * r, square[i]);
+}
+
+// The part of one that has fewer rows or columns. What is not there counts as opaque.
+template <class From, class To>
+__attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* const* from, size_t rows,
+                                             size_t columns, size_t r, size_t c) {
+  const Reg idle = Vector::OnesFrom(columns);
+  Reg square[kWide];
+  for (size_t i = 0; i < kWide; ++i) {
+    square[i] =
+        i < rows ? Vector::Or(idle, Vector::LoadFirst(from[r + i] + 4 * c, columns)) : Vector::Set32(0xFFFFFFFF);
+  }
+  if (!ConvertSquare<From, To>(square)) return TransposeScalar<From, To>(to, from, rows, columns, r, c);
+  Vector::Transpose(square);
+  for (size_t i = 0; i < columns; ++i) Vector::StoreFirst(to[c + i] + 4 * r, rows, square[i]);
+}
+
+// By blocks of a line of the cache in both directions; what comes kRowsAhead later is fetched on the way.
+template <class From, class To, class Stores>
+void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead, size_t columns) {
   constexpr size_t kLine = 16;
   static_assert(kLine % kWide == 0);
   for (size_t c = 0; c < columns; ++c) {
-    if (Stores::Ahead(to[c], rows) != 0) return Transpose<From, To, Cached>(to, from, rows, columns);
+    if (Stores::Ahead(to[c], rows) != 0) return Transpose<From, To, Cached>(to, from, rows, ahead, columns);
   }
-  const size_t blockRows = rows - rows % kLine, blockColumns = columns - columns % kLine;
-  for (size_t r = 0; r < blockRows; r += kLine) {
-    for (size_t c = 0; c < blockColumns; c += kLine) {
-      for (size_t j = c; j < c + kLine; j += kWide) {
-        for (size_t i = r; i < r + kLine; i += kWide) TransposeSquare<From, To, Stores>(to, from, i, j);
+  for (size_t r = 0; r < rows; r += kLine) {
+    const size_t endRow = r + kLine < rows ? r + kLine : rows;
+    for (size_t c = 0; c < columns; c += kLine) {
+      const size_t endColumn = c + kLine < columns ? c + kLine : columns;
+      for (size_t i = r + kRowsAhead; i < endRow + kRowsAhead && i < rows + ahead; ++i) {
+        __builtin_prefetch(from[i] + 4 * c);
+        __builtin_prefetch(from[i] + 4 * (endColumn - 1));
+      }
+      for (size_t j = c; j < endColumn && r + kRowsAhead < rows + ahead; ++j) {
+        __builtin_prefetch(to[j] + 4 * (r + kRowsAhead), 1);
+      }
+      for (size_t j = c; j < endColumn; j += kWide) {
+        for (size_t i = r; i < endRow; i += kWide) {
+          if (i + kWide <= endRow && j + kWide <= endColumn) {
+            TransposeSquare<From, To, Stores>(to, from, i, j);
+          } else {
+            const size_t height = endRow - i < kWide ? endRow - i : kWide;
+            const size_t width = endColumn - j < kWide ? endColumn - j : kWide;
+            TransposePart<From, To>(to, from, height, width, i, j);
+          }
+        }
       }
     }
   }
-  const auto rest = [&](size_t r0, size_t r1, size_t c0, size_t c1) {
-    const auto upTo = [](size_t n) { return n < kWide ? n : kWide; };
-    for (size_t r = r0; r < r1; r += kWide) {
-      for (size_t c = c0; c < c1; c += kWide) {
-        TransposePart<From, To>(to, from, upTo(r1 - r), upTo(c1 - c), r, c);
-      }
-    }
-  };
-  rest(blockRows, rows, 0, blockColumns);
-  rest(0, rows, blockColumns, columns);
 }
 
 // Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.

@@ -41,6 +41,35 @@ inline __m512i ByHalves(__m512i a, __m512i b, Operation operation) {
 #define _mm512_cmpgt_epi16_mask(a, b) \
   _mm512_movepi16_mask(emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_cmpgt_epi16(x, y); }))
 
+// Masked loads and stores leave alone what their mask leaves out, which may be inaccessible.
+namespace emulated {
+
+inline __m512i LoadLanes(__m512i a, std::uint32_t lanes, const void* p) {
+  std::uint32_t words[16];
+  std::memcpy(words, &a, sizeof words);
+  for (int i = 0; i < 16; ++i) {
+    if (lanes >> i & 1) std::memcpy(&words[i], static_cast<const char*>(p) + 4 * i, 4);
+  }
+  std::memcpy(&a, words, sizeof words);
+  return a;
+}
+inline void StoreLanes(void* p, std::uint32_t lanes, __m512i a) {
+  std::uint32_t words[16];
+  std::memcpy(words, &a, sizeof words);
+  for (int i = 0; i < 16; ++i) {
+    if (lanes >> i & 1) std::memcpy(static_cast<char*>(p) + 4 * i, &words[i], 4);
+  }
+}
+
+}  // namespace emulated
+
+#undef _mm512_mask_loadu_epi32
+#define _mm512_mask_loadu_epi32(a, lanes, p) emulated::LoadLanes(a, lanes, p)
+#undef _mm512_maskz_loadu_epi32
+#define _mm512_maskz_loadu_epi32(lanes, p) emulated::LoadLanes(_mm512_setzero_si512(), lanes, p)
+#undef _mm512_mask_storeu_epi32
+#define _mm512_mask_storeu_epi32(p, lanes, a) emulated::StoreLanes(p, lanes, a)
+
 #undef _mm512_stream_si512
 #define _mm512_stream_si512(p, a) std::memcpy(p, &static_cast<const __m512i&>(a), 64)
 
@@ -58,30 +87,8 @@ inline Result Converted(const Register& a) {
   return result;
 }
 
-// Lanes whose bit is not set are neither read nor written.
-inline __m512i LoadLanes(unsigned mask, const void* p) {
-  std::uint32_t lanes[16] = {};
-  for (int i = 0; i < 16; ++i) {
-    if (mask >> i & 1) std::memcpy(&lanes[i], static_cast<const char*>(p) + 4 * i, 4);
-  }
-  __m512i a;
-  std::memcpy(&a, lanes, sizeof a);
-  return a;
-}
-inline void StoreLanes(void* p, unsigned mask, const __m512i& a) {
-  std::uint32_t lanes[16];
-  std::memcpy(lanes, &a, sizeof lanes);
-  for (int i = 0; i < 16; ++i) {
-    if (mask >> i & 1) std::memcpy(static_cast<char*>(p) + 4 * i, &lanes[i], 4);
-  }
-}
-
 }  // namespace emulated
 
-#undef _mm512_maskz_loadu_epi32
-#define _mm512_maskz_loadu_epi32(mask, p) emulated::LoadLanes(mask, p)
-#undef _mm512_mask_storeu_epi32
-#define _mm512_mask_storeu_epi32(p, mask, a) emulated::StoreLanes(p, mask, a)
 #undef _mm512_cvtepi32_ps
 #define _mm512_cvtepi32_ps(a) emulated::Converted<std::int32_t, float, __m512>(a)
 #undef _mm512_cvttps_epi32

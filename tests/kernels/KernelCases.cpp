@@ -42,6 +42,9 @@ constexpr Operand kRows = form == kContextForm  ? Operand::ContextRows
 template <PixelForm form>
 constexpr Operand kPairs = form == kContextForm ? Operand::ContextPairs : Operand::BufferPairs;
 
+template <PixelForm form>
+constexpr Operand kSlope = form == kContextForm ? Operand::ContextSlope : Operand::BufferSlope;
+
 std::size_t Slot(std::size_t table, PixelForm form) {
   return table + static_cast<std::size_t>(form) * sizeof(void*);
 }
@@ -140,6 +143,9 @@ std::vector<Byte*> Addresses(Run* first, std::size_t stride, std::size_t count) 
   return addresses;
 }
 
+// Runs that are only fetched.
+constexpr std::size_t kAhead = 40;
+
 template <PixelForm from, PixelForm to>
 KernelCase TransposeCase(const char* name) {
   return {name,
@@ -149,9 +155,10 @@ KernelCase TransposeCase(const char* name) {
           {{kRows<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
             const KernelArguments& a = c.arguments;
-            const auto rows = Addresses<const std::uint8_t>(InBytes(c), a.pitch, a.n);
+            auto rows = Addresses<const std::uint8_t>(InBytes(c), a.pitch, a.n);
+            rows.resize(a.n + kAhead, InBytes(c));
             const auto columns = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.columns);
-            k.transpose[from][to](columns.data(), rows.data(), a.n, a.columns);
+            k.transpose[from][to](columns.data(), rows.data(), a.n, kAhead, a.columns);
           },
           [](const KernelCall& c) {
             const KernelArguments& a = c.arguments;
@@ -179,6 +186,40 @@ KernelCase BlendCase(const char* name) {
               const std::uint32_t before = i == 0 ? c.arguments.before : ReadOne<from>(InBytes(c) + 4 * (i - 1));
               const std::uint32_t pixel = ReadOne<from>(InBytes(c) + 4 * i);
               WriteOne<to>(OutBytes(c) + 4 * i, LMX_Pixel::Blend(pixel, before, c.arguments.fraction));
+            });
+          }};
+}
+
+// Of the rows, those that are left over at the end are the ones that are only fetched.
+template <PixelForm from, PixelForm to>
+KernelCase BlendColumnsCase(const char* name) {
+  return {name,
+          Slot(offsetof(RunKernels, blendColumns), from, to),
+          Operand::Columns,
+          false,
+          {{kSlope<from>, false}, {Operand::Fractions, false}},
+          [](const RunKernels& k, const KernelCall& c) {
+            const KernelArguments& a = c.arguments;
+            const std::vector<std::uint32_t> downs = SlopeDowns(a);
+            auto in = Addresses<const std::uint8_t>(InBytes(c), a.stride, a.columns + 1 + SlopeDown(a));
+            auto out = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.columns);
+            in.resize(in.size() + kAhead, InBytes(c));
+            out.resize(out.size() + kAhead, OutBytes(c));
+            k.blendColumns[from][to](out.data(), in.data(), downs.data(),
+                                     static_cast<const std::uint32_t*>(c.inputs[1]), a.columns, kAhead, a.n);
+          },
+          [](const KernelCall& c) {
+            const KernelArguments& a = c.arguments;
+            const std::vector<std::uint32_t> downs = SlopeDowns(a);
+            ForEachPixel(c, [&](std::size_t i) {
+              const auto pixel = [&](std::size_t row) {
+                return ReadOne<from>(InBytes(c) + 4 * ((downs[i] + row) * a.stride + i));
+              };
+              const std::uint32_t fraction = static_cast<const std::uint32_t*>(c.inputs[1])[i];
+              for (std::size_t row = 0; row < a.columns; ++row) {
+                WriteOne<to>(OutBytes(c) + 4 * (row * a.stride + i),
+                             LMX_Pixel::Blend(pixel(row + 1), pixel(row), fraction));
+              }
             });
           }};
 }
@@ -382,6 +423,10 @@ const std::vector<KernelCase>& KernelCases() {
       BlendCase<kContext, kBuffer>("blend_context_buffer"),
       BlendCase<kBuffer, kContext>("blend_buffer_context"),
       BlendCase<kBuffer, kBuffer>("blend_buffer_buffer"),
+      BlendColumnsCase<kContext, kContext>("blend_columns_context_context"),
+      BlendColumnsCase<kContext, kBuffer>("blend_columns_context_buffer"),
+      BlendColumnsCase<kBuffer, kContext>("blend_columns_buffer_context"),
+      BlendColumnsCase<kBuffer, kBuffer>("blend_columns_buffer_buffer"),
       SumRGBCase<kContext>("sum_rgb_context"),
       SumRGBCase<kBuffer>("sum_rgb_buffer"),
       SumHSVCase<kContext>("sum_hsv_context"),

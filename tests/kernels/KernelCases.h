@@ -29,6 +29,9 @@ enum class Operand {
   Averages,       ///< `count` runs of n pixels of any form, `stride` apart
   ContextPairs,   ///< a stored run of 2 n pixels
   BufferPairs,    ///< the same in the other form
+  ContextSlope,   ///< `columns` + 1 + SlopeDown() stored runs of n pixels, `stride` apart
+  BufferSlope,    ///< the same in the other form
+  Fractions,      ///< n weights of 0 to 65535, as 32-bit words
 };
 
 /// The arguments that are no runs. Each kernel uses some.
@@ -39,6 +42,7 @@ struct KernelArguments {
   std::size_t pitch;
   std::size_t count;  // boxes
   std::size_t runs;   // of which they are made
+  std::int32_t slope;
   std::uint32_t before;
   std::uint32_t fraction;
   BoxUnits box;
@@ -70,6 +74,10 @@ struct KernelCase {
 
 /// Every slot of the table.
 const std::vector<KernelCase>& KernelCases();
+
+/// How far down each of n columns begins that a slope displaces, in 16.16 a column; and the largest of that.
+std::vector<std::uint32_t> SlopeDowns(const KernelArguments& arguments);
+std::size_t SlopeDown(const KernelArguments& arguments);
 
 /// Bytes of an operand, and the address that it needs.
 std::size_t SizeOf(Operand operand, const KernelArguments& arguments);

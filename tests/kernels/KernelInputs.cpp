@@ -68,10 +68,10 @@ bool IsOneOf(Operand operand, std::initializer_list<Operand> operands) {
 std::uint32_t MakePixel(Operand form, const Style& style, std::size_t i, Random& random) {
   const std::uint32_t alpha = MakeAlpha(style, i, random);
   const bool wellFormed = style.wellFormed && i != style.malformed;
-  if (IsOneOf(form, {Operand::ContextPixels, Operand::ContextRows, Operand::ContextPairs})) {
+  if (IsOneOf(form, {Operand::ContextPixels, Operand::ContextRows, Operand::ContextPairs, Operand::ContextSlope})) {
     return __builtin_bswap32(alpha << 24 | MakeColour(style, wellFormed ? alpha : 255, random));
   }
-  if (IsOneOf(form, {Operand::BufferPixels, Operand::BufferRows, Operand::BufferPairs})) {
+  if (IsOneOf(form, {Operand::BufferPixels, Operand::BufferRows, Operand::BufferPairs, Operand::BufferSlope})) {
     const std::uint32_t transparency = wellFormed ? 127 - alpha / 2 : 255 - alpha;
     return transparency << 24 | MakeColour(style, 255, random);
   }
@@ -127,6 +127,19 @@ std::size_t SizeOfRuns(std::size_t count, std::size_t stride, std::size_t n) {
 
 }  // namespace
 
+std::vector<std::uint32_t> SlopeDowns(const KernelArguments& arguments) {
+  std::vector<std::uint32_t> downs;
+  const auto n = static_cast<std::int64_t>(arguments.n);
+  const std::int64_t first = arguments.slope < 0 ? -n * arguments.slope : 0;
+  for (std::int64_t c = 0; c < n; ++c) downs.push_back(static_cast<std::uint32_t>((first + c * arguments.slope) >> 16));
+  return downs;
+}
+
+std::size_t SlopeDown(const KernelArguments& arguments) {
+  const std::vector<std::uint32_t> downs = SlopeDowns(arguments);
+  return downs.empty() ? 0 : std::max(downs.front(), downs.back());
+}
+
 std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
   switch (operand) {
     case Operand::ContextPixels:
@@ -152,6 +165,11 @@ std::size_t SizeOf(Operand operand, const KernelArguments& arguments) {
     case Operand::ContextPairs:
     case Operand::BufferPairs:
       return 8 * arguments.n;
+    case Operand::ContextSlope:
+    case Operand::BufferSlope:
+      return SizeOfRuns(arguments.columns + 1 + SlopeDown(arguments), arguments.stride, arguments.n);
+    case Operand::Fractions:
+      return 4 * arguments.n;
   }
   return 0;
 }
@@ -167,6 +185,8 @@ std::size_t AlignmentOf(Operand operand) {
     case Operand::Averages:
     case Operand::ContextPairs:
     case Operand::BufferPairs:
+    case Operand::ContextSlope:
+    case Operand::BufferSlope:
       return 1;
     case Operand::HSVTotals:
       return alignof(HSVSums);
@@ -194,6 +214,10 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   constexpr std::uint32_t kColumns[] = {0, 1, 4, 8, 16, 24, 32};
   arguments.columns = random.Below(2) == 0 ? random.OneOf(kColumns) : random.Below(kMostColumns + 1);
   arguments.pitch = arguments.columns + (random.Below(2) == 0 ? 0 : random.Below(kMostGap + 1));
+  // At most kMostColumns rows in all, and a row a column.
+  const std::int32_t steepest = static_cast<std::int32_t>(65536 * std::min<std::size_t>(kMostColumns, n + 1) / (n + 1));
+  const std::int32_t slopes[] = {0, steepest, -steepest, steepest / 3, random.Between(-steepest, steepest)};
+  arguments.slope = random.OneOf(slopes);
   arguments.before = random.Word();
   arguments.fraction = MakeFraction(random);
   SetBoxes(MakeBoxUnits(random), 1 + random.Below(8), &arguments);
@@ -219,6 +243,9 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
       totals->brightness = sums.brightness;
       return;
     }
+    case Operand::Fractions:
+      for (std::size_t i = 0; i < arguments.n; ++i) static_cast<std::uint32_t*>(bytes)[i] = MakeFraction(random);
+      return;
     default:
       const std::size_t count = SizeOf(operand, arguments) / 4;
       MakePixels(operand, count, MakeStyle(count, random), random, bytes);
@@ -226,8 +253,8 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
 }
 
 bool MakeOrdinaryPixels(Operand operand, const KernelArguments& arguments, bool opaque, Random& random, void* bytes) {
-  constexpr Operand kOthers[] = {Operand::OnePixel, Operand::Columns, Operand::Averages, Operand::RGBTotals,
-                                 Operand::HSVTotals};
+  constexpr Operand kOthers[] = {Operand::OnePixel,  Operand::Columns,   Operand::Averages,
+                                 Operand::RGBTotals, Operand::HSVTotals, Operand::Fractions};
   if (std::find(std::begin(kOthers), std::end(kOthers), operand) != std::end(kOthers)) return false;
   const std::size_t count = SizeOf(operand, arguments) / 4;
   MakePixels(operand, count, {opaque ? Alphas::Opaque : Alphas::Any, Colours::Any, true, 0, count}, random, bytes);

@@ -48,11 +48,12 @@ bool Parse(const char* text, Trial* trial) {
 
 std::string Text(const KernelArguments& a) {
   char text[256];
-  std::snprintf(text, sizeof text,
-                "stride=%zu columns=%zu pitch=%zu count=%zu before=%08x fraction=%u box={%u, %u, %u} hsv={%d, %d, %d} "
-                "rgb={%d, %d, %d}",
-                a.stride, a.columns, a.pitch, a.count, a.before, a.fraction, a.box.ofRun, a.box.ofBox, a.box.left,
-                a.hsv.hueShift, a.hsv.saturationScale, a.hsv.valueScale, a.rgb.red, a.rgb.green, a.rgb.blue);
+  std::snprintf(
+      text, sizeof text,
+      "stride=%zu columns=%zu pitch=%zu count=%zu slope=%d before=%08x fraction=%u box={%u, %u, %u} hsv={%d, %d, %d} "
+      "rgb={%d, %d, %d}",
+      a.stride, a.columns, a.pitch, a.count, a.slope, a.before, a.fraction, a.box.ofRun, a.box.ofBox, a.box.left,
+      a.hsv.hueShift, a.hsv.saturationScale, a.hsv.valueScale, a.rgb.red, a.rgb.green, a.rgb.blue);
   return text;
 }
 
@@ -69,7 +70,7 @@ std::string Hex(const Bytes& bytes, std::size_t at) {
 }
 
 constexpr std::size_t kMostPixels = 1100;
-constexpr std::size_t kLargest = 4 * (kMostColumns + kMostGap) * (kMostPixels + kMostGap);
+constexpr std::size_t kLargest = 4 * (2 * kMostColumns + kMostGap) * (kMostPixels + kMostGap);
 
 // Runs trials of one kernel at one level.
 class Rig {

@@ -374,6 +374,21 @@ std::vector<std::uint32_t> PixelsOf(const TestPicture& picture) {
   return pixels;
 }
 
+TEST_F(RunsTest, FillsGroups) {
+  ForGroups([](const TestPicture& picture, std::int32_t x) {
+    const std::vector<std::uint32_t> before = PixelsOf(picture);
+    constexpr std::uint32_t kPixel = 0xFF123456;
+    FillRuns({*picture.wrapper, x, -1}, kRun, kHeight, StoredPixel(*picture.wrapper, kPixel));  // all rows but the last
+    for (std::int32_t row = 0; row < kHeight; ++row) {
+      for (std::int32_t column = 0; column < kWidth; ++column) {
+        const bool isIn = row < kHeight - 1 && column >= x && column < x + kRun && picture.Holds(column, row);
+        const std::uint32_t old = before[static_cast<std::size_t>(row * kWidth + column)];
+        EXPECT_EQ(picture.Read(column, row), isIn ? kPixel : old) << column << ", " << row;
+      }
+    }
+  });
+}
+
 TEST_F(RunsTest, WritesGroups) {
   ForGroups([](const TestPicture& picture, std::int32_t x) {
     std::uint32_t spare[kCount * kRun] = {};

@@ -24,6 +24,7 @@
 #include "TPQ_Gradient.h"
 #include "TPQ_Shear.h"
 #include "TPQ_Stretch.h"
+#include "support/Random.h"
 
 namespace {
 
@@ -191,6 +192,91 @@ TEST_F(WorkersTest, TurnsLeaveOutMissingRowsOfTheResult) {
         EXPECT_EQ(resultBuffer.Word(x, y), Numbered(isBackward ? kColumns - 1 - y : y, x)) << x << ", " << y;
       }
     }
+  }
+}
+
+// ---------------------------------------------------------------------------------------------- steps of a rotation
+
+struct Sizes {
+  std::int32_t width;
+  std::int32_t height;
+};
+
+// A locked buffer of opaque pixels of one colour, so that whoever reads what nobody wrote shows it.
+struct Stale {
+  Stale(const Sizes& size, bool isTemporary) : buffer(size.width, size.height), picture(buffer.Handle()) {
+    for (std::int32_t y = 0; y < size.height; ++y) {
+      for (std::int32_t x = 0; x < size.width; ++x) buffer.SetWord(x, y, 0x00ABCDEF);
+    }
+    picture.Lock();
+    picture.unlockOnRelease = isTemporary;
+  }
+  ~Stale() { picture.unlockOnRelease = false; }
+
+  fake::Buffer buffer;
+  LMX_Picture picture;
+};
+
+struct RotationSteps {
+  Sizes sizes[5];  // of source, turned, sheared, sheared twice, result
+  int quarter;
+  double alongRows;
+  double alongColumns;
+  long yield;
+};
+
+// The result, and how often the host was called.
+std::pair<std::vector<std::uint32_t>, std::size_t> Rotated(const RotationSteps& steps, bool haveTemporaries) {
+  constexpr unsigned int kClear = 0xFF000000;
+  fake::Buffer sourceBuffer(steps.sizes[0].width, steps.sizes[0].height);
+  Number(sourceBuffer, steps.sizes[0].width, steps.sizes[0].height);
+  LMX_Picture source(sourceBuffer.Handle());
+  EXPECT_TRUE(source.Lock());
+  Stale turned(steps.sizes[1], haveTemporaries), sheared(steps.sizes[2], haveTemporaries);
+  Stale twice(steps.sizes[3], haveTemporaries), result(steps.sizes[4], false);
+  fake::TheHost().calls.clear();
+  if (haveTemporaries) {
+    TurnedRows rows(source, turned.picture, steps.quarter, steps.yield);
+    ImageRegion image(turned.picture);
+    ShearImageHorizontal(rows, sheared.picture, steps.alongRows, kClear, steps.yield, image);
+    ShearImageVertical(sheared.picture, twice.picture, steps.alongColumns, kClear, steps.yield, image);
+    ShearImageHorizontal(twice.picture, result.picture, steps.alongRows, kClear, steps.yield, image);
+  } else {
+    const auto turn = std::vector{Priv_Rotate0, Priv_Rotate90, Priv_Rotate180, Priv_Rotate270}.at(
+        static_cast<std::size_t>(steps.quarter));
+    turn(source, turned.picture, steps.yield);
+    Priv_ShearHorizontal(turned.picture, sheared.picture, steps.alongRows, kClear, steps.yield);
+    Priv_ShearVertical(sheared.picture, twice.picture, steps.alongColumns, kClear, steps.yield);
+    Priv_ShearHorizontal(twice.picture, result.picture, steps.alongRows, kClear, steps.yield);
+  }
+  std::vector<std::uint32_t> words;
+  for (std::int32_t i = 0; i < result.picture.width * result.picture.height; ++i) {
+    words.push_back(result.buffer.Word(i % result.picture.width, i / result.picture.width));
+  }
+  return {words, fake::TheHost().calls.size()};
+}
+
+// Whatever the sizes of the temporary pictures are.
+TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
+  Random random(1);
+  for (int i = 0; i < 200; ++i) {
+    const auto size = [&](std::int32_t more) { return random.Between(1, 60) + more; };
+    RotationSteps steps = {{},
+                           random.Between(0, 3),
+                           random.Between(-414, 414) / 1000.0,
+                           random.Between(-707, 707) / 1000.0,
+                           random.Between(0, 300)};
+    const Sizes source = {size(0), size(0)};
+    const Sizes turned = steps.quarter % 2 == 0 ? source : Sizes{source.height, source.width};
+    const std::int32_t width = turned.width + static_cast<std::int32_t>(turned.height * std::fabs(steps.alongRows)) + 1;
+    const std::int32_t height = turned.height + static_cast<std::int32_t>(width * std::fabs(steps.alongColumns)) + 1;
+    const Sizes planned[] = {source, turned, {width, turned.height}, {width, height}, {width, height}};
+    for (int k = 0; k < 5; ++k) {
+      const bool isOther = k > 0 && random.Below(4) == 0;
+      steps.sizes[k] = isOther ? Sizes{size(random.Between(0, 40)), size(random.Between(0, 40))} : planned[k];
+    }
+    EXPECT_EQ(Rotated(steps, true), Rotated(steps, false)) << "case " << i;
+    if (HasFailure()) break;
   }
 }
 

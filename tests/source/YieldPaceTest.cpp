@@ -100,6 +100,15 @@ TEST_F(YieldPaceTest, ComesOnceForEveryLineOfABandThatIsDone) {
   });
 }
 
+TEST_F(YieldPaceTest, AllowsABandAhead) {
+  EXPECT_EQ(YieldPace::LinesAhead(1, 16), 16);
+  EXPECT_EQ(YieldPace::LinesAhead(1 << 14, 16), 16);
+  EXPECT_EQ(YieldPace::LinesAhead((1 << 14) + 1, 16), 15);
+  EXPECT_EQ(YieldPace::LinesAhead(1 << 18, 16), 1);
+  EXPECT_EQ(YieldPace::LinesAhead(INT_MAX, 16), 1);
+  EXPECT_EQ(YieldPace::LinesAhead(0, 16), 16);
+}
+
 TEST_F(YieldPaceTest, ComesAfterALine) {
   ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
     YieldPace pace(yield);
