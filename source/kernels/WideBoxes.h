@@ -166,9 +166,10 @@ class Runs {
 
   // The same run `count` times.
   LMX_EXPAND void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
-    for (size_t row = 0; row < count; ++row) {
-      if (Stores::Ahead(to[row], n_) == 0) continue;
-      for (row = 0; row < count; ++row) {
+    bool isTogether = count > 1;
+    for (size_t row = 0; row < count; ++row) isTogether = isTogether && Stores::Ahead(to[row], n_) == 0;
+    if (!isTogether) {
+      for (size_t row = 0; row < count; ++row) {
         Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return pixels.Load(run + 4 * i); });
       }
       return;
