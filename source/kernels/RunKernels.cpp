@@ -27,6 +27,9 @@ const LevelKernels kLevelKernels[kKernelLevels] = {
     {"avx2", FillAvx2, StreamAvx2, HasAvx2},
     {"avx512", FillAvx512, StreamAvx512, HasAvx512},
 #endif
+#ifdef __wasm_simd128__
+    {"wasm", FillWasm, nullptr, RunsEverywhere},
+#endif
 };
 
 void SelectRunKernels() {

@@ -111,6 +111,9 @@ void StreamAvx2(RunKernels* kernels);
 void FillAvx512(RunKernels* kernels);
 void StreamAvx512(RunKernels* kernels);
 #endif
+#ifdef __wasm_simd128__
+void FillWasm(RunKernels* kernels);  // in playground/
+#endif
 
 /// A level: how its kernels get into a table, on top of those below, and whether this processor has its instructions.
 struct LevelKernels {

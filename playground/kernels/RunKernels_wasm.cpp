@@ -1,0 +1,9 @@
+// The kernels in WebAssembly's 128 bits: those of SSE2, whose operations SIMDe translates one by one.
+#include "kernels/Vector_sse2.h"
+//
+#include "kernels/RunKernels_wide.h"
+
+void FillWasm(RunKernels* kernels) {
+  FillWide(kernels);
+  kernels->level = "wasm";
+}
