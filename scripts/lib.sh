@@ -49,6 +49,20 @@ build() {
 # kernel_levels: the names of all levels of kernels, lowest first.
 kernel_levels() { sed -n '/^enum class KernelLevel/ { s/.*{ //; s/ }.*//; s/, /\n/g; p }' source/kernels/KernelLevel.h; }
 
+# file_address FILE: the file as an address for a browser, in which all but plain characters are escaped.
+file_address() {
+  local LC_ALL=C path i c
+  path=$(realpath -- "$1")
+  printf 'file://'
+  for ((i = 0; i < ${#path}; ++i)); do
+    c=${path:i:1}
+    case $c in
+      [a-zA-Z0-9/._~-]) printf '%s' "$c" ;;
+      *) printf '%%%02X' "'$c" ;;
+    esac
+  done
+}
+
 # cpp_files: our C++ files, each ended by a zero byte.
 cpp_files() {
   find -- */ -path 'build*' -prune -o \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z

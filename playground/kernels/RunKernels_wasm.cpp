@@ -1,4 +1,4 @@
-// The kernels in WebAssembly's 128 bits: those of SSE2, whose operations SIMDe translates one by one.
+// The kernels in WebAssembly's 128 bits: those of SSE2, over the operations in emmintrin.h here.
 #include "kernels/Vector_sse2.h"
 //
 #include "kernels/RunKernels_wide.h"

@@ -13,6 +13,7 @@ export function parseDeclaration(text) {
   return { name: shape[1], declaration: text, parameters, result: shape[3] ? shape[3].toLowerCase() : null };
 }
 
+export const shortName = (name) => name.replace(/^LMX_/, '');
 export const takesPicture = (method) => method.parameters.length > 0 && method.parameters[0].type === 'picture';
 export const givesPicture = (method) => method.result === 'picture';
 /** Called for what it does to its picture. */
