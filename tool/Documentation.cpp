@@ -81,7 +81,7 @@ ArgumentText ChangedPicture() {
 ArgumentText Yield() {
   return {std::string(kYieldArgument),
           "pixels to do between two calls of the host's yield service, looked at after whole lines; 0 or less never "
-          "yields. On a terminal lmx asks for some by itself",
+          "yields",
           {"0"}};
 }
 
@@ -118,7 +118,7 @@ std::vector<ArgumentText> AdjustHSVArguments(ArgumentText picture) {
            {"1"}},
           {"negative",
            "store inverted colours, in the whole picture and entirely clear; in the context storage form nothing of "
-           "them is left (try --storage buffer with --opaque)",
+           "them is left",
            {"false"}},
       });
 }
@@ -172,8 +172,8 @@ std::vector<MethodText> ReportingMethods() {
 std::vector<MethodText> ColourMethods() {
   return {
       {"LMX_AdjustHSV", "Turns the hue and scales saturation and brightness of a rectangle",
-       "Alpha stays as it is. What lies outside the selection is copied.", AdjustHSVArguments(Source()),
-       "lmx AdjustHSV photo.jpg hue_degrees=60 -o turned.png"},
+       "Alpha stays as it is. What lies outside the selection is copied. To see a negative: --storage buffer --opaque.",
+       AdjustHSVArguments(Source()), "lmx AdjustHSV photo.jpg hue_degrees=60 -o turned.png"},
       {"LMX_AdjustHSV_InPlace", "The same, changing the picture itself",
        "The picture is the result: lmx hands it on to the next step or writes it.",
        AdjustHSVArguments(ChangedPicture()),

@@ -31,7 +31,8 @@ Colours are #rrggbb or #rrggbbtt, tt from 00 (opaque) to ff (clear), or &hTTRRGG
 Options, anywhere:
   -o, --output FILE    where the picture goes; its old content stays if anything fails
   --storage FORM       how the host keeps pictures: context (default) or buffer
-  --yield N            let methods yield to the host every N pixels; Ctrl-C stops them there
+  --yield N            let methods yield to the host every N pixels; Ctrl-C stops them there. On a terminal lmx lets
+                       them yield by itself
   --opaque             write the colours without their transparency
   -v, --verbose        show each call as a program would write it, its error code, size and time
   --json               the same and the measured values for scripts, one object per call and line

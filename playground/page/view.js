@@ -309,6 +309,7 @@ export class View {
       context.beginPath();
       context.arc(hx, hy, 5, 0, 2 * Math.PI);
       context.fill();
+      context.strokeStyle = 'rgb(10 14 22 / 80%)';
       context.stroke();
     }
     context.restore();
@@ -355,7 +356,7 @@ export class View {
     divider.classList.toggle('fixed', fixed);
     const { y, height } = this.freeArea;
     divider.style.left = `${fixed ? Math.round(this.middle().x) : this.dividerX}px`;
-    divider.style.setProperty('--knob', `${y + height / 2}px`);
+    divider.style.setProperty('--knob', `${y + height - 30}px`);
     divider.setAttribute('aria-valuenow', Math.round(100 * this.split));
     const { left, right } = this.sides;
     divider.dataset.left = left ? this.nameOf(left) : '';

@@ -6,7 +6,7 @@ import { encodePng } from './png.js';
 import { leavesPicture, valuesOf } from './chain.js';
 
 /** The most pixels of a picture that the plug-in makes here; beyond, the host has no memory. */
-const kMostMade = 64 << 20;
+const kMostMade = 128 << 20;
 /** How much of what the steps left is kept, so that only steps from the changed one on are called again. */
 const kMostKept = 48 << 20;
 /** Pixels between two yields, unless the program wants more of them. */
