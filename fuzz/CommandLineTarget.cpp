@@ -62,7 +62,7 @@ void CarryOut(const tool::CommandLine& line) {
       if (style == tool::ReportStyle::Json && !IsOneLine(text.str())) Report("a report in JSON is not one line");
     }
   };
-  tool::Runner runner(plugin, line.yield, tell);
+  tool::Runner runner(plugin, line.yield, 1, tell);
   runner.Run(plan, plan.source ? SmallPicture(line.storage) : host::Picture());
   if (!plugin.Leaks().empty()) Report("a run left objects without an owner");
 }

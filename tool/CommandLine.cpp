@@ -21,12 +21,18 @@ host::Storage ParseStorage(const std::string& text) {
   throw UsageError("--storage is `context` or `buffer`, not `" + text + "`");
 }
 
-std::int32_t ParseYield(const std::string& text) {
+std::int32_t ParseNumber(const std::string& option, const std::string& text) {
   try {
     return ParseValue(host::Type::Integer, text).AsInteger();
   } catch (const UsageError& error) {
-    throw UsageError("--yield: " + std::string(error.what()));
+    throw UsageError(option + ": " + error.what());
   }
+}
+
+std::int32_t ParseRepeat(const std::string& text) {
+  const std::int32_t count = ParseNumber("--repeat", text);
+  if (count < 1) throw UsageError("--repeat is at least 1, not `" + text + "`");
+  return count;
 }
 
 class Parser {
@@ -77,7 +83,9 @@ class Parser {
     } else if (name == "--plugin") {
       line_.plugin = ValueOf(name);
     } else if (name == "--yield") {
-      line_.yield = ParseYield(ValueOf(name));
+      line_.yield = ParseNumber(name, ValueOf(name));
+    } else if (name == "--repeat") {
+      line_.repeat = ParseRepeat(ValueOf(name));
     } else if (name == "--storage") {
       line_.storage = ParseStorage(ValueOf(name));
     } else if (bool* flag = FlagOf(name)) {

@@ -31,6 +31,7 @@ struct CommandLine {
   std::optional<std::string> output;
   std::optional<std::string> plugin;
   std::optional<std::int32_t> yield;
+  std::int32_t repeat = 1;
   host::Storage storage = host::Storage::BitmapContext;
   bool opaque = false;
   bool json = false;

@@ -33,6 +33,7 @@ Options, anywhere:
   --storage FORM       how the host keeps pictures: context (default) or buffer
   --yield N            let methods yield to the host every N pixels; Ctrl-C stops them there. On a terminal lmx lets
                        them yield by itself
+  --repeat N           call each method N times; the last call counts, and its time is that of a warm one
   --opaque             write the colours without their transparency
   -v, --verbose        show each call as a program would write it, its error code, size and time
   --json               the same and the measured values for scripts, one object per call and line

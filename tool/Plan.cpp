@@ -76,11 +76,6 @@ bool HasResults(const host::Method& method) {
                      [](const host::Parameter& parameter) { return parameter.byRef; });
 }
 
-// A method that neither returns nor stores anything is called for what it does to its picture.
-bool ChangesPicture(const host::Method& method) {
-  return TakesPicture(method) && method.result == host::Type::None && !HasResults(method);
-}
-
 void CheckOutput(const CommandLine& line, bool havePicture, bool newPixels) {
   if (newPixels && !line.output) throw UsageError("where shall the picture go? Give a file: -o result.png");
   if (line.output && !havePicture) throw UsageError("there will be no picture for -o " + *line.output);
@@ -118,6 +113,10 @@ bool IsPicture(const host::Parameter& parameter) {
 
 bool TakesPicture(const host::Method& method) {
   return !method.parameters.empty() && IsPicture(method.parameters.front());
+}
+
+bool ChangesPicture(const host::Method& method) {
+  return TakesPicture(method) && method.result == host::Type::None && !HasResults(method);
 }
 
 Plan MakePlan(const host::Host& plugin, const CommandLine& line) {

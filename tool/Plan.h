@@ -24,6 +24,8 @@ struct Plan {
 
 bool TakesPicture(const host::Method& method);
 bool IsPicture(const host::Parameter& parameter);
+/// Whether the method is called for what it does to its picture: it neither returns nor stores anything.
+bool ChangesPicture(const host::Method& method);
 
 /// Throws UsageError, naming the word and showing the declaration, for anything that does not fit.
 Plan MakePlan(const host::Host& plugin, const CommandLine& line);

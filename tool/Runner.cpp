@@ -30,10 +30,27 @@ void AddResults(CallReport& report, const host::Method& method, const host::Outc
   }
 }
 
+// The arguments for a call that does not count: a picture that it would change is a copy.
+std::vector<host::Value> ArgumentsToWaste(const host::Method& method, std::vector<host::Value> arguments) {
+  if (!ChangesPicture(method)) return arguments;
+  for (host::Value& argument : arguments) {
+    if (!argument.Is<host::Picture>()) continue;
+    const host::Picture original = argument.AsPicture();
+    host::Picture copy(original.Shape());
+    copy.SetStoredPixels(original.StoredPixels());
+    argument = host::Value(copy);
+  }
+  return arguments;
+}
+
 }  // namespace
 
-Runner::Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::function<void(const CallReport&)> tell)
-    : plugin_(plugin), yield_(yield.value_or(Progress::IsShown() ? Progress::kYield : 0)), tell_(std::move(tell)) {}
+Runner::Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::int32_t repeat,
+               std::function<void(const CallReport&)> tell)
+    : plugin_(plugin),
+      yield_(yield.value_or(Progress::IsShown() ? Progress::kYield : 0)),
+      repeat_(repeat),
+      tell_(std::move(tell)) {}
 
 Runner::~Runner() {
   plugin_.onYield = nullptr;
@@ -58,6 +75,7 @@ host::Picture Runner::RunStep(const Step& step, const host::Picture& picture) {
       if (InterruptRequested()) Stop(method);
       progress.Yielded();
     };
+    for (std::int32_t i = 1; i < repeat_; ++i) plugin_.Call(method.name, ArgumentsToWaste(method, arguments));
     const Clock::time_point start = Clock::now();
     outcome = plugin_.Call(method.name, arguments);
     report.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();

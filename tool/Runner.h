@@ -11,8 +11,10 @@ namespace tool {
 
 class Runner {
  public:
-  /// `yield` is for the steps that have none of their own. `tell` hears of every call, also of one that failed.
-  Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::function<void(const CallReport&)> tell);
+  /// `yield` is for the steps that have none of their own. Each method is called `repeat` times, and the last call counts.
+  /// `tell` hears of every call that counts, also of one that failed.
+  Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::int32_t repeat,
+         std::function<void(const CallReport&)> tell);
   ~Runner();
   Runner(const Runner&) = delete;
   Runner& operator=(const Runner&) = delete;
@@ -27,6 +29,7 @@ class Runner {
 
   host::Host& plugin_;
   const std::int32_t yield_;
+  const std::int32_t repeat_;
   const std::function<void(const CallReport&)> tell_;
   std::string variable_;  // that a program would keep the picture in
 };

@@ -99,7 +99,8 @@ void RunMethods(const CommandLine& line) {
   const Plan plan = MakePlan(plugin, line);
 
   const ReportStyle style = line.json ? ReportStyle::Json : line.verbose ? ReportStyle::Verbose : ReportStyle::Results;
-  Runner runner(plugin, line.yield, [style](const CallReport& report) { Write(std::cout, report, style); });
+  Runner runner(plugin, line.yield, line.repeat,
+                [style](const CallReport& report) { Write(std::cout, report, style); });
   host::Picture picture;
   if (plan.source) picture = ToHost(ReadPicture(*plan.source), line.storage);
   picture = runner.Run(plan, std::move(picture));

@@ -95,6 +95,17 @@ TEST_F(CallTest, InPlaceMethodsHandTheChangedPictureOn) {
   EXPECT_EQ(Result("small.png").pixels, SmallImage().pixels);
 }
 
+// Also where the method changes its picture, which happens once.
+TEST_F(CallTest, RepeatedCallsCountOnce) {
+  const tool::Image once =
+      Run({"AdjustRGB_InPlace", small_, "green_delta=9", "+", "FlipRotate", "rotation=90", "--json"});
+  const std::string told = std::regex_replace(ended_.out, std::regex("\"milliseconds\":[0-9.]+"), "");
+  const tool::Image repeated =
+      Run({"AdjustRGB_InPlace", small_, "green_delta=9", "+", "FlipRotate", "rotation=90", "--json", "--repeat", "3"});
+  EXPECT_EQ(repeated.pixels, once.pixels);
+  EXPECT_EQ(std::regex_replace(ended_.out, std::regex("\"milliseconds\":[0-9.]+"), ""), told);
+}
+
 TEST_F(CallTest, SelectionsAreTheWholePictureUnlessGiven) {
   for (const std::uint32_t pixel : Run({"AdjustRGB", small_, "red_delta=255"}).pixels) {
     EXPECT_EQ(pixel >> 16, 0xFFFFu);

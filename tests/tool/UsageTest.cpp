@@ -54,8 +54,8 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
     const Ended ended = Lmx({option});
     EXPECT_EQ(ended.status, 0);
     for (const char* part :
-         {"--output", "--storage", "--yield", "--opaque", "--verbose", "--json", "--plugin", "--help", "--version",
-          "lmx list", "lmx help", "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
+         {"--output", "--storage", "--yield", "--opaque", "--verbose", "--json", "--repeat", "--plugin", "--help",
+          "--version", "lmx list", "lmx help", "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
       EXPECT_TRUE(Contains(ended.out, part)) << part;
     }
   }
@@ -149,6 +149,8 @@ TEST_F(UsageTest, WrongOptions) {
   ExpectWrong({"FlipRotate", "SMALL", "-o"}, {"-o"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--yield"}, {"--yield"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--yield", "many"}, {"--yield", "`many`"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--repeat", "0"}, {"--repeat", "`0`"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--repeat=often"}, {"--repeat", "`often`"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--storage=disk"}, {"--storage", "`disk`"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--json=yes"}, {"--json"});
   ExpectWrong({"list", "everything"}, {"list"});
