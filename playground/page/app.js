@@ -313,6 +313,8 @@ class App {
       this.cards[place]?.element.scrollIntoView({ block: 'nearest' });
     });
     $('gallery').showModal();
+    $('gallery').querySelector('.choice:enabled').focus({ focusVisible: false });
+    $('gallery').scrollTop = 0;
   }
 
   // ---- Running ----

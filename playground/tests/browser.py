@@ -627,6 +627,16 @@ class Dark(Browser):
         self.screen("dark-gallery")
 
 
+class Readme(Browser):
+    """The picture of the first page, docs/pictures/playground.png."""
+
+    width, height = 1200, 740
+
+    def test_screen(self):
+        self.open("FreeRotateByShear:rotation=12.5/AdjustHSV:hue_degrees=60/@chart")
+        self.screen("readme")
+
+
 class File(unittest.TestCase):
     def test_it_is_complete_in_itself(self):
         text = PAGE.read_text(encoding="utf-8")
