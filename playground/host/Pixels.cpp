@@ -1,6 +1,7 @@
 #include "Pixels.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace page {
 namespace {
@@ -13,10 +14,18 @@ std::uint32_t Pack(std::uint32_t lowest, std::uint32_t low, std::uint32_t high, 
   return lowest | low << 8 | high << 16 | highest << 24;
 }
 
-// A context's bytes are alpha, red, green, blue in memory, whose words are little-endian here.
+std::uint32_t Load(const std::uint8_t* rgba) {
+  return Pack(rgba[0], rgba[1], rgba[2], rgba[3]);
+}
+
+void Store(std::uint8_t* rgba, std::uint32_t word) {
+  std::memcpy(rgba, &word, 4);
+}
+
+// A context's bytes are alpha, red, green, blue in memory, whose words are little-endian here. Most pixels are opaque.
 std::uint32_t ContextWord(const std::uint8_t* rgba) {
-  const std::uint32_t alpha = rgba[3];
-  if (alpha == 255) return Pack(255, rgba[0], rgba[1], rgba[2]);
+  const std::uint32_t word = Load(rgba), alpha = word >> 24;
+  if (alpha == 255) return word << 8 | 255;
   const auto part = [alpha](std::uint32_t channel) { return Nearest(channel * alpha, 255); };
   return Pack(alpha, part(rgba[0]), part(rgba[1]), part(rgba[2]));
 }
@@ -27,21 +36,17 @@ std::uint32_t BufferWord(const std::uint8_t* rgba) {
 
 void FromContextWord(std::uint8_t* rgba, std::uint32_t word) {
   const std::uint32_t alpha = word & 0xFF;
-  for (int i = 0; i < 3; ++i) {
-    const std::uint32_t channel = word >> (8 * i + 8) & 0xFF;
-    const std::uint32_t straight = alpha == 0     ? 0
-                                   : alpha == 255 ? channel
-                                                  : std::min<std::uint32_t>(Nearest(channel * 255, alpha), 255);
-    rgba[i] = static_cast<std::uint8_t>(straight);
-  }
-  rgba[3] = static_cast<std::uint8_t>(alpha);
+  if (alpha == 255) return Store(rgba, word >> 8 | 0xFF000000);
+  if (alpha == 0) return Store(rgba, 0);
+  const auto straight = [=](int shift) {
+    return std::min<std::uint32_t>(Nearest((word >> shift & 0xFF) * 255, alpha), 255);
+  };
+  Store(rgba, Pack(straight(8), straight(16), straight(24), alpha));
 }
 
 void FromBufferWord(std::uint8_t* rgba, std::uint32_t word) {
-  rgba[0] = static_cast<std::uint8_t>(word >> 16);
-  rgba[1] = static_cast<std::uint8_t>(word >> 8);
-  rgba[2] = static_cast<std::uint8_t>(word);
-  rgba[3] = static_cast<std::uint8_t>(Nearest((127 - std::min<std::uint32_t>(word >> 24, 127)) * 255, 127));
+  const std::uint32_t alpha = Nearest((127 - std::min<std::uint32_t>(word >> 24, 127)) * 255, 127);
+  Store(rgba, Pack(word >> 16 & 0xFF, word >> 8 & 0xFF, word & 0xFF, alpha));
 }
 
 }  // namespace

@@ -4,21 +4,25 @@ import { tilesOf } from './files.js';
 
 const kZooms = [0.25, 0.5, 1, 2, 3, 4, 6, 8, 12, 16, 24, 32];
 const kSquare = 8;
+const kCalm = 150; // milliseconds
 const kNear = 10; // pixels of the screen within which an edge of the rectangle is meant
 const kLoupePixels = 11, kLoupeScale = 14;
 
-/** A picture as canvases that a browser can draw. */
+/** A picture as canvases that a browser can draw; takes over those of another of its size. */
 class Drawable {
-  constructor(image) {
+  constructor(image, other = null) {
     Object.assign(this, image);
-    this.tiles = [...tilesOf(image.width, image.height)].map((tile) => {
+    const isSameSize = other?.width === image.width && other.height === image.height;
+    this.tiles = isSameSize ? other.tiles : [...tilesOf(image.width, image.height)].map((tile) => {
       const canvas = document.createElement('canvas');
       canvas.width = tile.width;
       canvas.height = tile.height;
-      const whole = new ImageData(image.data, image.width, image.height);
-      canvas.getContext('2d').putImageData(whole, -tile.x, -tile.y, tile.x, tile.y, tile.width, tile.height);
       return { ...tile, canvas };
     });
+    const whole = new ImageData(image.data, image.width, image.height);
+    for (const { x, y, width, height, canvas } of this.tiles) {
+      canvas.getContext('2d').putImageData(whole, -x, -y, x, y, width, height);
+    }
   }
 
   // Its top left corner, where the centre is the origin.
@@ -67,13 +71,24 @@ export class View {
   }
 
   setAfter(image) {
-    this.after = image ? new Drawable(image) : null;
-    this.draw();
+    this.after = image ? new Drawable(image, this.after) : null;
+    this.hurry();
   }
 
   /** Where the first call takes no picture there is nothing to compare with. */
   hideBefore(isHidden) {
     this.beforeHidden = isHidden;
+    this.draw();
+  }
+
+  // Draws reduced pictures quickly as long as they change, and well when they don't.
+  hurry() {
+    this.isHurried = true;
+    clearTimeout(this.calmTimer);
+    this.calmTimer = setTimeout(() => {
+      this.isHurried = false;
+      this.draw();
+    }, kCalm);
     this.draw();
   }
 
@@ -89,7 +104,8 @@ export class View {
 
   /**
    * A rectangle in the coordinates of the picture after, or null: { left, top, width, height, dim } in whole pixels; `dim`
-   * darkens what is outside. It shows on the picture before as well if that is as large.
+   * darkens what is outside. It shows on the picture before as well if that is as large. While it can be changed, the
+   * picture after is alone.
    */
   setArea(area, canChange = false) {
     if (this.hold && !this.hold.pan) return; // under way: what comes back are its own rectangles
@@ -124,6 +140,11 @@ export class View {
     return { x: x + width / 2, y: y + height / 2 };
   }
 
+  // While a rectangle is being drawn the picture that it lies on is alone.
+  get isDrawing() {
+    return Boolean(this.area && this.areaCanChange && this.after);
+  }
+
   get sides() {
     const before = this.beforeHidden ? null : this.before;
     const both = this.swapped ? [this.after, before] : [before, this.after];
@@ -140,8 +161,8 @@ export class View {
     const { left, right } = this.sides;
     const { clientWidth: width, clientHeight: height } = this.canvas;
     const middle = this.middle();
-    if (!left || !right || this.mode === 'after') {
-      const only = (this.mode === 'after' || !left ? right : left) ?? left;
+    if (!left || !right || this.mode === 'after' || this.isDrawing) {
+      const only = this.isDrawing ? this.after : (this.mode === 'after' || !left ? right : left) ?? left;
       return only ? [{ picture: only, x: 0, width, height, centre: middle, side: this.nameOf(only) }] : [];
     }
     const cut = this.mode === 'side' ? Math.round(middle.x) : this.dividerX;
@@ -157,7 +178,7 @@ export class View {
 
   get fitting() {
     const { width, height } = this.freeArea;
-    const across = this.mode === 'side' ? width / 2 : width;
+    const across = this.mode === 'side' && !this.isDrawing ? width / 2 : width;
     const { left, right } = this.sides;
     const pictures = [left, right].filter(Boolean);
     const widest = Math.max(1, ...pictures.map((p) => p.width));
@@ -211,7 +232,7 @@ export class View {
   pan(dx, dy) {
     this.centre.x -= dx / this.scale;
     this.centre.y -= dy / this.scale;
-    this.draw();
+    this.hurry();
   }
 
   // ---- Drawing ----
@@ -255,7 +276,7 @@ export class View {
     context.fillRect(0, 0, width, height);
     context.restore();
     context.imageSmoothingEnabled = scale < 1;
-    context.imageSmoothingQuality = 'high';
+    context.imageSmoothingQuality = this.isHurried ? 'low' : 'high';
     for (const tile of picture.tiles) {
       context.drawImage(tile.canvas, x + tile.x * scale, y + tile.y * scale, tile.width * scale, tile.height * scale);
     }
