@@ -115,9 +115,6 @@ function field(type, { id, label, describedby, change, className = '' }) {
       value = next;
       if (!typing) input.value = valueText(type, next);
     },
-    get isTyping() {
-      return typing;
-    },
   };
 }
 
@@ -161,10 +158,6 @@ function numberControl(parameter, facts, change) {
     hint,
     body: [make('div', { className: 'slide' }, slider, fieldBox)],
     update(next) {
-      if (text.isTyping) {
-        show(next);
-        return;
-      }
       show(next);
       text.update(next);
     },

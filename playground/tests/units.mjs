@@ -194,6 +194,15 @@ test('a call that fails ends the chain', () => {
   assert.ok(huge.reports[0].nil || huge.reports[0].error);
 });
 
+test('the size in the head of a JPEG is found after whatever comes before it', () => {
+  const segment = (marker, ...content) => [0xff, marker, (content.length + 2) >> 8, (content.length + 2) & 255, ...content];
+  const frame = segment(0xc2, 8, 0x12, 0x34, 0x56, 0x78, 3);
+  const bytes = Uint8Array.from([0xff, 0xd8, ...segment(0xe0, 1, 2, 3), ...segment(0xc4, 0xff, 0xc0), 0xff, ...frame, 0, 0, 0, 0]);
+  assert.deepEqual(sizeInHeader(bytes), { width: 0x5678, height: 0x1234 });
+  assert.equal(sizeInHeader(bytes.subarray(0, 12)), null);
+  assert.equal(sizeInHeader(new Uint8Array(0)), null);
+});
+
 test('PNG and zip files are those that others read', async () => {
   const image = imageOf(5, 3, (i) => [i, 2 * i, 255 - i, 17 * i]);
   const png = await encodePng(image);
