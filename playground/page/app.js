@@ -49,6 +49,7 @@ class App {
 
   furnish() {
     $('open').append(icon('open'), make('span', {}, 'Open'));
+    $('chart').append(icon('chart'));
     $('add').append(icon('plus'), make('span', {}, 'Add a call'));
     $('copy').append(icon('copy'), make('span', {}, 'Copy'));
     $('link').append(icon('link'), make('span', {}, 'Link'));
@@ -100,11 +101,11 @@ class App {
       this.addFiles([...$('file').files]);
       $('file').value = '';
     };
-    $('take-chart').onclick = () => this.takeChart();
+    $('take-chart').onclick = $('chart').onclick = () => this.takeChart();
     $('add').onclick = () => this.chooseMethod(null);
     $('copy').onclick = () => this.copy($('code').textContent, $('copy'), 'Copy');
     $('link').onclick = () => this.copy(location.href, $('link'), 'Link');
-    $('download').onclick = () => this.download();
+    $('download').onclick = () => this.download().catch((error) => this.fail(error));
     $('cancel').onclick = () => this.cancel();
     document.querySelectorAll('input[name=storage]').forEach((input) => {
       input.onchange = () => this.change({ ...this.chain, storage: input.value }, true);
@@ -543,6 +544,9 @@ class App {
         this.chain.steps.length > 1 ? ` (call ${place + 1}, ${shortName(failed.method)})` : '');
     }
     const last = this.reports.at(-1);
+    // What a method reports, where there is no picture.
+    $('words').hidden = last?.result === undefined;
+    $('words').textContent = String(last?.result ?? '');
     const facts = [];
     if (last && !failed) {
       if (last.width) facts.push(`${grouped(last.width)} × ${grouped(last.height)}`);
@@ -641,7 +645,10 @@ class App {
     if (this.tab === 'line') return this.callTexts.join('\n');
     if (this.tab === 'example') return exampleOf(this.calls);
     const named = steps.map((step) => ({ method: this.find(step.method), given: step.given }));
-    return commandOf(named, { file: this.image?.name ?? kChartName, storage });
+    const command = commandOf(named, { file: this.image?.name ?? kChartName, storage });
+    if (!takesPicture(named[0].method)) return command;
+    if (this.pictures[this.current]?.isChart) return `lmx chart -o ${kChartName}\n${command}`;
+    return /\.(png|jpe?g)$/i.test(this.image?.name ?? '') ? command : `# lmx reads PNG and JPEG files\n${command}`;
   }
 
   showCode() {
@@ -746,13 +753,17 @@ class App {
 
   goToAddress() {
     if (location.hash === this.address || location.hash.length < 2) return;
-    const { chain } = fromAddress(location.hash.slice(1), this.find);
+    const { chain, chart } = fromAddress(location.hash.slice(1), this.find);
     if (!chain.steps.length) return;
     this.chain = chain;
     this.active = chain.steps.length - 1;
     this.remember();
-    if (this.image) this.refresh(true);
-    else this.takeChart();
+    if (this.image) {
+      this.refresh(true);
+      return;
+    }
+    this.takeChart();
+    if (!chart) this.toast('The calls of the link, on the test chart. Drop a picture to see them on yours.');
   }
 }
 

@@ -204,6 +204,36 @@ class Browser(unittest.TestCase):
         return file
 
 
+    def unreadable(self):
+        """Texts whose contrast is too low: 4.5 to 1, or 3 to 1 where they are large."""
+        return self.js("""
+            const parse = (text) => (text.match(/[\\d.]+/g) ?? []).map(Number);
+            const isColour = (text) => text.startsWith('rgb');
+            const light = ([r, g, b]) => [r, g, b].map((c) => (c /= 255) <= 0.04045 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
+              .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
+            const groundOf = (element) => {
+              for (let e = element; e; e = e.parentElement) {
+                const colour = parse(getComputedStyle(e).backgroundColor);
+                if (colour.length && (colour[3] ?? 1) > 0.9) return colour;
+              }
+              return null;
+            };
+            const low = [];
+            for (const element of document.querySelectorAll('body *')) {
+              const ownText = [...element.childNodes].some((n) => n.nodeType === 3 && n.textContent.trim());
+              const box = element.getBoundingClientRect(), style = getComputedStyle(element);
+              if (!(ownText || element.matches('input[type=text]')) || !box.width || style.visibility === 'hidden') continue;
+              if (element.closest('.unseen, :disabled, script, style, [aria-hidden=true]') || !isColour(style.color)) continue;
+              const ground = groundOf(element);
+              if (!ground) continue;
+              const [a, b] = [light(parse(style.color)), light(ground)].sort((x, y) => y - x);
+              const size = parseFloat(style.fontSize), isLarge = size >= 24 || (size >= 18.66 && style.fontWeight >= 700);
+              const ratio = (a + 0.05) / (b + 0.05);
+              if (ratio < (isLarge ? 3 : 4.5)) low.push(`${element.tagName} ${element.className} "${element.textContent.slice(0, 30)}" ${ratio.toFixed(2)}`);
+            }
+            return low;""")
+
+
 class Results(Browser):
     """The same pixels as by lmx."""
 
@@ -236,6 +266,8 @@ class Results(Browser):
         self.screen("averages")
         self.open("GetErrorMessage:errorCode=33/@chart")
         self.assertEqual(self.text(".card .value"), self.run_command(self.tab("lmx")).strip())
+        self.assertEqual(self.text("#words"), self.text(".card .value"))
+        self.screen("message")
 
     def test_chain(self):
         self.open("Trim:left=100,top=80,width=500,height=300/FreeRotateByShear:rotation=12.5/AdjustHSV:hue_degrees=60/"
@@ -540,6 +572,15 @@ class Work(Browser):
                 nameless.append(role)
         self.assertEqual(nameless, [])
 
+    def test_texts_have_contrast(self):
+        self.assertEqual(self.unreadable(), [])
+        self.open("GetAverageRGB/ShearVertical:shear=2/@chart")
+        self.assertEqual(self.unreadable(), [])
+        self.open("Trim:left=10,top=10,width=99,height=99/FreeRotateByShear:rotation=3/@chart")
+        self.tab("example")
+        self.click("[aria-label='Change the method of call 2']")
+        self.assertEqual(self.unreadable(), [])
+
 
 class BadInput(Browser):
     """A clear message, never a dead page."""
@@ -614,6 +655,8 @@ class Phone(Browser):
 
 class Dark(Browser):
     dark = True
+
+    test_texts_have_contrast = Work.test_texts_have_contrast
 
     def test_screens(self):
         self.screen("dark-landing")
