@@ -198,10 +198,12 @@ class App {
 
   async show(index) {
     const picture = this.pictures[index];
+    this.wanted = picture;
     this.showBusy(`Reading ${picture.name}`);
     let image;
     try {
       image = await picture.read();
+      if (this.wanted !== picture) return undefined; // somebody has chosen another meanwhile
     } catch (error) {
       this.hideBusy();
       this.toast(`${picture.name}: ${error.message}`);
