@@ -13,6 +13,7 @@ import { encodePng } from '../page/png.js';
 import { makeZip, uniqueNames } from '../page/zip.js';
 import { sizeInHeader } from '../page/files.js';
 import { Runner } from '../page/worker.js';
+import { Cancelled, Engine } from '../page/engine.js';
 
 const module = new WebAssembly.Module(readFileSync(process.env.LMX_WASM));
 const plugin = new Plugin(module);
@@ -201,6 +202,60 @@ test('the size in the head of a JPEG is found after whatever comes before it', (
   assert.deepEqual(sizeInHeader(bytes), { width: 0x5678, height: 0x1234 });
   assert.equal(sizeInHeader(bytes.subarray(0, 12)), null);
   assert.equal(sizeInHeader(new Uint8Array(0)), null);
+});
+
+// A worker that answers when it is told to; what it was asked stays in `asked`.
+class StillWorker {
+  static made = [];
+  asked = [];
+  constructor() {
+    StillWorker.made.push(this);
+  }
+  postMessage(message) {
+    this.asked.push(message);
+  }
+  terminate() {
+    this.isEnded = true;
+  }
+  answer(kind, reply = { kind: 'answer', answer: {} }) {
+    const { id } = this.asked.find((message) => message.kind === kind && !message.isAnswered && (message.isAnswered = true));
+    this.onmessage({ data: { id, ...reply } });
+    return new Promise((resolve) => setTimeout(resolve));
+  }
+  jobs() {
+    return this.asked.filter(({ kind }) => kind === 'run').map(({ job }) => job);
+  }
+}
+
+test('of the runs that wait only the newest begins', async () => {
+  const engine = new Engine(() => new StillWorker(), new ArrayBuffer(0));
+  const worker = StillWorker.made.at(-1);
+  const runs = ['first', 'second', 'third', 'fourth'].map((job) => engine.run(job));
+  assert.deepEqual(worker.jobs(), ['first']);
+  await worker.answer('run', { kind: 'answer', answer: 'one' });
+  assert.deepEqual(worker.jobs(), ['first', 'fourth']);
+  assert.ok(engine.isBusy);
+  await worker.answer('run', { kind: 'answer', answer: 'four' });
+  assert.ok(!engine.isBusy);
+  assert.deepEqual(await Promise.all(runs), ['one', null, null, 'four']);
+});
+
+test('a cancel ends every run and starts a worker that has the picture; so does a failure', async () => {
+  const engine = new Engine(() => new StillWorker(), new ArrayBuffer(0));
+  engine.setSource('the picture').catch(() => {});
+  for (const [end, error] of [[() => engine.cancel(), Cancelled],
+    [() => StillWorker.made.at(-1).answer('run', { kind: 'failure', message: 'unreachable' }), /unreachable/]]) {
+    const worker = StillWorker.made.at(-1);
+    const runs = [assert.rejects(engine.run('first'), error), assert.rejects(engine.run('second'), error)];
+    end();
+    await Promise.all(runs);
+    assert.ok(worker.isEnded && !engine.isBusy);
+    const fresh = StillWorker.made.at(-1);
+    assert.deepEqual(fresh.asked.map(({ kind, image }) => [kind, image]), [['load', undefined], ['source', 'the picture']]);
+    const run = engine.run('third');
+    await fresh.answer('run', { kind: 'answer', answer: 'three' });
+    assert.equal(await run, 'three');
+  }
 });
 
 test('PNG and zip files are those that others read', async () => {
