@@ -1,5 +1,5 @@
-// SSE2 in the 128 bits of WebAssembly: those intrinsics that Vector_sse2.h uses, under their names, so that the wide kernels
-// are compiled as they are. The compiler's own header of this name is for x86 alone. SIMDe, which has them all, makes loops
+// SSE2 in the 128 bits of WebAssembly: the intrinsics that Vector_sse2.h uses and their kin, under their names, so that the
+// wide kernels are compiled as they are. The compiler's own header of this name is for x86 alone. SIMDe, which has them all, makes loops
 // over lanes of many of them: with it the kernels took four times as long as the plain ones.
 #pragma once
 
@@ -30,6 +30,9 @@ LMX_SSE2 void _mm_store_si128(v128_t* p, v128_t a) {
 LMX_SSE2 void _mm_stream_si128(v128_t* p, v128_t a) {
   wasm_v128_store(p, a);
 }
+
+LMX_SSE2 v128_t _mm_loadl_epi64(const v128_t* p) { return wasm_v128_load64_zero(p); }
+LMX_SSE2 void _mm_storel_epi64(v128_t* p, v128_t a) { wasm_v128_store64_lane(p, a, 0); }
 
 LMX_SSE2 v128_t _mm_setzero_si128() {
   return wasm_i32x4_const(0, 0, 0, 0);
@@ -105,6 +108,8 @@ LMX_SSE2 v128_t _mm_adds_epu16(v128_t a, v128_t b) {
 LMX_SSE2 v128_t _mm_subs_epu16(v128_t a, v128_t b) {
   return wasm_u16x8_sub_sat(a, b);
 }
+LMX_SSE2 v128_t _mm_adds_epi16(v128_t a, v128_t b) { return wasm_i16x8_add_sat(a, b); }
+LMX_SSE2 v128_t _mm_subs_epi16(v128_t a, v128_t b) { return wasm_i16x8_sub_sat(a, b); }
 LMX_SSE2 v128_t _mm_avg_epu8(v128_t a, v128_t b) {
   return wasm_u8x16_avgr(a, b);
 }
@@ -133,6 +138,9 @@ LMX_SSE2 v128_t _mm_madd_epi16(v128_t a, v128_t b) {
 LMX_SSE2 v128_t _mm_mulhi_epu16(v128_t a, v128_t b) {
   return wasm_i16x8_shuffle(wasm_u32x4_extmul_low_u16x8(a, b), wasm_u32x4_extmul_high_u16x8(a, b), 1, 3, 5, 7, 9, 11,
                             13, 15);
+}
+LMX_SSE2 v128_t _mm_mulhi_epi16(v128_t a, v128_t b) {
+  return wasm_i16x8_shuffle(wasm_i32x4_extmul_low_i16x8(a, b), wasm_i32x4_extmul_high_i16x8(a, b), 1, 3, 5, 7, 9, 11, 13, 15);
 }
 LMX_SSE2 v128_t _mm_mul_epu32(v128_t a, v128_t b) {
   return wasm_u64x2_extmul_low_u32x4(wasm_i32x4_shuffle(a, a, 0, 2, 0, 2), wasm_i32x4_shuffle(b, b, 0, 2, 0, 2));
@@ -177,6 +185,9 @@ LMX_SSE2 v128_t _mm_cmpeq_epi16(v128_t a, v128_t b) {
 LMX_SSE2 v128_t _mm_cmpeq_epi32(v128_t a, v128_t b) {
   return wasm_i32x4_eq(a, b);
 }
+LMX_SSE2 v128_t _mm_cmpgt_epi8(v128_t a, v128_t b) { return wasm_i8x16_gt(a, b); }
+LMX_SSE2 v128_t _mm_cmplt_epi16(v128_t a, v128_t b) { return wasm_i16x8_lt(a, b); }
+LMX_SSE2 v128_t _mm_cmplt_epi32(v128_t a, v128_t b) { return wasm_i32x4_lt(a, b); }
 LMX_SSE2 v128_t _mm_cmpgt_epi16(v128_t a, v128_t b) {
   return wasm_i16x8_gt(a, b);
 }
@@ -190,6 +201,7 @@ LMX_SSE2 int _mm_movemask_epi8(v128_t a) {
 LMX_SSE2 v128_t _mm_packs_epi32(v128_t a, v128_t b) {
   return wasm_i16x8_narrow_i32x4(a, b);
 }
+LMX_SSE2 v128_t _mm_packs_epi16(v128_t a, v128_t b) { return wasm_i8x16_narrow_i16x8(a, b); }
 LMX_SSE2 v128_t _mm_packus_epi16(v128_t a, v128_t b) {
   return wasm_u8x16_narrow_i16x8(a, b);
 }
@@ -228,12 +240,28 @@ LMX_SSE2 v128_t _mm_unpackhi_epi64(v128_t a, v128_t b) {
   wasm_i8x16_shuffle(a, _mm_setzero_si128(), n, (n) + 1, (n) + 2, (n) + 3, (n) + 4, (n) + 5, (n) + 6, (n) + 7, \
                      (n) + 8, (n) + 9, (n) + 10, (n) + 11, (n) + 12, (n) + 13, (n) + 14, (n) + 15)
 
+#define _mm_slli_si128(a, n)                                                                                      \
+  wasm_i8x16_shuffle(_mm_setzero_si128(), a, 16 - (n), 17 - (n), 18 - (n), 19 - (n), 20 - (n), 21 - (n), 22 - (n), \
+                     23 - (n), 24 - (n), 25 - (n), 26 - (n), 27 - (n), 28 - (n), 29 - (n), 30 - (n), 31 - (n))
+
 LMX_SSE2 v128_t _mm_castsi128_ps(v128_t a) {
   return a;
 }
 LMX_SSE2 v128_t _mm_castps_si128(v128_t a) {
   return a;
 }
+
+// What does not fit becomes the least integer.
+LMX_SSE2 v128_t _mm_cvttps_epi32(v128_t a) {
+  const v128_t fits = wasm_f32x4_lt(a, wasm_f32x4_splat(2147483648.0F));
+  return wasm_v128_bitselect(wasm_i32x4_trunc_sat_f32x4(a), wasm_i32x4_splat(INT32_MIN), fits);
+}
+LMX_SSE2 v128_t _mm_cvtepi32_ps(v128_t a) { return wasm_f32x4_convert_i32x4(a); }
+LMX_SSE2 v128_t _mm_set1_ps(float v) { return wasm_f32x4_splat(v); }
+LMX_SSE2 v128_t _mm_add_ps(v128_t a, v128_t b) { return wasm_f32x4_add(a, b); }
+LMX_SSE2 v128_t _mm_sub_ps(v128_t a, v128_t b) { return wasm_f32x4_sub(a, b); }
+LMX_SSE2 v128_t _mm_mul_ps(v128_t a, v128_t b) { return wasm_f32x4_mul(a, b); }
+LMX_SSE2 v128_t _mm_div_ps(v128_t a, v128_t b) { return wasm_f32x4_div(a, b); }
 
 LMX_SSE2 v128_t _mm_set1_pd(double v) {
   return wasm_f64x2_splat(v);
