@@ -49,7 +49,7 @@ build() {
 # kernel_levels: the names of all levels of kernels, lowest first.
 kernel_levels() { sed -n '/^enum class KernelLevel/ { s/.*{ //; s/ }.*//; s/, /\n/g; p }' source/kernels/KernelLevel.h; }
 
-# file_address FILE: the file as an address for a browser, in which all but plain characters are escaped.
+# file_address FILE: the file as an address for a browser, all but plain characters escaped.
 file_address() {
   local LC_ALL=C path i c
   path=$(realpath -- "$1")

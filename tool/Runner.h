@@ -11,8 +11,8 @@ namespace tool {
 
 class Runner {
  public:
-  /// `yield` is for the steps that have none of their own. Each method is called `repeat` times, and the last call counts.
-  /// `tell` hears of every call that counts, also of one that failed.
+  /// `yield` is for the steps that have none of their own. Each method is called `repeat` times, and
+  /// the last call counts. `tell` hears of every call that counts, also of one that failed.
   Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::int32_t repeat,
          std::function<void(const CallReport&)> tell);
   ~Runner();

@@ -1,5 +1,5 @@
-// What the page takes from the command-line tool, so that both tell the same: the texts about methods and arguments, the
-// values of arguments that are left out, and the test chart.
+// What the page takes from the command-line tool, so that both tell the same: the texts about
+// methods and arguments, the values of arguments that are left out, and the test chart.
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -62,8 +62,8 @@ PAGE_EXPORT(factsLength) std::size_t FactsLength() {
   return page::AllFacts().size();
 }
 
-/// The value of an argument that is left out and computed. `given` are the values of all arguments of the method, in their
-/// order; NaN for those that are left out as well.
+/// The value of an argument that is left out and computed. `given` are the values of all arguments
+/// of the method, in their order; NaN for those that are left out as well.
 PAGE_EXPORT(computeFallback)
 std::int32_t ComputeFallback(int method, int argument, int width, int height, const double* given) {
   const tool::MethodText& text = tool::Documentation()[static_cast<std::size_t>(method)];

@@ -1,9 +1,10 @@
-// The host in the browser: the services that the plug-in asks for, pictures in both storage forms, and what the page's
-// script needs of them. The script calls the methods itself, through the addresses in the registered table, which are
-// indices of WebAssembly's function table.
+// The host in the browser: the services that the plug-in asks for, pictures in both storage forms,
+// and what the page's script needs of them. The script calls the methods itself, through the
+// addresses in the registered table, which are indices of WebAssembly's function table.
 //
-// It counts references and locks and tells of every breach, as the stand-in host in host/ does; what costs time, guards
-// around pixels for example, is left to that one. Everything happens on one thread.
+// It counts references and locks and tells of every breach, as the stand-in host in host/ does;
+// what costs time, guards around pixels for example, is left to that one. Everything happens on one
+// thread.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -82,7 +83,8 @@ void LayOutBuffer(Picture& picture) {
   picture.record->rowTable = Address(picture.rows);
 }
 
-// A size that the page does not take, or for which there is no memory, leaves a picture that cannot be locked.
+// A size that the page does not take, or for which there is no memory, leaves a picture that cannot
+// be locked.
 void Construct(Picture& picture, Form form, int width, int height) {
   picture.form = form;
   picture.width = width;
@@ -116,7 +118,7 @@ void Release(Object* object) {
   delete picture;
 }
 
-// ---- The services ----------------------------------------------------------------------------------------------------
+// ---- The services -------------------------------------------------------------------------------
 
 void RegisterPluginVersion(int version) {
   if (version != static_cast<int>(kPluginInterfaceVersion)) Complain("RegisterPluginVersion", "unknown version");
@@ -224,7 +226,7 @@ Picture& PictureOf(CGContextRef context) {
 }  // namespace
 }  // namespace page
 
-// ---- CoreGraphics: a context is the picture itself -------------------------------------------------------------------
+// ---- CoreGraphics: a context is the picture itself ----------------------------------------------
 
 extern "C" {
 std::size_t CGBitmapContextGetWidth(CGContextRef context) {
@@ -244,7 +246,7 @@ void* CGBitmapContextGetData(CGContextRef context) {
 }
 }
 
-// ---- What the language's library throws, no memory for example ------------------------------------------------------
+// ---- What the language's library throws, no memory for example ----------------------------------
 
 extern "C" {
 [[noreturn]] void* __cxa_allocate_exception(std::size_t) noexcept {
@@ -255,7 +257,7 @@ extern "C" {
 }
 }
 
-// ---- What the script calls -------------------------------------------------------------------------------------------
+// ---- What the script calls ----------------------------------------------------------------------
 
 /// Loads the plug-in; gives the module that it registered.
 PAGE_EXPORT(load) REALmoduleDefinition* Load() {

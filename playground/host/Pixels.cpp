@@ -22,7 +22,8 @@ void Store(std::uint8_t* rgba, std::uint32_t word) {
   std::memcpy(rgba, &word, 4);
 }
 
-// A context's bytes are alpha, red, green, blue in memory, whose words are little-endian here. Most pixels are opaque.
+// A context's bytes are alpha, red, green, blue in memory, whose words are little-endian here. Most
+// pixels are opaque.
 std::uint32_t ContextWord(const std::uint8_t* rgba) {
   const std::uint32_t word = Load(rgba), alpha = word >> 24;
   if (alpha == 255) return word << 8 | 255;

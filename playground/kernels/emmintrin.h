@@ -1,6 +1,7 @@
-// SSE2 in the 128 bits of WebAssembly: the intrinsics that Vector_sse2.h uses and their kin, under their names, so that the
-// wide kernels are compiled as they are. The compiler's own header of this name is for x86 alone. SIMDe, which has them all, makes loops
-// over lanes of many of them: with it the kernels took four times as long as the plain ones.
+// SSE2 in the 128 bits of WebAssembly: the intrinsics that Vector_sse2.h uses and their kin, under
+// their names, so that the wide kernels are compiled as they are. The compiler's own header of this
+// name is for x86 alone. SIMDe, which has them all, makes loops over lanes of many of them: with it
+// the kernels took four times as long as the plain ones.
 #pragma once
 
 #include <wasm_simd128.h>

@@ -472,6 +472,7 @@ class App {
     const inArea = controls.filter(({ facts }) => facts.area);
     const advanced = controls.filter(({ facts }) => facts.advanced);
     const plain = controls.filter((control) => !inArea.includes(control) && !advanced.includes(control));
+    plain.sort((a, b) => Number(Boolean(b.facts.first)) - Number(Boolean(a.facts.first)));
     const parts = plain.map(({ element }) => element);
     if (inArea.length) {
       const group = this.areaGroup(step, inArea);

@@ -1,5 +1,6 @@
-// The chain of calls that somebody puts together: a plain value that is never changed, only replaced. A step has a method
-// and the arguments that are given; those left out have the values that lmx gives them.
+// The chain of calls that somebody puts together: a plain value that is never changed, only
+// replaced. A step has a method and the arguments that are given; those left out have the values
+// that lmx gives them.
 //
 //   { storage: 'context' | 'buffer', steps: [{ method: 'LMX_Stretch', given: { width: 400 } }] }
 import { inputsOf, takesPicture, shortName } from './plugin.js';
@@ -29,7 +30,10 @@ export function withMoved(chain, from, to) {
   return { ...chain, steps };
 }
 
-/** Whether each step that needs a picture has one: one that takes none can only be the first, and a report leaves none. */
+/**
+ * Whether each step that needs a picture has one: one that takes none can only be the first, and a
+ * report leaves none.
+ */
 export function isPossible(chain, find) {
   return chain.steps.every((step, i) => {
     const method = find(step.method);
@@ -40,7 +44,10 @@ export function isPossible(chain, find) {
 
 export const leavesPicture = (method) => takesPicture(method) || method.result === 'picture';
 
-/** The values of all inputs of a call: what is given, and for the rest what lmx takes, for a picture of that size. */
+/**
+ * The values of all inputs of a call: what is given, and for the rest what lmx takes, for a picture
+ * of that size.
+ */
 export function valuesOf(plugin, method, given, size) {
   const facts = plugin.facts.find(({ name }) => name === method.name);
   const values = {};

@@ -1,11 +1,15 @@
-// Controls for the arguments of a step, made from the declaration and the facts: a slider with a number, a switch, a colour
-// with its transparency. A control is { element, update(value, isGiven) }; it calls `change(value, done)` with what people
-// choose, `undefined` to leave the argument out, and `done` false while they are still dragging.
+// Controls for the arguments of a step, made from the declaration and the facts: a slider with a
+// number, a switch, a colour with its transparency. A control is { element, update(value, isGiven)
+// }; it calls `change(value, done)` with what people choose, `undefined` to leave the argument out,
+// and `done` false while they are still dragging.
 import {
   blueOf, cssColour, greenOf, kExpected, parseValue, redOf, rgbText, transparencyOf, valueText, withTransparency,
 } from './values.js';
 
-/** An element with properties, attributes (those with a dash, and role), listeners (on...) and children. */
+/**
+ * An element with properties, attributes (those with a dash, and role), listeners (on...) and
+ * children.
+ */
 export function make(name, properties = {}, ...children) {
   const element = document.createElement(name);
   for (const [key, value] of Object.entries(properties)) {
@@ -63,8 +67,8 @@ let ids = 0;
 const titleOf = (name) => name.replaceAll('_', ' ');
 
 /**
- * A field for a value as text. It selects itself when it is entered, and what is being typed is never rewritten; a value
- * that is none shows as an error and changes nothing.
+ * A field for a value as text. It selects itself when it is entered, and what is being typed is
+ * never rewritten; a value that is none shows as an error and changes nothing.
  */
 function field(type, { id, label, describedby, change, className = '' }) {
   let value, typing = false;

@@ -1,11 +1,15 @@
-// The page's side of the worker. At any time one run is under way and at most one waits, the newest: whoever drags a slider
-// sees as many results as the machine can give, and never an old one last.
+// The page's side of the worker. At any time one run is under way and at most one waits, the
+// newest: whoever drags a slider sees as many results as the machine can give, and never an old one
+// last.
 
 /** A run that was ended by `cancel`, or failed. */
 export class Cancelled extends Error {}
 
 export class Engine {
-  /** `makeWorker` gives a new worker, `wasm` are the bytes of the plug-in; `onProgress` gets { step, part }. */
+  /**
+   * `makeWorker` gives a new worker, `wasm` are the bytes of the plug-in; `onProgress` gets { step,
+   * part }.
+   */
   constructor(makeWorker, wasm, onProgress = () => {}) {
     Object.assign(this, { makeWorker, wasm, onProgress });
     this.source = null;

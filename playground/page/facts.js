@@ -1,12 +1,14 @@
-// What a control needs to know beyond the declaration and the texts of the tool: the range of its slider, its steps, its
-// unit, what it starts with, and which four arguments are a rectangle on the picture. Every argument of every registered
-// method has an entry; a test compares.
+// What a control needs to know beyond the declaration and the texts of the tool: the range of its
+// slider, its steps, its unit, what it starts with, and which four arguments are a rectangle on the
+// picture. Every argument of every registered method has an entry; a test compares.
 //
-//   min, max, step   of the slider; functions get the size of the step's picture. Numbers typed by hand may lie beyond, so
-//                    that the plug-in's own errors can be seen.
-//   start            the value when the method is chosen, so that it shows something at once; left out: the argument is left
-//                    out as well, and has the value that the tool gives it.
-//   area             left, top, width or height of a rectangle: "selection" (the far ends are included) or "part"
+//   min, max, step   of the slider; functions get the size of the step's picture. Numbers typed by
+//                    hand may lie beyond, so that the plug-in's own errors can be seen.
+//   start            the value when the method is chosen, so that it shows something at once; left
+//                    out: the argument is left out as well, and has the value that the tool gives.
+//   first            it stands before the others
+//   area             left, top, width or height of a rectangle: "selection" (the far ends are
+//                    included) or "part"
 
 const kYield = { min: 0, max: 1000000, step: 1000, unit: 'px', advanced: true };
 const kColour = {};
@@ -43,10 +45,13 @@ const adjustRGB = {
   blue_delta: { min: -255, max: 255, step: 1, start: -40 },
   yield: kYield,
 };
-const shear = { ...kSize, shear: { min: -1, max: 1, step: 0.01, start: 0.25 }, frame_color: kFrame, yield: kYield };
+const shear = { ...kSize, shear: { min: -1, max: 1, step: 0.01, start: 0.25, first: true }, frame_color: kFrame, yield: kYield };
 const measure = { ...area('selection'), yield: kYield };
 
-/** By method: the group in the gallery, the passes over all pixels (for the progress), and the arguments. */
+/**
+ * By method: the group in the gallery, the passes over all pixels (for the progress), and the
+ * arguments.
+ */
 export const kFacts = {
   LMX_AdjustHSV: { group: 'Colour', passes: 1, arguments: adjustHSV },
   LMX_AdjustHSV_InPlace: { group: 'Colour', passes: 1, arguments: adjustHSV },
@@ -145,7 +150,10 @@ export function startOf(method, size) {
   return given;
 }
 
-/** Whether four arguments of the method are a rectangle on the picture, and of which kind; null if not. */
+/**
+ * Whether four arguments of the method are a rectangle on the picture, and of which kind; null if
+ * not.
+ */
 export function areaOf(method) {
   return kFacts[method].arguments.left?.area ?? null;
 }

@@ -1,8 +1,8 @@
 // Picture files as straight pixels: { name, width, height, data: red, green, blue, alpha, exact }.
 //
-// A canvas keeps colours multiplied by alpha, so that what it gives back of a translucent pixel is rounded. Pictures with
-// transparency are therefore read through WebGL, which gets them as the decoder has them; where that is missing, `exact`
-// is false.
+// A canvas keeps colours multiplied by alpha, so that what it gives back of a translucent pixel is
+// rounded. Pictures with transparency are therefore read through WebGL, which gets them as the
+// decoder has them; where that is missing, `exact` is false.
 
 /** The most pixels of a picture that the page takes. */
 export const kMostPixels = 40000000;
@@ -14,7 +14,10 @@ const tooLarge = (width, height) =>
   new Error(`${grouped(width)} × ${grouped(height)} pixels are ${Math.round((width * height) / 1e6)} megapixels; this page ` +
     `takes up to ${kMostPixels / 1e6}`);
 
-/** The size that the head of a PNG or JPEG file tells, before anything is decoded; null for other files. */
+/**
+ * The size that the head of a PNG or JPEG file tells, before anything is decoded; null for other
+ * files.
+ */
 export function sizeInHeader(bytes) {
   const view = new DataView(bytes.buffer, bytes.byteOffset, bytes.length);
   if (bytes.length > 24 && view.getUint32(0) === 0x89504e47) return { width: view.getUint32(16), height: view.getUint32(20) };

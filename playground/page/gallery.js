@@ -1,5 +1,5 @@
-// The methods to choose from, each with a small picture of what it does to the picture at hand: the plug-in itself makes
-// them, from a reduced copy.
+// The methods to choose from, each with a small picture of what it does to the picture at hand: the
+// plug-in itself makes them, from a reduced copy.
 import { givesPicture, takesPicture, shortName } from './plugin.js';
 import { leavesPicture, valuesOf } from './chain.js';
 import { make } from './controls.js';
@@ -65,7 +65,10 @@ function thumbnail(plugin, method, small) {
 // May be broken before a capital letter.
 const breakable = (name) => name.split(/(?=[A-Z_][a-z])/).flatMap((part, i) => (i ? [document.createElement('wbr'), part] : [part]));
 
-/** Fills the dialog for a picture { width, height, canvas }, or null; `isAllowed(method)` says which can be chosen. */
+/**
+ * Fills the dialog for a picture { width, height, canvas }, or null; `isAllowed(method)` says which
+ * can be chosen.
+ */
 export function fillGallery(list, plugin, picture, isAllowed, choose) {
   const small = picture ? reduced(picture) : { width: 1, height: 1, data: new Uint8ClampedArray(4) };
   list.replaceChildren(...kGroups.map((group) => {

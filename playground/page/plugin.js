@@ -1,5 +1,5 @@
-// The plug-in in this script's hands: loads the WebAssembly, reads the methods from the table that the plug-in registers,
-// and calls them by their declarations, as a host program does.
+// The plug-in in this script's hands: loads the WebAssembly, reads the methods from the table that
+// the plug-in registers, and calls them by their declarations, as a host program does.
 
 /** "name(extends p as picture, ByRef x as double, ...) as type" as an object. */
 export function parseDeclaration(text) {
@@ -80,8 +80,9 @@ export class Plugin {
   }
 
   /**
-   * Calls a method with values in the declared order: numbers, booleans, picture handles (0 is nil), and for ByRef what
-   * it holds before. Gives { result, outputs }: the handle, number or text, and the ByRef values by name.
+   * Calls a method with values in the declared order: numbers, booleans, picture handles (0 is
+   * nil), and for ByRef what it holds before. Gives { result, outputs }: the handle, number or
+   * text, and the ByRef values by name.
    */
   call(method, values) {
     const places = [];
@@ -125,7 +126,9 @@ export class Plugin {
     this.exports.setNewPictures(form === 'buffer' ? 1 : 0, mostPixels);
   }
 
-  /** Of straight pixels { width, height, data: red, green, blue, alpha }; 0 if there is no memory. */
+  /**
+   * Of straight pixels { width, height, data: red, green, blue, alpha }; 0 if there is no memory.
+   */
   makePicture(form, image) {
     const handle = this.newPicture(form, image.width, image.height);
     const room = handle && this.exports.allocate(image.data.length);
@@ -176,7 +179,10 @@ export class Plugin {
     return BigInt.asUintN(64, this.exports.pictureHash(handle)).toString(16).padStart(16, '0');
   }
 
-  /** The value of an argument that is left out, where it is computed. `given` are the others' values by name. */
+  /**
+   * The value of an argument that is left out, where it is computed. `given` are the others' values
+   * by name.
+   */
   computeFallback(method, argument, size, given) {
     const index = this.facts.findIndex((facts) => facts.name === method.name);
     const names = this.facts[index].arguments.map((a) => a.name);

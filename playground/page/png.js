@@ -21,7 +21,8 @@ function chunk(name, content) {
   return bytes;
 }
 
-// Each row as the difference to the pixel on its left, or to the row above, whichever has the smaller sum.
+// Each row as the difference to the pixel on its left, or to the row above, whichever has the
+// smaller sum.
 function filtered(pixels, width, height, channels) {
   const stride = width * channels;
   const out = new Uint8Array((stride + 1) * height);

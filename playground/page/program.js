@@ -1,4 +1,5 @@
-// The chain as people take it with them: the calls as lines of a program, the whole example, and a command line of lmx.
+// The chain as people take it with them: the calls as lines of a program, the whole example, and a
+// command line of lmx.
 import { changesPicture, givesPicture, inputsOf, takesPicture, shortName } from './plugin.js';
 import { programText, valueText } from './values.js';
 
@@ -58,7 +59,9 @@ const quoted = (word) => (kPlain.test(word) ? word : `'${word.replaceAll("'", "'
 // A name with = would be taken for an argument, one with - at its front for an option.
 const fileWord = (name) => (/^-|=|^\+$/.test(name) ? `./${name}` : name);
 
-/** The same by the command-line tool. `steps` are { method, given }; only what is given is written. */
+/**
+ * The same by the command-line tool. `steps` are { method, given }; only what is given is written.
+ */
 export function commandOf(steps, { file, storage }) {
   if (!steps.length) return '';
   const words = ['lmx'];

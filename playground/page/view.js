@@ -1,5 +1,6 @@
-// The stage: the picture before and after, with a divider or side by side, zoomed in whole steps, moved, looked at pixel by
-// pixel, and with a rectangle on it that can be drawn. Both pictures lie with their centres on the same point.
+// The stage: the picture before and after, with a divider or side by side, zoomed in whole steps,
+// moved, looked at pixel by pixel, and with a rectangle on it that can be drawn. Both pictures lie
+// with their centres on the same point.
 import { tilesOf } from './files.js';
 
 const kZooms = [0.25, 0.5, 1, 2, 3, 4, 6, 8, 12, 16, 24, 32];
@@ -43,8 +44,9 @@ class Drawable {
 
 export class View {
   /**
-   * `elements`: canvas, divider, free (whose place is what panels leave of the stage), loupe { box, canvas, text }.
-   * `onZoom` is told the scale, `onArea` a rectangle { left, top, width, height } that was drawn, and whether it is done.
+   * `elements`: canvas, divider, free (whose place is what panels leave of the stage), loupe { box,
+   * canvas, text }. `onZoom` is told the scale, `onArea` a rectangle { left, top, width, height }
+   * that was drawn, and whether it is done.
    */
   constructor(elements, { onZoom = () => {}, onArea = () => {} } = {}) {
     Object.assign(this, elements, { onZoom, onArea });
@@ -103,9 +105,9 @@ export class View {
   }
 
   /**
-   * A rectangle in the coordinates of the picture after, or null: { left, top, width, height, dim } in whole pixels; `dim`
-   * darkens what is outside. It shows on the picture before as well if that is as large. While it can be changed, the
-   * picture after is alone.
+   * A rectangle in the coordinates of the picture after, or null: { left, top, width, height, dim }
+   * in whole pixels; `dim` darkens what is outside. It shows on the picture before as well if that
+   * is as large. While it can be changed, the picture after is alone.
    */
   setArea(area, canChange = false) {
     if (this.hold && !this.hold.pan) return; // under way: what comes back are its own rectangles
@@ -156,7 +158,8 @@ export class View {
     return Math.round(x + width * this.split);
   }
 
-  // What is drawn where: each with its picture, its part of the stage, and where the centre of the picture is.
+  // What is drawn where: each with its picture, its part of the stage, and where the centre of the
+  // picture is.
   get panes() {
     const { left, right } = this.sides;
     const { clientWidth: width, clientHeight: height } = this.canvas;
@@ -554,7 +557,8 @@ export class View {
 
   // ---- The rectangle ----
 
-  // What of the rectangle is at a place: edges to move, all of it, or nothing of it yet (a new one begins).
+  // What of the rectangle is at a place: edges to move, all of it, or nothing of it yet (a new one
+  // begins).
   gripAt(point) {
     const pane = this.area && this.areaCanChange && this.paneAt(point);
     if (!pane || !this.hasArea(pane.picture)) return null;

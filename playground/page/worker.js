@@ -1,5 +1,5 @@
-// The worker: calls the plug-in, so that the page stays responsive, and writes PNG files. It is ended, not asked, when a
-// call is to be cancelled, because a call can't be left from outside.
+// The worker: calls the plug-in, so that the page stays responsive, and writes PNG files. It is
+// ended, not asked, when a call is to be cancelled, because a call can't be left from outside.
 import { Plugin, changesPicture, givesPicture, takesPicture } from './plugin.js';
 import { kFacts } from './facts.js';
 import { encodePng } from './png.js';
@@ -7,7 +7,10 @@ import { leavesPicture, valuesOf } from './chain.js';
 
 /** The most pixels of a picture that the plug-in makes here; beyond, the host has no memory. */
 const kMostMade = 128 << 20;
-/** How much of what the steps left is kept, so that only steps from the changed one on are called again. */
+/**
+ * How much of what the steps left is kept, so that only steps from the changed one on are called
+ * again.
+ */
 const kMostKept = 48 << 20;
 /** Pixels between two yields, unless the program wants more of them. */
 const kPace = 1 << 18;
@@ -47,7 +50,10 @@ export class Runner {
     if (!this.source) throw new Error('there is no memory for the picture');
   }
 
-  /** Runs { storage, steps, shownSteps }: a report for each step that was called, and the picture to show. */
+  /**
+   * Runs { storage, steps, shownSteps }: a report for each step that was called, and the picture to
+   * show.
+   */
   run({ storage, steps, shownSteps = steps.length }) {
     this.prepare(storage);
     const same = this.kept.findIndex((kept, i) => i >= steps.length || kept.key !== keyOf(steps[i]));

@@ -1,4 +1,5 @@
-// The golden cases on the plug-in as WebAssembly: every result against tests/golden/hashes.txt, which all builds share.
+// The golden cases on the plug-in as WebAssembly: every result against tests/golden/hashes.txt,
+// which all builds share.
 //
 //   node golden.mjs CASES HASHES WASM...     CASES: what golden_cases_json writes
 import { readFileSync } from 'node:fs';

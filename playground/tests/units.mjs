@@ -1,4 +1,5 @@
-// The page's own logic in Node: what is said about methods against what they declare, links, lines of code, files.
+// The page's own logic in Node: what is said about methods against what they declare, links, lines
+// of code, files.
 //
 //   node --test units.mjs        LMX_WASM: the plug-in as WebAssembly
 import assert from 'node:assert/strict';
