@@ -1,8 +1,8 @@
 // The page: what is chosen, what is shown, and what happens when somebody does something.
-import { Plugin, givesPicture, inputsOf, takesPicture, shortName } from './plugin.js';
-import { areaOf, factsOf, kFacts, kMostAveraged, selectedPixels, startOf } from './facts.js';
+import { Plugin, inputsOf, shortName, takesPicture } from './plugin.js';
+import { areaOf, factsOf, startOf } from './facts.js';
 import {
-  fromAddress, isPossible, kEmptyChain, leavesPicture, toAddress, valuesOf, withAdded, withGiven, withMoved, withStep, without,
+  fromAddress, isPossible, kEmptyChain, toAddress, valuesOf, withAdded, withGiven, withMoved, withStep, without,
 } from './chain.js';
 import { commandOf, exampleOf, linesOf } from './program.js';
 import { makeZip } from './zip.js';
@@ -11,6 +11,8 @@ import { Cancelled, Engine } from './engine.js';
 import { View } from './view.js';
 import { argumentControl, icon, iconButton, make } from './controls.js';
 import { fillGallery } from './gallery.js';
+import { stateOf } from './reports.js';
+import { coloured, copied, save } from './take.js';
 
 const $ = (id) => document.getElementById(id);
 const kPatience = 250; // milliseconds until a call under way shows
@@ -530,12 +532,12 @@ class App {
   }
 
   showReports() {
+    const failed = this.failedReport;
     this.cards.forEach(({ state, element }, i) => {
       const report = this.reports[i];
       element.classList.toggle('failed', Boolean(report && (report.error || report.nil)));
-      state.replaceChildren(...this.stateOf(report, i));
+      state.replaceChildren(...stateOf(report, Boolean(failed)));
     });
-    const failed = this.failedReport;
     const place = this.reports.indexOf(failed);
     document.body.classList.toggle('failed', Boolean(failed));
     $('banner').hidden = !failed && !this.wasCancelled;
@@ -559,35 +561,6 @@ class App {
     if (last) facts.push(`${(failed ?? last).error} · ${(failed ?? last).message}`);
     $('facts').replaceChildren(...facts.map((fact) => make('span', {}, fact)));
     $('download').disabled = Boolean(failed) || !last?.width;
-  }
-
-  stateOf(report, index) {
-    if (!report) return this.reports.length && this.failedReport ? [make('span', { className: 'muted' }, 'not called')] : [];
-    const parts = [];
-    if (report.nil || report.error) {
-      parts.push(make('span', { className: 'error' }, report.error ? `${report.error} · ${report.message}` : 'nil, code 0'));
-    } else if (report.width) {
-      parts.push(make('span', {}, `${grouped(report.width)} × ${grouped(report.height)}`));
-    }
-    parts.push(make('span', { className: 'muted' }, `${report.milliseconds.toFixed(1)} ms`));
-    if (report.result !== undefined) parts.push(make('strong', { className: 'value' }, String(report.result)));
-    if (report.outputs && !report.error) parts.push(this.swatchOf(report), ...this.overflowOf(report, index));
-    return parts;
-  }
-
-  swatchOf({ outputs }) {
-    const { red, green, blue, hue_degrees: hue, saturation, brightness } = outputs;
-    const colour = red !== undefined ? `rgb(${red} ${green} ${blue})` : hsvColour(hue, saturation, brightness);
-    const text = (number) => (Number.isInteger(number) ? String(number) : Number.isNaN(number) ? 'NaN' : number.toPrecision(6));
-    return make('span', { className: 'average' }, make('i', { 'style': `--colour: ${colour}`, 'role': 'img', 'aria-label': `The colour ${colour}` }),
-      make('span', {}, ...Object.entries(outputs).map(([name, number]) => make('span', {}, `${name} = ${text(number)}`))));
-  }
-
-  overflowOf(report) {
-    const count = selectedPixels(report.values, report.from);
-    if (count <= kMostAveraged) return [];
-    return [make('p', { className: 'warning' }, `${grouped(count)} pixels are selected. Beyond ${grouped(kMostAveraged)} ` +
-      'of value 255 the sums of 32 bits overflow, and the averages may be wrong.')];
   }
 
   announce() {
@@ -772,47 +745,6 @@ class App {
 
 // NaN and infinities are values of arguments, for which JSON has no text.
 const textual = (chain) => ({ ...chain, steps: chain.steps.map(({ method, given }) => [method, Object.entries(given).map(String)]) });
-
-function hsvColour(hue, saturation, brightness) {
-  const turn = Number.isNaN(hue) || hue < 0 ? 0 : hue / 60;
-  const channel = (n) => {
-    const k = (n + turn) % 6;
-    return Math.round(255 * (brightness - brightness * saturation * Math.max(0, Math.min(k, 4 - k, 1))));
-  };
-  return `rgb(${channel(5)} ${channel(3)} ${channel(1)})`;
-}
-
-const kWords = /(\/\/.*|'[^']*'|"[^"]*"|&h[0-9A-F]{8}|\bLMX_\w+|\b(?:Dim|As|If|Then|End|Return|Nil|True|False|Picture|Integer|Double|String)\b|-?\b\d+(?:\.\d+)?(?:e[+-]?\d+)?\b)/g;
-
-/** Code as text and elements with the classes of its words. */
-function coloured(text, tab) {
-  return text.split(kWords).map((part, i) => {
-    if (i % 2 === 0) return part;
-    const kind = part.startsWith('//') ? 'comment' : part.startsWith('LMX_') ? 'method' : /^[A-Z]/.test(part) && tab !== 'lmx' ? 'keyword' : 'number';
-    return make('span', { className: kind }, part);
-  });
-}
-
-async function copied(text) {
-  try {
-    await navigator.clipboard.writeText(text);
-    return true;
-  } catch {
-    // Without the permission: by way of a selection.
-    const area = make('textarea', { value: text, className: 'unseen' });
-    document.body.append(area);
-    area.select();
-    const isDone = document.execCommand('copy');
-    area.remove();
-    return isDone;
-  }
-}
-
-function save(blob, name) {
-  const link = make('a', { href: URL.createObjectURL(blob), download: name });
-  link.click();
-  setTimeout(() => URL.revokeObjectURL(link.href), 60000);
-}
 
 async function start() {
   const wasm = Uint8Array.from(atob($('wasm').textContent.trim()), (c) => c.charCodeAt(0)).buffer;

@@ -1,46 +1,13 @@
 // The stage: the picture before and after, with a divider or side by side, zoomed in whole steps,
 // moved, looked at pixel by pixel, and with a rectangle on it that can be drawn. Both pictures lie
 // with their centres on the same point.
-import { tilesOf } from './files.js';
+import { Drawable } from './drawable.js';
 
 const kZooms = [0.25, 0.5, 1, 2, 3, 4, 6, 8, 12, 16, 24, 32];
 const kSquare = 8;
 const kCalm = 150; // milliseconds
 const kNear = 10; // pixels of the screen within which an edge of the rectangle is meant
 const kLoupePixels = 11, kLoupeScale = 14;
-
-/** A picture as canvases that a browser can draw; takes over those of another of its size. */
-class Drawable {
-  constructor(image, other = null) {
-    Object.assign(this, image);
-    const isSameSize = other?.width === image.width && other.height === image.height;
-    this.tiles = isSameSize ? other.tiles : [...tilesOf(image.width, image.height)].map((tile) => {
-      const canvas = document.createElement('canvas');
-      canvas.width = tile.width;
-      canvas.height = tile.height;
-      return { ...tile, canvas };
-    });
-    const whole = new ImageData(image.data, image.width, image.height);
-    for (const { x, y, width, height, canvas } of this.tiles) {
-      canvas.getContext('2d').putImageData(whole, -x, -y, x, y, width, height);
-    }
-  }
-
-  // Its top left corner, where the centre is the origin.
-  get left() {
-    return -Math.floor(this.width / 2);
-  }
-  get top() {
-    return -Math.floor(this.height / 2);
-  }
-
-  /** The straight pixel at a place, as [red, green, blue, alpha]; null outside. */
-  pixel(x, y) {
-    if (x < 0 || y < 0 || x >= this.width || y >= this.height) return null;
-    const at = 4 * (y * this.width + x);
-    return [...this.data.subarray(at, at + 4)];
-  }
-}
 
 export class View {
   /**
