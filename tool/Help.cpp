@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kColumns = 100;
 
 constexpr const char* kUsage =
-    R"(lmx calls the methods of the LMX picture plug-in on picture files.
+    R"( calls the methods of the LMX picture plug-in on picture files.
 
   lmx list                                             the methods, a line each
   lmx help METHOD                                      what a method does, and its arguments
@@ -76,7 +76,11 @@ std::string MeaningOf(const host::Parameter& parameter, const MethodText* method
 }  // namespace
 
 void WriteUsage(std::ostream& out) {
-  out << kUsage;
+  out << "lmx " LMX_VERSION << kUsage;
+}
+
+void WriteVersion(std::ostream& out) {
+  out << "lmx " LMX_VERSION " (" << 8 * sizeof(void*) << "-bit, plug-in interface " << kPluginInterfaceVersion << ")\n";
 }
 
 void WriteMethodList(std::ostream& out, const host::Host& plugin) {

@@ -8,6 +8,7 @@
 namespace tool {
 
 void WriteUsage(std::ostream& out);
+void WriteVersion(std::ostream& out);
 /// Every method in the plug-in's order, a line each.
 void WriteMethodList(std::ostream& out, const host::Host& plugin);
 /// The declaration, the arguments and what they mean.

@@ -17,13 +17,6 @@
 namespace tool {
 namespace {
 
-constexpr const char* kVersion = "1.0.0";
-
-void WriteVersion(std::ostream& out) {
-  out << "lmx " << kVersion << " (" << 8 * sizeof(void*) << "-bit, plug-in interface " << kPluginInterfaceVersion
-      << ")\n";
-}
-
 std::string PluginFile(const CommandLine& line) {
   if (line.plugin) return *line.plugin;
   return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libLMX.so").string();

@@ -67,6 +67,15 @@ TEST_F(UsageTest, VersionTellsTheAbi) {
   EXPECT_TRUE(Contains(ended.out, sizeof(void*) == 4 ? "32-bit" : "64-bit")) << ended.out;
 }
 
+TEST_F(UsageTest, TheVersionIsTheSameEverywhere) {
+  const std::string version = LMX_VERSION;
+  const auto text = [](const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); };
+  EXPECT_EQ(Lmx({"--version"}).out.rfind("lmx " + version + " (", 0), 0u);
+  EXPECT_EQ(Lmx({"--help"}).out.rfind("lmx " + version + " ", 0), 0u);
+  EXPECT_TRUE(Contains(text(ReadFile(LMX_LIBRARY)), std::string("LMX " + version) + '\0'));
+  EXPECT_TRUE(Contains(text(ReadFile(LMX_CHANGELOG)), "\n## " + version + "\n"));
+}
+
 TEST_F(UsageTest, ListsTheMethodsInThePluginsOrderWithALineEach) {
   const Ended ended = Lmx({"list"});
   EXPECT_EQ(ended.status, 0);
