@@ -1,32 +1,70 @@
 #include "Interrupt.h"
 
-#include <signal.h>
+#include <unistd.h>
+
+#include "Errors.h"
 
 namespace tool {
 namespace {
 
-volatile sig_atomic_t requested = 0;
+constexpr int kEnds[] = {SIGINT, SIGTERM, SIGHUP};
 
-void Remember(int) {
-  requested = 1;
+volatile sig_atomic_t requested = 0;
+const char* volatile temporary = nullptr;
+
+sigset_t Ends() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int end : kEnds) sigaddset(&set, end);
+  return set;
+}
+
+// A signal that is raised here arrives when this returns.
+void Handle(int end) {
+  if (end == SIGINT && requested == 0) {
+    requested = 1;
+    return;
+  }
+  if (temporary != nullptr) unlink(temporary);
+  signal(end, SIG_DFL);
+  raise(end);
 }
 
 }  // namespace
 
-void WatchInterrupt() {
+void WatchSignals() {
+  signal(SIGXFSZ, SIG_IGN);
   struct sigaction action = {};
-  action.sa_handler = Remember;
-  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
-  sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, nullptr);
-  sigset_t interrupt;
-  sigemptyset(&interrupt);
-  sigaddset(&interrupt, SIGINT);
-  sigprocmask(SIG_UNBLOCK, &interrupt, nullptr);
+  action.sa_handler = Handle;
+  action.sa_mask = Ends();
+  for (const int end : kEnds) {
+    struct sigaction before = {};
+    sigaction(end, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(end, &action, nullptr);
+  }
+  const sigset_t ends = Ends();
+  sigprocmask(SIG_UNBLOCK, &ends, nullptr);
 }
 
 bool InterruptRequested() {
   return requested != 0;
+}
+
+void StopIfInterrupted(const std::string& path) {
+  if (InterruptRequested()) throw Interrupted("stopped at " + path);
+}
+
+void RemoveOnSignal(const char* path) {
+  temporary = path;
+}
+
+SignalsHeld::SignalsHeld() : before_() {
+  const sigset_t ends = Ends();
+  sigprocmask(SIG_BLOCK, &ends, &before_);
+}
+
+SignalsHeld::~SignalsHeld() {
+  sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
 
 }  // namespace tool

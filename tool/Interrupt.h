@@ -1,11 +1,33 @@
-// Ctrl-C: the first is remembered, so that the running method can be left at its next yield; the second ends the
-// process at once.
+// Signals. The first Ctrl-C is remembered, so that what runs can be left in order; the second ends the process at once,
+// as every other signal does that asks for an end.
 #pragma once
+
+#include <signal.h>
+
+#include <string>
 
 namespace tool {
 
-/// From now on. A Ctrl-C that came before, while the signal was held back, counts.
-void WatchInterrupt();
+/// From now on. A Ctrl-C that came before, while the signal was held back, counts. A limit to the size of files is told
+/// by the write that goes beyond it.
+void WatchSignals();
 bool InterruptRequested();
+/// Throws Interrupted, naming the file that was being read or written.
+void StopIfInterrupted(const std::string& path);
+
+/// The file goes away when a signal ends the process; nil: none does.
+void RemoveOnSignal(const char* path);
+
+/// Holds those signals back as long as it lives.
+class SignalsHeld {
+ public:
+  SignalsHeld();
+  ~SignalsHeld();
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+ private:
+  sigset_t before_;
+};
 
 }  // namespace tool

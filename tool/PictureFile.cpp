@@ -1,87 +1,24 @@
 #include "PictureFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <climits>
-#include <cstring>
-#include <filesystem>
 #include <initializer_list>
 #include <memory>
-#include <utility>
 
 #include "Errors.h"
+#include "File.h"
 #include "Malformed.h"
 #include "Stb.h"
 
 namespace tool {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
-constexpr off_t kMaxFileSize = off_t{256} << 20;
 constexpr int kChannels = 4;
 // PNG is lossless at any level; the highest ones take several times as long for a few per cent.
 constexpr int kCompression = 5;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& what) {
   throw Failure(path + ": " + what);
-}
-
-[[noreturn]] void FailErrno(const std::string& path, const char* doing) {
-  const int error = errno;
-  Fail(path, std::string("cannot ") + doing + ": " + std::strerror(error));
-}
-
-// An open file, closed at the end.
-class File {
- public:
-  explicit File(int descriptor) : descriptor_(descriptor) {}
-  File(File&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  ~File() {
-    if (IsOpen()) close(descriptor_);
-  }
-  bool IsOpen() const { return descriptor_ >= 0; }
-  int Descriptor() const { return descriptor_; }
-  /// What was written may turn out not to fit only now.
-  bool Close() { return close(std::exchange(descriptor_, -1)) == 0; }
-
- private:
-  int descriptor_;
-};
-
-Bytes ReadAll(const std::string& path) {
-  // A pipe without a writer would be waited for.
-  const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status = {};
-  if (!file.IsOpen() || fstat(file.Descriptor(), &status) != 0) FailErrno(path, "open");
-  if (S_ISDIR(status.st_mode)) Fail(path, "is a folder, not a picture");
-  if (!S_ISREG(status.st_mode)) Fail(path, "is no ordinary file");
-  if (status.st_size > kMaxFileSize) Fail(path, "is larger than 256 MiB");
-  if (status.st_size == 0) Fail(path, "is empty");
-  Bytes bytes(static_cast<std::size_t>(status.st_size));
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t count = read(file.Descriptor(), bytes.data() + done, bytes.size() - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) FailErrno(path, "read");
-    if (count == 0) Fail(path, "became shorter while it was read");
-    done += static_cast<std::size_t>(count);
-  }
-  return bytes;
-}
-
-void WriteAll(const File& file, const std::string& path, const Bytes& bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t count = write(file.Descriptor(), bytes.data() + done, bytes.size() - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) FailErrno(path, "write");
-    done += static_cast<std::size_t>(count);
-  }
 }
 
 struct Size {
@@ -170,73 +107,14 @@ Bytes Encode(const std::string& path, const Image& image) {
   return bytes;
 }
 
-// A file that lies beside another until it takes its place; gone if it does not come to that.
-class Replacement {
- public:
-  explicit Replacement(std::string path) : path_(std::move(path)), temporary_(path_ + ".XXXXXX"), file_(Make()) {}
-  Replacement(const Replacement&) = delete;
-  Replacement& operator=(const Replacement&) = delete;
-  ~Replacement() {
-    if (!temporary_.empty()) unlink(temporary_.c_str());
-  }
-
-  const File& Target() const { return file_; }
-
-  void TakePlace(mode_t mode) {
-    if (fchmod(file_.Descriptor(), mode) != 0 || !file_.Close()) FailErrno(path_, "write");
-    if (rename(temporary_.c_str(), path_.c_str()) != 0) FailErrno(path_, "write");
-    temporary_.clear();
-  }
-
- private:
-  File Make() {
-    File file(mkostemp(temporary_.data(), O_CLOEXEC));
-    if (!file.IsOpen()) {
-      temporary_.clear();
-      FailErrno(path_, "write");
-    }
-    return file;
-  }
-
-  const std::string path_;
-  std::string temporary_;
-  File file_;
-};
-
-mode_t ModeOfNewFiles() {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return 0666 & ~mask;
-}
-
-// The file itself, where the path is a link to it.
-std::string Resolved(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::path resolved = std::filesystem::canonical(path, error);
-  return error ? path : resolved.string();
-}
-
 }  // namespace
 
 Image ReadPicture(const std::string& path) {
-  return Decode(path, ReadAll(path));
+  return Decode(path, ReadFile(path));
 }
 
 void WritePicture(const std::string& path, const Image& image) {
-  const Bytes bytes = Encode(path, image);
-  struct stat status = {};
-  const bool exists = stat(path.c_str(), &status) == 0;
-  if (exists && S_ISDIR(status.st_mode)) Fail(path, "is a folder");
-  if (exists && !S_ISREG(status.st_mode)) {
-    File file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    if (!file.IsOpen()) FailErrno(path, "open");
-    WriteAll(file, path, bytes);
-    if (!file.Close()) FailErrno(path, "write");
-    return;
-  }
-  Replacement replacement(Resolved(path));
-  WriteAll(replacement.Target(), path, bytes);
-  replacement.TakePlace(exists ? status.st_mode & 07777 : ModeOfNewFiles());
+  WriteFile(path, Encode(path, image));
 }
 
 }  // namespace tool

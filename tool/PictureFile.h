@@ -10,11 +10,10 @@ namespace tool {
 /// The largest picture that is read, in pixels: 8192 x 8192.
 constexpr int kMaxPixels = 1 << 26;
 
-/// Throws Failure for anything but a whole PNG or JPEG file within the limits.
+/// Throws Failure for anything but a whole PNG or JPEG file within the limits, and Interrupted on Ctrl-C.
 Image ReadPicture(const std::string& path);
 
-/// Throws Failure if the file cannot be written; then what was there before is still there. The file appears at once
-/// and complete. A device or pipe is written directly.
+/// Throws Failure if the file cannot be written, and Interrupted on Ctrl-C; then what was there before is still there.
 void WritePicture(const std::string& path, const Image& image);
 
 }  // namespace tool

@@ -100,12 +100,12 @@ void RunMethods(const CommandLine& line) {
   if (line.output) WritePicture(*line.output, FromHost(picture, line.opaque));
 }
 
-// A JPEG's name on a PNG's content would deceive other programs.
+// Another format's name on a PNG's content would deceive other programs. Devices have none.
 void CheckOutputName(const CommandLine& line) {
   if (!line.output) return;
   const std::string extension = std::filesystem::path(*line.output).extension().string();
-  if (host::SameName(extension, ".jpg") || host::SameName(extension, ".jpeg")) {
-    throw UsageError("lmx writes PNG files, so " + *line.output + " needs another name");
+  if (!extension.empty() && !host::SameName(extension, ".png")) {
+    throw UsageError("lmx writes PNG files, so " + *line.output + " needs a name that ends in .png");
   }
 }
 
@@ -130,7 +130,7 @@ int Complain(const char* what, int status) {
 
 int Main(const std::vector<std::string>& words) {
   try {
-    WatchInterrupt();
+    WatchSignals();
     Act(ParseCommandLine(words));
     if (!std::cout.flush()) throw Failure("cannot write to standard output");
     return 0;

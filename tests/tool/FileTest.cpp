@@ -1,6 +1,8 @@
 // Files: those that are no pictures, and those that must survive.
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +15,7 @@
 
 #include "Files.h"
 #include "Process.h"
+#include "tool/Errors.h"
 #include "tool/PictureFile.h"
 
 namespace tool_test {
@@ -347,6 +350,64 @@ TEST_F(OutputTest, LinksAndPermissionsStay) {
   struct stat status = {};
   ASSERT_EQ(stat(Path("real.png").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0640u);
+}
+
+// As a user who may not write it, but who may replace everything in the folder.
+TEST_F(OutputTest, AFileThatMayNotBeWrittenStays) {
+  constexpr uid_t kNobody = 65534;
+  const std::string path = Path("out.png"), folder = path.substr(0, path.rfind('/'));
+  WriteFile(path, Text("old"));
+  ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+  const bool root = geteuid() == 0;
+  if (root) {
+    ASSERT_EQ(chown(folder.c_str(), kNobody, kNobody), 0);
+  }
+  const int status = InChild([&] {
+    if (root && setuid(kNobody) != 0) _exit(1);
+    try {
+      tool::WritePicture(path, SmallImage());
+    } catch (const tool::Failure& failure) {
+      _exit(failure.what() == path + ": cannot write: Permission denied" ? 42 : 2);
+    }
+  });
+  EXPECT_EQ(WEXITSTATUS(status), 42);
+  EXPECT_EQ(ReadFile(path), Text("old"));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
+}
+
+TEST_F(OutputTest, TheOwnerStaysWhereTheUserMayGiveFilesAway) {
+  constexpr uid_t kOwner = 12345;
+  constexpr gid_t kGroup = 23456;
+  if (geteuid() != 0) GTEST_SKIP() << "only root may";
+  WriteFile(Path("out.png"), Text("old"));
+  ASSERT_EQ(chown(Path("out.png").c_str(), kOwner, kGroup), 0);
+  ASSERT_EQ(chmod(Path("out.png").c_str(), 04750), 0);
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", Path("out.png")}).status, 0);
+  EXPECT_EQ(Result("out.png").pixels, SmallImage().pixels);
+  struct stat status = {};
+  ASSERT_EQ(stat(Path("out.png").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kOwner);
+  EXPECT_EQ(status.st_gid, kGroup);
+  EXPECT_EQ(status.st_mode & 07777, 04750u);
+}
+
+// The group of the new file may be one that the old one's rights were never meant for.
+TEST_F(OutputTest, WithoutTheOwnerAFileGivesNobodyItsRights) {
+  constexpr uid_t kNobody = 65534;
+  if (geteuid() != 0) GTEST_SKIP() << "only root may make another's file";
+  const std::string path = Path("out.png"), folder = path.substr(0, path.rfind('/'));
+  WriteFile(path, Text("old"));
+  ASSERT_EQ(chmod(path.c_str(), 06776), 0);
+  ASSERT_EQ(chown(folder.c_str(), kNobody, kNobody), 0);
+  const int ended = InChild([&] {
+    if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0) _exit(1);
+    tool::WritePicture(path, SmallImage());
+  });
+  EXPECT_EQ(ended, 0);
+  struct stat status = {};
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kNobody);
+  EXPECT_EQ(status.st_mode & 07777, 0706u);
 }
 
 TEST_F(OutputTest, NewFilesHaveOrdinaryPermissions) {

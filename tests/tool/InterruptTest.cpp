@@ -1,9 +1,20 @@
 // Ctrl-C and what a terminal shows. The signal is pending when lmx starts, so it arrives at a known point: before the
 // method is called, and noticed at the method's first yield.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <random>
 
 #include "Files.h"
 #include "Process.h"
+#include "tool/Errors.h"
+#include "tool/File.h"
+#include "tool/Interrupt.h"
 
 namespace tool_test {
 namespace {
@@ -65,6 +76,75 @@ TEST_F(InterruptTest, WithoutAYieldTheCallEndsButNothingFollows) {
   EXPECT_NE(ended.out.find("LMX_FlipRotate("), std::string::npos);
   EXPECT_EQ(ended.out.find("LMX_Stretch("), std::string::npos);
   EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+}
+
+TEST_F(InterruptTest, StopsBeforeAFileTakesTheOldOnesPlace) {
+  WriteFile(Path("out.png"), {'o', 'l', 'd'});
+  const int status = InChild([&] {
+    tool::WatchSignals();
+    tool::Replacement replacement(Path("out.png"));
+    raise(SIGINT);
+    try {
+      replacement.TakePlace(nullptr);
+    } catch (const tool::Interrupted&) {
+      replacement.~Replacement();
+      _exit(42);
+    }
+  });
+  EXPECT_EQ(WEXITSTATUS(status), 42);
+  EXPECT_EQ(ReadFile(Path("out.png")), (Bytes{'o', 'l', 'd'}));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
+}
+
+TEST_F(InterruptTest, SignalsThatEndTheProcessLeaveNoFile) {
+  for (const std::vector<int>& signals : {std::vector<int>{SIGTERM}, {SIGHUP}, {SIGINT, SIGINT}}) {
+    const int status = InChild([&] {
+      tool::WatchSignals();
+      const tool::Replacement replacement(Path("out.png"));
+      for (const int signal : signals) raise(signal);
+    });
+    ASSERT_TRUE(WIFSIGNALED(status)) << status;
+    EXPECT_EQ(WTERMSIG(status), signals.back());
+    EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+  }
+}
+
+TEST_F(InterruptTest, AnIgnoredSignalStaysIgnored) {
+  const int status = InChild([] {
+    signal(SIGHUP, SIG_IGN);
+    tool::WatchSignals();
+    raise(SIGHUP);
+  });
+  EXPECT_EQ(status, 0);
+}
+
+// Until there is a reader, lmx has not begun to write; then there is more than a pipe takes.
+TEST_F(InterruptTest, StopsWhileWriting) {
+  ASSERT_EQ(mkfifo(Path("pipe.png").c_str(), 0600), 0);
+  tool::Image noise = OpaqueImage(300, 300);
+  std::mt19937 random(3);
+  for (std::uint32_t& pixel : noise.pixels) pixel = static_cast<std::uint32_t>(random()) | 0xFF000000;
+  const std::string large = Given("large.png", noise);
+  Surroundings surroundings;
+  int reader = -1;
+  surroundings.started = [&](pid_t lmx) {
+    reader = open(Path("pipe.png").c_str(), O_RDONLY | O_CLOEXEC);
+    kill(lmx, SIGINT);
+    std::array<char, 4096> buffer{};
+    while (read(reader, buffer.data(), buffer.size()) > 0) continue;
+  };
+  const Ended ended = Lmx({"FlipRotate", large, "-o", Path("pipe.png")}, surroundings);
+  close(reader);
+  EXPECT_EQ(ended.status, 130) << ended.error;
+  EXPECT_EQ(ended.error, "lmx: stopped at " + Path("pipe.png") + "\n");
+}
+
+TEST_F(InterruptTest, StopsWhileReading) {
+  const std::string path = Path("huge.png");
+  WriteFile(path, {0x89, 'P', 'N', 'G'});
+  ASSERT_EQ(truncate(path.c_str(), 2 << 20), 0);
+  EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).error, "lmx: stopped at " + path + "\n");
+  EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).status, 130);
 }
 
 TEST_F(InterruptTest, ATerminalShowsProgressAndCanStopByItself) {

@@ -50,7 +50,7 @@ void ApplyInChild(const Surroundings& surroundings) {
     const auto size = static_cast<rlim_t>(surroundings.largestFile);
     const rlimit limit = {size, size};
     setrlimit(RLIMIT_FSIZE, &limit);
-    signal(SIGXFSZ, SIG_IGN);
+    signal(SIGXFSZ, SIG_DFL);
   }
 }
 
@@ -74,7 +74,27 @@ void Drain(int out, std::string& outText, int error, std::string& errorText) {
   }
 }
 
+int StatusOf(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) Fail("waitpid");
+  }
+  return status;
+}
+
 }  // namespace
+
+int InChild(const std::function<void()>& action) {
+  const pid_t child = fork();
+  if (child < 0) Fail("fork");
+  if (child != 0) return StatusOf(child);
+  try {
+    action();
+  } catch (...) {
+    _exit(99);
+  }
+  _exit(0);
+}
 
 Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings) {
   std::vector<std::string> words = {LMX_PROGRAM};
@@ -95,12 +115,10 @@ Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings) 
   }
   close(out.writing);
   close(error.writing);
+  if (surroundings.started) surroundings.started(child);
   Ended ended;
   Drain(out.reading, ended.out, error.reading, ended.error);
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) Fail("waitpid");
-  }
+  const int status = StatusOf(child);
   ended.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return ended;
 }

@@ -149,6 +149,8 @@ TEST_F(UsageTest, OutputsThatCannotBe) {
   ExpectWrong({"GetErrorMessage", "errorCode=0", "-o", "OUT"}, {"no picture", "out.png"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.jpg")}, {"PNG", "out.jpg"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.JPEG")}, {"PNG", "out.JPEG"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.webp")}, {"PNG", "out.webp"});
+  ExpectWrong({"chart", "-o", Path("chart.gif")}, {"PNG", "chart.gif"});
   ExpectWrong({"chart"}, {"-o"});
 }
 
