@@ -23,7 +23,8 @@ constexpr const char* kUsage =
   lmx chart -o chart.png                               draws a test chart
   lmx bench picture                                    times the methods on a picture, with and without yields
 
-A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png); the result is a PNG file.
+A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png); the result is a PNG file. Photos are
+read upright, as EXIF data say that they were taken; the result has none.
 Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case
 are the same. Most arguments may be left out: `lmx help METHOD` says what they are then.
 Colours are #rrggbb or #rrggbbtt, tt from 00 (opaque) to ff (clear), or &hTTRRGGBB; quote them for the shell.

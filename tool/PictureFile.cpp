@@ -8,6 +8,7 @@
 #include "Errors.h"
 #include "File.h"
 #include "Malformed.h"
+#include "Orientation.h"
 #include "Stb.h"
 
 namespace tool {
@@ -110,7 +111,8 @@ Bytes Encode(const std::string& path, const Image& image) {
 }  // namespace
 
 Image ReadPicture(const std::string& path) {
-  return Decode(path, ReadFile(path));
+  const Bytes bytes = ReadFile(path);
+  return Upright(Decode(path, bytes), OrientationOf(bytes));
 }
 
 void WritePicture(const std::string& path, const Image& image) {

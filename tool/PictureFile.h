@@ -10,6 +10,7 @@ namespace tool {
 /// The largest picture that is read, in pixels: 8192 x 8192.
 constexpr int kMaxPixels = 1 << 26;
 
+/// The picture as it was seen: turned and mirrored as the camera says in EXIF data, of which none are written again.
 /// Throws Failure for anything but a whole PNG or JPEG file within the limits, and Interrupted on Ctrl-C.
 Image ReadPicture(const std::string& path);
 

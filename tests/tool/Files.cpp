@@ -40,6 +40,15 @@ Bytes Jpeg(const tool::Image& image) {
   return bytes;
 }
 
+std::uint32_t Checksum(const Bytes& bytes) {
+  std::uint32_t crc = 0xFFFFFFFF;
+  for (const unsigned char byte : bytes) {
+    crc ^= byte;
+    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (0xEDB88320 & (0 - (crc & 1)));
+  }
+  return ~crc;
+}
+
 void WriteFile(const std::string& path, const Bytes& bytes) {
   std::ofstream file(path, std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

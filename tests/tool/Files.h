@@ -15,6 +15,9 @@ using Bytes = std::vector<unsigned char>;
 Bytes Png(const tool::Image& image);
 Bytes Jpeg(const tool::Image& image);
 
+/// The checksum of a PNG's chunk, of its type and data.
+std::uint32_t Checksum(const Bytes& bytes);
+
 void WriteFile(const std::string& path, const Bytes& bytes);
 Bytes ReadFile(const std::string& path);
 
