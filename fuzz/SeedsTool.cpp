@@ -39,6 +39,11 @@ Bytes Text(const std::string& text) {
   return Bytes(text.begin(), text.end());
 }
 
+Bytes Inserted(Bytes file, std::ptrdiff_t at, const Bytes& part) {
+  file.insert(file.begin() + at, part.begin(), part.end());
+  return file;
+}
+
 void AddChanged(std::vector<Bytes>& seeds, Bytes seed, std::size_t at, const Bytes& bytes) {
   std::memcpy(seed.data() + at, bytes.data(), bytes.size());
   seeds.push_back(std::move(seed));
@@ -61,6 +66,13 @@ std::vector<Bytes> PictureFileSeeds() {
   AddChanged(seeds, png, kWidth, {0xFF, 0xFF, 0xFF, 0xFF});
   AddChanged(seeds, png, kHeight, {0x80, 0, 0, 0});
   AddChanged(seeds, png, kWidth, {0, 0, 0x20, 1, 0, 0, 0x20, 0});
+  const std::string exif("II*\0\x08\0\0\0\1\0\x12\1\3\0\1\0\0\0\6\0\0\0", 22);  // a photo that lies on its side
+  seeds.push_back(Inserted(png, 33, Text(std::string("\0\0\0\x16", 4) + "eXIf" + exif + "CRC?")));
+  seeds.push_back(Inserted(Jpeg(19, 11, 3, 60), 2,
+                           Text(std::string("\xFF\xE1\0\x1E"
+                                            "Exif\0\0",
+                                            10) +
+                                exif)));
   for (const char* other : {"GIF89a\1", "P6 1 1 255 abc", "BM6\0\0\0", "RIFF", "II*"}) seeds.push_back(Text(other));
   return seeds;
 }

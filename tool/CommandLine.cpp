@@ -1,8 +1,10 @@
 #include "CommandLine.h"
 
+#include <limits>
 #include <algorithm>
 #include <cctype>
 
+#include "Encode.h"
 #include "Errors.h"
 #include "Values.h"
 
@@ -29,10 +31,12 @@ std::int32_t ParseNumber(const std::string& option, const std::string& text) {
   }
 }
 
-std::int32_t ParseRepeat(const std::string& text) {
-  const std::int32_t count = ParseNumber("--repeat", text);
-  if (count < 1) throw UsageError("--repeat is at least 1, not `" + text + "`");
-  return count;
+std::int32_t ParseNumber(const std::string& option, const std::string& text, int least, int most) {
+  const std::int32_t number = ParseNumber(option, text);
+  if (number < least || number > most) {
+    throw UsageError(option + " is " + std::to_string(least) + " to " + std::to_string(most) + ", not " + text);
+  }
+  return number;
 }
 
 class Parser {
@@ -85,7 +89,11 @@ class Parser {
     } else if (name == "--yield") {
       line_.yield = ParseNumber(name, ValueOf(name));
     } else if (name == "--repeat") {
-      line_.repeat = ParseRepeat(ValueOf(name));
+      line_.repeat = ParseNumber(name, ValueOf(name), 1, std::numeric_limits<std::int32_t>::max());
+    } else if (name == "--compression") {
+      line_.compression = ParseNumber(name, ValueOf(name), Encoding::kLeastCompression, Encoding::kMostCompression);
+    } else if (name == "--quality") {
+      line_.quality = ParseNumber(name, ValueOf(name), Encoding::kLeastQuality, Encoding::kMostQuality);
     } else if (name == "--storage") {
       line_.storage = ParseStorage(ValueOf(name));
     } else if (bool* flag = FlagOf(name)) {

@@ -32,6 +32,8 @@ struct CommandLine {
   std::optional<std::string> plugin;
   std::optional<std::int32_t> yield;
   std::int32_t repeat = 1;
+  std::optional<std::int32_t> compression;
+  std::optional<std::int32_t> quality;
   host::Storage storage = host::Storage::BitmapContext;
   bool opaque = false;
   bool json = false;

@@ -1,7 +1,6 @@
 #include "PictureFile.h"
 
 #include <algorithm>
-#include <climits>
 #include <initializer_list>
 #include <memory>
 
@@ -15,8 +14,6 @@ namespace tool {
 namespace {
 
 constexpr int kChannels = 4;
-// PNG is lossless at any level; the highest ones take several times as long for a few per cent.
-constexpr int kCompression = 5;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& what) {
   throw Failure(path + ": " + what);
@@ -80,34 +77,6 @@ Image Decode(const std::string& path, Bytes bytes) {
   return image;
 }
 
-void Append(void* bytes, void* data, int size) {
-  const auto* begin = static_cast<const unsigned char*>(data);
-  static_cast<Bytes*>(bytes)->insert(static_cast<Bytes*>(bytes)->end(), begin, begin + size);
-}
-
-Bytes Encode(const std::string& path, const Image& image) {
-  // The encoder counts bytes in int: a filter byte and the channels of every pixel of a row.
-  if ((static_cast<std::int64_t>(image.width) * kChannels + 1) * image.height > INT_MAX) {
-    Fail(path, "the picture is too large for a PNG: " + std::to_string(image.width) + " x " +
-                   std::to_string(image.height) + " pixels");
-  }
-  Bytes raw(image.pixels.size() * kChannels);
-  unsigned char* to = raw.data();
-  for (const std::uint32_t pixel : image.pixels) {
-    *to++ = static_cast<unsigned char>(pixel >> 16);
-    *to++ = static_cast<unsigned char>(pixel >> 8);
-    *to++ = static_cast<unsigned char>(pixel);
-    *to++ = static_cast<unsigned char>(pixel >> 24);
-  }
-  stbi_write_png_compression_level = kCompression;
-  Bytes bytes;
-  if (stbi_write_png_to_func(Append, &bytes, image.width, image.height, kChannels, raw.data(),
-                             image.width * kChannels) == 0) {
-    Fail(path, "the picture cannot be encoded");
-  }
-  return bytes;
-}
-
 }  // namespace
 
 Image ReadPicture(const std::string& path) {
@@ -115,8 +84,8 @@ Image ReadPicture(const std::string& path) {
   return Upright(Decode(path, bytes), OrientationOf(bytes));
 }
 
-void WritePicture(const std::string& path, const Image& image) {
-  WriteFile(path, Encode(path, image));
+void WritePicture(const std::string& path, const Image& image, const Encoding& encoding) {
+  WriteFile(path, Encode(path, image, encoding));
 }
 
 }  // namespace tool

@@ -1,8 +1,9 @@
-// Picture files: PNG and JPEG in, PNG out. Nothing in a file is believed before it is checked.
+// Picture files: PNG and JPEG. Nothing in a file is believed before it is checked.
 #pragma once
 
 #include <string>
 
+#include "Encode.h"
 #include "Image.h"
 
 namespace tool {
@@ -15,6 +16,6 @@ constexpr int kMaxPixels = 1 << 26;
 Image ReadPicture(const std::string& path);
 
 /// Throws Failure if the file cannot be written, and Interrupted on Ctrl-C; then what was there before is still there.
-void WritePicture(const std::string& path, const Image& image);
+void WritePicture(const std::string& path, const Image& image, const Encoding& encoding = {});
 
 }  // namespace tool

@@ -52,10 +52,27 @@ void ExpectOperands(const CommandLine& line, std::size_t most) {
   if (!fits) throw UsageError("too many words behind `" + words.method + "`");
 }
 
+// Another format's name on a file would deceive other programs. Devices have none, and get a PNG.
+Encoding EncodingOf(const CommandLine& line) {
+  Encoding encoding;
+  if (!line.output) return encoding;
+  const std::optional<Format> named = FormatOf(*line.output);
+  if (!named && std::filesystem::path(*line.output).has_extension()) {
+    throw UsageError("lmx writes PNG and JPEG files: " + *line.output + " needs a name that ends in .png or .jpg");
+  }
+  encoding.format = named.value_or(Format::Png);
+  const bool png = encoding.format == Format::Png;
+  if (line.quality && png) throw UsageError("--quality is for JPEG files, and " + *line.output + " is a PNG");
+  if (line.compression && !png) throw UsageError("--compression is for PNG files, and " + *line.output + " is a JPEG");
+  encoding.compression = line.compression.value_or(encoding.compression);
+  encoding.quality = line.quality.value_or(encoding.quality);
+  return encoding;
+}
+
 void DrawChart(const CommandLine& line) {
   ExpectOperands(line, 0);
   if (!line.output) throw UsageError("where shall the chart go? Give a file: -o chart.png");
-  WritePicture(*line.output, MakeChart());
+  WritePicture(*line.output, MakeChart(), EncodingOf(line));
 }
 
 void ShowHelp(const CommandLine& line) {
@@ -97,23 +114,14 @@ void RunMethods(const CommandLine& line) {
   host::Picture picture;
   if (plan.source) picture = ToHost(ReadPicture(*plan.source), line.storage);
   picture = runner.Run(plan, std::move(picture));
-  if (line.output) WritePicture(*line.output, FromHost(picture, line.opaque));
-}
-
-// Another format's name on a PNG's content would deceive other programs. Devices have none.
-void CheckOutputName(const CommandLine& line) {
-  if (!line.output) return;
-  const std::string extension = std::filesystem::path(*line.output).extension().string();
-  if (!extension.empty() && !host::SameName(extension, ".png")) {
-    throw UsageError("lmx writes PNG files, so " + *line.output + " needs a name that ends in .png");
-  }
+  if (line.output) WritePicture(*line.output, FromHost(picture, line.opaque), EncodingOf(line));
 }
 
 void Act(const CommandLine& line) {
   if (line.help) return WriteUsage(std::cout);
   if (line.version) return WriteVersion(std::cout);
   if (line.steps.empty()) throw UsageError("which method? `lmx list` shows them, `lmx --help` explains");
-  CheckOutputName(line);
+  EncodingOf(line);
   const std::string& word = line.steps.front().method;
   if (word == "list") return ShowList(line);
   if (word == "help") return ShowHelp(line);

@@ -92,7 +92,7 @@ TEST_F(CallTest, InPlaceMethodsHandTheChangedPictureOn) {
   EXPECT_EQ(expected.pixels[3], 0xFF102930u);
   EXPECT_EQ(Run({"AdjustRGB_InPlace", small_, "green_delta=9", "+", "FlipRotate", "flip_v=1"}).pixels, expected.pixels);
   EXPECT_EQ(Run({"AdjustRGB_InPlace", small_, "green_delta=9"}).pixels[0], 0xFF102930u);
-  EXPECT_EQ(Result("small.png").pixels, SmallImage().pixels);
+  EXPECT_EQ(ReadFile(small_), Png(SmallImage()));
 }
 
 // Also where the method changes its picture, which happens once.

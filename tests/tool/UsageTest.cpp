@@ -53,9 +53,9 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
   for (const char* option : {"--help", "-h", "help"}) {
     const Ended ended = Lmx({option});
     EXPECT_EQ(ended.status, 0);
-    for (const char* part :
-         {"--output", "--storage", "--yield", "--opaque", "--verbose", "--json", "--repeat", "--plugin", "--help",
-          "--version", "lmx list", "lmx help", "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
+    for (const char* part : {"--output", "--storage", "--yield", "--compression", "--quality", "--opaque", "--verbose",
+                              "--json", "--repeat", "--plugin", "--help", "--version", "lmx list", "lmx help",
+                              "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
       EXPECT_TRUE(Contains(ended.out, part)) << part;
     }
   }
@@ -147,8 +147,7 @@ TEST_F(UsageTest, OutputsThatCannotBe) {
   ExpectWrong({"AdjustRGB_InPlace", "SMALL"}, {"-o"});
   ExpectWrong({"AdjustRGB_InPlace", "SMALL", "+", "GetAverageRGB"}, {"-o"});
   ExpectWrong({"GetErrorMessage", "errorCode=0", "-o", "OUT"}, {"no picture", "out.png"});
-  ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.jpg")}, {"PNG", "out.jpg"});
-  ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.JPEG")}, {"PNG", "out.JPEG"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.bmp")}, {"PNG", "JPEG", "out.bmp"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.webp")}, {"PNG", "out.webp"});
   ExpectWrong({"chart", "-o", Path("chart.gif")}, {"PNG", "chart.gif"});
   ExpectWrong({"chart"}, {"-o"});
@@ -164,6 +163,14 @@ TEST_F(UsageTest, WrongOptions) {
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--repeat=often"}, {"--repeat", "`often`"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--storage=disk"}, {"--storage", "`disk`"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--json=yes"}, {"--json"});
+  for (const char* level : {"-1", "10", "x"}) {
+    ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--compression", level}, {"--compression", level});
+  }
+  for (const char* quality : {"0", "101", "best"}) {
+    ExpectWrong({"FlipRotate", "SMALL", "-o", Path("o.jpg"), "--quality", quality}, {"--quality", quality});
+  }
+  ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--quality=90"}, {"--quality", "is a PNG"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", Path("o.JPG"), "--compression=2"}, {"--compression", "is a JPEG"});
   ExpectWrong({"list", "everything"}, {"list"});
   ExpectWrong({"chart", "x", "-o", "OUT"}, {"chart"});
   ExpectWrong({"bench"}, {"picture"});
