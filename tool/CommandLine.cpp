@@ -1,10 +1,9 @@
 #include "CommandLine.h"
 
-#include <limits>
 #include <algorithm>
 #include <cctype>
+#include <limits>
 
-#include "Encode.h"
 #include "Errors.h"
 #include "Values.h"
 
@@ -23,6 +22,12 @@ host::Storage ParseStorage(const std::string& text) {
   throw UsageError("--storage is `context` or `buffer`, not `" + text + "`");
 }
 
+Format ParseFormat(const std::string& text) {
+  if (host::SameName(text, "png")) return Format::Png;
+  if (host::SameName(text, "jpeg") || host::SameName(text, "jpg")) return Format::Jpeg;
+  throw UsageError("--format is `png` or `jpeg`, not `" + text + "`");
+}
+
 std::int32_t ParseNumber(const std::string& option, const std::string& text) {
   try {
     return ParseValue(host::Type::Integer, text).AsInteger();
@@ -34,7 +39,7 @@ std::int32_t ParseNumber(const std::string& option, const std::string& text) {
 std::int32_t ParseNumber(const std::string& option, const std::string& text, int least, int most) {
   const std::int32_t number = ParseNumber(option, text);
   if (number < least || number > most) {
-    throw UsageError(option + " is " + std::to_string(least) + " to " + std::to_string(most) + ", not " + text);
+    throw UsageError(option + " is " + std::to_string(least) + " to " + std::to_string(most) + ", not `" + text + "`");
   }
   return number;
 }
@@ -90,6 +95,8 @@ class Parser {
       line_.yield = ParseNumber(name, ValueOf(name));
     } else if (name == "--repeat") {
       line_.repeat = ParseNumber(name, ValueOf(name), 1, std::numeric_limits<std::int32_t>::max());
+    } else if (name == "--format") {
+      line_.format = ParseFormat(ValueOf(name));
     } else if (name == "--compression") {
       line_.compression = ParseNumber(name, ValueOf(name), Encoding::kLeastCompression, Encoding::kMostCompression);
     } else if (name == "--quality") {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Encode.h"
 #include "host/Picture.h"
 
 namespace tool {
@@ -32,6 +33,7 @@ struct CommandLine {
   std::optional<std::string> plugin;
   std::optional<std::int32_t> yield;
   std::int32_t repeat = 1;
+  std::optional<Format> format;
   std::optional<std::int32_t> compression;
   std::optional<std::int32_t> quality;
   host::Storage storage = host::Storage::BitmapContext;

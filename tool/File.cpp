@@ -45,6 +45,33 @@ void WriteAll(const File& file, const std::string& path, const Bytes& bytes) {
   }
 }
 
+// Until its other end is closed.
+Bytes ReadStandardInput() {
+  const std::string name = "standard input";
+  if (isatty(STDIN_FILENO) != 0) Fail(name, "is a terminal, and no picture");
+  Bytes bytes;
+  for (ssize_t count = 1; count != 0;) {
+    StopIfInterrupted(name);
+    const std::size_t done = bytes.size();
+    bytes.resize(done + kPiece);
+    count = read(STDIN_FILENO, bytes.data() + done, kPiece);
+    if (count < 0 && errno != EINTR) FailErrno(name, "read");
+    bytes.resize(done + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (bytes.size() > static_cast<std::size_t>(kMaxFileSize)) Fail(name, "is larger than 256 MiB");
+  }
+  StopIfInterrupted(name);
+  if (bytes.empty()) Fail(name, "is empty");
+  return bytes;
+}
+
+void WriteStandardOutput(const Bytes& bytes) {
+  const std::string name = "standard output";
+  File file(dup(STDOUT_FILENO));
+  if (!file.IsOpen()) FailErrno(name, "write");
+  WriteAll(file, name, bytes);
+  if (!file.Close()) FailErrno(name, "write");
+}
+
 mode_t ModeOfNewFiles() {
   const mode_t mask = umask(0);
   umask(mask);
@@ -96,6 +123,7 @@ void Replacement::TakePlace(const struct stat* replaced) {
 }
 
 Bytes ReadFile(const std::string& path) {
+  if (path == kStandardStream) return ReadStandardInput();
   // A pipe without a writer would be waited for.
   const File file = Open(path, O_RDONLY | O_NONBLOCK);
   struct stat status = {};
@@ -118,6 +146,7 @@ Bytes ReadFile(const std::string& path) {
 }
 
 void WriteFile(const std::string& path, const Bytes& bytes) {
+  if (path == kStandardStream) return WriteStandardOutput(bytes);
   File old = Open(path, O_WRONLY);
   if (!old.IsOpen() && errno != ENOENT) FailErrno(path, "write");
   struct stat status = {};

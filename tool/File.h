@@ -49,6 +49,9 @@ class Replacement {
   File file_;
 };
 
+/// The name of standard input and of standard output.
+constexpr const char* kStandardStream = "-";
+
 /// Throws Failure for anything but a file of some bytes, and Interrupted on Ctrl-C.
 Bytes ReadFile(const std::string& path);
 

@@ -24,7 +24,8 @@ constexpr const char* kUsage =
   lmx bench picture                                    times the methods on a picture, with and without yields
 
 A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png), and so is the result, by the end of its
-name. Photos are read upright, as EXIF data say that they were taken; the result has none.
+name; - is standard input and standard output, where the result is a PNG and values go to standard error.
+Photos are read upright, as EXIF data say that they were taken; the result has none.
 Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case
 are the same. Most arguments may be left out: `lmx help METHOD` says what they are then.
 Colours are #rrggbb or #rrggbbtt, tt from 00 (opaque) to ff (clear), or &hTTRRGGBB; quote them for the shell.
@@ -35,6 +36,7 @@ Options, anywhere:
   --yield N            let methods yield to the host every N pixels; Ctrl-C stops them there. On a terminal lmx lets
                        them yield by itself
   --repeat N           call each method N times; the last call counts, and its time is that of a warm one
+  --format FORMAT      png or jpeg, where the name of the file does not say it
   --compression N      of a PNG, 0 to 9: 0 is fastest, 9 gives small files slowly; default: 3
   --quality N          of a JPEG, 1 to 100; default: 90. Where the picture is clear it lies on white
   --opaque             write the colours without their transparency

@@ -81,7 +81,7 @@ Image Decode(const std::string& path, Bytes bytes) {
 
 Image ReadPicture(const std::string& path) {
   const Bytes bytes = ReadFile(path);
-  return Upright(Decode(path, bytes), OrientationOf(bytes));
+  return Upright(Decode(path == kStandardStream ? "standard input" : path, bytes), OrientationOf(bytes));
 }
 
 void WritePicture(const std::string& path, const Image& image, const Encoding& encoding) {

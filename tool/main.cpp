@@ -1,4 +1,6 @@
 // lmx, the stand-in host for people: runs the plug-in's methods on picture files.
+#include <unistd.h>
+
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -8,6 +10,7 @@
 #include "Chart.h"
 #include "CommandLine.h"
 #include "Errors.h"
+#include "File.h"
 #include "Help.h"
 #include "Interrupt.h"
 #include "PictureFile.h"
@@ -52,15 +55,24 @@ void ExpectOperands(const CommandLine& line, std::size_t most) {
   if (!fits) throw UsageError("too many words behind `" + words.method + "`");
 }
 
-// Another format's name on a file would deceive other programs. Devices have none, and get a PNG.
+// Another format's name on a file would deceive other programs.
+Format FormatFor(const std::string& output, std::optional<Format> wanted) {
+  const std::optional<Format> named = FormatOf(output);
+  if (named && wanted && *named != *wanted)
+    throw UsageError("--format asks for another format than the name " + output);
+  if (!named && !wanted && std::filesystem::path(output).has_extension()) {
+    throw UsageError("lmx writes PNG and JPEG files: " + output + " needs a name that ends in .png or .jpg");
+  }
+  return wanted.value_or(named.value_or(Format::Png));
+}
+
 Encoding EncodingOf(const CommandLine& line) {
   Encoding encoding;
   if (!line.output) return encoding;
-  const std::optional<Format> named = FormatOf(*line.output);
-  if (!named && std::filesystem::path(*line.output).has_extension()) {
-    throw UsageError("lmx writes PNG and JPEG files: " + *line.output + " needs a name that ends in .png or .jpg");
+  if (*line.output == kStandardStream && isatty(STDOUT_FILENO) != 0) {
+    throw UsageError("standard output is a terminal: give a file or a pipe");
   }
-  encoding.format = named.value_or(Format::Png);
+  encoding.format = FormatFor(*line.output, line.format);
   const bool png = encoding.format == Format::Png;
   if (line.quality && png) throw UsageError("--quality is for JPEG files, and " + *line.output + " is a PNG");
   if (line.compression && !png) throw UsageError("--compression is for PNG files, and " + *line.output + " is a JPEG");
@@ -109,8 +121,10 @@ void RunMethods(const CommandLine& line) {
   const Plan plan = MakePlan(plugin, line);
 
   const ReportStyle style = line.json ? ReportStyle::Json : line.verbose ? ReportStyle::Verbose : ReportStyle::Results;
+  // The picture has standard output for itself.
+  std::ostream& out = line.output == kStandardStream ? std::cerr : std::cout;
   Runner runner(plugin, line.yield, line.repeat,
-                [style](const CallReport& report) { Write(std::cout, report, style); });
+                [&out, style](const CallReport& report) { Write(out, report, style); });
   host::Picture picture;
   if (plan.source) picture = ToHost(ReadPicture(*plan.source), line.storage);
   picture = runner.Run(plan, std::move(picture));

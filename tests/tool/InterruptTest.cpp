@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -127,7 +128,7 @@ TEST_F(InterruptTest, StopsWhileWriting) {
   const std::string large = Given("large.png", noise);
   Surroundings surroundings;
   int reader = -1;
-  surroundings.started = [&](pid_t lmx) {
+  surroundings.started = [&](pid_t lmx, int) {
     reader = open(Path("pipe.png").c_str(), O_RDONLY | O_CLOEXEC);
     kill(lmx, SIGINT);
     std::array<char, 4096> buffer{};
@@ -145,6 +146,19 @@ TEST_F(InterruptTest, StopsWhileReading) {
   ASSERT_EQ(truncate(path.c_str(), 2 << 20), 0);
   EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).error, "lmx: stopped at " + path + "\n");
   EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).status, 130);
+}
+
+// When the pipe is empty, lmx waits for more, or is about to.
+TEST_F(InterruptTest, StopsWhileItWaitsForInput) {
+  Surroundings surroundings;
+  surroundings.input = "\x89PNG";
+  surroundings.started = [](pid_t lmx, int input) {
+    for (int left = 1; left != 0;) ASSERT_EQ(ioctl(input, FIONREAD, &left), 0);
+    kill(lmx, SIGINT);
+  };
+  const Ended ended = Lmx({"GetAverageRGB", "-"}, surroundings);
+  EXPECT_EQ(ended.status, 130);
+  EXPECT_EQ(ended.error, "lmx: stopped at standard input\n");
 }
 
 TEST_F(InterruptTest, ATerminalShowsProgressAndCanStopByItself) {

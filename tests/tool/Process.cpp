@@ -103,19 +103,25 @@ Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings) 
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
 
+  const Channel in = Pipe();
+  const auto size = static_cast<ssize_t>(surroundings.input.size());
+  if (write(in.writing, surroundings.input.data(), surroundings.input.size()) != size) Fail("input");
   const Channel out = Pipe(), error = surroundings.terminal ? Terminal() : Pipe();
   const pid_t child = fork();
   if (child < 0) Fail("fork");
   if (child == 0) {
     ApplyInChild(surroundings);
+    dup2(in.reading, STDIN_FILENO);
     dup2(out.writing, STDOUT_FILENO);
     dup2(error.writing, STDERR_FILENO);
     execv(pointers.front(), pointers.data());
     _exit(127);
   }
+  close(in.reading);
   close(out.writing);
   close(error.writing);
-  if (surroundings.started) surroundings.started(child);
+  if (surroundings.started) surroundings.started(child, in.writing);
+  close(in.writing);
   Ended ended;
   Drain(out.reading, ended.out, error.reading, ended.error);
   const int status = StatusOf(child);

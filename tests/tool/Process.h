@@ -10,10 +10,12 @@
 namespace tool_test {
 
 struct Surroundings {
-  bool terminal = false;               ///< standard error is a terminal
-  bool pendingInterrupt = false;       ///< Ctrl-C was pressed before the program could notice
-  std::function<void(pid_t)> started;  ///< done beside the running program, before its output is read
-  long largestFile = -1;               ///< bytes that a file may have, as if the disk were full then; -1: any number
+  bool terminal = false;          ///< standard error is a terminal
+  bool pendingInterrupt = false;  ///< Ctrl-C was pressed before the program could notice
+  std::string input;              ///< standard input, as far as a pipe holds it
+  /// Done beside the running program, before its output is read; standard input stays open as long.
+  std::function<void(pid_t lmx, int input)> started;
+  long largestFile = -1;  ///< bytes that a file may have, as if the disk were full then; -1: any number
 };
 
 struct Ended {

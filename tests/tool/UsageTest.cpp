@@ -53,9 +53,9 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
   for (const char* option : {"--help", "-h", "help"}) {
     const Ended ended = Lmx({option});
     EXPECT_EQ(ended.status, 0);
-    for (const char* part : {"--output", "--storage", "--yield", "--compression", "--quality", "--opaque", "--verbose",
-                              "--json", "--repeat", "--plugin", "--help", "--version", "lmx list", "lmx help",
-                              "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
+    for (const char* part : {"--output", "--storage", "--yield", "--format", "--compression", "--quality", "--opaque",
+                             "--verbose", "--json", "--repeat", "--plugin", "--help", "--version", "lmx list",
+                             "lmx help", "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
       EXPECT_TRUE(Contains(ended.out, part)) << part;
     }
   }
@@ -171,6 +171,9 @@ TEST_F(UsageTest, WrongOptions) {
   }
   ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--quality=90"}, {"--quality", "is a PNG"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", Path("o.JPG"), "--compression=2"}, {"--compression", "is a JPEG"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", "-", "--format=gif"}, {"--format", "`gif`"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", "OUT", "--format=jpeg"}, {"--format", "out.png"});
+  ExpectWrong({"FlipRotate", "SMALL", "-o", "-", "--quality=9"}, {"--quality", "PNG"});
   ExpectWrong({"list", "everything"}, {"list"});
   ExpectWrong({"chart", "x", "-o", "OUT"}, {"chart"});
   ExpectWrong({"bench"}, {"picture"});
