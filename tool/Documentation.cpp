@@ -111,11 +111,13 @@ std::vector<ArgumentText> AdjustHSVArguments(ArgumentText picture) {
           {"saturation_factor",
            "factor of the saturation, from 0 and below 1000, cut to a whole number: 0 and 0.9 give greys, 1 leaves it, "
            "2 doubles it",
-           {"1"}},
+           {"1"},
+           1},
           {"brightness_factor",
            "factor of the brightness, from 0 and below 1000, cut to a whole number: below 1 gives black, 1 leaves it, "
            "2 doubles it",
-           {"1"}},
+           {"1"},
+           1},
           {"negative",
            "store inverted colours, in the whole picture and entirely clear; in the context storage form nothing of "
            "them is left",
@@ -188,7 +190,7 @@ std::vector<MethodText> ColourMethods() {
                {"saturation", "mean saturation, 0 to 1", kResult},
                {"brightness", "mean brightness, 0 to 0.99609375 (255/256)", kResult},
            }),
-       "lmx GetAverageHSV photo.jpg --json"},
+       "lmx GetAverageHSV photo.jpg --json", true},
       {"LMX_AdjustRGB", "Adds to red, green and blue of a rectangle",
        "Sums are kept within 0 to 255. Alpha stays as it is. What lies outside the selection is copied.",
        AdjustRGBArguments(Source()), "lmx AdjustRGB photo.jpg red_delta=40 blue_delta=-40 -o warm.png"},
@@ -203,7 +205,7 @@ std::vector<MethodText> ColourMethods() {
                          {"green", "mean of green, 0 to 255", kResult},
                          {"blue", "mean of blue, 0 to 255", kResult},
                      }),
-       "lmx GetAverageRGB photo.jpg left=10 top=10 width=50 height=50"},
+       "lmx GetAverageRGB photo.jpg left=10 top=10 width=50 height=50", true},
   };
 }
 
@@ -217,7 +219,8 @@ std::vector<MethodText> TurningMethods() {
         {"flip_v", "mirror top and bottom first", {"false"}},
         {"rotation",
          "turn in degrees, -89 to 359, cut to whole quarter turns: 90 to 179 is one, below 90 is none",
-         {"0"}},
+         {"0"},
+         90},
         Yield()},
        "lmx FlipRotate photo.jpg rotation=90 -o turned.png"},
       {"LMX_FreeRotateByShear",

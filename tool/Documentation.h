@@ -31,6 +31,7 @@ struct ArgumentText {
   std::string name;
   std::string meaning;
   Fallback fallback;
+  int multiplesOf = 0;  ///< numbers are cut to multiples of this, towards 0; 0: they are not
 };
 
 struct MethodText {
@@ -39,6 +40,7 @@ struct MethodText {
   std::string details;
   std::vector<ArgumentText> arguments;
   std::string example;
+  bool addsColours = false;  ///< of the selection, in 32 bits
 
   const ArgumentText* Find(std::string_view argument) const;
 };

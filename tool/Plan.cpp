@@ -4,6 +4,7 @@
 
 #include "Documentation.h"
 #include "Errors.h"
+#include "Suggestion.h"
 #include "Values.h"
 
 namespace tool {
@@ -15,7 +16,7 @@ namespace {
 
 const host::Method& MethodOf(const host::Host& plugin, const StepWords& words) {
   const host::Method* method = plugin.FindMethod(words.method);
-  if (method == nullptr) throw UsageError("there is no method `" + words.method + "`; `lmx list` shows them");
+  if (method == nullptr) throw UsageError(NoMethod(plugin, words.method));
   return *method;
 }
 
@@ -28,7 +29,13 @@ void Assign(Step& step, const Assignment& assignment) {
   const host::Method& method = *step.method;
   const auto found = std::find_if(method.parameters.begin(), method.parameters.end(),
                                   [&](const host::Parameter& p) { return host::SameName(p.name, assignment.name); });
-  if (found == method.parameters.end()) Refuse(method, method.name + " has no argument `" + assignment.name + "`");
+  if (found == method.parameters.end()) {
+    std::vector<std::string> names;
+    for (const host::Parameter& p : method.parameters) {
+      if (!IsPicture(p) && !p.byRef) names.push_back(p.name);
+    }
+    Refuse(method, method.name + " has no argument `" + assignment.name + "`" + Suggestion(assignment.name, names));
+  }
   if (IsPicture(*found)) Refuse(method, "`" + found->name + "` is the picture: give its file, without a name");
   if (found->byRef) Refuse(method, "`" + found->name + "` is a result: it cannot be given");
   std::optional<host::Value>& place = step.given[static_cast<std::size_t>(found - method.parameters.begin())];
@@ -76,8 +83,10 @@ bool HasResults(const host::Method& method) {
                      [](const host::Parameter& parameter) { return parameter.byRef; });
 }
 
-void CheckOutput(const CommandLine& line, bool havePicture, bool newPixels) {
-  if (newPixels && !line.output) throw UsageError("where shall the picture go? Give a file: -o result.png");
+// A chain that ends in a measurement has told what it was for.
+void CheckOutput(const CommandLine& line, const Plan& plan, bool havePicture, bool newPixels) {
+  if (newPixels && !line.output && !HasResults(*plan.steps.back().method))
+    throw UsageError("where shall the picture go? Give a file: -o result.png");
   if (line.output && !havePicture) throw UsageError("there will be no picture for -o " + *line.output);
 }
 
@@ -119,6 +128,16 @@ bool ChangesPicture(const host::Method& method) {
   return TakesPicture(method) && method.result == host::Type::None && !HasResults(method);
 }
 
+std::string NoMethod(const host::Host& plugin, const std::string& name) {
+  constexpr const char* kPrefix = "LMX_";
+  const auto shortName = [&](const std::string& full) {
+    return host::SameName(full.substr(0, 4), kPrefix) ? full.substr(4) : full;
+  };
+  std::vector<std::string> names = {"list", "help", "chart", "bench"};
+  for (const host::Method& method : plugin.Methods()) names.push_back(shortName(method.name));
+  return "there is no method `" + name + "`; `lmx list` shows them" + Suggestion(shortName(name), names);
+}
+
 Plan MakePlan(const host::Host& plugin, const CommandLine& line) {
   Plan plan;
   bool havePicture = false, newPixels = false;
@@ -131,7 +150,7 @@ Plan MakePlan(const host::Host& plugin, const CommandLine& line) {
     havePicture = TakesPicture(method) || method.result == host::Type::Picture;
     newPixels = newPixels || method.result == host::Type::Picture || ChangesPicture(method);
   }
-  CheckOutput(line, havePicture, newPixels);
+  CheckOutput(line, plan, havePicture, newPixels);
   return plan;
 }
 

@@ -27,6 +27,9 @@ bool IsPicture(const host::Parameter& parameter);
 /// Whether the method is called for what it does to its picture: it neither returns nor stores anything.
 bool ChangesPicture(const host::Method& method);
 
+/// A sentence about a method that does not exist.
+std::string NoMethod(const host::Host& plugin, const std::string& name);
+
 /// Throws UsageError, naming the word and showing the declaration, for anything that does not fit.
 Plan MakePlan(const host::Host& plugin, const CommandLine& line);
 

@@ -21,6 +21,7 @@ struct CallReport {
   int width = 0;  ///< of the picture that the call returned, changed or measured; 0: there is none
   int height = 0;
   std::vector<std::pair<std::string, host::Value>> results;  ///< by name; empty after a failure
+  std::vector<std::string> notes;
 };
 
 /// `source` is the program's variable for the method's picture.

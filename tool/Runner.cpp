@@ -6,6 +6,7 @@
 #include "Documentation.h"
 #include "Errors.h"
 #include "Interrupt.h"
+#include "Notes.h"
 #include "Progress.h"
 
 namespace tool {
@@ -89,7 +90,10 @@ host::Picture Runner::RunStep(const Step& step, const host::Picture& picture) {
     report.width = left.Width();
     report.height = left.Height();
   }
-  if (!failed) AddResults(report, method, outcome);
+  if (!failed) {
+    AddResults(report, method, outcome);
+    report.notes = NotesOn(step, arguments, picture);
+  }
   tell_(report);
   if (report.error != 0) {
     throw Failure(method.name + ": " + report.message + " (error " + std::to_string(report.error) + ")");

@@ -94,7 +94,7 @@ void ShowHelp(const CommandLine& line) {
   host::Host plugin;
   Load(plugin, line);
   const host::Method* method = plugin.FindMethod(operands.front());
-  if (method == nullptr) throw UsageError("there is no method `" + operands.front() + "`; `lmx list` shows them");
+  if (method == nullptr) throw UsageError(NoMethod(plugin, operands.front()));
   WriteMethodHelp(std::cout, *method);
 }
 
@@ -123,8 +123,10 @@ void RunMethods(const CommandLine& line) {
   const ReportStyle style = line.json ? ReportStyle::Json : line.verbose ? ReportStyle::Verbose : ReportStyle::Results;
   // The picture has standard output for itself.
   std::ostream& out = line.output == kStandardStream ? std::cerr : std::cout;
-  Runner runner(plugin, line.yield, line.repeat,
-                [&out, style](const CallReport& report) { Write(out, report, style); });
+  Runner runner(plugin, line.yield, line.repeat, [&out, style](const CallReport& report) {
+    Write(out, report, style);
+    for (const std::string& note : report.notes) std::cerr << "lmx: " << note << '\n';
+  });
   host::Picture picture;
   if (plan.source) picture = ToHost(ReadPicture(*plan.source), line.storage);
   picture = runner.Run(plan, std::move(picture));

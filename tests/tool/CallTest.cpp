@@ -216,6 +216,51 @@ TEST_F(CallTest, MeasuringPassesThePictureOn) {
   EXPECT_EQ(result.pixels[0], 0xFF008090u);
 }
 
+TEST_F(CallTest, AChainMayEndInAMeasurementAlone) {
+  const Ended ended = Lmx({"FlipRotate", small_, "rotation=180", "+", "GetAverageRGB", "width=0", "height=0"});
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  EXPECT_EQ(ended.out, "red = 10, green = 20, blue = 30\n");
+  EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+}
+
+TEST_F(CallTest, NumbersThatCountAsOthersAreNoted) {
+  const auto noted = [&](const std::vector<std::string>& call) {
+    std::vector<std::string> words = call;
+    words.insert(words.end(), {"-o", Path("out.png")});
+    const Ended ended = Lmx(words);
+    EXPECT_EQ(ended.status, 0) << ended.error;
+    return ended.error;
+  };
+  EXPECT_EQ(noted({"FlipRotate", small_, "rotation=45"}), "lmx: note: rotation=45 counts as 0 in LMX_FlipRotate\n");
+  EXPECT_EQ(noted({"FlipRotate", small_, "rotation=300"}), "lmx: note: rotation=300 counts as 270 in LMX_FlipRotate\n");
+  EXPECT_EQ(noted({"FlipRotate", small_, "rotation=-89"}), "lmx: note: rotation=-89 counts as 0 in LMX_FlipRotate\n");
+  EXPECT_EQ(noted({"AdjustHSV", small_, "saturation_factor=1.5", "brightness_factor=0.9"}),
+            "lmx: note: saturation_factor=1.5 counts as 1 in LMX_AdjustHSV\n"
+            "lmx: note: brightness_factor=0.9 counts as 0 in LMX_AdjustHSV\n");
+  EXPECT_EQ(noted({"FlipRotate", small_, "rotation=180", "+", "AdjustHSV", "brightness_factor=2"}), "");
+  EXPECT_EQ(noted({"FreeRotateByShear", small_, "rotation=45"}), "");
+}
+
+// 384 x 21931 pixels of 255 just add up to what 32 bits hold.
+TEST_F(CallTest, SumsThatDoNotFitAreTold) {
+  const auto measured = [](const char* height, const char* method, const char* part) {
+    return Lmx({"MakeGradient", "width=384", height, "color2=#000000", "+", "AdjustRGB_InPlace", "red_delta=255", "+",
+                method, part});
+  };
+  const Ended fits = measured("height=21931", "GetAverageRGB", "left=0");
+  EXPECT_EQ(fits.error, "");
+  EXPECT_EQ(fits.out, "red = 255, green = 0, blue = 0\n");
+  const Ended wraps = measured("height=21932", "GetAverageRGB", "left=0");
+  EXPECT_EQ(wraps.status, 0);
+  EXPECT_EQ(wraps.out, "red = -254, green = 0, blue = 0\n");
+  EXPECT_EQ(wraps.error.rfind("lmx: warning: red adds up to 2147581440, and LMX_GetAverageRGB counts to 2147483647", 0),
+            0u)
+      << wraps.error;
+  EXPECT_EQ(wraps.error.find("green"), std::string::npos);
+  EXPECT_NE(measured("height=21932", "GetAverageHSV", "left=0").error.find("LMX_GetAverageHSV"), std::string::npos);
+  EXPECT_EQ(measured("height=21932", "GetAverageRGB", "left=1").error, "");
+}
+
 TEST_F(CallTest, VerboseShowsTheProgramThatWouldDoTheSame) {
   Run({"FlipRotate", small_, "flip_h=1", "rotation=90", "+", "AdjustHSV_InPlace", "hue_degrees=60", "yield=7", "-v",
        "--yield=3"});

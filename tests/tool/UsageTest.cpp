@@ -115,6 +115,18 @@ TEST_F(UsageTest, UnknownMethods) {
   ExpectWrong({"help", "Blur"}, {"`Blur`"});
 }
 
+TEST_F(UsageTest, NearNamesAreSuggested) {
+  ExpectWrong({"Strech", "SMALL", "-o", "OUT"}, {"`Strech`", "did you mean `Stretch`?"});
+  ExpectWrong({"lmx_fliprotaet", "SMALL", "-o", "OUT"}, {"did you mean `FlipRotate`?"});
+  ExpectWrong({"help", "GetAverageRBG"}, {"did you mean `GetAverageRGB`?"});
+  ExpectWrong({"lits"}, {"did you mean `list`?"});
+  ExpectWrong({"Stretch", "SMALL", "widht=5", "-o", "OUT"}, {"did you mean `width`?", kStretch});
+  ExpectWrong({"AdjustHSV", "SMALL", "hue_degree=5", "-o", "OUT"}, {"did you mean `hue_degrees`?"});
+  for (const std::string& far : {std::string("Sharpen"), std::string("x"), std::string(3000, 'S')}) {
+    EXPECT_FALSE(Contains(Lmx({far}).error, "did you mean")) << far;
+  }
+}
+
 TEST_F(UsageTest, WrongArgumentsAreNamedAndTheDeclarationShown) {
   ExpectWrong({"Stretch", "SMALL", "widht=5", "-o", "OUT"}, {"`widht`", kStretch});
   ExpectWrong({"Stretch", "SMALL", "width=5", "WIDTH=6", "-o", "OUT"}, {"`width`", "twice", kStretch});
@@ -145,7 +157,7 @@ TEST_F(UsageTest, PicturesInWrongPlaces) {
 TEST_F(UsageTest, OutputsThatCannotBe) {
   ExpectWrong({"FlipRotate", "SMALL"}, {"-o"});
   ExpectWrong({"AdjustRGB_InPlace", "SMALL"}, {"-o"});
-  ExpectWrong({"AdjustRGB_InPlace", "SMALL", "+", "GetAverageRGB"}, {"-o"});
+  ExpectWrong({"AdjustRGB_InPlace", "SMALL", "+", "GetAverageRGB", "+", "FlipRotate"}, {"-o"});
   ExpectWrong({"GetErrorMessage", "errorCode=0", "-o", "OUT"}, {"no picture", "out.png"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.bmp")}, {"PNG", "JPEG", "out.bmp"});
   ExpectWrong({"FlipRotate", "SMALL", "-o", Path("out.webp")}, {"PNG", "out.webp"});

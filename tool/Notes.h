@@ -1,0 +1,15 @@
+// What users should know about a call that went well.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Plan.h"
+
+namespace tool {
+
+/// A sentence each: numbers that the user gave and that count as others, and sums that were too large for the method.
+std::vector<std::string> NotesOn(const Step& step, const std::vector<host::Value>& arguments,
+                                 const host::Picture& picture);
+
+}  // namespace tool
