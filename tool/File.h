@@ -26,8 +26,8 @@ class File {
   int descriptor_;
 };
 
-/// A file that lies beside another until it takes its place. It is gone if it does not come to that, also when a
-/// signal ends the process. There is one at a time.
+/// A file that lies beside another until it takes its place. It is gone if it does not come to
+/// that, also when a signal ends the process. There is one at a time.
 class Replacement {
  public:
   /// Throws Failure if there can be no such file.
@@ -37,8 +37,8 @@ class Replacement {
   Replacement& operator=(const Replacement&) = delete;
 
   const File& Target() const { return file_; }
-  /// With the mode of the file that it replaces, and with its owner and group where the user may give them; without
-  /// one, as new files are. Throws Failure.
+  /// With the mode of the file that it replaces, and with its owner and group where the user may
+  /// give them; without one, as new files are. Throws Failure.
   void TakePlace(const struct stat* replaced);
 
  private:
@@ -55,9 +55,9 @@ constexpr const char* kStandardStream = "-";
 /// Throws Failure for anything but a file of some bytes, and Interrupted on Ctrl-C.
 Bytes ReadFile(const std::string& path);
 
-/// Throws Failure if the file cannot be written, which is so too if the user may not write the one that is there, and
-/// Interrupted on Ctrl-C; then what was there before is still there. The file appears at once and complete. A device
-/// or pipe is written directly.
+/// Throws Failure if the file cannot be written, which is so too if the user may not write the one
+/// that is there, and Interrupted on Ctrl-C; then what was there before is still there. The file
+/// appears at once and complete. A device or pipe is written directly.
 void WriteFile(const std::string& path, const Bytes& bytes);
 
 }  // namespace tool

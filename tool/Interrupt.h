@@ -1,5 +1,5 @@
-// Signals. The first Ctrl-C is remembered, so that what runs can be left in order; the second ends the process at once,
-// as every other signal does that asks for an end.
+// Signals. The first Ctrl-C is remembered, so that what runs can be left in order; the second ends
+// the process at once, as every other signal does that asks for an end.
 #pragma once
 
 #include <signal.h>
@@ -8,8 +8,8 @@
 
 namespace tool {
 
-/// From now on. A Ctrl-C that came before, while the signal was held back, counts. A limit to the size of files is told
-/// by the write that goes beyond it.
+/// From now on. A Ctrl-C that came before, while the signal was held back, counts. A limit to the
+/// size of files is told by the write that goes beyond it.
 void WatchSignals();
 bool InterruptRequested();
 /// Throws Interrupted, naming the file that was being read or written.

@@ -8,7 +8,8 @@
 
 namespace tool {
 
-/// A sentence each: numbers that the user gave and that count as others, and sums that were too large for the method.
+/// A sentence each: numbers that the user gave and that count as others, and sums that were too
+/// large for the method.
 std::vector<std::string> NotesOn(const Step& step, const std::vector<host::Value>& arguments,
                                  const host::Picture& picture);
 

@@ -36,8 +36,8 @@ class Part {
   std::size_t size_ = 0;
 };
 
-// EXIF data are a TIFF file: a byte order, the place of the first directory, and that: a count, and entries of tag,
-// type, count and value.
+// EXIF data are a TIFF file: a byte order, the place of the first directory, and that: a count, and
+// entries of tag, type, count and value.
 int OrientationIn(Part tiff) {
   constexpr std::size_t kDirectory = 4, kCount = 2, kEntry = 12, kType = 2, kValue = 8;
   const bool littleEndian = tiff.Has(0, "II*\0", 4);

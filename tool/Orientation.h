@@ -9,8 +9,8 @@ namespace tool {
 
 /// EXIF's numbers: where the first row and the first column of the file belong.
 ///   1 upright, 2 mirrored left and right, 3 turned by a half, 4 mirrored top and bottom,
-///   5 mirrored at the falling diagonal, 6 to be turned clockwise, 7 mirrored at the rising diagonal,
-///   8 to be turned counter-clockwise
+///   5 mirrored at the falling diagonal, 6 to be turned clockwise,
+///   7 mirrored at the rising diagonal, 8 to be turned counter-clockwise
 constexpr int kUpright = 1, kMostOrientations = 8;
 
 /// Of a PNG or JPEG file; upright if it does not say so in a way that can be understood.

@@ -11,11 +11,13 @@ namespace tool {
 /// The largest picture that is read, in pixels: 8192 x 8192.
 constexpr int kMaxPixels = 1 << 26;
 
-/// The picture as it was seen: turned and mirrored as the camera says in EXIF data, of which none are written again.
-/// Throws Failure for anything but a whole PNG or JPEG file within the limits, and Interrupted on Ctrl-C.
+/// The picture as it was seen: turned and mirrored as the camera says in EXIF data, of which none
+/// are written again. Throws Failure for anything but a whole PNG or JPEG file within the limits,
+/// and Interrupted on Ctrl-C.
 Image ReadPicture(const std::string& path);
 
-/// Throws Failure if the file cannot be written, and Interrupted on Ctrl-C; then what was there before is still there.
+/// Throws Failure if the file cannot be written, and Interrupted on Ctrl-C; then what was there
+/// before is still there.
 void WritePicture(const std::string& path, const Image& image, const Encoding& encoding = {});
 
 }  // namespace tool

@@ -97,8 +97,8 @@ int Paeth(int left, int above, int corner) {
   return toLeft <= toAbove && toLeft <= toCorner ? left : other;
 }
 
-// Writes the filtered row and returns the sum of its differences, which says well enough how it will compress. There are
-// kMargin zeros before the rows.
+// Writes the filtered row and returns the sum of its differences, which says well enough how it
+// will compress. There are kMargin zeros before the rows.
 constexpr std::size_t kMargin = 4;
 
 template <Foretell foretell, std::size_t channels>

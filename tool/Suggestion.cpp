@@ -14,7 +14,8 @@ std::string Lower(std::string text) {
   return text;
 }
 
-// How many characters to insert, to leave out, to replace or to exchange with the next make one of the other.
+// How many characters to insert, to leave out, to replace or to exchange with the next make one of
+// the other.
 std::size_t Distance(const std::string& a, const std::string& b) {
   std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {

@@ -24,7 +24,8 @@ struct Ended {
   std::string error;
 };
 
-/// Does this in a process of its own and returns what waitpid() says of its end. Left by an exception, it exits with 99.
+/// Does this in a process of its own and returns what waitpid() says of its end. Left by an
+/// exception, it exits with 99.
 int InChild(const std::function<void()>& action);
 
 /// Runs lmx with these arguments, to its end.
