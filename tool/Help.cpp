@@ -25,7 +25,8 @@ constexpr const char* kUsage =
 
 A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png), and so is the result, by the end of its
 name; - is standard input and standard output, where the result is a PNG and values go to standard error.
-Photos are read upright, as EXIF data say that they were taken; the result has none.
+Photos are read upright, as EXIF data say that they were taken; the result has none. Pictures of up to
+67108864 pixels are read, from files of up to 256 MiB.
 Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case
 are the same. Most arguments may be left out: `lmx help METHOD` says what they are then.
 Colours are #rrggbb or #rrggbbtt, tt from 00 (opaque) to ff (clear), or &hTTRRGGBB; quote them for the shell.

@@ -103,9 +103,10 @@ constexpr std::size_t kMargin = 4;
 
 template <Foretell foretell, std::size_t channels>
 unsigned Filter(const unsigned char* row, const unsigned char* above, std::size_t size, unsigned char* filtered) {
+  const unsigned char *left = row - channels, *corner = above - channels;
   unsigned sum = 0;
   for (std::size_t i = 0; i < size; ++i) {
-    const int foretold = foretell(row[i - channels], above[i], above[i - channels]);
+    const int foretold = foretell(left[i], above[i], corner[i]);
     const auto difference = static_cast<unsigned char>(row[i] - foretold);
     filtered[i] = difference;
     sum += std::min<unsigned>(difference, 256U - difference);

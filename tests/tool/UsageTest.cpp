@@ -8,6 +8,7 @@
 #include "host/Declaration.h"
 #include "tool/CommandLine.h"
 #include "tool/Errors.h"
+#include "tool/PictureFile.h"
 
 namespace tool_test {
 namespace {
@@ -53,6 +54,9 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
   for (const char* option : {"--help", "-h", "help"}) {
     const Ended ended = Lmx({option});
     EXPECT_EQ(ended.status, 0);
+    EXPECT_TRUE(Contains(ended.out, std::to_string(tool::kMaxPixels) + " pixels"));
+    EXPECT_TRUE(Contains(ended.out, "small files slowly; default: " + std::to_string(tool::Encoding().compression)));
+    EXPECT_TRUE(Contains(ended.out, "1 to 100; default: " + std::to_string(tool::Encoding().quality) + "."));
     for (const char* part : {"--output", "--storage", "--yield", "--format", "--compression", "--quality", "--opaque",
                              "--verbose", "--json", "--repeat", "--plugin", "--help", "--version", "lmx list",
                              "lmx help", "lmx chart", "lmx bench", "#rrggbb", "&hTTRRGGBB", "130"}) {
