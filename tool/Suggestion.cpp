@@ -14,8 +14,7 @@ std::string Lower(std::string text) {
   return text;
 }
 
-// How many characters to insert, to leave out, to replace or to exchange with the next make one of
-// the other.
+// How many characters to insert, to leave out or to replace make one of the other.
 std::size_t Distance(const std::string& a, const std::string& b) {
   std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {
@@ -26,8 +25,6 @@ std::size_t Distance(const std::string& a, const std::string& b) {
       }
       const std::size_t replaced = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
       cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, replaced});
-      const bool exchanged = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
-      if (exchanged) cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
     }
   }
   return cost[a.size()][b.size()];
