@@ -20,6 +20,7 @@ bool HasAvx512() {
 
 }  // namespace
 
+// clang-format off
 const LevelKernels kLevelKernels[kKernelLevels] = {
     {"plain", FillPlain, nullptr, RunsEverywhere},
 #ifdef LMX_X86
@@ -31,6 +32,7 @@ const LevelKernels kLevelKernels[kKernelLevels] = {
     {"wasm", FillWasm, nullptr, RunsEverywhere},
 #endif
 };
+// clang-format on
 
 void SelectRunKernels() {
 #ifdef LMX_X86
