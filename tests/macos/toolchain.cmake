@@ -11,6 +11,6 @@ set(CMAKE_RANLIB llvm-ranlib)
 set(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 execute_process(COMMAND clang++ -print-resource-dir OUTPUT_VARIABLE resources OUTPUT_STRIP_TRAILING_WHITESPACE)
-set(CMAKE_CXX_FLAGS_INIT "-nostdinc++ -nostdlibinc -isystem ${resources}/../../../include/c++/v1 \
--isystem ${CMAKE_CURRENT_LIST_DIR}/include \
+set(CMAKE_CXX_FLAGS_INIT "-nostdinc++ -nostdlibinc -isystem \"${resources}/../../../include/c++/v1\" \
+-isystem \"${CMAKE_CURRENT_LIST_DIR}/include\" \
 -D_LIBCPP_HAS_NO_LOCALIZATION -D_LIBCPP_HAS_NO_THREADS -D_LIBCPP_HAS_NO_WIDE_CHARACTERS")
