@@ -134,6 +134,7 @@ class MethodBench {
                   const std::vector<std::pair<const Operation*, std::vector<Row>>>& table, Figures& small) const {
     const bool isFirst = small.empty();
     std::vector<double> copies;
+    copies.reserve(table.size());
     for (const auto& [operation, rows] : table) copies.push_back(Nanoseconds(rows.front().copy.median, size));
     const Timing copy = Summary(copies);
     std::printf("%s, %d x %d, %d-bit; memcpy: %.3f ns per pixel, %.3f to %.3f in half of the measurements\n",

@@ -12,9 +12,9 @@ std::vector<std::unique_ptr<Plugin>> LoadLevels(const std::string& folder) {
   std::vector<std::unique_ptr<Plugin>> plugins;
   std::istringstream names(LMX_LEVELS);
   for (std::string name; names >> name;) {
-    const std::string file = folder + "/libLMX-" + name + ".so";
+    const std::filesystem::path file = std::filesystem::path(folder) / ("libLMX-" + name + ".so");
     if (!std::filesystem::exists(file)) continue;
-    auto plugin = std::make_unique<Plugin>(file);
+    auto plugin = std::make_unique<Plugin>(file.string());
     if (plugin->Level() == name) plugins.push_back(std::move(plugin));
   }
   if (plugins.empty()) plugins.push_back(std::make_unique<Plugin>(folder + "/libLMX.so"));
