@@ -18,7 +18,7 @@ constexpr const char* kUsage =
   --kernel=TEXT        kernels whose name has this in it
   --n=N                only this length of runs; 16, 512 and 1920 if not given
   --seconds=S          for each kernel, length and content (default 0.03)
-  --variants           also the variants of levels: what writes past the cache, and what is emulated
+  --variants           also the variants of levels: non-temporal stores (_nt), and what is emulated
   --json               one object per line and measurement
   --help               this text
 )";
@@ -127,13 +127,13 @@ class KernelBench {
       }});
     }
     const std::vector<Timing> timings = MeasureInTurn(batches, {5, options_.Number("seconds", 0.03)});
-    if (!json_) std::printf("%-32s %-12s %5zu", kernel.name, content, n);
+    if (!json_) std::printf("%-32s %-12s %5zu", kernel.name.c_str(), content, n);
     for (std::size_t i = 0; i < levels_.size(); ++i) {
       const double ns = timings[i].median * 1e9 / pixels[i];
       if (json_) {
         std::printf(R"({"bits":%d,"kernel":"%s","content":"%s","n":%zu,"level":"%s","ns":%.5f})"
                     "\n",
-                    static_cast<int>(8 * sizeof(void*)), kernel.name, content, n, levels_[i].level.c_str(), ns);
+                    static_cast<int>(8 * sizeof(void*)), kernel.name.c_str(), content, n, levels_[i].level.c_str(), ns);
       } else {
         std::printf(" %9.3f", ns);
       }

@@ -51,7 +51,7 @@ class LMX_Picture {
   /// a host may throw here would leave the other wrappers of the call unreleased.
   void Release() noexcept {
     if (!picture) return;
-    FinishStreaming();
+    FinishNonTemporalStores();
     ForgetPixels();
     REALpictureStruct* const released = picture;
     picture = nullptr;

@@ -64,6 +64,14 @@ void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int
   if (part.count > 0) std::memcpy(part.address, spare + part.before, Size(part.count) * 4);
 }
 
+// The kernels that write to a picture: with non-temporal stores, if the picture is too large to stay in the cache. A
+// temporary picture is read again at once.
+const RunKernels& KernelsFor(const LMX_Picture& written) {
+  constexpr std::int64_t kCachedPixels = 3 << 20;
+  const bool isLarge = static_cast<std::int64_t>(written.width) * written.height > kCachedPixels;
+  return isLarge && !written.unlockOnRelease ? gNonTemporalKernels : gRunKernels;
+}
+
 // Gives the addresses of `count` runs of n pixels in rows from.y, from.y + step, ... if the picture holds all of them.
 template <class Byte>
 bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, Byte** runs) {
@@ -85,9 +93,10 @@ bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, st
   return true;
 }
 
-// What is changed in place is in the cache already.
-const RunKernels& KernelsBetween(const PixelPosition& from, const PixelPosition& to) {
-  return &from.picture == &to.picture ? gRunKernels : KernelsFor(to.picture);
+// The kernels from one picture to another, or the same: what is changed in place is in the cache already.
+const PairKernels& KernelsBetween(const LMX_Picture& from, const LMX_Picture& to) {
+  const RunKernels& kernels = &from == &to ? gRunKernels : KernelsFor(to);
+  return kernels.between[FormOf(from)][FormOf(to)];
 }
 
 // Calls kernel(to, from, n, i) for a run that both pictures hold. Where they do not, the run goes in pieces through a
@@ -114,14 +123,14 @@ void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 void ReadRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* working) {
   const Clipped part = Clip(picture, x, y, n);
   std::fill_n(working, part.before, 0);
-  gRunKernels.copy[FormOf(picture)][kWorkingForm](Bytes(working + part.before), part.address, Size(part.count));
+  gRunKernels.between[FormOf(picture)][kWorkingForm].copy(Bytes(working + part.before), part.address, Size(part.count));
   std::fill(working + part.before + part.count, working + n, 0);
 }
 
 void WriteRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
               const std::uint32_t* working) {
   const Clipped part = Clip(picture, x, y, n);
-  gRunKernels.copy[kWorkingForm][FormOf(picture)](part.address, Bytes(working + part.before), Size(part.count));
+  gRunKernels.between[kWorkingForm][FormOf(picture)].copy(part.address, Bytes(working + part.before), Size(part.count));
 }
 
 void FillRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t stored) {
@@ -191,7 +200,7 @@ void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t coun
 }
 
 void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n) {
-  const auto copy = KernelsBetween(from, to).copy[FormOf(from.picture)][FormOf(to.picture)];
+  const auto copy = KernelsBetween(from.picture, to.picture).copy;
   Transform(to, from, n, [copy](auto* out, auto* in, std::size_t count, std::int32_t) { copy(out, in, count); });
 }
 
@@ -199,8 +208,7 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
   const Clipped source = Clip(from.picture, from.x, from.y, n);
   const Clipped target = Clip(to.picture, to.x, to.y, n);
   if (source.count == n && target.count == n) {
-    KernelsBetween(from, to).copyMirrored[FormOf(from.picture)][FormOf(to.picture)](target.address, source.address,
-                                                                                    Size(n));
+    KernelsBetween(from.picture, to.picture).copyMirrored(target.address, source.address, Size(n));
     return;
   }
   std::uint32_t working[kChunk];
@@ -214,7 +222,7 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
 
 void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
                    std::int32_t pixels) {
-  const auto transpose = gRunKernels.transpose[FormOf(walk.Picture())][FormOf(to.picture)];
+  const auto transpose = gRunKernels.between[FormOf(walk.Picture())][FormOf(to.picture)].transpose;
   std::uint32_t spareFrom[kTile * kTile], spareTo[kTile * kTile];
   const std::uint8_t* from[kTile + kRowsAhead];
   std::uint8_t* rows[kTile];
@@ -235,24 +243,24 @@ void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk wal
 }
 
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by) {
-  const auto adjust = KernelsBetween(from, to).adjustHSV[FormOf(from.picture)][FormOf(to.picture)];
+  const auto adjust = KernelsBetween(from.picture, to.picture).adjustHSV;
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
 }
 
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by) {
-  const auto adjust = KernelsBetween(from, to).adjustRGB[FormOf(from.picture)][FormOf(to.picture)];
+  const auto adjust = KernelsBetween(from.picture, to.picture).adjustRGB;
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t) { adjust(out, in, &by, count); });
 }
 
 void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment* by) {
   if (!by) {
-    const auto negate = KernelsBetween(from, to).negative[FormOf(from.picture)][FormOf(to.picture)];
+    const auto negate = KernelsBetween(from.picture, to.picture).negative;
     Transform(to, from, n, [negate](auto* out, auto* in, std::size_t count, std::int32_t) { negate(out, in, count); });
     return;
   }
   // By way of stored pixels of the buffer form, which keep all of the colours: a negative takes nothing else.
-  const auto adjust = gRunKernels.adjustHSV[FormOf(from.picture)][kBufferForm];
-  const auto negate = gRunKernels.negative[kBufferForm][FormOf(to.picture)];
+  const auto adjust = gRunKernels.between[FormOf(from.picture)][kBufferForm].adjustHSV;
+  const auto negate = gRunKernels.between[kBufferForm][FormOf(to.picture)].negative;
   Transform(to, from, n, [&](std::uint8_t* out, const std::uint8_t* in, std::size_t count, std::int32_t) {
     std::uint32_t adjusted[kChunk];
     for (std::size_t i = 0; i < count; i += kChunk) {
@@ -265,7 +273,7 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
 
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction) {
-  const auto blend = KernelsBetween(from, to).blend[FormOf(from.picture)][FormOf(to.picture)];
+  const auto blend = KernelsBetween(from.picture, to.picture).blend;
   Transform(to, from, n, [&](auto* out, auto* in, std::size_t count, std::int32_t i) {
     if (i > 0) ReadRun(from.picture, from.x + i - 1, from.y, 1, &before);
     blend(out, in, before, fraction, count);
@@ -276,7 +284,7 @@ void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32
                   const ColumnShears& shears) {
   constexpr std::int32_t kRows = 64;
   const auto most = static_cast<std::int32_t>(*std::max_element(shears.down, shears.down + n));
-  const auto blend = gRunKernels.blendColumns[FormOf(from.picture)][FormOf(to.picture)];
+  const auto blend = gRunKernels.between[FormOf(from.picture)][FormOf(to.picture)].blendColumns;
   const std::uint8_t* in[kRows + kMostColumns + 1 + kRowsAhead];
   std::uint8_t* out[kRows + kRowsAhead];
   for (std::int32_t r = 0; r < rows; r += kRows) {
@@ -289,7 +297,7 @@ void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32
 }
 
 void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, PixelForm through) {
-  const auto halve = gRunKernels.halve[FormOf(from.picture)][through];
+  const auto halve = gRunKernels.between[FormOf(from.picture)][through].halve;
   const Clipped whole = Clip(from.picture, from.x, from.y, 2 * n);
   if (whole.count == 2 * n) return halve(working, whole.address, Size(n));
   std::uint32_t in[2 * kChunk];
@@ -303,7 +311,7 @@ void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, 
   std::uint32_t spare[kTile * kTile];
   const std::uint8_t* rows[kTile];
   StoredRuns(from, 1, n, lines, spare, rows);
-  gRunKernels.transpose[FormOf(from.picture)][kWorkingForm](columns, rows, Size(lines), 0, Size(n));
+  gRunKernels.between[FormOf(from.picture)][kWorkingForm].transpose(columns, rows, Size(lines), 0, Size(n));
 }
 
 void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns,
@@ -312,14 +320,14 @@ void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, c
   std::uint8_t* rows[kTile];
   RoomForRuns(to, 1, n, lines, spare, rows);
   const PixelForm form = kept == kWorkingForm ? FormOf(to.picture) : kWorkingForm;  // which moves pixels as they are
-  gRunKernels.transpose[form][kWorkingForm](rows, columns, Size(n), 0, Size(lines));
+  gRunKernels.between[form][kWorkingForm].transpose(rows, columns, Size(n), 0, Size(lines));
   PutRuns(to, 1, n, lines, spare, rows);
 }
 
 void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* const* runs, const BoxUnits& units,
                  std::int32_t count, std::int32_t n, const LMX_Picture* written) {
   const RunKernels& kernels = written ? KernelsFor(*written) : gRunKernels;
-  kernels.boxes[form](to, runs, &units, Size(count), Size(n));
+  kernels.of[form].boxes(to, runs, &units, Size(count), Size(n));
 }
 
 void ReadRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, PixelForm kept,
@@ -327,7 +335,7 @@ void ReadRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t cou
   StoredRuns(walk, x, n, count, spare, runs);
   if (kept == kWorkingForm) return;
   for (std::int32_t i = 0; i < count; ++i, spare += n) {
-    gRunKernels.copy[kept][kWorkingForm](Bytes(spare), runs[i], Size(n));
+    gRunKernels.between[kept][kWorkingForm].copy(Bytes(spare), runs[i], Size(n));
     runs[i] = Bytes(spare);
   }
 }
@@ -342,15 +350,15 @@ void RunSums::Add(const std::uint8_t* const* runs, std::int32_t count, std::uint
 }
 
 void RunSums::Average(std::uint8_t* to, PixelForm form, std::uint32_t units) const {
-  gRunKernels.averageBoxes[form](to, sums_, units, Size(n_));
+  gRunKernels.of[form].averageBoxes(to, sums_, units, Size(n_));
 }
 
 void SumRun(const PixelPosition& from, std::int32_t n, RGBSums* sums) {
   const Clipped part = Clip(from.picture, from.x, from.y, n);
-  gRunKernels.sumRGB[FormOf(from.picture)](sums, part.address, Size(part.count));
+  gRunKernels.of[FormOf(from.picture)].sumRGB(sums, part.address, Size(part.count));
 }
 
 void SumRun(const PixelPosition& from, std::int32_t n, HSVSums* sums) {
   const Clipped part = Clip(from.picture, from.x, from.y, n);
-  gRunKernels.sumHSV[FormOf(from.picture)](sums, part.address, Size(part.count));
+  gRunKernels.of[FormOf(from.picture)].sumHSV(sums, part.address, Size(part.count));
 }

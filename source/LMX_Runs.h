@@ -13,14 +13,6 @@ inline PixelForm FormOf(const LMX_Picture& picture) {
   return picture.buffer ? kBufferForm : kContextForm;
 }
 
-/// The kernels that write to a picture: past the cache, if the picture is too large to stay there. A temporary picture is
-/// read again at once.
-inline const RunKernels& KernelsFor(const LMX_Picture& written) {
-  constexpr std::int64_t kCachedPixels = 3 << 20;
-  const bool isLarge = static_cast<std::int64_t>(written.width) * written.height > kCachedPixels;
-  return isLarge && !written.unlockOnRelease ? gStreamingKernels : gRunKernels;
-}
-
 /// Reads n pixels from column x of row y on.
 void ReadRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, std::uint32_t* working);
 

@@ -22,7 +22,7 @@ class YieldPace {
   void YieldIfDue() {
     if (yield_ <= 0 || counted_ < yield_) return;
     counted_ = 0;
-    FinishStreaming();  // the host, and threads that it wakes, may look at what is complete
+    FinishNonTemporalStores();  // the host, and threads that it wakes, may look at what is complete
     REALYieldToRB();
   }
 

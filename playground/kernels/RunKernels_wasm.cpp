@@ -3,7 +3,7 @@
 //
 #include "kernels/RunKernels_wide.h"
 
-void FillWasm(RunKernels* kernels) {
-  FillWide(kernels);
+void InstallWasm(RunKernels* kernels) {
+  InstallKernels(kernels);
   kernels->level = "wasm";
 }

@@ -2,7 +2,7 @@
 #include "RunKernels.h"
 
 RunKernels gRunKernels;
-RunKernels gStreamingKernels;
+RunKernels gNonTemporalKernels;
 
 namespace {
 
@@ -22,14 +22,14 @@ bool HasAvx512() {
 
 // clang-format off
 const LevelKernels kLevelKernels[kKernelLevels] = {
-    {"plain", FillPlain, nullptr, RunsEverywhere},
+    {"plain", InstallPlain, nullptr, RunsEverywhere},
 #ifdef LMX_X86
-    {"sse2", FillSse2, StreamSse2, RunsEverywhere},
-    {"avx2", FillAvx2, StreamAvx2, HasAvx2},
-    {"avx512", FillAvx512, StreamAvx512, HasAvx512},
+    {"sse2", InstallSse2, InstallSse2NonTemporal, RunsEverywhere},
+    {"avx2", InstallAvx2, InstallAvx2NonTemporal, HasAvx2},
+    {"avx512", InstallAvx512, InstallAvx512NonTemporal, HasAvx512},
 #endif
 #ifdef __wasm_simd128__
-    {"wasm", FillWasm, nullptr, RunsEverywhere},
+    {"wasm", InstallWasm, nullptr, RunsEverywhere},
 #endif
 };
 // clang-format on
@@ -41,8 +41,8 @@ void SelectRunKernels() {
   for (int i = 0; i <= static_cast<int>(kHighestLevel); ++i) {
     const LevelKernels& level = kLevelKernels[i];
     if (level.name == nullptr || !level.runsHere()) continue;
-    level.fill(&gRunKernels);
-    level.fill(&gStreamingKernels);
-    if (level.stream != nullptr) level.stream(&gStreamingKernels);
+    level.install(&gRunKernels);
+    level.install(&gNonTemporalKernels);
+    if (level.installNonTemporal != nullptr) level.installNonTemporal(&gNonTemporalKernels);
   }
 }

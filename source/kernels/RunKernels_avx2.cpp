@@ -3,11 +3,11 @@
 //
 #include "RunKernels_wide.h"
 
-void FillAvx2(RunKernels* kernels) {
-  FillWide(kernels);
+void InstallAvx2(RunKernels* kernels) {
+  InstallKernels(kernels);
   kernels->level = "avx2";
 }
 
-void StreamAvx2(RunKernels* kernels) {
-  FillAllWrites<Streamed>(kernels);
+void InstallAvx2NonTemporal(RunKernels* kernels) {
+  InstallNonTemporal(kernels);
 }

@@ -3,11 +3,11 @@
 //
 #include "RunKernels_wide.h"
 
-void FillAvx512(RunKernels* kernels) {
-  FillWide(kernels);
+void InstallAvx512(RunKernels* kernels) {
+  InstallKernels(kernels);
   kernels->level = "avx512";
 }
 
-void StreamAvx512(RunKernels* kernels) {
-  FillAllWrites<Streamed>(kernels);
+void InstallAvx512NonTemporal(RunKernels* kernels) {
+  InstallNonTemporal(kernels);
 }

@@ -3,11 +3,11 @@
 //
 #include "RunKernels_wide.h"
 
-void FillSse2(RunKernels* kernels) {
-  FillWide(kernels);
+void InstallSse2(RunKernels* kernels) {
+  InstallKernels(kernels);
   kernels->level = "sse2";
 }
 
-void StreamSse2(RunKernels* kernels) {
-  FillAllWrites<Streamed>(kernels);
+void InstallSse2NonTemporal(RunKernels* kernels) {
+  InstallNonTemporal(kernels);
 }

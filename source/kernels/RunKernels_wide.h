@@ -4,62 +4,29 @@
 #include "WideBoxes.h"
 #include "WideColour.h"
 #include "WideGeometry.h"
+//
+#include "InstallKernels.h"
 
 namespace {
 
-template <PixelForm from, PixelForm to, class From, class To, class Stores>
-void FillMoves(RunKernels* kernels) {
-  kernels->copy[from][to] = Convert<From, To, Stores>;
-  kernels->transpose[from][to] = Transpose<From, To, Stores>;
+template <class From, class To>
+void InstallNonTemporalPair(RunKernels* kernels) {
+  PairKernels& pair = kernels->between[From::kForm][To::kForm];
+  pair.copy = Copy<From, To, NonTemporal>;
+  pair.transpose = Transpose<From, To, NonTemporal>;
+  pair.copyMirrored = CopyMirrored<From, To, NonTemporal>;
+  pair.adjustRGB = AdjustRGB<From, To, NonTemporal>;
 }
 
-// What goes into a picture, whichever way it is stored.
-template <PixelForm from, PixelForm to, class From, class To, class Stores>
-void FillWrites(RunKernels* kernels) {
-  FillMoves<from, to, From, To, Stores>(kernels);
-  kernels->copyMirrored[from][to] = ConvertMirrored<From, To, Stores>;
-  kernels->adjustRGB[from][to] = AdjustRGB<From, To, Stores>;
-}
-
-template <class Stores>
-void FillAllWrites(RunKernels* kernels) {
-  FillWrites<kContextForm, kContextForm, ContextForm, ContextForm, Stores>(kernels);
-  FillWrites<kContextForm, kBufferForm, ContextForm, BufferForm, Stores>(kernels);
-  FillWrites<kBufferForm, kContextForm, BufferForm, ContextForm, Stores>(kernels);
-  FillWrites<kBufferForm, kBufferForm, BufferForm, BufferForm, Stores>(kernels);
-  FillMoves<kWorkingForm, kWorkingForm, WorkingForm, WorkingForm, Stores>(kernels);
-  kernels->fill = Fill<Stores>;
-  kernels->boxes[kContextForm] = Boxes<ContextForm, Stores>;
-  kernels->boxes[kBufferForm] = Boxes<BufferForm, Stores>;
-}
-
-template <PixelForm from, PixelForm to, class From, class To>
-void FillChanges(RunKernels* kernels) {
-  kernels->adjustHSV[from][to] = AdjustHSV<From, To>;
-  kernels->negative[from][to] = Negative<From, To>;
-  kernels->blend[from][to] = Blend<From, To>;
-  kernels->blendColumns[from][to] = BlendColumns<From, To>;
-  kernels->halve[from][to] = Halve<From, To>;
-}
-
-template <PixelForm form, class Form>
-void FillStorageForm(RunKernels* kernels) {
-  FillChanges<form, kContextForm, Form, ContextForm>(kernels);
-  FillChanges<form, kBufferForm, Form, BufferForm>(kernels);
-  FillMoves<form, kWorkingForm, Form, WorkingForm, Cached>(kernels);
-  FillMoves<kWorkingForm, form, WorkingForm, Form, Cached>(kernels);
-  kernels->sumRGB[form] = SumRGB<Form>;
-  kernels->sumHSV[form] = SumHSV<Form>;
-  kernels->averageBoxes[form] = AverageBoxes<Form>;
-}
-
-void FillWide(RunKernels* kernels) {
-  FillAllWrites<Cached>(kernels);
-  FillStorageForm<kContextForm, ContextForm>(kernels);
-  FillStorageForm<kBufferForm, BufferForm>(kernels);
-  kernels->boxes[kWorkingForm] = Boxes<WorkingForm, Cached>;
-  kernels->addToBoxes = AddToBoxes;
-  kernels->averageBoxes[kWorkingForm] = AverageBoxes<WorkingForm>;
+// What writes whole runs of a picture, and is limited by memory.
+void InstallNonTemporal(RunKernels* kernels) {
+  InstallNonTemporalPair<ContextForm, ContextForm>(kernels);
+  InstallNonTemporalPair<ContextForm, BufferForm>(kernels);
+  InstallNonTemporalPair<BufferForm, ContextForm>(kernels);
+  InstallNonTemporalPair<BufferForm, BufferForm>(kernels);
+  kernels->of[kContextForm].boxes = Boxes<ContextForm, NonTemporal>;
+  kernels->of[kBufferForm].boxes = Boxes<BufferForm, NonTemporal>;
+  kernels->fill = Fill<NonTemporal>;
 }
 
 }  // namespace

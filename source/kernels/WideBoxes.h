@@ -158,7 +158,7 @@ class Runs {
 
   template <class OfRegister>
   LMX_EXPAND void Make(uint8_t* to, const OfRegister& average) const {
-    size_t i = Stores::Ahead(to, n_);
+    size_t i = Stores::Head(to, n_);
     if (i > 0) return MakeFrom(i, to, average);
     for (; i + kWide <= n_; i += kWide) Stores::Store(to + 4 * i, To::Write(average(i, AllColumns())));
     if (i < n_) rest_.Store(to + 4 * i, To::Write(average(i, rest_)));
@@ -167,7 +167,7 @@ class Runs {
   // The same run `count` times.
   LMX_EXPAND void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
     bool isTogether = count > 1;
-    for (size_t row = 0; row < count; ++row) isTogether = isTogether && Stores::Ahead(to[row], n_) == 0;
+    for (size_t row = 0; row < count; ++row) isTogether = isTogether && Stores::Head(to[row], n_) == 0;
     if (!isTogether) {
       for (size_t row = 0; row < count; ++row) {
         Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return pixels.Load(run + 4 * i); });
@@ -185,17 +185,17 @@ class Runs {
   }
 
  private:
-  // The first `ahead` pixels with ordinary stores.
+  // The head with ordinary stores.
   template <class OfRegister>
-  LMX_EXPAND void MakeFrom(size_t ahead, uint8_t* to, const OfRegister& average) const {
+  LMX_EXPAND void MakeFrom(size_t head, uint8_t* to, const OfRegister& average) const {
     const auto part = [&](size_t from, size_t end) LMX_EXPANDED {
       for (size_t i = from; i < end; i += kWide) {
         const FirstColumns first(end - i < kWide ? end - i : kWide);
         first.Store(to + 4 * i, To::Write(average(i, first)));
       }
     };
-    part(0, ahead);
-    size_t i = ahead;
+    part(0, head);
+    size_t i = head;
     for (; i + kWide <= n_; i += kWide) Stores::Store(to + 4 * i, To::Write(average(i, AllColumns())));
     part(i, n_);
   }
@@ -253,7 +253,7 @@ LMX_EXPAND void MakeBoxes(uint8_t* const* to, const uint8_t* const* runs, const 
   }
 }
 
-template <class To, class Stores>
+template <class To, class Stores = Temporal>
 void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count, size_t n) {
   if (n == 0) return;
   if (n < kWide) return MakeBoxes(to, runs, *units, count, Strip<To>(n));
@@ -295,7 +295,7 @@ void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
     const Reg odd = Vector::Right64<40>(Vector::MulEven32(Vector::Right64<32>(sum), factor));
     return Vector::Or(even, Vector::Left64<32>(odd));
   };
-  Runs<To, Cached>(n).Make(to, [&](size_t i, const auto&) LMX_EXPANDED {
+  Runs<To, Temporal>(n).Make(to, [&](size_t i, const auto&) LMX_EXPANDED {
     const Reg low = Vector::Pack32(quotient(4 * i), quotient(4 * i + kWide));
     return Pack({low, Vector::Pack32(quotient(4 * i + 2 * kWide), quotient(4 * i + 3 * kWide))});
   });
@@ -305,58 +305,39 @@ void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
 
 // Written in a form, and read again.
 template <class Form>
-LMX_EXPAND Reg Through(Reg working) {
+LMX_EXPAND Reg Rewritten(Reg working) {
   Reg read = working;
   Form::Read(Form::Write(working), &read);  // what was written is well-formed
   return read;
 }
 
-template <class From, class ThroughForm>
-LMX_EXPAND void HalveOne(uint8_t* to, const uint8_t* from) {
-  uint32_t sums[4] = {};
-  LMX_Pixel::AddToBox(sums, From::ReadOne(from), 1);
-  LMX_Pixel::AddToBox(sums, From::ReadOne(from + 4), 1);
-  uint8_t stored[4];
-  ThroughForm::WriteOne(stored, LMX_Pixel::BoxAverage(sums, 2));
-  LMX_Pixel::Store(to, ThroughForm::ReadOne(stored));
-}
-
-template <class Form>
-constexpr bool kIsContext = false;
-template <>
-constexpr bool kIsContext<ContextForm> = true;
-
-// The means of a register of pairs; false when a pixel needs its definition. Average8 rounds up.
-template <class From, class ThroughForm>
+// The means of a register of pairs; false when a pixel takes the plain path. Average8 rounds up.
+template <class From, class Through>
 LMX_EXPAND bool HalveWide(Reg first, Reg second, Reg* out) {
   Reg even = Vector::EvenPixels(first, second), odd = Vector::OddPixels(first, second);
   const auto mean = [&] {
     const Reg roundedUp = Vector::And(Vector::Xor(even, odd), Vector::Set32(0x01010101));
     return Vector::Sub8(Vector::Average8(even, odd), roundedUp);
   };
-  if (kIsContext<From> && Vector::HasBits(Vector::And(first, second), Vector::Set32(ContextForm::kAlpha))) {
+  if (From::kForm == kContextForm && ContextForm::AllOpaque(Vector::And(first, second))) {
     *out = Vector::SwapBytes(mean());
     return true;
   }
   if (!From::Read(even, &even) || !From::Read(odd, &odd)) return false;
-  *out = Through<ThroughForm>(mean());
+  *out = Rewritten<Through>(mean());
   return true;
 }
 
-template <class From, class ThroughForm>
+template <class From, class Through>
 void Halve(uint8_t* to, const uint8_t* from, size_t n) {
   size_t i = 0;
-  const auto one = [&](size_t end) {
-    for (; i < end; ++i) HalveOne<From, ThroughForm>(to + 4 * i, from + 8 * i);
-  };
   Reg out;
-  while (i + kWide <= n) {
+  for (; i + kWide <= n; i += kWide) {
     const uint8_t* const pairs = from + 8 * i;
-    if (HalveWide<From, ThroughForm>(Vector::Load(pairs), Vector::Load(pairs + 4 * kWide), &out)) {
+    if (HalveWide<From, Through>(Vector::Load(pairs), Vector::Load(pairs + 4 * kWide), &out)) {
       Vector::Store(to + 4 * i, out);
-      i += kWide;
     } else {
-      one(i + kWide);
+      plain::Halve<From, Through>(to + 4 * i, pairs, kWide);
     }
   }
   const size_t rest = n - i;
@@ -364,10 +345,10 @@ void Halve(uint8_t* to, const uint8_t* from, size_t n) {
   const uint8_t* const pairs = from + 8 * i;
   const Reg first = Vector::LoadFirst(pairs, 2 * rest < kWide ? 2 * rest : kWide);
   const Reg second = 2 * rest > kWide ? Vector::LoadFirst(pairs + 4 * kWide, 2 * rest - kWide) : Vector::Zero();
-  if (HalveWide<From, ThroughForm>(first, second, &out)) {
+  if (HalveWide<From, Through>(first, second, &out)) {
     Vector::StoreFirst(to + 4 * i, rest, out);
   } else {
-    one(n);
+    plain::Halve<From, Through>(to + 4 * i, pairs, rest);
   }
 }
 

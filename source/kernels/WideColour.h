@@ -147,10 +147,10 @@ class HSVChange {
 template <class From, class To>
 void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
   if (by->hueShift >= -6144 && by->hueShift <= 6144) {
-    Transform<From, To, Cached>(to, from, HSVChange(*by), n);
+    Transform<From, To, Temporal>(to, from, HSVChange(*by), n);
     return;
   }
-  for (size_t i = 0; i < n; ++i) To::WriteOne(to + 4 * i, LMX_Pixel::AdjustHSV(From::ReadOne(from + 4 * i), *by));
+  plain::AdjustHSV<From, To>(to, from, by, n);
 }
 
 // ----------------------------------------------------------------------------------------------------- RGB, negative
@@ -178,7 +178,7 @@ class RGBChange {
   Reg less_;
 };
 
-template <class From, class To, class Stores>
+template <class From, class To, class Stores = Temporal>
 void AdjustRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n) {
   Transform<From, To, Stores>(to, from, RGBChange(*by), n);
 }
@@ -191,7 +191,7 @@ struct NegativeChange {
 
 template <class From, class To>
 void Negative(uint8_t* to, const uint8_t* from, size_t n) {
-  Transform<From, To, Cached>(to, from, NegativeChange(), n);
+  Transform<From, To, Temporal>(to, from, NegativeChange(), n);
 }
 
 // -------------------------------------------------------------------------------------------------------------- sums
@@ -218,10 +218,10 @@ class WideRGBSums {
 template <class Form>
 void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   WideRGBSums wide;
-  InSteps<Cached>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg working;
     if (Form::Read(pixels.Load(stored + 4 * i), &working)) return wide.Add(working);
-    for (size_t j = i; j < i + pixels.count; ++j) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * j));
+    plain::SumRGB<Form>(sums, stored + 4 * i, pixels.count);
   });
   wide.AddTo(sums);
 }
@@ -243,7 +243,7 @@ LMX_EXPAND double BinadeOf(double x) {
   return x;
 }
 
-// Adds n pixels, at most kSumBlock; false, and nothing added, when a pixel needs its definition.
+// Adds n pixels, at most kSumBlock; false, and nothing added, when a pixel takes the plain path.
 template <class Form>
 LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
   const Vector::Doubles base = Vector::SetDouble(BinadeOf(sums->saturation));
@@ -255,7 +255,7 @@ LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
   WideRGBSums rgb;
   bool isWide = true;
   // What is beyond the last pixel is 0: black, which adds nothing.
-  InSteps<Cached>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg working;
     isWide = isWide && Form::Read(pixels.Load(stored + 4 * i), &working);
     if (!isWide) return;
@@ -283,7 +283,7 @@ void SumHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
     const bool isWide =
         sums->saturation >= kFirstWideSum && sums->saturation + kSumBlock < 2 * BinadeOf(sums->saturation);
     if (isWide && AddBlock<Form>(sums, stored + 4 * i, block)) continue;
-    for (size_t j = i; j < i + block; ++j) LMX_Pixel::AddHSV(sums, Form::ReadOne(stored + 4 * j));
+    plain::SumHSV<Form>(sums, stored + 4 * i, block);
   }
 }
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-template <class Stores>
+template <class Stores = Temporal>
 void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
   const Reg words = Vector::Set32(LMX_Pixel::Load(pixel));
   InSteps<Stores>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED { pixels.Store(stored + 4 * i, words); });
@@ -59,7 +59,7 @@ class BlendPart {
 
 // The pixels of one register at `from`, each blended with the one before it. `last` is a register of working pixels of
 // which the last is the one before `from`; then it is that of these. `isFirst` says that no stored pixel lies before
-// `from`. False, and nothing done, when a pixel needs its definition.
+// `from`. False, and nothing done, when a pixel takes the plain path.
 template <class From, class To>
 struct Blending {
   static constexpr bool kOpaqueAsStored = false;
@@ -84,7 +84,7 @@ struct Blending<ContextForm, ContextForm> {
     const Reg stored = pixels.Load(from);
     if (!isFirst) {
       const Reg before = pixels.Load(from - 4);
-      if (Vector::HasBits(Vector::And(stored, before), Vector::Set32(ContextForm::kAlpha))) {
+      if (ContextForm::AllOpaque(Vector::And(stored, before))) {
         *out = Distances(stored, before).Mix(part);
         *last = Vector::SwapBytes(stored);
         return true;
@@ -100,17 +100,15 @@ struct Blending<ContextForm, ContextForm> {
 
 template <class From, class To>
 void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
-  if (fraction == 0) return Convert<From, To, Cached>(to, from, n);
+  if (fraction == 0) return Copy<From, To>(to, from, n);
   const BlendPart part(fraction);
   Reg last = Vector::Set32(before);
-  InSteps<Cached>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Temporal>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg out;
     if (Blending<From, To>::Wide(from + 4 * i, pixels, i == 0, part, &last, &out)) return pixels.Store(to + 4 * i, out);
-    for (size_t j = i; j < i + pixels.count; ++j) {
-      const uint32_t pixel = From::ReadOne(from + 4 * j);
-      To::WriteOne(to + 4 * j, LMX_Pixel::Blend(pixel, j == 0 ? before : From::ReadOne(from + 4 * (j - 1)), fraction));
-      last = Vector::Set32(pixel);
-    }
+    const uint32_t above = i == 0 ? before : From::ReadOne(from + 4 * (i - 1));
+    plain::Blend<From, To>(to + 4 * i, from + 4 * i, above, fraction, pixels.count);
+    last = Vector::Set32(From::ReadOne(from + 4 * (i + pixels.count - 1)));
   });
 }
 
@@ -127,12 +125,11 @@ class ColumnBlending {
         above_(above),
         straightAbove_(above) {}
 
-  // The mix of the next row with the one above it; false when a pixel of either needs its definition.
+  // The mix of the next row with the one above it; false when a pixel of either takes the plain path.
   LMX_EXPAND bool Next(Reg row, Reg* out) {
     const Reg above = above_;
     above_ = row;
-    if (Blending<From, To>::kOpaqueAsStored &&
-        Vector::HasBits(Vector::And(row, above), Vector::Set32(ContextForm::kAlpha))) {
+    if (Blending<From, To>::kOpaqueAsStored && ContextForm::AllOpaque(Vector::And(row, above))) {
       isStraight_ = false;
       *out = Distances(row, above).Mix(low_, high_);
       return true;
@@ -217,24 +214,20 @@ LMX_EXPAND void BlendColumnsAt(size_t c, size_t n, uint8_t* const* to, const uin
   constexpr size_t kRowsAtOnce = 16;
   Reg sheared[kRowsAtOnce];
   const SlantedColumns columns(down + c, n);
-  from += columns.least;
-  UnslantRows(sheared, 1, from, 4 * c, columns);
+  const uint8_t* const* const least = from + columns.least;
+  UnslantRows(sheared, 1, least, 4 * c, columns);
   ColumnBlending<From, To> blending(Vector::LoadFirst(fraction + c, n), sheared[0]);
   for (size_t begin = 0; begin < rows; begin += kRowsAtOnce) {
     const size_t count = rows - begin < kRowsAtOnce ? rows - begin : kRowsAtOnce;
-    UnslantRows(sheared, count, from + begin + 1, 4 * c, columns);
+    UnslantRows(sheared, count, least + begin + 1, 4 * c, columns);
     for (size_t i = 0; i < count; ++i) {
       const size_t r = begin + i;
       fetch(r);
       Reg out;
       if (blending.Next(sheared[i], &out)) {
         Vector::StoreFirst(to[r] + 4 * c, n, out);
-        continue;
-      }
-      for (size_t j = c; j < c + n; ++j) {
-        const uint8_t* const* const pair = from + r + (down[j] - columns.least);
-        const uint32_t above = From::ReadOne(pair[0] + 4 * j), pixel = From::ReadOne(pair[1] + 4 * j);
-        To::WriteOne(to[r] + 4 * j, LMX_Pixel::Blend(pixel, above, fraction[j]));
+      } else {
+        plain::BlendRow<From, To>(to[r], from + r, down, fraction, c, n);
       }
     }
   }

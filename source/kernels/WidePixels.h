@@ -2,11 +2,11 @@
 // takes a run through them.
 //
 // Included after a Vector header. Everything lives in an anonymous namespace, so that no two levels share a function.
-// What does not fill a register is the first part of one. What the fast arithmetic does not cover goes pixel by pixel
-// through LMX_Pixel.h.
+// What does not fill a register is the first part of one. What the fast arithmetic does not cover goes through the plain
+// kernels.
 #pragma once
 
-#include "RunKernels.h"
+#include "PlainKernels.h"
 
 namespace {
 
@@ -35,18 +35,18 @@ LMX_EXPAND Reg Divide255(Reg x) {
   return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
 }
 
-// How registers of results are stored: as ever, or past the cache. A kernel makes the first Ahead pixels of a run with
-// ordinary stores, and stores registers from there on.
-struct Cached {
-  LMX_EXPAND static size_t Ahead(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
+// How registers of results are stored. Non-temporal stores want aligned addresses: a kernel makes the head of a run, its
+// first pixels, with ordinary stores, and stores whole registers from there on.
+struct Temporal {
+  LMX_EXPAND static size_t Head(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
   LMX_EXPAND static void Store(void* p, Reg a) { Vector::Store(p, a); }
 };
-struct Streamed {
-  LMX_EXPAND static size_t Ahead(const uint8_t* to, size_t n) {
-    const size_t behind = reinterpret_cast<uintptr_t>(to) % sizeof(Reg);
-    if (behind % 4 != 0) return n;
-    const size_t ahead = behind == 0 ? 0 : (sizeof(Reg) - behind) / 4;
-    return ahead < n ? ahead : n;
+struct NonTemporal {
+  LMX_EXPAND static size_t Head(const uint8_t* to, size_t n) {
+    const size_t past = reinterpret_cast<uintptr_t>(to) % sizeof(Reg);
+    if (past % 4 != 0) return n;
+    const size_t head = past == 0 ? 0 : (sizeof(Reg) - past) / 4;
+    return head < n ? head : n;
   }
   LMX_EXPAND static void Store(void* p, Reg a) { Vector::Stream(p, a); }
 };
@@ -92,7 +92,7 @@ LMX_EXPAND void InSteps(const uint8_t* to, size_t n, const Step& step) {
   const auto first = [&](size_t from, size_t end) LMX_EXPANDED {
     for (size_t i = from; i < end; i += kStep) step(i, FirstPixels<kRegs>{end - i < kStep ? end - i : kStep});
   };
-  size_t i = Stores::Ahead(to, n);
+  size_t i = Stores::Head(to, n);
   first(0, i);
   for (; i + kStep <= n; i += kStep) step(i, WholeRegisters<Stores, kRegs>());
   first(i, n);
@@ -130,12 +130,14 @@ LMX_EXPAND bool AnyExceeds(const Channels& straight) {
   return !Vector::IsZero(Vector::And(Vector::Or(straight.low, straight.high), Vector::Set16(0xFF00)));
 }
 
-struct ContextForm {
+struct ContextForm : plain::ContextForm {
   static constexpr uint32_t kAlpha = 0xFF;
+
+  LMX_EXPAND static bool AllOpaque(Reg stored) { return Vector::HasBits(stored, Vector::Set32(kAlpha)); }
 
   // False, and nothing done, when a colour exceeds its alpha.
   LMX_EXPAND static bool Read(Reg stored, Reg* working) {
-    if (Vector::HasBits(stored, Vector::Set32(kAlpha))) {
+    if (AllOpaque(stored)) {
       *working = Vector::SwapBytes(stored);
       return true;
     }
@@ -162,14 +164,11 @@ struct ContextForm {
     const Channels k = Unpack(working);
     return Vector::SwapBytes(Pack({premultiply(k.low), premultiply(k.high)}));
   }
-
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::ReadContext(stored); }
-  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::WriteContext(stored, pixel); }
 };
 
 // ------------------------------------------------------------------------------------------------------- buffer form
 
-struct BufferForm {
+struct BufferForm : plain::BufferForm {
   LMX_EXPAND static bool Read(Reg stored, Reg* working) {
     const Reg transparency = Vector::And(stored, Vector::Set32(0xFF000000));
     const Reg alpha = Vector::Sub32(Vector::Set32(0xFF000000), Vector::Left32<1>(transparency));
@@ -183,18 +182,13 @@ struct BufferForm {
     const Reg word = Vector::Or(halved, Vector::And(working, Vector::Set32(0xFFFFFF)));
     return Vector::Xor(word, Vector::Set32(0x7F000000));
   }
-
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::ReadBuffer(stored); }
-  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::WriteBuffer(stored, pixel); }
 };
 
 // The form of working pixels, so that reading and writing are transformations, too. No register of them is refused, so
 // that none is ever read alone.
-struct WorkingForm {
+struct WorkingForm : plain::WorkingForm {
   LMX_EXPAND static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
   LMX_EXPAND static Reg Write(Reg working) { return working; }
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::Load(stored); }  // GCOVR_EXCL_LINE
-  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::Store(stored, pixel); }
 };
 
 // -------------------------------------------------------------------------------------------------------- conversions
@@ -217,7 +211,7 @@ struct Conversion<ContextForm, ContextForm> {
   static constexpr bool kOpaqueStays = true;
   LMX_EXPAND static bool Wide(Reg in, Reg* out) {
     const Reg alpha = Vector::And(in, Vector::Set32(0xFF));
-    if (Vector::HasBits(in, Vector::Set32(0xFF))) return *out = in, true;
+    if (ContextForm::AllOpaque(in)) return *out = in, true;
     if (Vector::IsZero(alpha)) return *out = Vector::Zero(), true;
     if (!Vector::IsZero(Vector::SubSaturated8(in, Vector::SpreadLowest8(alpha)))) return false;
     const Reg quotients = QuotientsByAlpha(alpha);
@@ -240,37 +234,33 @@ struct Conversion<BufferForm, BufferForm> {
   LMX_EXPAND static bool Wide(Reg in, Reg* out) { return *out = Vector::And(in, Vector::Set32(0x7FFFFFFF)), true; }
 };
 
-template <class From, class To>
-LMX_EXPAND void ConvertOne(uint8_t* to, const uint8_t* from) {
-  To::WriteOne(to, From::ReadOne(from));
-}
-
-template <class From, class To, class Stores>
-void Convert(uint8_t* to, const uint8_t* from, size_t n) {
+template <class From, class To, class Stores = Temporal>
+void Copy(uint8_t* to, const uint8_t* from, size_t n) {
   InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg out;
     if (Conversion<From, To>::Wide(pixels.Load(from + 4 * i), &out)) return pixels.Store(to + 4 * i, out);
-    for (size_t j = i; j < i + pixels.count; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * j);
+    plain::Copy<From, To>(to + 4 * i, from + 4 * i, pixels.count);
   });
 }
 
-template <class From, class To, class Stores>
-void ConvertMirrored(uint8_t* to, const uint8_t* from, size_t n) {
+template <class From, class To, class Stores = Temporal>
+void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
     Reg out;
-    const Reg in = pixels.Reverse(pixels.Load(from + 4 * (n - i - pixels.count)));
+    const uint8_t* const part = from + 4 * (n - i - pixels.count);
+    const Reg in = pixels.Reverse(pixels.Load(part));
     if (Conversion<From, To>::Wide(in, &out)) return pixels.Store(to + 4 * i, out);
-    for (size_t j = i; j < i + pixels.count; ++j) ConvertOne<From, To>(to + 4 * j, from + 4 * (n - 1 - j));
+    plain::CopyMirrored<From, To>(to + 4 * i, part, pixels.count);
   });
 }
 
-// Converts a square's rows; false when a pixel needs its definition. Opaque context pixels take one test for all.
+// Converts a square's rows; false when a pixel takes the plain path. Opaque context pixels take one test for all.
 template <class From, class To>
 LMX_EXPAND bool ConvertSquare(Reg* square) {
   if constexpr (Conversion<From, To>::kOpaqueStays) {
     Reg all = square[0];
     for (size_t i = 1; i < kWide; ++i) all = Vector::And(all, square[i]);
-    if (Vector::HasBits(all, Vector::Set32(ContextForm::kAlpha))) return true;
+    if (ContextForm::AllOpaque(all)) return true;
   }
   bool isWide = true;
   for (size_t i = 0; i < kWide; ++i) isWide = Conversion<From, To>::Wide(square[i], &square[i]) && isWide;
@@ -281,7 +271,7 @@ template <>
 LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
   Reg all = square[0];
   for (size_t i = 1; i < kWide; ++i) all = Vector::And(all, square[i]);
-  if (Vector::HasBits(all, Vector::Set32(ContextForm::kAlpha))) {
+  if (ContextForm::AllOpaque(all)) {
     for (size_t i = 0; i < kWide; ++i) square[i] = Vector::SwapBytes(square[i]);
     return true;
   }
@@ -290,19 +280,12 @@ LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
   return isWide;
 }
 
-template <class From, class To>
-void TransposeScalar(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns, size_t r, size_t c) {
-  for (size_t j = c; j < c + columns; ++j) {
-    for (size_t i = r; i < r + rows; ++i) ConvertOne<From, To>(to[j] + 4 * i, from[i] + 4 * j);
-  }
-}
-
 // A square of a transposition.
 template <class From, class To, class Stores>
 LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
   for (size_t i = 0; i < kWide; ++i) square[i] = Vector::Load(from[r + i] + 4 * c);
-  if (!ConvertSquare<From, To>(square)) return TransposeScalar<From, To>(to, from, kWide, kWide, r, c);
+  if (!ConvertSquare<From, To>(square)) return plain::TransposePart<From, To>(to, from, kWide, kWide, r, c);
   Vector::Transpose(square);
   for (size_t i = 0; i < kWide; ++i) Stores::Store(to[c + i] + 4 * r, square[i]);
 }
@@ -317,18 +300,18 @@ __attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* 
     square[i] =
         i < rows ? Vector::Or(idle, Vector::LoadFirst(from[r + i] + 4 * c, columns)) : Vector::Set32(0xFFFFFFFF);
   }
-  if (!ConvertSquare<From, To>(square)) return TransposeScalar<From, To>(to, from, rows, columns, r, c);
+  if (!ConvertSquare<From, To>(square)) return plain::TransposePart<From, To>(to, from, rows, columns, r, c);
   Vector::Transpose(square);
   for (size_t i = 0; i < columns; ++i) Vector::StoreFirst(to[c + i] + 4 * r, rows, square[i]);
 }
 
 // By blocks of a line of the cache in both directions; what comes kRowsAhead later is fetched on the way.
-template <class From, class To, class Stores>
+template <class From, class To, class Stores = Temporal>
 void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead, size_t columns) {
   constexpr size_t kLine = 16;
   static_assert(kLine % kWide == 0);
   for (size_t c = 0; c < columns; ++c) {
-    if (Stores::Ahead(to[c], rows) != 0) return Transpose<From, To, Cached>(to, from, rows, ahead, columns);
+    if (Stores::Head(to[c], rows) != 0) return Transpose<From, To, Temporal>(to, from, rows, ahead, columns);
   }
   for (size_t r = 0; r < rows; r += kLine) {
     const size_t endRow = r + kLine < rows ? r + kLine : rows;
@@ -370,7 +353,8 @@ LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change
       for (size_t r = 0; r < Change::kRegs; ++r) pixels.Store(to + 4 * i, To::Write(working[r]), r);
       return;
     }
-    for (size_t j = i; j < i + pixels.count; ++j) To::WriteOne(to + 4 * j, change.One(From::ReadOne(from + 4 * j)));
+    const auto one = [&change](uint32_t pixel) LMX_EXPANDED { return change.One(pixel); };
+    plain::ChangeEach<From, To>(to + 4 * i, from + 4 * i, one, pixels.count);
   });
 }
 

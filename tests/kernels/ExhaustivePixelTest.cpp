@@ -32,7 +32,7 @@ void AddChannelsAndAlphas(Domain& domain) {
 TEST(AllChannelsAndAlphas, ReadContext) {
   Domain domain(
       [](const RunKernels& k, Pixels& out, const Pixels& in) {
-        k.copy[kContextForm][kWorkingForm](Bytes(out), Bytes(in), in.size());
+        k.between[kContextForm][kWorkingForm].copy(Bytes(out), Bytes(in), in.size());
       },
       [](std::uint32_t memory) { return definition::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory)); });
   struct Swapped {
@@ -45,7 +45,7 @@ TEST(AllChannelsAndAlphas, ReadContext) {
 TEST(AllChannelsAndAlphas, WriteContext) {
   Domain domain(
       [](const RunKernels& k, Pixels& out, const Pixels& in) {
-        k.copy[kWorkingForm][kContextForm](Bytes(out), Bytes(in), in.size());
+        k.between[kWorkingForm][kContextForm].copy(Bytes(out), Bytes(in), in.size());
       },
       [](std::uint32_t pixel) { return __builtin_bswap32(definition::WritePixel(Form::BitmapContext, pixel)); });
   AddChannelsAndAlphas(domain);
@@ -53,14 +53,14 @@ TEST(AllChannelsAndAlphas, WriteContext) {
 
 TEST(AllChannelsAndAlphas, ReadBuffer) {
   Domain domain([](const RunKernels& k, Pixels& out,
-                   const Pixels& in) { k.copy[kBufferForm][kWorkingForm](Bytes(out), Bytes(in), in.size()); },
+                   const Pixels& in) { k.between[kBufferForm][kWorkingForm].copy(Bytes(out), Bytes(in), in.size()); },
                 [](std::uint32_t word) { return definition::ReadPixel(Form::Buffer, word); });
   AddChannelsAndAlphas(domain);
 }
 
 TEST(AllChannelsAndAlphas, WriteBuffer) {
   Domain domain([](const RunKernels& k, Pixels& out,
-                   const Pixels& in) { k.copy[kWorkingForm][kBufferForm](Bytes(out), Bytes(in), in.size()); },
+                   const Pixels& in) { k.between[kWorkingForm][kBufferForm].copy(Bytes(out), Bytes(in), in.size()); },
                 [](std::uint32_t pixel) { return definition::WritePixel(Form::Buffer, pixel); });
   AddChannelsAndAlphas(domain);
 }
@@ -80,7 +80,7 @@ TEST(AllChannelsAndAlphas, Copies) {
     for (const PixelForm to : {kContextForm, kBufferForm}) {
       SCOPED_TRACE(testing::Message() << "form " << from << " to form " << to);
       Domain domain([=](const RunKernels& k, Pixels& out,
-                        const Pixels& in) { k.copy[from][to](Bytes(out), Bytes(in), in.size()); },
+                        const Pixels& in) { k.between[from][to].copy(Bytes(out), Bytes(in), in.size()); },
                     [=](std::uint32_t memory) { return WriteMemory(to, ReadMemory(from, memory)); });
       struct InMemory {
         decltype(domain)& to;
@@ -93,9 +93,11 @@ TEST(AllChannelsAndAlphas, Copies) {
 }
 
 TEST(AllChannelsAndAlphas, Negative) {
-  Domain domain([](const RunKernels& k, Pixels& out,
-                   const Pixels& in) { k.negative[kBufferForm][kBufferForm](Bytes(out), Bytes(in), out.size()); },
-                [](std::uint32_t pixel) { return 0x7FFFFFFF - pixel % 0x1000000; });
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) {
+        k.between[kBufferForm][kBufferForm].negative(Bytes(out), Bytes(in), out.size());
+      },
+      [](std::uint32_t pixel) { return 0x7FFFFFFF - pixel % 0x1000000; });
   AddChannelsAndAlphas(domain);
 }
 
@@ -107,7 +109,7 @@ TEST_P(AllColours, AdjustHSV) {
   const HSVAdjustment by = GetParam();
   Domain domain(
       [=](const RunKernels& k, Pixels& out, const Pixels& in) {
-        k.adjustHSV[kBufferForm][kBufferForm](Bytes(out), Bytes(in), &by, out.size());
+        k.between[kBufferForm][kBufferForm].adjustHSV(Bytes(out), Bytes(in), &by, out.size());
       },
       [=](std::uint32_t pixel) {
         const std::uint32_t transparency = pixel & 0xFF000000;
@@ -149,7 +151,7 @@ TEST(AllShifts, AdjustHSV) {
     }
     for (const NamedKernels& level : levels) {
       Pixels actual = colours;
-      level.kernels.adjustHSV[kBufferForm][kBufferForm](Bytes(actual), Bytes(actual), &by, actual.size());
+      level.kernels.between[kBufferForm][kBufferForm].adjustHSV(Bytes(actual), Bytes(actual), &by, actual.size());
       ASSERT_TRUE(SameRun(colours, expected, actual, level.level)) << "shift " << shift;
     }
   }
@@ -169,7 +171,7 @@ TEST(AllChannelsAndDeltas, AdjustRGB) {
     for (const std::uint32_t pixel : inputs) expected.push_back(plain::AdjustRGB(pixel, by.red, by.green, by.blue));
     for (const NamedKernels& level : levels) {
       Pixels actual = inputs;
-      level.kernels.adjustRGB[kBufferForm][kBufferForm](Bytes(actual), Bytes(actual), &by, actual.size());
+      level.kernels.between[kBufferForm][kBufferForm].adjustRGB(Bytes(actual), Bytes(actual), &by, actual.size());
       ASSERT_TRUE(SameRun(inputs, expected, actual, level.level)) << "delta " << delta;
     }
   }

@@ -30,7 +30,7 @@ void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels,
                 std::uint32_t fraction, Pixels* actual) {
   Pixels pairs, blended(2 * pixels.size());
   for (std::size_t i = 0; i < pixels.size(); ++i) pairs.insert(pairs.end(), {before[i], pixels[i]});
-  level.kernels.blend[form][form](Bytes(blended), Bytes(pairs), 0, fraction, pairs.size());
+  level.kernels.between[form][form].blend(Bytes(blended), Bytes(pairs), 0, fraction, pairs.size());
   for (std::size_t i = 0; i < pixels.size(); ++i) (*actual)[i] = blended[2 * i + 1];
 }
 
@@ -127,7 +127,7 @@ TEST(AllDistancesAndWeights, BoxOfTwo) {
       for (std::size_t i = 0; i < first.size(); ++i) expected[i] = plain::Mix(first[i], second[i], last, units);
       const BoxUnits box = {std::max(units - last, last), units, units - last};
       for (const NamedKernels& level : levels) {
-        level.kernels.boxes[kBufferForm](&to, runs, &box, 1, actual.size());
+        level.kernels.of[kBufferForm].boxes(&to, runs, &box, 1, actual.size());
         ASSERT_TRUE(SameRun(first, expected, actual, level.level)) << last << " of " << units;
       }
     }
@@ -146,7 +146,7 @@ TEST(AllUnitsOfManyRuns, BoxesOfOneColour) {
       for (std::uint32_t left = 1; left <= ofRun; left += 1 + ofRun / 5) {
         const BoxUnits box = {ofRun, ofBox, left};
         for (const NamedKernels& level : levels) {
-          level.kernels.boxes[kBufferForm](&to, runs.data(), &box, 1, actual.size());
+          level.kernels.of[kBufferForm].boxes(&to, runs.data(), &box, 1, actual.size());
           ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << ofRun << ", " << ofBox << ", " << left;
         }
       }
@@ -172,9 +172,9 @@ TEST(Boxes, MayTakeThePlaceOfTheirRuns) {
           runs[i] = Bytes(std::as_const(pixels)) + 4 * i * n;
           to[i] = Bytes(apart) + 4 * i * n;
         }
-        level.kernels.boxes[kWorkingForm](to, runs, &box, count, n);
+        level.kernels.of[kWorkingForm].boxes(to, runs, &box, count, n);
         for (std::size_t i = 0; i < kRuns; ++i) runs[i] = to[i] = Bytes(inPlace) + 4 * i * n;
-        level.kernels.boxes[kWorkingForm](to, runs, &box, count, n);
+        level.kernels.of[kWorkingForm].boxes(to, runs, &box, count, n);
         EXPECT_EQ(std::memcmp(inPlace.data(), apart.data(), 4 * count * n), 0) << level.level << ", " << n;
       }
     }
@@ -198,12 +198,12 @@ TEST(AllUnits, AverageBoxes) {
       Pixels sums(4 * colours.size());
       level.kernels.addToBoxes(sums.data(), &run, 1, units - 1, colours.size());
       level.kernels.addToBoxes(sums.data(), &run, 1, 1, colours.size());
-      level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units, colours.size());
+      level.kernels.of[kBufferForm].averageBoxes(Bytes(actual), sums.data(), units, colours.size());
       ASSERT_TRUE(SameRun(colours, colours, actual, level.level)) << "units " << units;
       std::fill(sums.begin(), sums.end(), 0);
       level.kernels.addToBoxes(sums.data(), &run, 1, units - 1, colours.size());
       level.kernels.addToBoxes(sums.data(), &darkerRun, 1, 1, colours.size());
-      level.kernels.averageBoxes[kBufferForm](Bytes(actual), sums.data(), units, colours.size());
+      level.kernels.of[kBufferForm].averageBoxes(Bytes(actual), sums.data(), units, colours.size());
       ASSERT_TRUE(SameRun(colours, darker, actual, level.level)) << "units " << units << ", one of the next";
     }
   }
@@ -219,7 +219,7 @@ TEST(AllPairsOfChannels, Halve) {
   }
   for (const NamedKernels& level : LevelsHere()) {
     Pixels actual(expected.size());
-    level.kernels.halve[kBufferForm][kBufferForm](Bytes(actual), Bytes(std::as_const(pairs)), actual.size());
+    level.kernels.between[kBufferForm][kBufferForm].halve(Bytes(actual), Bytes(std::as_const(pairs)), actual.size());
     EXPECT_TRUE(SameRun(expected, expected, actual, level.level));
   }
 }
@@ -251,7 +251,7 @@ TEST(AllMaximaAndMinima, SumHSV) {
   }
   for (const NamedKernels& level : LevelsHere()) {
     HSVSums sums = {};
-    level.kernels.sumHSV[kBufferForm](&sums, Bytes(pixels), pixels.size());
+    level.kernels.of[kBufferForm].sumHSV(&sums, Bytes(pixels), pixels.size());
     EXPECT_EQ(std::memcmp(&sums.saturation, &saturation, sizeof saturation), 0)
         << level.level << std::hexfloat << ": expected " << saturation << ", got " << sums.saturation;
     EXPECT_EQ(sums.brightness, brightness) << level.level;
@@ -272,8 +272,8 @@ TEST(SaturationSums, AreThoseOfOneTermAfterTheOther) {
     for (std::size_t i = 0; i < pixels.size();) {
       const std::size_t n = std::min<std::size_t>(1 + random.Below(5000), pixels.size() - i);
       const auto* const run = reinterpret_cast<const std::uint8_t*>(&pixels[i]);
-      plainKernels.sumHSV[kBufferForm](&expected, run, n);
-      level.kernels.sumHSV[kBufferForm](&actual, run, n);
+      plainKernels.of[kBufferForm].sumHSV(&expected, run, n);
+      level.kernels.of[kBufferForm].sumHSV(&actual, run, n);
       ASSERT_EQ(std::memcmp(&expected.saturation, &actual.saturation, sizeof(double)), 0) << level.level << ", " << i;
       ASSERT_EQ(expected.brightness, actual.brightness) << level.level << ", " << i;
       i += n;
@@ -286,7 +286,7 @@ TEST(Sums, OfColoursWrap) {
   const Pixels pixels(1000, 0xFF0201FF);  // alpha 255, red 1, green 2, blue 255
   for (const NamedKernels& level : LevelsHere()) {
     RGBSums sums = {0xFFFFFFFF, 0x7FFFFFFF, 0xFFFFFF00};
-    level.kernels.sumRGB[kContextForm](&sums, Bytes(pixels), pixels.size());
+    level.kernels.of[kContextForm].sumRGB(&sums, Bytes(pixels), pixels.size());
     EXPECT_EQ(sums.red, 999u) << level.level;
     EXPECT_EQ(sums.green, 0x7FFFFFFFu + 2000u) << level.level;
     EXPECT_EQ(sums.blue, 255000u - 256u) << level.level;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 namespace {
 
@@ -45,56 +46,52 @@ constexpr Operand kPairs = form == kContextForm ? Operand::ContextPairs : Operan
 template <PixelForm form>
 constexpr Operand kSlope = form == kContextForm ? Operand::ContextSlope : Operand::BufferSlope;
 
-std::size_t Slot(std::size_t table, PixelForm form) {
-  return table + static_cast<std::size_t>(form) * sizeof(void*);
+// Where the table keeps what PairKernels and FormKernels have at an offset.
+std::size_t Slot(PixelForm from, PixelForm to, std::size_t offset) {
+  return offsetof(RunKernels, between) + (from * kPixelForms + to) * sizeof(PairKernels) + offset;
 }
-// In a table of `forms` x `forms` slots.
-std::size_t Slot(std::size_t table, PixelForm from, PixelForm to, int forms = kStorageForms) {
-  return Slot(table + static_cast<std::size_t>(from * forms) * sizeof(void*), to);
+std::size_t Slot(PixelForm form, std::size_t offset) {
+  return offsetof(RunKernels, of) + form * sizeof(FormKernels) + offset;
 }
 
 // What happens to each pixel between reading and writing, and which slot does it to a run.
 struct Copying {
-  static constexpr std::size_t kTable = offsetof(RunKernels, copy);
-  static constexpr int kTableForms = kForms;
+  static constexpr std::size_t kOffset = offsetof(PairKernels, copy);
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
-    k.copy[from][to](OutBytes(c), InBytes(c), c.arguments.n);
+    k.between[from][to].copy(OutBytes(c), InBytes(c), c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return pixel; }
 };
 struct AdjustingHSV {
-  static constexpr std::size_t kTable = offsetof(RunKernels, adjustHSV);
-  static constexpr int kTableForms = kStorageForms;
+  static constexpr std::size_t kOffset = offsetof(PairKernels, adjustHSV);
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
-    k.adjustHSV[from][to](OutBytes(c), InBytes(c), &c.arguments.hsv, c.arguments.n);
+    k.between[from][to].adjustHSV(OutBytes(c), InBytes(c), &c.arguments.hsv, c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
     return LMX_Pixel::AdjustHSV(pixel, a.hsv);
   }
 };
 struct AdjustingRGB {
-  static constexpr std::size_t kTable = offsetof(RunKernels, adjustRGB);
-  static constexpr int kTableForms = kStorageForms;
+  static constexpr std::size_t kOffset = offsetof(PairKernels, adjustRGB);
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
-    k.adjustRGB[from][to](OutBytes(c), InBytes(c), &c.arguments.rgb, c.arguments.n);
+    k.between[from][to].adjustRGB(OutBytes(c), InBytes(c), &c.arguments.rgb, c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
     return LMX_Pixel::AdjustRGB(pixel, a.rgb);
   }
 };
 struct Negating {
-  static constexpr std::size_t kTable = offsetof(RunKernels, negative);
-  static constexpr int kTableForms = kStorageForms;
+  static constexpr std::size_t kOffset = offsetof(PairKernels, negative);
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
-    k.negative[from][to](OutBytes(c), InBytes(c), c.arguments.n);
+    k.between[from][to].negative(OutBytes(c), InBytes(c), c.arguments.n);
   }
   static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return LMX_Pixel::Negative(pixel); }
 };
 
 template <class Change, PixelForm from, PixelForm to>
-KernelCase ChangeCase(const char* name) {
+KernelCase ChangeCase(const std::string& name) {
   return {name,
-          Slot(Change::kTable, from, to, Change::kTableForms),
+          Slot(from, to, Change::kOffset),
           kRun<to>,
           false,
           {{kRun<from>, true}},
@@ -107,14 +104,14 @@ KernelCase ChangeCase(const char* name) {
 }
 
 template <PixelForm from, PixelForm to>
-KernelCase CopyMirroredCase(const char* name) {
+KernelCase CopyMirroredCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, copyMirrored), from, to),
+          Slot(from, to, offsetof(PairKernels, copyMirrored)),
           kRun<to>,
           false,
           {{kRun<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.copyMirrored[from][to](OutBytes(c), InBytes(c), c.arguments.n);
+            k.between[from][to].copyMirrored(OutBytes(c), InBytes(c), c.arguments.n);
           },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
@@ -147,9 +144,9 @@ std::vector<Byte*> Addresses(Run* first, std::size_t stride, std::size_t count) 
 constexpr std::size_t kAhead = 40;
 
 template <PixelForm from, PixelForm to>
-KernelCase TransposeCase(const char* name) {
+KernelCase TransposeCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, transpose), from, to, kForms),
+          Slot(from, to, offsetof(PairKernels, transpose)),
           Operand::Columns,
           false,
           {{kRows<from>, false}},
@@ -158,7 +155,7 @@ KernelCase TransposeCase(const char* name) {
             auto rows = Addresses<const std::uint8_t>(InBytes(c), a.pitch, a.n);
             rows.resize(a.n + kAhead, InBytes(c));
             const auto columns = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.columns);
-            k.transpose[from][to](columns.data(), rows.data(), a.n, kAhead, a.columns);
+            k.between[from][to].transpose(columns.data(), rows.data(), a.n, kAhead, a.columns);
           },
           [](const KernelCall& c) {
             const KernelArguments& a = c.arguments;
@@ -172,14 +169,14 @@ KernelCase TransposeCase(const char* name) {
 }
 
 template <PixelForm from, PixelForm to>
-KernelCase BlendCase(const char* name) {
+KernelCase BlendCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, blend), from, to),
+          Slot(from, to, offsetof(PairKernels, blend)),
           kRun<to>,
           false,
           {{kRun<from>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.blend[from][to](OutBytes(c), InBytes(c), c.arguments.before, c.arguments.fraction, c.arguments.n);
+            k.between[from][to].blend(OutBytes(c), InBytes(c), c.arguments.before, c.arguments.fraction, c.arguments.n);
           },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
@@ -192,9 +189,9 @@ KernelCase BlendCase(const char* name) {
 
 // Of the rows, those that are left over at the end are the ones that are only fetched.
 template <PixelForm from, PixelForm to>
-KernelCase BlendColumnsCase(const char* name) {
+KernelCase BlendColumnsCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, blendColumns), from, to),
+          Slot(from, to, offsetof(PairKernels, blendColumns)),
           Operand::Columns,
           false,
           {{kSlope<from>, false}, {Operand::Fractions, false}},
@@ -205,8 +202,8 @@ KernelCase BlendColumnsCase(const char* name) {
             auto out = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.columns);
             in.resize(in.size() + kAhead, InBytes(c));
             out.resize(out.size() + kAhead, OutBytes(c));
-            k.blendColumns[from][to](out.data(), in.data(), downs.data(),
-                                     static_cast<const std::uint32_t*>(c.inputs[1]), a.columns, kAhead, a.n);
+            k.between[from][to].blendColumns(out.data(), in.data(), downs.data(),
+                                             static_cast<const std::uint32_t*>(c.inputs[1]), a.columns, kAhead, a.n);
           },
           [](const KernelCall& c) {
             const KernelArguments& a = c.arguments;
@@ -268,9 +265,9 @@ void DefineBox(const KernelCall& c, std::size_t box) {
 }
 
 template <PixelForm to>
-KernelCase BoxesCase(const char* name) {
+KernelCase BoxesCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, boxes), to),
+          Slot(to, offsetof(FormKernels, boxes)),
           Operand::Averages,
           false,
           {{Operand::WorkingRuns, false}},
@@ -278,7 +275,7 @@ KernelCase BoxesCase(const char* name) {
             const KernelArguments& a = c.arguments;
             const auto runs = Addresses<const std::uint8_t>(InBytes(c), a.stride, a.runs);
             const auto averages = Addresses<std::uint8_t>(OutBytes(c), a.stride, a.count);
-            k.boxes[to](averages.data(), runs.data(), &a.box, a.count, a.n);
+            k.of[to].boxes(averages.data(), runs.data(), &a.box, a.count, a.n);
           },
           [](const KernelCall& c) {
             for (std::size_t box = 0; box < c.arguments.count; ++box) DefineBox<to>(c, box);
@@ -287,7 +284,7 @@ KernelCase BoxesCase(const char* name) {
 
 // The two kernels of a box in steps, as they are used: the sums are theirs.
 template <PixelForm to>
-KernelCase BoxInStepsCase(const char* name, std::size_t slot) {
+KernelCase BoxInStepsCase(const std::string& name, std::size_t slot) {
   return {name,
           slot,
           kRun<to>,
@@ -304,29 +301,30 @@ KernelCase BoxInStepsCase(const char* name, std::size_t slot) {
               if (some > 0) k.addToBoxes(sums.data(), runs.data() + run, same, some, a.n);
               if (others > 0) k.addToBoxes(sums.data(), runs.data() + run, same, others, a.n);
             }
-            k.averageBoxes[to](OutBytes(c), sums.data(), a.box.ofBox, a.n);
+            k.of[to].averageBoxes(OutBytes(c), sums.data(), a.box.ofBox, a.n);
           },
           [](const KernelCall& c) { DefineBox<to>(c, 0); }};
 }
 
 template <PixelForm from, PixelForm through>
-KernelCase HalveCase(const char* name) {
-  return {
-      name,
-      Slot(offsetof(RunKernels, halve), from, through),
-      Operand::Pixels,
-      false,
-      {{kPairs<from>, false}},
-      [](const RunKernels& k, const KernelCall& c) { k.halve[from][through](OutBytes(c), InBytes(c), c.arguments.n); },
-      [](const KernelCall& c) {
-        ForEachPixel(c, [&](std::size_t i) {
-          std::uint8_t stored[4];
-          WriteOne<through>(stored, BoxOf({1, 1}, [&](std::size_t neighbour) {
-                              return ReadOne<from>(InBytes(c) + 4 * (2 * i + neighbour));
-                            }));
-          LMX_Pixel::Store(OutBytes(c) + 4 * i, ReadOne<through>(stored));
-        });
-      }};
+KernelCase HalveCase(const std::string& name) {
+  return {name,
+          Slot(from, through, offsetof(PairKernels, halve)),
+          Operand::Pixels,
+          false,
+          {{kPairs<from>, false}},
+          [](const RunKernels& k, const KernelCall& c) {
+            k.between[from][through].halve(OutBytes(c), InBytes(c), c.arguments.n);
+          },
+          [](const KernelCall& c) {
+            ForEachPixel(c, [&](std::size_t i) {
+              std::uint8_t stored[4];
+              WriteOne<through>(stored, BoxOf({1, 1}, [&](std::size_t neighbour) {
+                                  return ReadOne<from>(InBytes(c) + 4 * (2 * i + neighbour));
+                                }));
+              LMX_Pixel::Store(OutBytes(c) + 4 * i, ReadOne<through>(stored));
+            });
+          }};
 }
 
 void AddColour(RGBSums* sums, std::uint32_t pixel) {
@@ -336,14 +334,14 @@ void AddColour(RGBSums* sums, std::uint32_t pixel) {
 }
 
 template <PixelForm form>
-KernelCase SumRGBCase(const char* name) {
+KernelCase SumRGBCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, sumRGB), form),
+          Slot(form, offsetof(FormKernels, sumRGB)),
           Operand::RGBTotals,
           true,
           {{kRun<form>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.sumRGB[form](static_cast<RGBSums*>(c.output), InBytes(c), c.arguments.n);
+            k.of[form].sumRGB(static_cast<RGBSums*>(c.output), InBytes(c), c.arguments.n);
           },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
@@ -353,14 +351,14 @@ KernelCase SumRGBCase(const char* name) {
 }
 
 template <PixelForm form>
-KernelCase SumHSVCase(const char* name) {
+KernelCase SumHSVCase(const std::string& name) {
   return {name,
-          Slot(offsetof(RunKernels, sumHSV), form),
+          Slot(form, offsetof(FormKernels, sumHSV)),
           Operand::HSVTotals,
           true,
           {{kRun<form>, false}},
           [](const RunKernels& k, const KernelCall& c) {
-            k.sumHSV[form](static_cast<HSVSums*>(c.output), InBytes(c), c.arguments.n);
+            k.of[form].sumHSV(static_cast<HSVSums*>(c.output), InBytes(c), c.arguments.n);
           },
           [](const KernelCall& c) {
             auto* sums = static_cast<HSVSums*>(c.output);
@@ -379,69 +377,71 @@ KernelCase SumHSVCase(const char* name) {
           }};
 }
 
+// ---------------------------------------------------------------------------------------------------------------- list
+
+// A form as a type, so that a lambda can have it as a template argument.
+template <PixelForm form>
+using Constant = std::integral_constant<PixelForm, form>;
+
+const char* const kFormNames[kPixelForms] = {"_context", "_buffer", "_working"};
+
+std::string Name(const char* kernel, PixelForm form) {
+  return std::string(kernel) + kFormNames[form];
+}
+std::string Name(const char* kernel, PixelForm from, PixelForm to) {
+  return Name(kernel, from) + kFormNames[to];
+}
+
+template <class Make>
+void ForStorageForms(const Make& make) {
+  make(Constant<kContextForm>());
+  make(Constant<kBufferForm>());
+}
+template <class Make>
+void ForForms(const Make& make) {
+  ForStorageForms(make);
+  make(Constant<kWorkingForm>());
+}
+
+std::vector<KernelCase> MakeCases() {
+  std::vector<KernelCase> cases;
+  ForForms([&](auto a) {
+    ForForms([&](auto b) {
+      constexpr PixelForm from = decltype(a)::value, to = decltype(b)::value;
+      cases.push_back(ChangeCase<Copying, from, to>(Name("copy", from, to)));
+      cases.push_back(TransposeCase<from, to>(Name("transpose", from, to)));
+    });
+  });
+  ForStorageForms([&](auto a) {
+    ForStorageForms([&](auto b) {
+      constexpr PixelForm from = decltype(a)::value, to = decltype(b)::value;
+      cases.push_back(CopyMirroredCase<from, to>(Name("copy_mirrored", from, to)));
+      cases.push_back(ChangeCase<AdjustingHSV, from, to>(Name("adjust_hsv", from, to)));
+      cases.push_back(ChangeCase<AdjustingRGB, from, to>(Name("adjust_rgb", from, to)));
+      cases.push_back(ChangeCase<Negating, from, to>(Name("negative", from, to)));
+      cases.push_back(BlendCase<from, to>(Name("blend", from, to)));
+      cases.push_back(BlendColumnsCase<from, to>(Name("blend_columns", from, to)));
+      cases.push_back(HalveCase<from, to>(Name("halve", from, to)));
+    });
+  });
+  ForForms([&](auto a) {
+    constexpr PixelForm form = decltype(a)::value;
+    cases.push_back(BoxesCase<form>(Name("boxes", form)));
+    cases.push_back(BoxInStepsCase<form>(Name("average_boxes", form), Slot(form, offsetof(FormKernels, averageBoxes))));
+  });
+  ForStorageForms([&](auto a) {
+    constexpr PixelForm form = decltype(a)::value;
+    cases.push_back(SumRGBCase<form>(Name("sum_rgb", form)));
+    cases.push_back(SumHSVCase<form>(Name("sum_hsv", form)));
+  });
+  cases.push_back(FillCase());
+  cases.push_back(BoxInStepsCase<kWorkingForm>("add_to_boxes", offsetof(RunKernels, addToBoxes)));
+  return cases;
+}
+
 }  // namespace
 
 const std::vector<KernelCase>& KernelCases() {
-  constexpr PixelForm kContext = kContextForm, kBuffer = kBufferForm, kWorking = kWorkingForm;
-  static const std::vector<KernelCase> cases = {
-      ChangeCase<Copying, kContext, kContext>("copy_context_context"),
-      ChangeCase<Copying, kContext, kBuffer>("copy_context_buffer"),
-      ChangeCase<Copying, kContext, kWorking>("copy_context_working"),
-      ChangeCase<Copying, kBuffer, kContext>("copy_buffer_context"),
-      ChangeCase<Copying, kBuffer, kBuffer>("copy_buffer_buffer"),
-      ChangeCase<Copying, kBuffer, kWorking>("copy_buffer_working"),
-      ChangeCase<Copying, kWorking, kContext>("copy_working_context"),
-      ChangeCase<Copying, kWorking, kBuffer>("copy_working_buffer"),
-      ChangeCase<Copying, kWorking, kWorking>("copy_working_working"),
-      TransposeCase<kContext, kContext>("transpose_context_context"),
-      TransposeCase<kContext, kBuffer>("transpose_context_buffer"),
-      TransposeCase<kContext, kWorking>("transpose_context_working"),
-      TransposeCase<kBuffer, kContext>("transpose_buffer_context"),
-      TransposeCase<kBuffer, kBuffer>("transpose_buffer_buffer"),
-      TransposeCase<kBuffer, kWorking>("transpose_buffer_working"),
-      TransposeCase<kWorking, kContext>("transpose_working_context"),
-      TransposeCase<kWorking, kBuffer>("transpose_working_buffer"),
-      TransposeCase<kWorking, kWorking>("transpose_working_working"),
-      CopyMirroredCase<kContext, kContext>("copy_mirrored_context_context"),
-      CopyMirroredCase<kContext, kBuffer>("copy_mirrored_context_buffer"),
-      CopyMirroredCase<kBuffer, kContext>("copy_mirrored_buffer_context"),
-      CopyMirroredCase<kBuffer, kBuffer>("copy_mirrored_buffer_buffer"),
-      FillCase(),
-      ChangeCase<AdjustingHSV, kContext, kContext>("adjust_hsv_context_context"),
-      ChangeCase<AdjustingHSV, kContext, kBuffer>("adjust_hsv_context_buffer"),
-      ChangeCase<AdjustingHSV, kBuffer, kContext>("adjust_hsv_buffer_context"),
-      ChangeCase<AdjustingHSV, kBuffer, kBuffer>("adjust_hsv_buffer_buffer"),
-      ChangeCase<AdjustingRGB, kContext, kContext>("adjust_rgb_context_context"),
-      ChangeCase<AdjustingRGB, kContext, kBuffer>("adjust_rgb_context_buffer"),
-      ChangeCase<AdjustingRGB, kBuffer, kContext>("adjust_rgb_buffer_context"),
-      ChangeCase<AdjustingRGB, kBuffer, kBuffer>("adjust_rgb_buffer_buffer"),
-      ChangeCase<Negating, kContext, kContext>("negative_context_context"),
-      ChangeCase<Negating, kContext, kBuffer>("negative_context_buffer"),
-      ChangeCase<Negating, kBuffer, kContext>("negative_buffer_context"),
-      ChangeCase<Negating, kBuffer, kBuffer>("negative_buffer_buffer"),
-      BlendCase<kContext, kContext>("blend_context_context"),
-      BlendCase<kContext, kBuffer>("blend_context_buffer"),
-      BlendCase<kBuffer, kContext>("blend_buffer_context"),
-      BlendCase<kBuffer, kBuffer>("blend_buffer_buffer"),
-      BlendColumnsCase<kContext, kContext>("blend_columns_context_context"),
-      BlendColumnsCase<kContext, kBuffer>("blend_columns_context_buffer"),
-      BlendColumnsCase<kBuffer, kContext>("blend_columns_buffer_context"),
-      BlendColumnsCase<kBuffer, kBuffer>("blend_columns_buffer_buffer"),
-      SumRGBCase<kContext>("sum_rgb_context"),
-      SumRGBCase<kBuffer>("sum_rgb_buffer"),
-      SumHSVCase<kContext>("sum_hsv_context"),
-      SumHSVCase<kBuffer>("sum_hsv_buffer"),
-      BoxesCase<kContext>("boxes_context"),
-      BoxesCase<kBuffer>("boxes_buffer"),
-      BoxesCase<kWorking>("boxes_working"),
-      BoxInStepsCase<kWorking>("add_to_boxes", offsetof(RunKernels, addToBoxes)),
-      BoxInStepsCase<kContext>("average_boxes_context", Slot(offsetof(RunKernels, averageBoxes), kContext)),
-      BoxInStepsCase<kBuffer>("average_boxes_buffer", Slot(offsetof(RunKernels, averageBoxes), kBuffer)),
-      BoxInStepsCase<kWorking>("average_boxes_working", Slot(offsetof(RunKernels, averageBoxes), kWorking)),
-      HalveCase<kContext, kContext>("halve_context_context"),
-      HalveCase<kContext, kBuffer>("halve_context_buffer"),
-      HalveCase<kBuffer, kContext>("halve_buffer_context"),
-      HalveCase<kBuffer, kBuffer>("halve_buffer_buffer"),
-  };
+  static const std::vector<KernelCase> cases = MakeCases();
   return cases;
 }

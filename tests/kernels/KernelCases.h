@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "kernels/RunKernels.h"
@@ -63,7 +64,7 @@ struct KernelInput {
 };
 
 struct KernelCase {
-  const char* name;  ///< words and underscores
+  std::string name;  ///< words and underscores: the kernel's name, and its forms
   std::size_t slot;  ///< where the table keeps it, in bytes
   Operand output;
   bool addsToOutput;  ///< the output is an input, too: sums, and pixels that are changed in place
@@ -72,7 +73,7 @@ struct KernelCase {
   void (*define)(const KernelCall& call);  ///< one pixel after the other, by LMX_Pixel; never in place
 };
 
-/// Every slot of the table.
+/// Every kernel of the table.
 const std::vector<KernelCase>& KernelCases();
 
 /// How far down each of n columns begins that a slope displaces, in 16.16 a column; and the largest of that.

@@ -6,15 +6,15 @@ namespace {
 
 std::vector<Level> MakeLevels() {
   std::vector<Level> levels;
-  for (const auto& [name, fill, stream, runsHere] : kLevelKernels) {
+  for (const auto& [name, install, installNonTemporal, runsHere] : kLevelKernels) {
     if (name == nullptr) continue;
-    levels.push_back({name, fill, runsHere});
-    if (stream != nullptr) levels.push_back({std::string(name) + "_streaming", stream, runsHere});
+    levels.push_back({name, install, runsHere});
+    if (installNonTemporal != nullptr) levels.push_back({std::string(name) + "_nt", installNonTemporal, runsHere});
   }
 #ifdef LMX_EMULATED_AVX512
   const auto runsHere = kLevelKernels[static_cast<int>(KernelLevel::avx2)].runsHere;
-  levels.push_back({"avx512_emulated", FillAvx512Emulated, runsHere});
-  levels.push_back({"avx512_emulated_streaming", StreamAvx512Emulated, runsHere});
+  levels.push_back({"avx512_emulated", InstallAvx512Emulated, runsHere});
+  levels.push_back({"avx512_emulated_nt", InstallAvx512NonTemporalEmulated, runsHere});
 #endif
   return levels;
 }
@@ -43,7 +43,7 @@ bool RunsHere(const std::string& level) {
 RunKernels KernelsOf(const std::string& level) {
   RunKernels kernels = {};
   for (const Level& l : Levels()) {
-    if (l.runsHere()) l.fill(&kernels);  // filling in takes the level's instructions, too
+    if (l.runsHere()) l.install(&kernels);  // installing takes the level's instructions, too
     if (level == l.name) break;
   }
   return kernels;

@@ -8,12 +8,12 @@
 
 struct Level {
   std::string name;
-  void (*fill)(RunKernels*);
+  void (*install)(RunKernels*);
   bool (*runsHere)();
 };
 
-/// Lowest first; each fills in on top of those before it. Variants count as levels of their own: a level's way past the
-/// cache, and AVX-512 where it is emulated for processors without it.
+/// Lowest first; each is installed on top of those before it. Variants count as levels of their own: a level's
+/// non-temporal stores, and AVX-512 where it is emulated for processors without it.
 const std::vector<Level>& Levels();
 
 /// The names of all levels.
@@ -37,5 +37,5 @@ struct NamedKernels {
 std::vector<NamedKernels> LevelsHere();
 
 /// AVX-512 from its own sources, whose instructions are emulated.
-void FillAvx512Emulated(RunKernels* kernels);
-void StreamAvx512Emulated(RunKernels* kernels);
+void InstallAvx512Emulated(RunKernels* kernels);
+void InstallAvx512NonTemporalEmulated(RunKernels* kernels);

@@ -3,6 +3,6 @@
 //
 #include "Levels.h"
 
-#define FillAvx512 FillAvx512Emulated
-#define StreamAvx512 StreamAvx512Emulated
+#define InstallAvx512 InstallAvx512Emulated
+#define InstallAvx512NonTemporal InstallAvx512NonTemporalEmulated
 #include "kernels/RunKernels_avx512.cpp"

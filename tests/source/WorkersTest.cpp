@@ -497,17 +497,17 @@ class WriteNotes {
  public:
   WriteNotes() : kernels_(gRunKernels) {
     current_ = this;
-    gRunKernels.adjustHSV[kBufferForm][kBufferForm] = [](auto* to, auto* from, auto* by, std::size_t n) {
+    gRunKernels.between[kBufferForm][kBufferForm].adjustHSV = [](auto* to, auto* from, auto* by, std::size_t n) {
       current_->Note(to, n);
-      current_->kernels_.adjustHSV[kBufferForm][kBufferForm](to, from, by, n);
+      current_->kernels_.between[kBufferForm][kBufferForm].adjustHSV(to, from, by, n);
     };
-    gRunKernels.negative[kBufferForm][kBufferForm] = [](auto* to, auto* from, std::size_t n) {
+    gRunKernels.between[kBufferForm][kBufferForm].negative = [](auto* to, auto* from, std::size_t n) {
       current_->Note(to, n);
-      current_->kernels_.negative[kBufferForm][kBufferForm](to, from, n);
+      current_->kernels_.between[kBufferForm][kBufferForm].negative(to, from, n);
     };
-    gRunKernels.copy[kWorkingForm][kBufferForm] = [](auto* to, auto* from, std::size_t n) {
+    gRunKernels.between[kWorkingForm][kBufferForm].copy = [](auto* to, auto* from, std::size_t n) {
       current_->conversions += static_cast<int>(n);
-      current_->kernels_.copy[kWorkingForm][kBufferForm](to, from, n);
+      current_->kernels_.between[kWorkingForm][kBufferForm].copy(to, from, n);
     };
   }
   ~WriteNotes() { gRunKernels = kernels_; }
