@@ -1,0 +1,34 @@
+// Measuring: the mean colour of a part and of a picture of any size.
+
+// The colour at a place, as the mean of the square of 5 x 5 pixels around it.
+Function ColourAt(photo As Picture, x As Integer, y As Integer) As Color
+  Dim red, green, blue As Integer
+  photo.LMX_GetAverageRGB(x - 2, y - 2, 4, 4, red, green, blue, 0)
+  If LMX_GetLastError() <> 0 Then Return &c000000
+  Return RGB(red, green, blue)
+End Function
+
+// How bright a picture is, 0 to 1. The sums of a call hold 8,421,504 pixels of the value 255: a large picture is
+// measured in bands of rows, and a band counts by its rows.
+Function Brightness(photo As Picture) As Double
+  Dim hue, saturation, brightness As Double
+  Dim total As Double = 0
+  Dim rows As Integer = Max(1, Floor(8000000 / photo.Width))
+  For top As Integer = 0 To photo.Height - 1 Step rows
+    Dim height As Integer = Min(rows, photo.Height - top)
+    photo.LMX_GetAverageHSV(0, top, photo.Width - 1, height - 1, hue, saturation, brightness, 100000)
+    If LMX_GetLastError() <> 0 Then Return -1
+    total = total + brightness * height
+  Next
+  Return total / photo.Height
+End Function
+
+// The hue of the mean colour, or -1 where it is a grey.
+Function MeanHue(photo As Picture) As Double
+  Dim hue, saturation, brightness As Double
+  Dim small As Picture = photo.LMX_Stretch(64, 64, 100000)
+  If small = Nil Then Return -1
+  small.LMX_GetAverageHSV(0, 0, 63, 63, hue, saturation, brightness, 0)
+  If hue >= 0 Then Return hue  // neither -1, for black, nor NaN, for another grey
+  Return -1
+End Function
