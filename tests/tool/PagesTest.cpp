@@ -1,0 +1,44 @@
+// The commands of lmx on the pages work as they stand there.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+
+#include "Files.h"
+
+namespace tool_test {
+namespace {
+
+class Pages : public FileTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Pages, CommandsWork) {
+  WriteFile(Path("photo.jpg"), Jpeg(OpaqueImage(400, 300)));
+  const std::string start = "cd '" + Path("") + "' && PATH=$(dirname '" LMX_PROGRAM "'):$PATH && ";
+  const std::regex command(R"((\$ )?(build/\w+/)?(lmx .*|for .*lmx .*))");
+
+  std::ifstream page(LMX_FOLDER "/" + std::string(GetParam()));
+  int count = 0;
+  bool isBlock = false, isCommands = false;
+  for (std::string line; std::getline(page, line);) {
+    std::smatch found;
+    if (line.rfind("```", 0) == 0) {
+      isBlock = !isBlock;
+      isCommands = isBlock && line == "```";
+    }
+    if (!isCommands || !std::regex_match(line, found, command) || found[3].str().rfind("lmx bench", 0) == 0) continue;
+    const int status = std::system((start + found[3].str() + " > /dev/null").c_str());
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << line;
+    ++count;
+  }
+  EXPECT_GT(count, 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfLmx, Pages, testing::Values("README.md", "docs/how-do-i.md", "docs/lmx.md"),
+                         [](const testing::TestParamInfo<const char*>& page) {
+                           return std::regex_replace(std::string(page.param), std::regex("\\W"), "_");
+                         });
+
+}  // namespace
+}  // namespace tool_test
