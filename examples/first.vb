@@ -1,6 +1,7 @@
 // A first program: is the plug-in there, a call, a test for nil, the message.
 //
-// Of the host's: GetFolderItem, Picture.Open, Save and MsgBox. All that begins with LMX_ is the plug-in's.
+// Of the host's: GetFolderItem, Picture.Open, Save and MsgBox. All that begins with LMX_ is the
+// plug-in's.
 
 Sub Main()
   // The plug-in is there if its first message comes back.
@@ -20,7 +21,8 @@ Sub Main()
   turned.Save(GetFolderItem("turned.png"), Picture.SaveAsPNG)
 End Sub
 
-// What to tell the user. Rotations and shears return nil without an error where a picture cannot be made.
+// What to tell the user. Rotations and shears return nil without an error where a picture cannot be
+// made.
 Function Reason(code As Integer) As String
   If code = 0 Then Return "There is not enough memory."
   Return LMX_GetErrorMessage(code)

@@ -17,7 +17,8 @@ Function FadeToTheRight(width As Integer, height As Integer) As Picture
   Return upright.LMX_FlipRotate(False, False, 270, 0)
 End Function
 
-// A shadow: black that becomes clear. The first two digits after &h are the transparency, FF is clear.
+// A shadow: black that becomes clear. The first two digits after &h are the transparency, FF is
+// clear.
 Function Shadow(width As Integer, height As Integer) As Picture
   Return LMX_MakeGradient(width, height, &h80000000, &hFF000000, 0)
 End Function

@@ -8,8 +8,8 @@ Function ColourAt(photo As Picture, x As Integer, y As Integer) As Color
   Return RGB(red, green, blue)
 End Function
 
-// How bright a picture is, 0 to 1. The sums of a call hold 8,421,504 pixels of the value 255: a large picture is
-// measured in bands of rows, and a band counts by its rows.
+// How bright a picture is, 0 to 1. The sums of a call hold 8,421,504 pixels of the value 255: a
+// large picture is measured in bands of rows, and a band counts by its rows.
 Function Brightness(photo As Picture) As Double
   Dim hue, saturation, brightness As Double
   Dim total As Double = 0

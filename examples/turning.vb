@@ -13,8 +13,9 @@ Function Tilted(photo As Picture, degrees As Double) As Picture
   Return photo.LMX_FreeRotateByShear(degrees, &hFF000000, 100000)
 End Function
 
-// By -45 to 45 degrees on white, with smooth edges and without dark fringes: the three shears that a rotation is made
-// of, with a frame of their own. Its transparency of 1, which nobody sees, has the edges blended with it.
+// By -45 to 45 degrees on white, with smooth edges and without dark fringes: the three shears that
+// a rotation is made of, with a frame of their own. Its transparency of 1, which nobody sees, has
+// the edges blended with it.
 Function TiltedOnWhite(photo As Picture, degrees As Double) As Picture
   Dim angle As Double = degrees * 3.14159265 / 180
   Dim slant As Double = Tan(angle / 2)

@@ -1,5 +1,5 @@
-// What docs/methods.md says: its declarations and messages are those of the library, and what it tells of results that
-// surprise people is so.
+// What docs/methods.md says: its declarations and messages are those of the library, and what it
+// tells of results that surprise people is so.
 #include <algorithm>
 #include <cmath>
 #include <fstream>

@@ -1,12 +1,14 @@
 // Checks programs in the host's language, as the documentation has them, and runs what they call.
 //
-// Every name must be known, every call of the plug-in must fit its declaration: the method, the number and kinds of the
-// arguments, what a ByRef argument is, and whether there is a result to use. Then the call is made, by the stand-in
-// host. It must succeed, or fail with the code that a comment on its line tells: // error 31.
+// Every name must be known, every call of the plug-in must fit its declaration: the method, the
+// number and kinds of the arguments, what a ByRef argument is, and whether there is a result to
+// use. Then the call is made, by the stand-in host. It must succeed, or fail with the code that a
+// comment on its line tells: // error 31.
 //
-// A program is not interpreted: its lines are taken once, in their order, whatever conditions and loops say. A value
-// that does not come out of that, such as a parameter, is a plain one of its type; a picture is the photo. What belongs
-// to the host beyond pictures, numbers and texts has no type and may be used as it likes, but not as an argument.
+// A program is not interpreted: its lines are taken once, in their order, whatever conditions and
+// loops say. A value that does not come out of that, such as a parameter, is a plain one of its
+// type; a picture is the photo. What belongs to the host beyond pictures, numbers and texts has no
+// type and may be used as it likes, but not as an argument.
 #pragma once
 
 #include <map>

@@ -1,4 +1,5 @@
-// Every program on the pages and in examples/ calls the plug-in as it is declared, and the calls work.
+// Every program on the pages and in examples/ calls the plug-in as it is declared, and the calls
+// work.
 #include <gtest/gtest.h>
 
 #include <algorithm>
