@@ -1,5 +1,5 @@
-// A batch: all pictures of a folder, turned upright and made smaller. One that fails does not stop
-// the others.
+// A batch: all pictures of a folder, wide ones turned upright, and all of them made smaller. One
+// that fails does not stop the others.
 
 Sub MakeAllSmaller(folder As FolderItem, results As FolderItem)
   Dim done As Integer = 0
