@@ -109,7 +109,8 @@ std::vector<ArgumentText> AdjustHSVArguments(ArgumentText picture) {
            "turn of the hue in degrees, above -360 and below 360; 60 makes red yellow, 120 makes it green",
            {"0"}},
           {"saturation_factor",
-           "factor of the saturation, from 0 and below 1000, cut to a whole number: 0 and 0.9 give greys, 1 leaves it, "
+           "factor of the saturation, from 0 and below 1000, cut to a whole number: 0 and 0.9 give greys of the "
+           "largest channel, 1 leaves it, "
            "2 doubles it",
            {"1"},
            1},
@@ -225,7 +226,8 @@ std::vector<MethodText> TurningMethods() {
        "lmx FlipRotate photo.jpg rotation=90 -o turned.png"},
       {"LMX_FreeRotateByShear",
        "Turns clockwise by any angle",
-       "By three anti-aliased shears. The result is as large as the turned picture needs, with clear corners.",
+       "By three shears. The result is as large as the turned picture needs, with clear corners; edges become clear "
+       "and dark.",
        {Source(),
         {"rotation", "turn in degrees, from 0 and below 360", kNeeded},
         {"frame_color", "has no effect: the corners are clear in every case", {"#000000ff"}},
@@ -257,13 +259,13 @@ std::vector<MethodText> GradientMethods() {
 std::vector<MethodText> FormingMethods() {
   return {
       {"LMX_ShearHorizontal", "Slants the picture sideways",
-       "Each row is shifted against the next; the slanted edges are anti-aliased against the frame.",
+       "Each row is shifted against the next. The slanted edges are blended with the frame, unless that is opaque.",
        ShearArguments({"what the slanted picture needs", SlantedWidth}, {"the picture's", PictureHeight},
                       "shift of each row against the row below it in pixels, -1 to 1; above 0 moves the top to the "
                       "right"),
        "lmx ShearHorizontal photo.jpg shear=0.25 -o slanted.png"},
       {"LMX_ShearVertical", "Slants the picture upwards or downwards",
-       "Each column is shifted against the next; the slanted edges are anti-aliased against the frame.",
+       "Each column is shifted against the next. The slanted edges are blended with the frame, unless that is opaque.",
        ShearArguments({"the picture's", PictureWidth}, {"what the slanted picture needs", SlantedHeight},
                       "shift of each column against the column to its right in pixels, -1 to 1; above 0 moves the left "
                       "side down"),
