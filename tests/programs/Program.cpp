@@ -106,6 +106,7 @@ std::vector<std::string> Program::Check(const std::vector<std::string>& lines, i
   photo_.Fill(0xFF336699);
   variables_.clear();
   functions_.clear();
+  result_ = Type::None;
   Declare("photo", Type::Picture);
 
   std::vector<std::string> complaints;
@@ -152,6 +153,7 @@ void Program::DeclareFunction(const Tokens& tokens) {
 }
 
 void Program::BeginFunction(const Tokens& tokens) {
+  result_ = functions_[Lower(tokens.at(1))].result;
   std::size_t place = 3;
   if (tokens.at(place) == ")") return;
   for (const Named& parameter : ParseNames(tokens, place)) Declare(parameter.name, parameter.type);
@@ -165,7 +167,7 @@ void Program::Take(const Tokens& tokens) {
   if (first == "dim" || first == "property") return TakeDim(tokens);
   if (first == "raise") return static_cast<void>(Whole(tokens, 1));
   if (first == "return") {
-    if (tokens.size() > 1) Whole(tokens, 1);
+    if (tokens.size() > 1) ExpectFit("the function", result_, Whole(tokens, 1));
     return;
   }
   if (first == "if" || first == "elseif" || first == "while") {
@@ -220,15 +222,18 @@ void Program::Assign(const std::string& name, const Term& term) {
   const auto found = variables_.find(Lower(name));
   if (found == variables_.end()) Fail("unknown name " + name);
   Term& variable = found->second;
-  const bool isNil = term.value && term.value->IsNil() && term.type == Type::None;
   if (term.isNothing) Fail("there is no result to assign to " + name);
-  const bool fits = variable.type == term.type || (IsNumber(variable.type) && IsNumber(term.type)) ||
-                    term.type == Type::None || (isNil && variable.type == Type::Picture);
-  if (!fits) Fail(name + " is " + TypeName(variable.type) + ", and not " + TypeName(term.type));
+  ExpectFit(name, variable.type, term);
   variable.value = term.value;
   if (IsNumber(variable.type) && term.value) {
     if (const auto number = NumberOf(term.value)) variable.value = NumberValue(variable.type, *number);
   }
+}
+
+// What is of the host's, and nil, fits everything.
+void Program::ExpectFit(const std::string& name, Type type, const Term& term) {
+  const bool fits = type == term.type || (IsNumber(type) && IsNumber(term.type)) || term.type == Type::None;
+  if (!fits) Fail(name + " is " + TypeName(type) + ", and not " + TypeName(term.type));
 }
 
 // ---- Expressions ----

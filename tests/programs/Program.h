@@ -56,6 +56,7 @@ class Program {
   void TakeDim(const Tokens& tokens);
   void TakeSimple(const Tokens& tokens, std::size_t place);
   void Assign(const std::string& name, const Term& term);
+  static void ExpectFit(const std::string& name, host::Type type, const Term& term);
 
   Term Whole(const Tokens& tokens, std::size_t place);
   Term Evaluate(const Expression& expression);
@@ -73,6 +74,7 @@ class Program {
   host::Picture photo_;
   std::map<std::string, Term> variables_;  // by name in lower case
   std::map<std::string, Function> functions_;
+  host::Type result_ = host::Type::None;  // of the function whose lines are taken
   std::set<std::string> called_;
   int expectedError_ = 0;
   bool errorSeen_ = false;

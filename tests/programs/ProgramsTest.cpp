@@ -135,6 +135,7 @@ TEST_P(Programs, ThatAreWrongAreFound) {
       {"Dim q As Picture = p.LMX_Trim(0, 0, 4, 3, &c000000, 0", "expected `)`"},
       {"Dim q As Integer = p.LMX_Stretch(4, 3, 0)", "q is integer, and not picture"},
       {"p.LMX_Stretch(4, 3, 0)", "the result is not used"},
+      {"Return p.LMX_Stretch(4, 3, 0)", "the function is nothing, and not picture"},
       {"Dim q As Picture = p.LMX_AdjustRGB_InPlace(0, 0, 4, 3, 1, 1, 1, 0)", "there is no result to assign to q"},
       {"p.LMX_GetAverageRGB(0, 0, 4, 3, 1, 2, 3, 0)", "red must be a variable As integer"},
       {"p.LMX_GetAverageRGB(0, 0, 4, 3, p, p, p, 0)", "red must be a variable As integer"},

@@ -16,10 +16,16 @@ class Pages : public FileTest, public testing::WithParamInterface<const char*> {
 TEST_P(Pages, CommandsWork) {
   WriteFile(Path("photo.jpg"), Jpeg(OpaqueImage(400, 300)));
   const std::string start = "cd '" + Path("") + "' && PATH=$(dirname '" LMX_PROGRAM "'):$PATH && ";
+  const std::regex inCell("`(lmx [^`]* -o [^`]*)`");
   const std::regex command(R"((\$ )?(build/\w+/)?(lmx .*|for .*lmx .*))");
 
   std::ifstream page(LMX_FOLDER "/" + std::string(GetParam()));
   int count = 0;
+  const auto expectWorking = [&](const std::string& line) {
+    const int status = std::system((start + line + " > /dev/null").c_str());
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << line;
+    ++count;
+  };
   bool isBlock = false, isCommands = false;
   for (std::string line; std::getline(page, line);) {
     std::smatch found;
@@ -27,10 +33,9 @@ TEST_P(Pages, CommandsWork) {
       isBlock = !isBlock;
       isCommands = isBlock && line == "```";
     }
+    if (!isBlock && std::regex_search(line, found, inCell)) expectWorking(found[1]);
     if (!isCommands || !std::regex_match(line, found, command) || found[3].str().rfind("lmx bench", 0) == 0) continue;
-    const int status = std::system((start + found[3].str() + " > /dev/null").c_str());
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << line;
-    ++count;
+    expectWorking(found[3]);
   }
   EXPECT_GT(count, 3);
 }
