@@ -1,13 +1,11 @@
 // What the fuzzers start with: the cases that the tests name, as inputs of the targets.
 #pragma once
 
-#include <cstdint>
-#include <string>
 #include <vector>
 
-namespace fuzz {
+#include "Corpus.h"
 
-using Bytes = std::vector<std::uint8_t>;
+namespace fuzz {
 
 std::vector<Bytes> MethodSeeds();
 std::vector<Bytes> KernelSeeds();

@@ -28,7 +28,7 @@ MEMORY = 16 << 30
 # survived so far.
 PROGRAMS = {
     "source": [("tests/source/source_tests",)],
-    "fuzz": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("fuzz/replay_kernels", "fuzz/corpus/kernels")],
+    "fuzz": [("fuzz/replay_methods", "fuzz/methods.corpus"), ("fuzz/replay_kernels", "fuzz/kernels.corpus")],
     "golden": [("tests/golden/golden_tests",)],
     "contexts": [(f"tests/contexts/contexts_without_{function}",) for function in
                  ("all", "CGBitmapContextGetWidth", "CGBitmapContextGetHeight", "CGBitmapContextGetBitsPerPixel",
@@ -36,7 +36,7 @@ PROGRAMS = {
     "plugin": [("tests/plugin/plugin_tests",)],
     "kernels": [("tests/kernels/kernel_tests",)],
     "levels": [("tests/plugin/plugin_tests",), ("tests/golden/golden_tests",)],
-    "sanitized": [("fuzz/replay_methods", "fuzz/corpus/methods"), ("tests/source/source_tests",)],
+    "sanitized": [("fuzz/replay_methods", "fuzz/methods.corpus"), ("tests/source/source_tests",)],
     "emulated": [("tests/kernels/kernel_tests", "--gtest_filter=*emulated*:All*")],
 }
 # Those below the highest, which is the plug-in's own.
