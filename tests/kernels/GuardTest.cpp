@@ -17,7 +17,7 @@ bool FaultsWhenRead(void* run, std::ptrdiff_t offset) {
   return FaultIn([](void* b) { static_cast<void>(*static_cast<volatile std::uint8_t*>(b)); }, byte) == byte;
 }
 
-TEST(Guard, PageBehindARunIsInaccessibleFromItsFirstByteOn) {
+TEST(Guard, PageAfterARunIsInaccessibleFromItsFirstByteOn) {
   GuardedRun memory(100);
   for (const std::size_t size : std::vector<std::size_t>{0, 1, 3, 64, 100}) {
     void* run = memory.Place(size, host::Flush::End, 0, 1);
@@ -54,8 +54,8 @@ TEST(Guard, RingShowsEveryByteThatWasChanged) {
         auto* run = static_cast<std::uint8_t*>(memory.Place(10, flush, shift, 9));
         EXPECT_EQ(memory.RingDamage(), "");
         const bool before = offset < -static_cast<std::ptrdiff_t>(shift) && flush == host::Flush::Start;
-        const bool behind = offset >= static_cast<std::ptrdiff_t>(10 + shift) && flush == host::Flush::End;
-        if (before || behind) continue;  // inaccessible
+        const bool after = offset >= static_cast<std::ptrdiff_t>(10 + shift) && flush == host::Flush::End;
+        if (before || after) continue;  // inaccessible
         run[offset] ^= 1;
         EXPECT_EQ(memory.RingDamage().empty(), offset >= 0 && offset < 10) << offset;
       }
@@ -69,7 +69,7 @@ TEST(Guard, DamageAndFaultsSayWhere) {
   run[-3] ^= 1;
   EXPECT_EQ(memory.RingDamage(), "3 bytes before its first byte");
   EXPECT_EQ(memory.Locate(run + 9), "inside");
-  EXPECT_EQ(memory.Locate(run + 10), "1 bytes behind its last byte");
+  EXPECT_EQ(memory.Locate(run + 10), "1 bytes past its last byte");
 }
 
 TEST(Guard, ChangesInsideTheRunAreNoDamage) {

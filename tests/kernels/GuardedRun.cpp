@@ -93,6 +93,6 @@ std::string GuardedRun::Locate(const void* address) const {
   const auto first = reinterpret_cast<std::uintptr_t>(run_);
   const std::uintptr_t end = first + size_;
   if (at < first && first - at < kNear) return std::to_string(first - at) + " bytes before its first byte";
-  if (at >= end && at - end < kNear) return std::to_string(at - end + 1) + " bytes behind its last byte";
+  if (at >= end && at - end < kNear) return std::to_string(at - end + 1) + " bytes past its last byte";
   return at >= first && at < end ? "inside" : "";
 }

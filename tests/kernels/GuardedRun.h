@@ -8,16 +8,17 @@
 
 #include "host/GuardedMemory.h"
 
-/// A place for up to `largest` bytes. An inaccessible page touches one end of them; where no page is near, a ring of a
-/// pattern surrounds them.
+/// A place for up to `largest` bytes. An inaccessible page touches one end of them; where no page
+/// is near, a ring of a pattern surrounds them.
 class GuardedRun {
  public:
   static constexpr std::size_t kRing = 64;
 
   explicit GuardedRun(std::size_t largest);
 
-  /// Gives `size` bytes, `shift` bytes away from the inaccessible page behind (Flush::End) or before them, for the caller
-  /// to fill. All that is accessible around them holds `pattern` bytes, which differ from place to place.
+  /// Gives `size` bytes, `shift` bytes away from the inaccessible page after (Flush::End) or before
+  /// them, for the caller to fill. All that is accessible around them holds `pattern` bytes, which
+  /// differ from place to place.
   void* Place(std::size_t size, host::Flush flush, std::size_t shift, std::uint8_t pattern);
 
   /// Where the ring was changed, relative to the run's first byte; empty while it is as it was.
@@ -26,7 +27,7 @@ class GuardedRun {
   /// The bytes of the run.
   std::vector<std::uint8_t> Bytes() const { return {run_, run_ + size_}; }
 
-  /// "3 bytes behind its end", of an address that lies less than a few pages away; else empty.
+  /// "3 bytes past its last byte", of an address that lies less than a few pages away; else empty.
   std::string Locate(const void* address) const;
 
  private:
@@ -44,5 +45,6 @@ class GuardedRun {
   std::uint8_t pattern_ = 0;
 };
 
-/// Calls work(context), and gives the address whose use was a memory fault: work was left there. Nil if there was none.
+/// Calls work(context), and gives the address whose use was a memory fault: work was left there.
+/// Nil if there was none.
 const void* FaultIn(void (*work)(void* context), void* context);

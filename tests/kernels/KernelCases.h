@@ -1,5 +1,5 @@
-// One record per kernel: its operands, how to make inputs, how to call it, and its definition. The tests and the
-// benchmarks go through the same list.
+// One record per kernel: its operands, how to make inputs, how to call it, and what it computes.
+// The tests and the benchmarks go through the same list.
 #pragma once
 
 #include <cstddef>
@@ -76,7 +76,8 @@ struct KernelCase {
 /// Every kernel of the table.
 const std::vector<KernelCase>& KernelCases();
 
-/// How far down each of n columns begins that a slope displaces, in 16.16 a column; and the largest of that.
+/// How far down each of n columns begins that a slope displaces, in 16.16 a column; and the largest
+/// of that.
 std::vector<std::uint32_t> SlopeDowns(const KernelArguments& arguments);
 std::size_t SlopeDown(const KernelArguments& arguments);
 
@@ -90,10 +91,11 @@ KernelArguments MakeArguments(std::size_t n, Random& random);
 /// Sets the boxes, as many of them, and the runs that they have.
 void SetBoxes(const BoxUnits& units, std::size_t count, KernelArguments* arguments);
 
-/// Contents of an operand: runs that are wholly opaque, wholly clear, mostly the one or the other, well-formed and
-/// malformed, grey and coloured. `operand` can be an input, or an output that is added to.
+/// Contents of an operand: runs that are wholly opaque, wholly clear, mostly the one or the other,
+/// well-formed and malformed, grey and coloured. `operand` can be an input, or an output that is
+/// added to.
 void MakeOperand(Operand operand, const KernelArguments& arguments, Random& random, void* bytes);
 
-/// Well-formed pixels that are all opaque or of any alpha, for times; false, and nothing done, where an operand's bytes
-/// are no pixels with an alpha that could matter.
+/// Well-formed pixels that are all opaque or of any alpha, for times; false, and nothing done,
+/// where an operand's bytes are no pixels with an alpha that could matter.
 bool MakeOrdinaryPixels(Operand operand, const KernelArguments& arguments, bool opaque, Random& random, void* bytes);

@@ -1,18 +1,18 @@
-// Every kernel of every level against the definition of one pixel: all small widths, all misalignments, in place where
-// the contract allows it, between guards.
+// Every kernel of every level against the definition of one pixel: all small widths, all
+// misalignments, in place where the contract allows it, between guards.
 //
-// A failure names the case. LMX_KERNEL_CASE="<the text between quotes>" runs this one alone, in the test that failed.
+// A failure names the case. LMX_KERNEL_CASE="<the text between quotes>" runs this one alone, in the
+// test that failed.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <set>
 #include <tuple>
 
-#include "GuardedRun.h"
 #include "KernelCases.h"
+#include "KernelRig.h"
 #include "Levels.h"
 
 namespace {
@@ -46,145 +46,6 @@ bool Parse(const char* text, Trial* trial) {
   return true;
 }
 
-std::string Text(const KernelArguments& a) {
-  char text[256];
-  std::snprintf(
-      text, sizeof text,
-      "stride=%zu columns=%zu pitch=%zu count=%zu slope=%d before=%08x fraction=%u box={%u, %u, %u} hsv={%d, %d, %d} "
-      "rgb={%d, %d, %d}",
-      a.stride, a.columns, a.pitch, a.count, a.slope, a.before, a.fraction, a.box.ofRun, a.box.ofBox, a.box.left,
-      a.hsv.hueShift, a.hsv.saturationScale, a.hsv.valueScale, a.rgb.red, a.rgb.green, a.rgb.blue);
-  return text;
-}
-
-using Bytes = std::vector<std::uint8_t>;
-
-std::string Hex(const Bytes& bytes, std::size_t at) {
-  std::string text;
-  for (std::size_t i = at; i < std::min(at + 4, bytes.size()); ++i) {
-    char digits[4];
-    std::snprintf(digits, sizeof digits, "%02x ", bytes[i]);
-    text += digits;
-  }
-  return text;
-}
-
-constexpr std::size_t kMostPixels = 1100;
-constexpr std::size_t kLargest = 4 * (2 * kMostColumns + kMostGap) * (kMostPixels + kMostGap);
-
-// Runs trials of one kernel at one level.
-class Rig {
- public:
-  Rig(const KernelCase& kernel, const RunKernels& kernels)
-      : kernel_(kernel),
-        kernels_(kernels),
-        output_(kLargest),
-        inputs_{GuardedRun(kLargest), GuardedRun(kLargest), GuardedRun(kLargest)} {}
-
-  /// Empty if all is well.
-  std::string Run(const Trial& trial) {
-    Random random(trial.seed);
-    Operands operands = {MakeArguments(trial.n, random), {}, {}};
-    for (std::size_t i = 0; i < kernel_.inputs.size(); ++i) {
-      operands.inputs[i] = Contents(kernel_.inputs[i].operand, operands.arguments, random);
-    }
-    if (kernel_.addsToOutput) operands.output = Contents(kernel_.output, operands.arguments, random);
-    if (trial.inPlace != 0) operands.output = operands.inputs[trial.inPlace - 1];
-    // Whatever is not part of the operands differs between the two rounds, so that it cannot matter unseen.
-    for (const std::uint8_t pattern : {std::uint8_t{0x51}, std::uint8_t{0xA6}}) {
-      std::string trouble = RunOnce(trial, operands, random, pattern);
-      if (!trouble.empty()) return trouble;
-    }
-    return {};
-  }
-
- private:
-  struct Operands {
-    KernelArguments arguments;
-    Bytes inputs[3];
-    Bytes output;  // before the call, if that matters
-  };
-
-  std::string RunOnce(const Trial& trial, const Operands& operands, Random& random, std::uint8_t pattern) {
-    const KernelArguments& arguments = operands.arguments;
-    KernelCall call = {arguments, nullptr, {}};
-    const std::size_t inputs = kernel_.inputs.size();
-    for (std::size_t i = 0; i < inputs; ++i) {
-      if (trial.inPlace == i + 1) continue;
-      call.inputs[i] =
-          Place(&inputs_[i], kernel_.inputs[i].operand, operands.inputs[i], trial, random.Below(16), pattern);
-    }
-    const bool reads = kernel_.addsToOutput || trial.inPlace != 0;
-    const Bytes before = reads ? operands.output : Bytes(SizeOf(kernel_.output, arguments), pattern);
-    call.output = Place(&output_, kernel_.output, before, trial, trial.shift, pattern);
-    if (trial.inPlace != 0) call.inputs[trial.inPlace - 1] = call.output;
-
-    const Bytes expected = Expected(arguments, operands.inputs, before);
-    const std::string fault = CallKernel(call);
-    if (!fault.empty()) return fault + "\n  " + Text(arguments);
-    std::string trouble = Compare(expected, output_.Bytes());
-    if (const std::string damage = output_.RingDamage(); !damage.empty()) trouble += "\n  wrote " + damage;
-    for (std::size_t i = 0; i < inputs; ++i) {
-      if (trial.inPlace != i + 1 && (inputs_[i].Bytes() != operands.inputs[i] || !inputs_[i].RingDamage().empty())) {
-        trouble += "\n  changed input " + std::to_string(i);
-      }
-    }
-    return trouble.empty() ? trouble : trouble + "\n  " + Text(arguments);
-  }
-
-  static Bytes Contents(Operand operand, const KernelArguments& arguments, Random& random) {
-    Bytes bytes(SizeOf(operand, arguments));
-    MakeOperand(operand, arguments, random, bytes.data());
-    return bytes;
-  }
-
-  static void* Place(GuardedRun* memory, Operand operand, const Bytes& contents, const Trial& trial, std::size_t shift,
-                     std::uint8_t pattern) {
-    void* run = memory->Place(contents.size(), trial.flush, shift - shift % AlignmentOf(operand), pattern);
-    if (!contents.empty()) std::memcpy(run, contents.data(), contents.size());
-    return run;
-  }
-
-  Bytes Expected(const KernelArguments& arguments, const Bytes (&contents)[3], Bytes output) const {
-    kernel_.define({arguments, output.data(), {contents[0].data(), contents[1].data(), contents[2].data()}});
-    return output;
-  }
-
-  std::string CallKernel(const KernelCall& call) {
-    struct Context {
-      const Rig* rig;
-      const KernelCall* call;
-    } context = {this, &call};
-    const void* fault = FaultIn(
-        [](void* c) {
-          const auto* k = static_cast<Context*>(c);
-          k->rig->kernel_.call(k->rig->kernels_, *k->call);
-        },
-        &context);
-    if (!fault) return {};
-    std::string text = "\n  memory fault";
-    const std::string atOutput = output_.Locate(fault);
-    if (!atOutput.empty()) text += ", of the output " + atOutput;
-    for (std::size_t i = 0; i < kernel_.inputs.size(); ++i) {
-      const std::string atInput = call.inputs[i] == call.output ? "" : inputs_[i].Locate(fault);
-      if (!atInput.empty()) text += ", of input " + std::to_string(i) + " " + atInput;
-    }
-    return text;
-  }
-
-  static std::string Compare(const Bytes& expected, const Bytes& actual) {
-    if (expected == actual) return {};
-    const auto differs = std::mismatch(expected.begin(), expected.end(), actual.begin()).first;
-    const std::size_t at = static_cast<std::size_t>(differs - expected.begin()) / 4 * 4;
-    return "\n  bytes " + std::to_string(at) + "...: expected " + Hex(expected, at) + " got " + Hex(actual, at);
-  }
-
-  const KernelCase& kernel_;
-  const RunKernels& kernels_;
-  GuardedRun output_;
-  GuardedRun inputs_[3];
-};
-
 // Every width and shift, in place or not, each case with a seed of its own.
 std::vector<Trial> Trials(const KernelCase& kernel) {
   std::vector<std::size_t> widths;
@@ -194,16 +55,13 @@ std::vector<Trial> Trials(const KernelCase& kernel) {
        std::vector<std::size_t>{95, 96, 97, 127, 128, 129, 255, 256, 257, 511, 512, 513, 1023, 1100}) {
     widths.push_back(n);
   }
-  std::vector<std::size_t> inPlace = {0};
-  for (std::size_t i = 0; i < kernel.inputs.size(); ++i) {
-    if (kernel.inputs[i].mayBeOutput) inPlace.push_back(i + 1);
-  }
+  const std::vector<std::size_t> inPlace = WaysInPlace(kernel);
   const std::size_t step = AlignmentOf(kernel.output);
   std::vector<Trial> trials;
   std::uint64_t seed = 0;
   for (std::size_t i = 0; i < widths.size(); ++i) {
     for (const std::size_t place : inPlace) {
-      // Flush with the page behind, a width passes through all multiples of 4 by itself.
+      // Flush with the page after it, a width passes through all multiples of 4 by itself.
       for (std::size_t shift = 0; shift < (i < few ? 8 : 4); shift += step) {
         trials.push_back({widths[i], host::Flush::End, shift, place, ++seed});
       }
@@ -230,7 +88,8 @@ bool IsInherited(const std::string& level, const KernelCase& kernel) {
   return false;
 }
 
-// Level and index of every kernel to test. What this processor lacks is there, too: to be seen as skipped.
+// Level and index of every kernel to test. What this processor lacks is there, too: to be seen as
+// skipped.
 std::vector<std::tuple<std::string, std::size_t>> LevelsAndKernels() {
   std::vector<std::tuple<std::string, std::size_t>> all;
   for (const std::string& level : LevelNames()) {
@@ -254,9 +113,13 @@ TEST_P(Kernel, EqualsItsDefinition) {
     ASSERT_TRUE(Parse(only, &trial)) << only;
     trials = {trial};
   }
-  Rig rig(kernel, kernels);
+  KernelRig rig;
   for (const Trial& trial : trials) {
-    const std::string trouble = rig.Run(trial);
+    Random random(trial.seed);
+    KernelTrial made(kernel, trial.n, trial.inPlace, random);
+    made.flush = trial.flush;
+    made.shift = trial.shift;
+    const std::string trouble = rig.Run(made, kernels);
     ASSERT_EQ(trouble, "") << kernel.name << " of " << level << ", LMX_KERNEL_CASE=\"" << Text(trial) << "\"";
   }
 }

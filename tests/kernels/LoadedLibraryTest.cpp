@@ -1,5 +1,5 @@
-// That a library capped at a level runs this level, and the plug-in the best that this processor has: seen in the table
-// of the loaded library, which nothing exports.
+// That a library capped at a level runs this level, and the plug-in the best that this processor
+// has: seen in the table of the loaded library, which nothing exports.
 #include <gtest/gtest.h>
 
 #include <algorithm>
