@@ -32,13 +32,17 @@ std::vector<float> Wave(int length, double step, double phase) {
 }
 
 std::uint32_t Stored(std::uint32_t straight, host::Storage storage) {
-  const std::uint32_t alpha = straight >> 24;
-  if (storage == host::Storage::Buffer) return (127 - alpha / 2) << 24 | (straight & 0xFFFFFF);
-  const auto premultiplied = [&](int shift) { return ((straight >> shift & 0xFF) * alpha / 255) << shift; };
-  return __builtin_bswap32(alpha << 24 | premultiplied(16) | premultiplied(8) | premultiplied(0));
+  if (storage == host::Storage::BitmapContext) return __builtin_bswap32(Premultiplied(straight));
+  return (127 - (straight >> 24) / 2) << 24 | (straight & 0xFFFFFF);
 }
 
 }  // namespace
+
+std::uint32_t Premultiplied(std::uint32_t straight) {
+  const std::uint32_t alpha = straight >> 24;
+  const auto channel = [&](int shift) { return ((straight >> shift & 0xFF) * alpha / 255) << shift; };
+  return alpha << 24 | channel(16) | channel(8) | channel(0);
+}
 
 const std::vector<Content>& Contents() {
   static const std::vector<Content> contents = {{"opaque", Opaque}, {"fading", Fading}, {"soft", SoftDiscs}};

@@ -21,6 +21,9 @@ const std::vector<Content>& Contents();
 
 Pixels Draw(const Content& content, int width, int height);
 
+/// The same pixel as bitmap contexts have it, in a word.
+std::uint32_t Premultiplied(std::uint32_t straight);
+
 /// Writes pixels into a picture of their size, in its form.
 void Store(const Pixels& pixels, PoolPicture& picture);
 

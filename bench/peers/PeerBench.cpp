@@ -1,6 +1,7 @@
 // Times the operations of the plug-in beside the same work done by other libraries, each pair in turn in one run.
 #include <malloc.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -28,15 +29,6 @@ constexpr const char* kUsage =
   --help               this text
 )";
 
-// As the bitmap contexts have them, but in words.
-void Premultiply(const Pixels& straight, std::uint32_t* words) {
-  for (const std::uint32_t pixel : straight) {
-    const std::uint32_t alpha = pixel >> 24;
-    const auto channel = [&](int shift) { return ((pixel >> shift & 0xFF) * alpha / 255) << shift; };
-    *words++ = alpha << 24 | channel(16) | channel(8) | channel(0);
-  }
-}
-
 std::size_t IndexOf(const PeerWork& work) {
   std::size_t index = 0;
   for (const Operation& operation : Operations()) {
@@ -63,7 +55,7 @@ class PeerBench {
     const bool translucent = std::string(content.name) != "opaque";
     Workbench workbench(host::Storage::BitmapContext, pixels, width_, height_);
     const Canvas source(width_, height_), spare(width_, height_);
-    Premultiply(pixels, source.Picture().words);
+    std::transform(pixels.begin(), pixels.end(), source.Picture().words, Premultiplied);
     if (!options_.Has("json")) {
       std::printf("%s, %d x %d: ns per pixel\n", content.name, width_, height_);
     }

@@ -25,13 +25,6 @@ std::uint32_t DiscAlpha(int x, int y, int width, int height) {
   return static_cast<std::uint32_t>(std::clamp(128 + inside, 0, 255));
 }
 
-std::uint32_t Stored(Form form, std::uint32_t alpha, std::uint32_t colour) {
-  if (form == Form::Buffer) return (127 - alpha / 2) << 24 | colour;
-  std::uint32_t word = alpha << 24;
-  for (const int shift : {0, 8, 16}) word |= (colour >> shift & 0xFF) * alpha / 255 << shift;
-  return word;
-}
-
 }  // namespace
 
 const char* NameOf(Subject subject) {
@@ -55,7 +48,8 @@ definition::StoredPicture Draw(Subject subject, Form form, int width, int height
     for (int x = 0; x < width; ++x) {
       const std::uint32_t colour = subject == Subject::Grey ? random.Below(256) * 0x010101 : Slopes(x, y, random);
       const std::uint32_t alpha = subject == Subject::Soft ? DiscAlpha(x, y, width, height) : 255;
-      picture.Word(x, y) = subject == Subject::Wild ? random.Word() : Stored(form, alpha, colour);
+      picture.Word(x, y) =
+          subject == Subject::Wild ? random.Word() : definition::WritePixel(form, alpha << 24 | colour);
     }
   }
   return picture;

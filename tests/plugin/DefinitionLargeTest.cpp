@@ -22,10 +22,7 @@ constexpr std::uint32_t kFrame = 0x00204060;
 std::uint32_t WordAt(Form form, int x, int y) {
   const std::uint32_t mixed = static_cast<std::uint32_t>(x) * 0x9E3779B1u ^ static_cast<std::uint32_t>(y) * 0x85EBCA6Bu;
   const std::uint32_t alpha = x + y < 300 ? 0 : (x / 2 + y) % 700 < 40 ? mixed >> 24 : 255;
-  if (form == Form::Buffer) return (127 - alpha / 2) << 24 | (mixed & 0xFFFFFF);
-  std::uint32_t word = alpha << 24;
-  for (int shift = 0; shift < 24; shift += 8) word |= (mixed >> shift & 0xFF) * alpha / 255 << shift;
-  return word;
+  return definition::WritePixel(form, alpha << 24 | (mixed & 0xFFFFFF));
 }
 
 // Sources and results in both forms.
