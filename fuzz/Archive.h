@@ -1,4 +1,5 @@
-// Inputs as bytes: a function that visits the members of a structure in order serves to read it and to write it.
+// Inputs as bytes: a function that visits the members of a structure in order serves to read it and
+// to write it.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +9,7 @@
 
 namespace fuzz {
 
-/// Reads numbers, the lowest byte first; zeros behind the end, so that any bytes are an input.
+/// Reads numbers, the lowest byte first; zeros past the end, so that any bytes are an input.
 class Reader {
  public:
   Reader(const std::uint8_t* bytes, std::size_t size) : bytes_(bytes), left_(size) {}

@@ -1,5 +1,6 @@
-// Texts as users and plug-ins write them. The first byte says what the text is: a command line, one word a line, which
-// is carried out on a small picture if it means something; the value of an argument; or a declaration.
+// Texts as users and plug-ins write them. The first byte says what the text is: a command line, one
+// word a line, which is carried out on a small picture if it means something; the value of an
+// argument; or a declaration.
 
 #include <algorithm>
 #include <cmath>
@@ -80,7 +81,8 @@ bool Same(const host::Value& a, const host::Value& b) {
   return noNumbers || a == b;
 }
 
-// A value that is understood comes back the same from what lmx writes for programs, and for scripts.
+// A value that is understood comes back the same from what lmx writes for programs, and for
+// scripts.
 void CheckValue(host::Type type, const std::string& text) {
   host::Value value;
   try {

@@ -1,6 +1,7 @@
 // A target's corpus: the inputs that are worth replaying, packed into one file.
 //
-// Of each input, in the order of the names: a line with its size and its name, its bytes, and the end of a line.
+// Of each input, in the order of the names: a line with its size and its name, its bytes, and the
+// end of a line.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +14,8 @@ namespace fuzz {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Inputs by name. libFuzzer names an input after the hash of its bytes; what was a finding has a name that says so.
+/// Inputs by name. libFuzzer names an input after the hash of its bytes; what was a finding has a
+/// name that says so.
 using Corpus = std::map<std::string, Bytes>;
 
 // All of these throw std::runtime_error where a file cannot be read or written.

@@ -2,8 +2,8 @@
 //
 //   fuzz_corpus seeds TARGET FOLDER   writes the seeds of a target, one file each
 //   fuzz_corpus unpack FILE FOLDER    writes the inputs of a corpus, one file each
-//   fuzz_corpus pack FOLDER FILE      makes the files of a folder the corpus, and says what has changed. An input that
-//                                     was a finding stays, whatever the folder has.
+//   fuzz_corpus pack FOLDER FILE      makes the files of a folder the corpus, and says what has
+//                                     changed. An input that was a finding stays in any case.
 #include <cstdio>
 #include <exception>
 #include <stdexcept>

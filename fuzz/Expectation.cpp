@@ -63,7 +63,8 @@ class Model {
 
   Expectation Clean() const { return {clean_, {}, 0, static_cast<std::size_t>(clean_.lost)}; }
 
-  // One that is refused by a service: it is as if its type were of no use, but that there may be less to abandon.
+  // One that is refused by a service: it is as if its type were of no use, but that there may be
+  // less to abandon.
   Expectation WithoutPicture(std::size_t number) const {
     Setting setting = setting_;
     if (number == kSource) {
@@ -84,7 +85,8 @@ class Model {
   // The stretch's result, made before its temporary picture, is abandoned when that throws.
   std::size_t ResultsBefore(std::size_t number) const { return method_.result != 0 && method_.result < number ? 1 : 0; }
 
-  // An exception of `thrower` while a new picture is made; `like` is a service that leaves as much when it throws.
+  // An exception of `thrower` while a new picture is made; `like` is a service that leaves as much
+  // when it throws.
   Expectation LeftBy(Service thrower, Service like, std::size_t number) const {
     if (number > clean_.made.size()) return Clean();
     const std::size_t leaks = ResultsBefore(number) + (like == Service::NewInstance ? 0 : 1);

@@ -1,4 +1,5 @@
-// What must come of a call in which one service fails, throws or is missing, told by the method's definition.
+// What must come of a call in which one service fails, throws or is missing, told by the
+// reference model.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +16,7 @@ struct Expectation {
   std::size_t leaks = 0;                 ///< objects that nobody can give up any more
 };
 
-/// Of a method that has a definition, without defects.
+/// Of a method that the reference model has, without defects.
 Expectation Expect(const MethodInput& input, const support::Setting& setting,
                    const std::vector<host::Value>& arguments);
 

@@ -63,7 +63,7 @@ host::Options OptionsOf(const MethodInput& input) {
   return options;
 }
 
-// ------------------------------------------------------------------------------------------------------------- a call
+// ------------------------------------------------------------------------------------------ a call
 
 class FaultyCall {
  public:
@@ -184,7 +184,7 @@ class FaultyCall {
 
   void CheckMeans(const definition::Outcome& outcome) {
     for (std::size_t i = 0; i < 3 && (outcome.meanHsv || outcome.meanRgb); ++i) {
-      const std::size_t mean = 4 + i;  // behind the rectangle
+      const std::size_t mean = 4 + i;  // after the rectangle
       if (after_[mean].IsNil()) continue;
       const Value expected = outcome.meanHsv ? Value((*outcome.meanHsv)[i]) : Value((*outcome.meanRgb)[i]);
       Require(Same(after_[mean], expected), "a mean is wrong");
@@ -220,14 +220,14 @@ class FaultyCall {
   Picture source_;
   host::Snapshot before_;
   Value result_;
-  std::vector<Value> after_;  // the arguments behind the source
+  std::vector<Value> after_;  // the arguments after the source
   std::optional<Service> thrower_;
   std::size_t yields_ = 0;
   std::size_t leaks_ = 0;
   int code_ = 0;
 };
 
-// ----------------------------------------------------------------------------------------------------------- messages
+// ---------------------------------------------------------------------------------------- messages
 
 void CheckMessage(host::Host& host, const MethodInput& input) {
   host.ResetCounts();
@@ -256,7 +256,7 @@ int CheckLastError(host::Host& host) {
   return code.AsInteger();
 }
 
-// ------------------------------------------------------------------------------------------------------------ loading
+// ----------------------------------------------------------------------------------------- loading
 
 // Which service's exception leaves the plug-in's entry.
 std::optional<Service> LoadThrower(const FaultInput& fault, bool recent) {

@@ -17,7 +17,8 @@ struct KernelInput {
   std::uint8_t inPlace = 0;  ///< which of the inputs that may be is the output; 0: none
 };
 
-/// Reads or writes one, see Archive.h. The choices of arguments and contents are the bytes behind it.
+/// Reads or writes one, see Archive.h. The choices of arguments and contents are the bytes after
+/// it.
 template <class Archive, class Input>
 void Visit(Archive& archive, Input& input) {
   archive(input.kernel);

@@ -50,7 +50,7 @@ int WrongKind(std::uint8_t byte) {
   return byte < kWrong ? 0 : byte - kWrong + 1;
 }
 
-// The number behind `kind`, as wide as the type needs it.
+// The number after `kind`, as wide as the type needs it.
 template <class Archive, class Argument>
 void VisitArgument(Archive& archive, Argument& argument, char type) {
   archive(argument.kind);

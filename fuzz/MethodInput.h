@@ -14,7 +14,8 @@ namespace fuzz {
 using support::Method;
 using support::Methods;
 
-// Of bytes that stand for something wrong, only the highest values mean it, so that most inputs are well-formed.
+// Of bytes that stand for something wrong, only the highest values mean it, so that most inputs are
+// well-formed.
 
 /// How a picture lies in memory, and what is wrong with it.
 struct PictureInput {
@@ -70,12 +71,12 @@ std::vector<std::uint8_t> Encode(const MethodInput& input);
 
 // What an input means.
 
-/// What the definition knows of: everything but defects and faults of services.
+/// What the reference model knows of: everything but defects and faults of services.
 support::Setting SettingOf(const MethodInput& input);
 std::vector<host::Value> Arguments(const MethodInput& input);
 double HostVersion(const MethodInput& input);
 
-/// Whether the definition does not know what comes of it.
+/// Whether the reference model does not know what comes of it.
 bool HasDefects(const MethodInput& input);
 /// Adds the picture's defect to its shape.
 void Spoil(const PictureInput& input, host::PictureShape& shape);

@@ -1,5 +1,5 @@
-// The methods: a call with any arguments on any picture, in a host that works or does not. A call that the definition
-// covers is compared with it to the last pixel and yield.
+// The methods: a call with any arguments on any picture, in a host that works or does not. A call
+// that the reference model covers is compared with it to the last pixel and yield.
 
 #include "FaultyCall.h"
 #include "Finding.h"

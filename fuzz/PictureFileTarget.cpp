@@ -1,5 +1,5 @@
-// Picture files as lmx reads them: a file is refused with a message, or it is a picture that comes back the same when
-// it is written and read again.
+// Picture files as lmx reads them: a file is refused with a message, or it is a picture that comes
+// back the same when it is written and read again.
 
 #include <sys/mman.h>
 #include <unistd.h>

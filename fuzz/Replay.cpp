@@ -1,5 +1,6 @@
-// Calls a target with inputs instead of a fuzzer: those of every packed corpus (FILE.corpus) that is given, or the
-// files themselves. What a fuzzer would call a crash ends the process, after the name of the input.
+// Calls a target with inputs instead of a fuzzer: those of every packed corpus (FILE.corpus) that
+// is given, or the files themselves. What a fuzzer would call a crash ends the process, after the
+// name of the input.
 #include <cstdio>
 #include <exception>
 

@@ -1,4 +1,5 @@
-// Seeds of the kernels: each at widths around those of the vectors, flush with either page, in place and not.
+// Seeds of the kernels: each at widths around those of the vectors, flush with either page, in
+// place and not.
 
 #include "Archive.h"
 #include "KernelCases.h"

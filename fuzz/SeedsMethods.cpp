@@ -1,5 +1,5 @@
-// Seeds of the methods: every method in its usual form, at the edges of its arguments, on every kind of picture, and
-// with every fault of the host.
+// Seeds of the methods: every method in its usual form, at the edges of its arguments, on every
+// kind of picture, and with every fault of the host.
 
 #include <cfloat>
 #include <climits>

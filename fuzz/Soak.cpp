@@ -1,11 +1,13 @@
-// A soak: very many calls, one after another, in one process and one host, as a program makes them that runs for weeks.
+// A soak: very many calls, one after another, in one process and one host, as a program makes them
+// that runs for weeks.
 //
 //   soak [--calls=N] [--seed=N] [--first=N]     20000 calls of seed 1, from call 1 on
 //
-// Calls are random: any of the sixteen methods, small pictures of both storage forms, any pace of yields, and some with
-// a nil source, a malformed picture, no memory for a new one, or a service that fails or throws. Each is compared with
-// the definition to the last pixel, and must leave no lock, reference or object behind. At the end the process must
-// have the memory that it had when it was warm.
+// Calls are random: any of the sixteen methods, small pictures of both storage forms, any pace of
+// yields, and some with a nil source, a malformed picture, no memory for a new one, or a service
+// that fails or throws. Each is compared with the reference model to the last pixel, and must leave
+// no lock, reference or object. At the end the process must have the memory that it had when it was
+// warm.
 //
 // What a call is depends only on seed and number. A finding names both, and ends the process.
 #include <malloc.h>
@@ -40,7 +42,7 @@ constexpr bool kMemoryIsPlain = !__has_feature(address_sanitizer);
 constexpr bool kMemoryIsPlain = true;
 #endif
 
-// -------------------------------------------------------------------------------------------------------------- calls
+// ------------------------------------------------------------------------------------------- calls
 
 std::uint8_t Byte(Random& random) {
   return static_cast<std::uint8_t>(random.Below(256));
@@ -117,7 +119,7 @@ MethodInput RandomCall(std::uint64_t seed, std::uint64_t number) {
   return input;
 }
 
-// ------------------------------------------------------------------------------------------------------------- memory
+// ------------------------------------------------------------------------------------------ memory
 
 struct Memory {
   long residentKib = 0;
@@ -148,7 +150,7 @@ void CheckMemory(const Memory& warm, const Memory& end) {
   if (end.allocated > warm.allocated + kMostBytes) Report("more and more memory is allocated");
 }
 
-// --------------------------------------------------------------------------------------------------------------- soak
+// -------------------------------------------------------------------------------------------- soak
 
 class Soak {
  public:
@@ -219,7 +221,7 @@ void RunWithoutCache(char** arguments) {
   execv("/proc/self/exe", arguments);
 }
 
-// The number behind `--name=`.
+// The number after `--name=`.
 std::uint64_t Option(int count, char** arguments, const std::string& name, std::uint64_t otherwise) {
   const std::string start = "--" + name + "=";
   for (int i = 1; i < count; ++i) {

@@ -145,7 +145,7 @@ void Arguments::AddByRef(std::size_t index, const Parameter& parameter, const Va
   place.index = index;
   place.before.fill(kBeside);
   place.value.fill(kBeside);
-  place.behind.fill(kBeside);
+  place.after.fill(kBeside);
   Store(converted, place.value.data());
   native_.AddPointer(place.value.data());
 }
@@ -165,7 +165,7 @@ std::vector<std::string> Arguments::Overwritten() const {
     bool intact = true;
     for (std::uint8_t byte : place.before) intact = intact && byte == kBeside;
     for (std::size_t i = SizeOf(parameter.type); i < 8; ++i) intact = intact && place.value[i] == kBeside;
-    for (std::uint8_t byte : place.behind) intact = intact && byte == kBeside;
+    for (std::uint8_t byte : place.after) intact = intact && byte == kBeside;
     if (!intact) names.push_back(parameter.name);
   }
   return names;

@@ -34,7 +34,7 @@ class Arguments {
     std::size_t index;
     alignas(8) std::array<std::uint8_t, 8> before;
     std::array<std::uint8_t, 8> value;
-    std::array<std::uint8_t, 8> behind;
+    std::array<std::uint8_t, 8> after;
   };
 
   void Add(const Parameter& parameter, const Value& value);

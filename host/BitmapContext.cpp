@@ -1,5 +1,6 @@
-// The five functions through which the plug-in reads a bitmap context. The process exports them, as the host's
-// framework would; a test can leave out any. A Host's context is good while its picture is locked.
+// The five functions through which the plug-in reads a bitmap context. The process exports them, as
+// the host's framework would; a test can leave out any. A Host's context is good while its picture
+// is locked.
 #include "BitmapContext.h"
 
 #include <string>

@@ -19,7 +19,8 @@ struct BitmapContext {
 /// Describes a context; `function` is the name of the one that asks. Zeros for what is no context.
 using ContextKeeper = BitmapContext (*)(CGContextRef context, const char* function);
 
-/// From now on the functions ask this keeper. A Host installs its own; so must whoever plays the host instead.
+/// From now on the functions ask this keeper. A Host installs its own; so must whoever plays the
+/// host instead.
 void SetContextKeeper(ContextKeeper keeper);
 
 /// The keeper of Host: only contexts of locked pictures, and a complaint about any other.

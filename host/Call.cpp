@@ -14,7 +14,8 @@ ObjectTable& Table() {
   return ObjectTable::Instance();
 }
 
-// Compares the locks at the end of a call with those at its start. A call inside a yield has the outer call's locks.
+// Compares the locks at the end of a call with those at its start. A call inside a yield has the
+// outer call's locks.
 class LockBalance {
  public:
   LockBalance() {
@@ -53,7 +54,8 @@ const void* Pointer(std::uint64_t word) {
   return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(word));
 }
 
-// The object that a method returned with a reference for the caller; nil with a complaint if it is no such object.
+// The object that a method returned with a reference for the caller; nil with a complaint if it is
+// no such object.
 Object* ReturnedObject(HostState& state, const Method& method, Object::Kind kind, const void* handle) {
   if (handle == nullptr) return nullptr;
   Object* object = Table().Find(handle);

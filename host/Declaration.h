@@ -30,8 +30,9 @@ struct Method {
 };
 
 /// Parses a declaration. Upper and lower case are the same, and blanks matter only between words.
-/// Throws host::Error naming the place on anything that is no declaration: a word missing or too many, an unknown
-/// type, a parameter twice, `extends` behind the first parameter, ByRef of a picture or string.
+/// Throws host::Error naming the place on anything that is no declaration: a word missing or too
+/// many, an unknown type, a parameter twice, `extends` after the first parameter, ByRef of a
+/// picture or string.
 Method ParseDeclaration(std::string_view text);
 
 /// Whether two names of the host's language are the same.

@@ -8,14 +8,15 @@
 
 namespace host {
 
-/// A number of equally large blocks, each with an inaccessible page before and behind it. One end of every block
-/// touches its inaccessible page without a gap. New memory is accessible and zero.
+/// A number of equally large blocks, each with an inaccessible page before and after it. One end of
+/// every block touches its inaccessible page without a gap. New memory is accessible and zero.
 class GuardedMemory {
  public:
   enum class Where { Anywhere, Below4GiB };
   enum class Access { None, Read, Write };
 
-  /// A block may have 0 bytes: then its address is inaccessible. Throws host::Error when there is no memory.
+  /// A block may have 0 bytes: then its address is inaccessible. Throws host::Error when there is
+  /// no memory.
   GuardedMemory(std::size_t blocks, std::uint64_t blockSize, Flush flush, Where where);
   ~GuardedMemory();
   GuardedMemory(const GuardedMemory&) = delete;

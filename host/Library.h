@@ -14,8 +14,8 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
-  /// Loads the file with fresh variables: as itself, or as a private copy if it is in the process already. Throws
-  /// host::Error.
+  /// Loads the file with fresh variables: as itself, or as a private copy if it is in the process
+  /// already. Throws host::Error.
   void Load(const std::string& path);
   /// Unloads it, if it is loaded. One that is kept resident only becomes free for the next Load.
   void Unload();
@@ -24,7 +24,8 @@ class Library {
 
   /// Whether this very file is in the process.
   static bool IsResident(const std::string& path);
-  /// Loads the file for good: from now on, Load puts its variables back instead of mapping it anew. Throws host::Error.
+  /// Loads the file for good: from now on, Load puts its variables back instead of mapping it anew.
+  /// Throws host::Error.
   static void KeepResident(const std::string& path);
 
  private:

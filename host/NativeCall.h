@@ -1,7 +1,8 @@
-// Calls of functions whose signature is known only at run time, after the C calling convention of the ABI.
+// Calls of functions whose signature is known only at run time, after the C calling convention of
+// the ABI.
 //
-// 64-bit x86: the first six words in registers, the first eight doubles in vector registers, the rest on the stack in
-// order. 32-bit x86: everything on the stack in order, a double as two words.
+// 64-bit x86: the first six words in registers, the first eight doubles in vector registers, the
+// rest on the stack in order. 32-bit x86: everything on the stack in order, a double as two words.
 #pragma once
 
 #include <array>
@@ -22,8 +23,9 @@ class NativeCall {
   void AddPointer(const void* value);
   void AddDouble(double value);
 
-  /// Calls a function that returns nothing, an integer or a pointer, and gives the raw result register.
-  /// 32-bit: the stack pointer is `misalignment` (a multiple of 4) modulo 16 at the call instruction.
+  /// Calls a function that returns nothing, an integer or a pointer, and gives the raw result
+  /// register. 32-bit: the stack pointer is `misalignment` (a multiple of 4) modulo 16 at the call
+  /// instruction.
   std::uint64_t Call(Function function, unsigned misalignment) const;
   double CallDouble(Function function, unsigned misalignment) const;
 

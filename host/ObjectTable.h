@@ -1,4 +1,5 @@
-// The books of the process: every object that lives, under the address that the plug-in knows it by.
+// The books of the process: every object that lives, under the address that the plug-in knows it
+// by.
 #pragma once
 
 #include <cstdint>
@@ -61,7 +62,8 @@ class ObjectTable {
   void Lock(PictureObject& picture);
   void Unlock(PictureObject& picture);
 
-  /// Sets what the plug-in can do with each picture's pixels from now on: while it is not locked, nothing.
+  /// Sets what the plug-in can do with each picture's pixels from now on: while it is not locked,
+  /// nothing.
   void ProtectAll();
   static void Protect(const PictureObject& picture);
 

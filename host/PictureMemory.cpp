@@ -26,7 +26,7 @@ void CheckShape(const PictureShape& shape) {
   if (shape.layout.scattered && !buffer) throw Error("only the rows of a buffer can be scattered");
   if (shape.layout.scattered && shape.layout.padding != 0) throw Error("scattered rows have no padding");
   if (shape.layout.sparse && (shape.layout.scattered || shape.layout.padding != 0 || defects.bytesPerRow)) {
-    throw Error("the rows of a sparse picture lie one behind the other");
+    throw Error("the rows of a sparse picture follow one another without a gap");
   }
   if (buffer && (defects.nilPixels || defects.bitsPerPixel != 32 || defects.bytesPerRow)) {
     throw Error("a buffer has no pixel address, depth or distance of rows of its own");

@@ -1,4 +1,5 @@
-// How one picture lies in memory, in both storage forms, well-formed or not, and the stored words in it.
+// How one picture lies in memory, in both storage forms, well-formed or not, and the stored words
+// in it.
 #pragma once
 
 #include <cstddef>

@@ -12,8 +12,8 @@
 namespace host {
 namespace {
 
-// Word by word, and not by a function that looks at what lies there: between the variables, address sanitizers keep
-// memory that nobody may touch.
+// Word by word, and not by a function that looks at what lies there: between the variables, address
+// sanitizers keep memory that nobody may touch.
 __attribute__((no_sanitize("address"))) void CopyWords(volatile std::uintptr_t* to, const volatile std::uintptr_t* from,
                                                        std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) to[i] = from[i];
@@ -32,7 +32,8 @@ std::uintptr_t PageStart(std::uintptr_t address) {
   return address & ~(static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE)) - 1);
 }
 
-// Finds what of a library is still writable when it is loaded: the relocations at the start of it are not.
+// Finds what of a library is still writable when it is loaded: the relocations at the start of it
+// are not.
 int FindWritable(dl_phdr_info* info, std::size_t, void* context) {
   auto& search = *static_cast<Search*>(context);
   if (info->dlpi_addr != search.base) return 0;

@@ -7,8 +7,8 @@
 
 namespace host {
 
-/// One library, and what its variables held when it had just been loaded. What its constructors and methods did
-/// elsewhere, on the heap for example, is not undone.
+/// One library, and what its variables held when it had just been loaded. What its constructors and
+/// methods did elsewhere, on the heap for example, is not undone.
 class ResidentLibrary {
  public:
   /// Takes over the library, of which nothing but the constructors has run.

@@ -12,7 +12,8 @@
 
 namespace host {
 
-/// The program asked for something that cannot be: no such method, an argument of the wrong type, no such library.
+/// The program asked for something that cannot be: no such method, an argument of the wrong type,
+/// no such library.
 class Error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -30,7 +31,8 @@ struct Colour {
   bool operator==(const Colour& other) const { return value == other.value; }
 };
 
-/// What lies in memory where a value of type `boolean` should be: a byte that need be neither 0 (false) nor 1 (true).
+/// What lies in memory where a value of type `boolean` should be: a byte that need be neither 0
+/// (false) nor 1 (true).
 struct BooleanByte {
   std::uint8_t value = 0;
   bool operator==(const BooleanByte& other) const { return value == other.value; }

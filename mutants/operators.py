@@ -13,7 +13,8 @@ OPERATORS = {
     "^": ("xor-bor", "|"), "+=": ("addto-subfrom", "-="), "-=": ("subfrom-addto", "+="),
 }
 
-# Names that are easily confused. One takes the other's place only where that is in the same function, too.
+# Names that are easily confused. One takes the other's place only where that is in the same
+# function, too.
 NAMES = [
     ("width", "height"), ("left", "top"), ("begin", "end"), ("x0", "x1"), ("y0", "y1"), ("x0", "y0"), ("x", "y"),
     ("red", "green"), ("green", "blue"), ("first", "last"), ("first", "second"), ("from", "to"),
@@ -93,10 +94,10 @@ def _operators(source):
 
 def _is_declared(source, i):
     """Whether the name is that of a parameter, member or variable which is declared here."""
-    before, behind = source.tokens[i - 1], source.tokens[i + 1]
+    before, after = source.tokens[i - 1], source.tokens[i + 1]
     if before.kind == "name":
         return before.text not in ("return", "case", "else", "const")
-    return before.text in ("*", "&", ">") and behind.text in (",", ")", ";", "=", "[") and not source.spaced(i - 1)
+    return before.text in ("*", "&", ">") and after.text in (",", ")", ";", "=", "[") and not source.spaced(i - 1)
 
 
 def _functions(source):
@@ -127,13 +128,13 @@ def _names(source):
 def _vector_names(source):
     for i, token in _tokens(source, "name"):
         if source.tokens[i - 1].text == "::" and source.tokens[i - 2].text == "Vector":
-            parts, before, behind = VECTOR_PARTS, "", "(?![a-z])"
+            parts, before, after = VECTOR_PARTS, "", "(?![a-z])"
         elif token.text.startswith("_mm"):
-            parts, before, behind = INTRINSIC_PARTS, "_", "(?![a-z0-9])"
+            parts, before, after = INTRINSIC_PARTS, "_", "(?![a-z0-9])"
         else:
             continue
         for part, other in parts:
-            swapped = re.sub(before + part + behind, before + other, token.text, count=1)
+            swapped = re.sub(before + part + after, before + other, token.text, count=1)
             if swapped != token.text:
                 yield token.start, token.end, f"{part}-{other}", swapped
 

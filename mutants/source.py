@@ -75,7 +75,7 @@ class Source:
         return skipped
 
     def statements(self):
-        """(first, last) of each simple statement: from behind ; { } or a label to its semicolon, with no braces."""
+        """(first, last) of each simple statement: from after ; { } or a label to its semicolon, with no braces."""
         start = 0
         i = 0
         while i < len(self.tokens):

@@ -23,9 +23,9 @@ BUILDS = {
 BUILD_SECONDS = 1800
 MEMORY = 16 << 30
 
-# Programs of tests by kind, the quickest first: the program below the build folder, and its arguments. "levels" are two
-# of them once more with the plug-in's twins; "sanitized" and "emulated" (AVX-512) are builds of their own, for what has
-# survived so far.
+# Programs of tests by kind, the quickest first: the program below the build folder, and its
+# arguments. "levels" are two of them once more with the capped builds; "sanitized" and "emulated"
+# (AVX-512) are builds of their own, for what has survived so far.
 PROGRAMS = {
     "source": [("tests/source/source_tests",)],
     "fuzz": [("fuzz/replay_methods", "fuzz/methods.corpus"), ("fuzz/replay_kernels", "fuzz/kernels.corpus")],
@@ -43,12 +43,13 @@ PROGRAMS = {
 LEVEL_HEADER = pathlib.Path(__file__).parent.parent / "source/kernels/KernelLevel.h"
 LEVELS = re.search(r"^enum class KernelLevel { (.*) };$", LEVEL_HEADER.read_text(), re.M).group(1).split(", ")[:-1]
 
-# Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is needed by their tests, in
-# which every operand lies between inaccessible pages.
+# Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is
+# needed by their tests, in which every operand lies between inaccessible pages.
 ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "sanitized": "^(?!source/kernels/)",
             "emulated": "kernels/(Wide|.*_(wide|avx512))"}
 
-# What a mutant meets first, by its file: kinds, with the suites that are about it, or all. Everything else follows.
+# What a mutant meets first, by its file: kinds, with the suites that are about it, or all.
+# Everything else follows.
 FIRST = [
     ("kernels/(Vector|RunKernels)_avx512", [("emulated", "")]),
     ("kernels/", [("fuzz", ""), ("golden", ""), ("kernels", "-All*:Some*:*transpose*")]),
@@ -85,7 +86,7 @@ class Workbench:
         self.builds = {name: folder / "build" / name for name in BUILDS}
         self.objects = ""
 
-    # ------------------------------------------------------------------------------------------------------ the tree
+    # ------------------------------------------------------------------------------------- the tree
 
     def prepare(self, files, checks):
         """Makes the tree that of the repository, builds what mutants of the files will meet, and if that is asked for,
@@ -125,7 +126,7 @@ class Workbench:
         if done.returncode:
             raise SystemExit(f"{' '.join(map(str, command))} fails:\n{done.stdout}")
 
-    # ----------------------------------------------------------------------------------------------------- a mutant
+    # ------------------------------------------------------------------------------------- a mutant
 
     def judge(self, mutant):
         """Plants the mutant, runs what may kill it, and takes it out again."""
@@ -156,7 +157,7 @@ class Workbench:
 
     def _at_sse2(self):
         """What becomes, at this level, of a mutant that is part of more of them: its object, one of several that take long
-        to compile, and the twin of this level are made anew. Nothing if it lives."""
+        to compile, and the build capped at this level are made anew. Nothing if it lives."""
         object_file = "CMakeFiles/lmx_product.dir/source/kernels/RunKernels_sse2.cpp.o"
         if not self._builds("native", object_file):
             return Result("stillborn")
@@ -165,9 +166,9 @@ class Workbench:
                                   stdout=subprocess.PIPE).stdout
         # Ninja would compile the others first.
         subprocess.run(commands.splitlines()[-1], shell=True, cwd=build, check=True, stdout=subprocess.DEVNULL)
-        twin = {"LMX_LIBRARY": str(build / "libLMX-sse2.so")}
+        capped = {"LMX_LIBRARY": str(build / "libLMX-sse2.so")}
         programs = [PROGRAMS["fuzz"][0], *PROGRAMS["golden"], PROGRAMS["plugin"][0] + ("--gtest_filter=-*Large*",)]
-        return next(filter(None, (self._run("levels", program, twin) for program in programs)), None)
+        return next(filter(None, (self._run("levels", program, capped) for program in programs)), None)
 
     def _ordered(self, file):
         """What a mutant of the file has to survive, in this order."""
@@ -184,7 +185,7 @@ class Workbench:
                     library = self.builds["native"] / f"libLMX-{level}.so"
                     yield kind, program, {"LMX_LIBRARY": str(library)} if level else {}
 
-    # -------------------------------------------------------------------------------------------------- compilations
+    # --------------------------------------------------------------------------------- compilations
 
     def _ninja(self, build, *targets):
         return ["ninja", "-C", self.builds[build], "-j1", *targets]
@@ -211,7 +212,7 @@ class Workbench:
     def _build_of(kind):
         return kind if kind in BUILDS else "native"
 
-    # ---------------------------------------------------------------------------------------------------------- runs
+    # ----------------------------------------------------------------------------------------- runs
 
     def _run(self, kind, program, environment):
         """Nothing if the tests pass, else how they killed the mutant. What takes much more time of the processor than

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 #
-# What the scripts share; they source it first. Gives them strictness, --help (their header comment), the repository as
-# the working directory, and the functions below.
+# What the scripts share; they source it first. Gives them strictness, --help (their header
+# comment), the repository as the working directory, and the functions below.
 set -euo pipefail
 
 case ${1:-} in
@@ -26,7 +26,8 @@ fail() {
   exit 1
 }
 
-# quietly LOG COMMAND...: runs the command with its output in the file; shows the file if the command fails.
+# quietly LOG COMMAND...: runs the command with its output in the file; shows the file if the
+# command fails.
 quietly() {
   local log=$1
   shift
@@ -35,8 +36,8 @@ quietly() {
   return 1
 }
 
-# build PRESET [TARGET...]: configures and builds in build/PRESET, quietly. Warnings are errors, except in instrumented
-# builds, where the compilers see things that are not there.
+# build PRESET [TARGET...]: configures and builds in build/PRESET, quietly. Warnings are errors,
+# except in instrumented builds, where the compilers see things that are not there.
 build() {
   local preset=$1 folder=build/$1 werror=ON
   shift

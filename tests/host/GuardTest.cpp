@@ -1,5 +1,5 @@
-// The guards of pixel memory stop the process: at both ends of the pixels, of every scattered row, of the row table,
-// behind pictures that are not locked and pictures that may only be read.
+// The guards of pixel memory stop the process: at both ends of the pixels, of every scattered row,
+// of the row table, behind pictures that are not locked and pictures that may only be read.
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ PictureShape Shape(Storage storage, Flush flush, bool scattered = false) {
   return shape;
 }
 
-TEST(GuardDeathTest, LastPixelTouchesThePageBehind) {
+TEST(GuardDeathTest, LastPixelTouchesThePageAfter) {
   for (Storage storage : {Storage::BitmapContext, Storage::Buffer}) {
     const Picture picture(Shape(storage, Flush::End));
     Touch(picture.PixelAddress(4, 2) + 3);
@@ -41,7 +41,7 @@ TEST(GuardDeathTest, FirstPixelTouchesThePageBefore) {
   }
 }
 
-TEST(GuardDeathTest, LastPixelOfPaddedRowsTouchesThePageBehind) {
+TEST(GuardDeathTest, LastPixelOfPaddedRowsTouchesThePageAfter) {
   PictureShape shape = Shape(Storage::BitmapContext, Flush::End);
   shape.layout.padding = 13;
   const Picture picture(shape);
@@ -73,7 +73,7 @@ TEST_F(GuardedCallDeathTest, PluginReadsInsideOnly) {
   }
 }
 
-TEST_F(GuardedCallDeathTest, RowTableEndsAtThePageBehindAndIsReadOnly) {
+TEST_F(GuardedCallDeathTest, RowTableEndsAtThePageAfterItAndIsReadOnly) {
   const Picture picture({5, 3, Storage::Buffer});
   host_.Call("ReadTableByte", {picture, 11, false});
   EXPECT_DEATH(host_.Call("ReadTableByte", {picture, 12, false}), "");

@@ -102,7 +102,7 @@ void* Nonsense() {
   return reinterpret_cast<void*>(std::uintptr_t{0x1234});
 }
 
-// ---- Methods -------------------------------------------------------------------------------------------------------
+// ---- Methods ------------------------------------------------------------------------------------
 
 int Next() {
   static int count = 0;
@@ -337,7 +337,7 @@ REALpictureStruct* Misbehave(REALpictureStruct* p, int number) {
   return nullptr;
 }
 
-// ---- Registration --------------------------------------------------------------------------------------------------
+// ---- Registration -------------------------------------------------------------------------------
 
 template <class Function>
 REALmethodDefinition Record(Function* entry, const char* declaration) {

@@ -1,5 +1,5 @@
-// AVX-512 by way of SIMDe, which gives every intrinsic as portable code: includes its names, and what its version in
-// Debian 12 lacks.
+// AVX-512 by way of SIMDe, which gives every intrinsic as portable code: includes its names, and
+// what its version in Debian 12 lacks.
 #pragma once
 
 #define SIMDE_ENABLE_NATIVE_ALIASES

@@ -242,7 +242,8 @@ std::uint32_t BoxOf(const std::vector<std::uint32_t>& units, PixelOfRun pixel) {
   return average;
 }
 
-// What box `box` takes of each run: run r has the units from r ofRun on, the box those from its place on.
+// What box `box` takes of each run: run r has the units from r ofRun on, the box those from its
+// place on.
 std::vector<std::uint32_t> UnitsOfRuns(const KernelArguments& a, std::size_t box) {
   const std::int64_t begin = std::int64_t{a.box.ofRun} - a.box.left + static_cast<std::int64_t>(box) * a.box.ofBox;
   std::vector<std::uint32_t> units;

@@ -102,7 +102,8 @@ HSVSums MakeHSVSums(Random& random) {
   return {MakeRGBSums(random), saturation, random.Below(1 << 24) / 256.0};
 }
 
-// Runs that are worth as much as a box takes, or half of it, or more, or less, down to boxes of kMostBoxRuns runs.
+// Runs that are worth as much as a box takes, or half of it, or more, or less, down to boxes of
+// kMostBoxRuns runs.
 BoxUnits MakeBoxUnits(Random& random) {
   constexpr std::uint32_t kOfBox[] = {32704, 32705, 32766, 32767, 32767, 32768, 32768};
   const std::uint32_t ofBox = random.Below(4) != 0 ? random.OneOf(kOfBox) : 32704 + random.Below(65);

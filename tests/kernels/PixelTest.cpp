@@ -1,4 +1,5 @@
-// The functions of one pixel: named cases with values worked out by hand, and whole domains against plain arithmetic.
+// The functions of one pixel: named cases with values worked out by hand, and whole domains against
+// plain arithmetic.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -54,7 +55,7 @@ std::uint32_t PlainFromHSV(const HSV& hsv) {
                                    static_cast<std::int32_t>(hsv[2]), static_cast<std::int32_t>(hsv[3])});
 }
 
-// ------------------------------------------------------------------------------------------------------ stored pixels
+// ----------------------------------------------------------------------------------- stored pixels
 
 TEST(ContextPixel, ClearReadsAsZeroWhateverItsColour) {
   EXPECT_EQ(ReadContext(0x00FFFFFF), 0x00000000u);
@@ -108,7 +109,7 @@ TEST(BufferPixel, KeepsSevenBitsOfAlpha) {
   EXPECT_EQ(ReadBuffer(WriteBuffer(0x01000000)), 0x00000000u);
 }
 
-// ---------------------------------------------------------------------------------------------------------------- HSV
+// --------------------------------------------------------------------------------------------- HSV
 
 TEST(RGBToHSV, GreysHaveNoHue) {
   EXPECT_EQ(ToHSV(0xFF000000), (HSV{-1, 0, 0, 255}));
@@ -160,7 +161,8 @@ TEST(HSVToRGB, AlmostFullSaturationTruncatesToZero) {
 }
 
 TEST(HSVToRGB, EachSectorPutsItsChannels) {
-  // saturation 1/2, value 200: p = 100; a quarter into a sector t = (1 - 3/8) x 200 = 125, q = (1 - 1/8) x 200 = 175
+  // saturation 1/2, value 200: p = 100; a quarter into a sector t = (1 - 3/8) x 200 = 125, q = (1 -
+  // 1/8) x 200 = 175
   EXPECT_EQ(FromHSV({256, 512, 200, 255}), 0xFFC87D64u);
   EXPECT_EQ(FromHSV({1280, 512, 200, 255}), 0xFFAFC864u);
   EXPECT_EQ(FromHSV({2304, 512, 200, 255}), 0xFF64C87Du);
@@ -176,24 +178,27 @@ TEST(HSVToRGB, HueOutsideTheCircleIsBlackUnlessGrey) {
 }
 
 TEST(HSVToRGB, HuesJustBelowZeroAreInTheFirstSector) {
-  // p = 512 x 100 / 1024 = 50; t = (1048576 - 1524 x 512) x 100 / 1048576 = 25.6, and 49.95 for 1025
+  // p = 512 x 100 / 1024 = 50; t = (1048576 - 1524 x 512) x 100 / 1048576 = 25.6, and 49.95 for
+  // 1025
   EXPECT_EQ(FromHSV({-500, 512, 100, 255}), 0xFF641932u);
   EXPECT_EQ(FromHSV({-1, 512, 100, 255}), 0xFF643132u);
   // t = (1048576 - 2047 x 512) x 100 / 1048576 = 0.05
   EXPECT_EQ(FromHSV({-1023, 512, 100, 255}), 0xFF640032u);
-  // t = (1048576 - 1424 x 1024) x 255 / 1048576 = -99.6, of which no bit is cut off: -99 x 256 is 0xFFFF9D00
+  // t = (1048576 - 1424 x 1024) x 255 / 1048576 = -99.6, of which no bit is cut off: -99 x 256 is
+  // 0xFFFF9D00
   EXPECT_EQ(FromHSV({-400, 1024, 255, 16}), 0xFFFF9D00u);
 }
 
 TEST(HSVToRGB, RoundTripMayLowerAChannel) {
-  // hue 1280 is a quarter into sector 1: p = 439 x 7 / 1024 = 3.001, q = (1048576 - 256 x 585) x 7 / 1048576 = 6.0003
+  // hue 1280 is a quarter into sector 1: p = 439 x 7 / 1024 = 3.001, q = (1048576 - 256 x 585) x 7
+  // / 1048576 = 6.0003
   EXPECT_EQ(FromHSV(ToHSV(0x01060703)), 0x01060703u);
-  // 0x0A0907: saturation 3 x 1024 / 10 = 307, hue 2 x 1024 / 3 = 682; p = 717 x 10 / 1024 = 7.002, and
-  // t = (1048576 - 342 x 307) x 10 / 1048576 = 8.998, a unit below the 9 that it was
+  // 0x0A0907: saturation 3 x 1024 / 10 = 307, hue 2 x 1024 / 3 = 682; p = 717 x 10 / 1024 = 7.002,
+  // and t = (1048576 - 342 x 307) x 10 / 1048576 = 8.998, a unit below the 9 that it was
   EXPECT_EQ(FromHSV(ToHSV(0xFF0A0907)), 0xFF0A0807u);
 }
 
-// ------------------------------------------------------------------------------------------------------ whole domains
+// ----------------------------------------------------------------------------------- whole domains
 
 TEST(AllColours, ToHSV) {
   for (std::uint32_t colour = 0; colour < 1 << 24; ++colour) {

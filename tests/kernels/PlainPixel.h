@@ -1,5 +1,5 @@
-// What the kernels do to one pixel, on top of the definition of the methods: channel by channel in 64-bit signed
-// arithmetic, without a thought of speed.
+// What the kernels do to one pixel, on top of the definition of the methods: channel by channel in
+// 64-bit signed arithmetic, without a thought of speed.
 #pragma once
 
 #include <algorithm>

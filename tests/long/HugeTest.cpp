@@ -1,5 +1,5 @@
-// Methods on whole pictures of gigabytes, which take seconds each and up to 6 GiB of memory: no test of a build, but of
-// scripts/endure.
+// Methods on whole pictures of gigabytes, which take seconds each and up to 6 GiB of memory: no
+// test of a build, but of scripts/endure.
 #include <sys/resource.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// What the geometric methods do, as functions from a place to a stored word: for pictures that are too large to be
-// values, of which only some pixels are looked at. All are bitmap contexts.
+// What the geometric methods do, as functions from a place to a stored word: for pictures that are
+// too large to be values, of which only some pixels are looked at. All are bitmap contexts.
 #pragma once
 
 #include <cstdint>

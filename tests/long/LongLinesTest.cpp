@@ -1,4 +1,5 @@
-// Every method on pictures of a few very long rows or columns, compared with the definition to the last pixel and yield.
+// Every method on pictures of a few very long rows or columns, compared with the reference model to
+// the last pixel and yield.
 #include "support/Cases.h"
 #include "support/MethodTable.h"
 #include "support/Pictures.h"

@@ -26,8 +26,8 @@ class Pictures : public testing::Test {
   /// No lock and no object is left.
   ~Pictures() override;
 
-  /// Bands of `rows` rows at the top, in the middle, at the bottom, and where the offset of a row passes 2^31 and 2^32
-  /// bytes. Nil where the process has not enough addresses.
+  /// Bands of `rows` rows at the top, in the middle, at the bottom, and where the offset of a row
+  /// passes 2^31 and 2^32 bytes. Nil where the process has not enough addresses.
   static Source MakeSource(int width, int height, int rows, host::Storage storage = host::Storage::BitmapContext);
 
   /// The first row of each band.

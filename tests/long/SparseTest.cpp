@@ -1,5 +1,6 @@
-// Methods on parts of pictures of gigabytes, which exist as addresses only: positions beyond 31 and 32 bits, in pixels and
-// in bytes. Each test takes what the method needs of the source, as a small picture, to the definition.
+// Methods on parts of pictures of gigabytes, which exist as addresses only: positions beyond 31 and
+// 32 bits, in pixels and in bytes. Each test takes what the method needs of the source, as a small
+// picture, to the reference model.
 #include "SparseFixture.h"
 #include "support/Definition.h"
 #include "support/Pictures.h"
@@ -112,7 +113,8 @@ TEST_P(Sparse, AdjustRGBInPlace) {
   });
 }
 
-// The middle of the picture, of which the result is a small window: positions of lines in 16.16 have up to 50 bits.
+// The middle of the picture, of which the result is a small window: positions of lines in 16.16
+// have up to 50 bits.
 TEST_P(Sparse, Shears) {
   for (const double shear : {0.0, 1.0, -1.0, 0.3, -0.7}) {
     SCOPED_TRACE(shear);
