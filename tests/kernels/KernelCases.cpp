@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -403,40 +404,36 @@ void ForForms(const Make& make) {
   ForStorageForms(make);
   make(Constant<kWorkingForm>());
 }
+template <class Make>
+void ForStoragePairs(const Make& make) {
+  ForStorageForms([&](auto from) { ForStorageForms([&](auto to) { make(from, to); }); });
+}
+template <class Make>
+void ForPairs(const Make& make) {
+  ForForms([&](auto from) { ForForms([&](auto to) { make(from, to); }); });
+}
 
+// The fuzz corpus counts on their order.
 std::vector<KernelCase> MakeCases() {
   std::vector<KernelCase> cases;
-  ForForms([&](auto a) {
-    ForForms([&](auto b) {
-      constexpr PixelForm from = decltype(a)::value, to = decltype(b)::value;
-      cases.push_back(ChangeCase<Copying, from, to>(Name("copy", from, to)));
-      cases.push_back(TransposeCase<from, to>(Name("transpose", from, to)));
-    });
+  const auto add = [&cases](KernelCase&& made) { cases.push_back(std::move(made)); };
+  ForPairs([&](auto from, auto to) { add(ChangeCase<Copying, from, to>(Name("copy", from, to))); });
+  ForPairs([&](auto from, auto to) { add(TransposeCase<from, to>(Name("transpose", from, to))); });
+  ForStoragePairs([&](auto from, auto to) { add(CopyMirroredCase<from, to>(Name("copy_mirrored", from, to))); });
+  add(FillCase());
+  ForStoragePairs([&](auto from, auto to) { add(ChangeCase<AdjustingHSV, from, to>(Name("adjust_hsv", from, to))); });
+  ForStoragePairs([&](auto from, auto to) { add(ChangeCase<AdjustingRGB, from, to>(Name("adjust_rgb", from, to))); });
+  ForStoragePairs([&](auto from, auto to) { add(ChangeCase<Negating, from, to>(Name("negative", from, to))); });
+  ForStoragePairs([&](auto from, auto to) { add(BlendCase<from, to>(Name("blend", from, to))); });
+  ForStoragePairs([&](auto from, auto to) { add(BlendColumnsCase<from, to>(Name("blend_columns", from, to))); });
+  ForStorageForms([&](auto form) { add(SumRGBCase<form>(Name("sum_rgb", form))); });
+  ForStorageForms([&](auto form) { add(SumHSVCase<form>(Name("sum_hsv", form))); });
+  ForForms([&](auto form) { add(BoxesCase<form>(Name("boxes", form))); });
+  add(BoxInStepsCase<kWorkingForm>("add_to_boxes", offsetof(RunKernels, addToBoxes)));
+  ForForms([&](auto form) {
+    add(BoxInStepsCase<form>(Name("average_boxes", form), Slot(form, offsetof(FormKernels, averageBoxes))));
   });
-  ForStorageForms([&](auto a) {
-    ForStorageForms([&](auto b) {
-      constexpr PixelForm from = decltype(a)::value, to = decltype(b)::value;
-      cases.push_back(CopyMirroredCase<from, to>(Name("copy_mirrored", from, to)));
-      cases.push_back(ChangeCase<AdjustingHSV, from, to>(Name("adjust_hsv", from, to)));
-      cases.push_back(ChangeCase<AdjustingRGB, from, to>(Name("adjust_rgb", from, to)));
-      cases.push_back(ChangeCase<Negating, from, to>(Name("negative", from, to)));
-      cases.push_back(BlendCase<from, to>(Name("blend", from, to)));
-      cases.push_back(BlendColumnsCase<from, to>(Name("blend_columns", from, to)));
-      cases.push_back(HalveCase<from, to>(Name("halve", from, to)));
-    });
-  });
-  ForForms([&](auto a) {
-    constexpr PixelForm form = decltype(a)::value;
-    cases.push_back(BoxesCase<form>(Name("boxes", form)));
-    cases.push_back(BoxInStepsCase<form>(Name("average_boxes", form), Slot(form, offsetof(FormKernels, averageBoxes))));
-  });
-  ForStorageForms([&](auto a) {
-    constexpr PixelForm form = decltype(a)::value;
-    cases.push_back(SumRGBCase<form>(Name("sum_rgb", form)));
-    cases.push_back(SumHSVCase<form>(Name("sum_hsv", form)));
-  });
-  cases.push_back(FillCase());
-  cases.push_back(BoxInStepsCase<kWorkingForm>("add_to_boxes", offsetof(RunKernels, addToBoxes)));
+  ForStoragePairs([&](auto from, auto through) { add(HalveCase<from, through>(Name("halve", from, through))); });
   return cases;
 }
 
