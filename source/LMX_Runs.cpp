@@ -184,12 +184,13 @@ void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::in
   for (std::int32_t i = 0; i < count; ++i, spare += n) PutRun(to.picture, to.x, to.y + i * step, n, runs[i], spare);
 }
 
-void RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
                  std::uint8_t** runs) {
-  if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return;
+  if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return true;
   for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
     runs[i] = RoomForRun(walk.Picture(), x, walk.Row(), n, spare);
   }
+  return false;
 }
 
 void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
@@ -314,14 +315,18 @@ void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, 
   gRunKernels.between[FormOf(from.picture)][kWorkingForm].transpose(columns, rows, Size(lines), 0, Size(n));
 }
 
-void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns,
-                  PixelForm kept) {
+void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns) {
   std::uint32_t spare[kTile * kTile];
   std::uint8_t* rows[kTile];
   RoomForRuns(to, 1, n, lines, spare, rows);
-  const PixelForm form = kept == kWorkingForm ? FormOf(to.picture) : kWorkingForm;  // which moves pixels as they are
-  gRunKernels.between[form][kWorkingForm].transpose(rows, columns, Size(n), 0, Size(lines));
+  // Moves pixels as they are.
+  gRunKernels.between[kWorkingForm][kWorkingForm].transpose(rows, columns, Size(n), 0, Size(lines));
   PutRuns(to, 1, n, lines, spare, rows);
+}
+
+void ColumnsToRows(std::uint8_t* const* rows, const std::uint8_t* const* columns, PixelForm form, std::int32_t n,
+                   std::int32_t lines) {
+  gRunKernels.between[form][kWorkingForm].transpose(rows, columns, Size(n), 0, Size(lines));
 }
 
 void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* const* runs, const BoxUnits& units,
@@ -330,13 +335,13 @@ void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* co
   kernels.of[form].boxes(to, runs, &units, Size(count), Size(n));
 }
 
-void ReadRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, PixelForm kept,
-              std::uint32_t* spare, const std::uint8_t** runs) {
-  StoredRuns(walk, x, n, count, spare, runs);
-  if (kept == kWorkingForm) return;
-  for (std::int32_t i = 0; i < count; ++i, spare += n) {
-    gRunKernels.between[kept][kWorkingForm].copy(Bytes(spare), runs[i], Size(n));
-    runs[i] = Bytes(spare);
+void ReadRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* working,
+              const std::uint8_t** runs) {
+  StoredRuns(walk, x, n, count, working, runs);
+  const auto copy = gRunKernels.between[FormOf(walk.Picture())][kWorkingForm].copy;
+  for (std::int32_t i = 0; i < count; ++i, working += n) {
+    copy(Bytes(working), runs[i], Size(n));
+    runs[i] = Bytes(working);
   }
 }
 

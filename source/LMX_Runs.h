@@ -72,8 +72,9 @@ void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std
 void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
              std::uint8_t* const* runs);
 
-/// The same along a walk: PutRuns makes its steps.
-void RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+/// The same along a walk. True if the picture holds all of them; otherwise PutRuns has to follow,
+/// which makes the steps of the walk.
+bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
                  std::uint8_t** runs);
 void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
              std::uint8_t* const* runs);
@@ -121,14 +122,16 @@ void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, 
 constexpr std::int32_t kTile = 64;
 void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, std::uint8_t* const* columns);
 
-/// Turns n runs of `lines` pixels, which have the form of the picture, into pixels of `lines` rows from `to` on. With
-/// kWorkingForm for `kept` they are read and written as working pixels, in a picture that holds them all.
-void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns,
-                  PixelForm kept);
+/// Turns n runs of `lines` pixels, which have the form of the picture, into pixels of `lines` rows from `to` on.
+void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns);
 
-/// StoredRuns along a walk, as runs of working pixels. With kWorkingForm for `kept` the picture has nothing else.
-void ReadRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, PixelForm kept,
-              std::uint32_t* spare, const std::uint8_t** runs);
+/// Turns n runs of `lines` pixels of a form into `lines` runs of working pixels.
+void ColumnsToRows(std::uint8_t* const* rows, const std::uint8_t* const* columns, PixelForm form, std::int32_t n,
+                   std::int32_t lines);
+
+/// StoredRuns along a walk, as runs of working pixels, all of them in `working`.
+void ReadRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* working,
+              const std::uint8_t** runs);
 
 /// Box averages of runs of working pixels, as kernels make them (RunKernels.h): `count` boxes of at most kMostBoxRuns runs.
 /// `written` is the picture that holds whole rows of averages, if there is one.
@@ -138,7 +141,7 @@ void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* co
 /// An average of any number of such runs, at most kMostSums pixels long, which are added part by part.
 class RunSums {
  public:
-  static constexpr std::int32_t kMostSums = 512;
+  static constexpr std::int32_t kMostSums = kTile;
 
   explicit RunSums(std::int32_t n);
   void Add(const std::uint8_t* const* runs, std::int32_t count, std::uint32_t units);

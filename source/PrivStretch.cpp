@@ -1,14 +1,17 @@
 // Workers of the stretch.
 //
-// The row pass turns bands of rows into runs of columns, so that in both passes neighbouring lines lie side by side and share
-// their boxes. The temporary picture is nobody's business. As long as it is a well-formed one, it holds working pixels, as
-// they come back from its storage form: nothing is converted twice. The column pass writes a result, in which only the
-// columns may be touched that are due at a yield:
-//   - without yields both passes go together: rows of the result are made from rows of the temporary picture that were just
-//     made, of which it keeps the last ones only;
-//   - with yields, and columns that do not grow, both passes go together likewise, but into the temporary picture itself,
-//     whose rows are free by then. Its columns are written to the result when they are due;
-//   - otherwise the columns are averaged when they are due.
+// The row pass turns bands of rows into runs of columns, so that in both passes neighbouring lines
+// lie side by side and share their boxes. The temporary picture is nobody's business. As long as it
+// is a well-formed one, it holds working pixels, as they come back from its storage form: nothing is
+// converted twice. The column pass writes a result, in which only the columns may be touched that are
+// due at a yield:
+//   - without yields both passes go together: rows of the result are made from rows of the temporary
+//     picture that were just made, of which it keeps the last ones only;
+//   - with yields, and columns that do not grow, both passes go together likewise, but into the
+//     temporary picture itself, whose rows are free by then. Its columns are written to the result
+//     when they are due;
+//   - otherwise the columns are averaged when they are due, from strips in which the temporary
+//     picture keeps them.
 #include "PrivStretch.h"
 
 #include <algorithm>
@@ -109,146 +112,225 @@ class BandColumns {
   std::uint32_t tile_[kMost][kTile];
 };
 
-// Rows of a source, `lines` of them from y on, at most kTile, as rows of a temporary picture from `toY` on. `kept` is the
-// form in which it keeps its pixels, its own one or kWorkingForm.
+// Rows y to y + lines - 1 of a source, at most kTile, as rows of another picture's width and form:
+// put(x, n, columns) gets columns x to x + n - 1 of them, n <= kTile, as runs.
+template <class Put>
 LMX_OWN_FRAME void StretchRows(const LMX_Picture& source, std::int32_t y, std::int32_t lines, const Boxes& boxes,
-                               const LMX_Picture& temporary, std::int32_t toY, PixelForm kept) {
-  const PixelForm form = FormOf(temporary);
-  if (kept == kWorkingForm && source.width == static_cast<std::int64_t>(temporary.width) * 2) {
-    for (std::int32_t i = 0; i < lines; ++i) {
-      HalveRun(temporary.RowAddress(toY + i), {source, 0, y + i}, temporary.width, form);
-    }
-    return;
-  }
+                               const LMX_Picture& to, const Put& put) {
   BandColumns from(source, y, lines);
   std::uint32_t tile[kTile][kTile];
   std::uint8_t* columns[kTile];
   for (std::int32_t i = 0; i < kTile; ++i) columns[i] = reinterpret_cast<std::uint8_t*>(tile[i]);
   std::int32_t filled = 0;
-  for (std::int32_t x = 0; x < temporary.width;) {
+  for (std::int32_t x = 0; x < to.width;) {
     std::int32_t n = 1;
     if (boxes.AreSmall()) {
-      n = std::min({boxes.Of(from.End()), temporary.width, x + kTile - filled}) - x;
+      n = std::min({boxes.Of(from.End()), to.width, x + kTile - filled}) - x;
       if (n == 0) {
         from.Read(boxes.First(x));
         continue;
       }
-      AverageRuns(columns + filled, form, from.At(boxes.First(x)), boxes.From(x), n, lines);
+      AverageRuns(columns + filled, FormOf(to), from.At(boxes.First(x)), boxes.From(x), n, lines);
     } else {
       const auto runs = [&](std::int32_t first, std::int32_t count) {
         if (from.End() < first + count) from.Read(first);
         return from.At(first);
       };
-      AverageMany(boxes, x, runs, columns[filled], form, lines);
+      AverageMany(boxes, x, runs, columns[filled], FormOf(to), lines);
     }
     x += n;
     filled += n;
-    if (filled == kTile || x == temporary.width) {
-      WriteColumns({temporary, x - filled, toY}, filled, lines, columns, kept);
+    if (filled == kTile || x == to.width) {
+      put(x - filled, filled, columns);
       filled = 0;
     }
   }
 }
 
-void RowPass(const LMX_Picture& source, const LMX_Picture& temporary, PixelForm kept, YieldPace pace) {
-  const Boxes boxes(source.width, temporary.width);
-  const std::int32_t band = YieldPace::LinesAhead(temporary.width, kTile);
+// Calls make(y, lines) for every `band` rows of a temporary picture.
+template <class Make>
+void RowPass(const LMX_Picture& temporary, std::int32_t band, YieldPace pace, const Make& make) {
   for (std::int32_t y = 0, n; y < temporary.height; y += n) {
     n = std::min(band, temporary.height - y);
-    StretchRows(source, y, n, boxes, temporary, y, kept);
+    make(y, n);
     pace.ReportLines(n, temporary.width);
   }
 }
 
+// Working pixels in the memory of a temporary picture: `rows` rows, in strips of `columns` columns.
+// The rows of a strip follow each other, so that going down a strip is not going from page to page.
+// Columns that fill no strip stay where a picture has them, as do those of a single strip.
+class Strips {
+ public:
+  Strips(const LMX_Picture& temporary, std::int32_t columns, std::int32_t rows)
+      : temporary_(temporary), columns_(columns), rows_(rows), strips_(temporary.width / columns) {}
+
+  std::int32_t Rows() const { return rows_; }
+
+  /// How many columns lie together from column x on.
+  std::int32_t Together(std::int32_t x) const {
+    return (IsInStrip(x) ? (x / columns_ + 1) * columns_ : temporary_.width) - x;
+  }
+
+  /// Finds rows y to y + count - 1, from column x on.
+  void Find(std::int32_t x, std::int32_t y, std::int32_t count, std::uint8_t** runs) const {
+    if (strips_ == 1 || !IsInStrip(x)) return RoomForRuns({temporary_, x, y}, 1, 1, count, nullptr, runs);
+    const std::int64_t first = static_cast<std::int64_t>(x / columns_) * rows_ + y;
+    auto row = static_cast<std::int32_t>(first / strips_), at = static_cast<std::int32_t>(first % strips_);
+    for (std::int32_t i = 0; i < count; ++row, at = 0) {  // strips_ rows lie in a row of the picture
+      std::uint8_t* const pixels = temporary_.RowAddress(row) + 4 * static_cast<std::ptrdiff_t>(x % columns_);
+      for (; i < count && at < strips_; ++i, ++at) runs[i] = pixels + 4 * static_cast<std::ptrdiff_t>(at) * columns_;
+    }
+  }
+
+  /// Makes `lines` rows from row toY on of those of a source from row y on.
+  void Make(std::int32_t toY, const LMX_Picture& source, std::int32_t y, std::int32_t lines) const {
+    const PixelForm form = FormOf(temporary_);
+    if (strips_ == 1 && source.width == static_cast<std::int64_t>(columns_) * 2) {
+      for (std::int32_t i = 0; i < lines; ++i) {
+        HalveRun(temporary_.RowAddress(toY + i), {source, 0, y + i}, columns_, form);
+      }
+      return;
+    }
+    const auto put = [&](std::int32_t x, std::int32_t n, std::uint8_t* const* columns) {
+      std::uint8_t* rows[kTile];
+      for (const std::int32_t end = x + n; x < end; x += n, columns += n) {
+        n = std::min(Together(x), end - x);
+        Find(x, toY, lines, rows);
+        ColumnsToRows(rows, columns, form, n, lines);
+      }
+    };
+    StretchRows(source, y, lines, Boxes(source.width, temporary_.width), temporary_, put);
+  }
+
+ private:
+  bool IsInStrip(std::int32_t x) const { return x / columns_ < strips_; }
+
+  const LMX_Picture& temporary_;
+  std::int32_t columns_;
+  std::int32_t rows_;
+  std::int32_t strips_;
+};
+
 // ------------------------------------------------------------------------------------------------------------- columns
 
-constexpr std::int32_t kMostRows = 64;     // of a strip, that are made at a time
-constexpr std::int32_t kWideStrip = 512;   // columns
-constexpr std::int32_t kNarrowStrip = 16;  // where rows may be missing, so that they go through buffers
-static_assert(kWideStrip <= RunSums::kMostSums);
+constexpr std::int32_t kMostRows = 64;      // that are made of columns at a time
+constexpr std::int32_t kMostTogether = 64;  // that are made together
 
-// Columns x to x + n - 1 of a result. `isWhole` says that both pictures hold all that is walked along; otherwise n is at
-// most kNarrowStrip.
-LMX_OWN_FRAME void StretchColumns(const LMX_Picture& temporary, PixelForm kept, const Boxes& boxes,
-                                  const LMX_Picture& result, std::int32_t x, std::int32_t n, bool isWhole) {
-  const PixelForm form = FormOf(result);
-  std::uint32_t spareFrom[kMostRows * kNarrowStrip], spareTo[kMostRows * kNarrowStrip];
-  const std::uint8_t* runs[kMostRows];
-  std::uint8_t* to[kMostRows];
-  ColumnWalk fromWalk(temporary, 0), toWalk(result, 0);
-  const auto read = [&](ColumnWalk& walk, std::int32_t count) {
-    ReadRuns(walk, x, n, count, kept, spareFrom, runs);
+// Columns x to x + n - 1, n <= kMostTogether, of strips; and of a picture, in which rows may be missing.
+class ColumnsOfStrips {
+ public:
+  ColumnsOfStrips(const Strips& strips, std::int32_t x, std::int32_t n) : strips_(strips), x_(x), n_(n) {}
+
+  const std::uint8_t* const* Rows(std::int32_t y, std::int32_t count) {
+    strips_.Find(x_, y, count, rows_);
     // Each of them is another line of the cache.
-    for (std::int32_t i = 0; i < count; ++i) __builtin_prefetch(runs[i] + 4 * (n - 1));
-    return runs;
-  };
+    for (std::int32_t i = 0; i < count; ++i) __builtin_prefetch(rows_[i] + 4 * (n_ - 1));
+    return rows_;
+  }
+
+ private:
+  const Strips& strips_;
+  std::int32_t x_;
+  std::int32_t n_;
+  std::uint8_t* rows_[kMostRows];
+};
+class ColumnsOfPicture {
+ public:
+  ColumnsOfPicture(const LMX_Picture& picture, std::int32_t x, std::int32_t n) : walk_(picture, 0), x_(x), n_(n) {}
+
+  // y never decreases.
+  const std::uint8_t* const* Rows(std::int32_t y, std::int32_t count) {
+    for (; y_ < y; ++y_) walk_.Next();
+    ReadRuns(walk_, x_, n_, count, pixels_, rows_);
+    return rows_;
+  }
+
+ private:
+  ColumnWalk walk_;
+  std::int32_t x_;
+  std::int32_t n_;
+  std::int32_t y_ = 0;
+  std::uint32_t pixels_[kMostRows * kMostTogether];
+  const std::uint8_t* rows_[kMostRows];
+};
+
+// Columns x to x + n - 1 of a result.
+template <class Columns>
+LMX_OWN_FRAME void StretchColumns(Columns from, const Boxes& boxes, const LMX_Picture& result, std::int32_t x,
+                                  std::int32_t n) {
+  const PixelForm form = FormOf(result);
+  std::uint32_t spare[kMostRows * kMostTogether];
+  std::uint8_t* to[kMostRows];
+  ColumnWalk walk(result, 0);
   for (std::int32_t y = 0, count; y < result.height; y += count) {
     const std::int32_t first = boxes.First(y);
     count = 1;
     if (boxes.AreSmall()) count = std::min({kMostRows, result.height - y, boxes.Of(first + kMostRows) - y});
-    RoomForRuns(toWalk, x, n, count, spareTo, to);
-    ColumnWalk walk = fromWalk;
+    const bool isInside = RoomForRuns(walk, x, n, count, spare, to);
     if (boxes.AreSmall()) {
-      AverageRuns(to, form, read(walk, boxes.Needed(y + count) - first), boxes.From(y), count, n);
+      AverageRuns(to, form, from.Rows(first, boxes.Needed(y + count) - first), boxes.From(y), count, n);
     } else {
-      AverageMany(
-          boxes, y, [&](std::int32_t, std::int32_t part) { return read(walk, part); }, *to, form, n);
+      const auto rows = [&](std::int32_t at, std::int32_t part) { return from.Rows(at, part); };
+      AverageMany(boxes, y, rows, *to, form, n);
     }
-    const std::int32_t steps = boxes.First(y + count) - first;
-    if (isWhole) {
-      toWalk.Skip(count);
-      if (steps > 0) fromWalk.Skip(steps);
+    if (isInside) {
+      walk.Skip(count);
     } else {
-      PutRuns(toWalk, x, n, count, spareTo, to);
-      for (std::int32_t i = 0; i < steps; ++i) fromWalk.Next();
+      PutRuns(walk, x, n, count, spare, to);
     }
-  }
-}
-
-void ColumnPass(const LMX_Picture& temporary, PixelForm kept, const Boxes& boxes, const LMX_Picture& result,
-                YieldPace pace) {
-  const bool isWhole = kept == kWorkingForm && result.HasEveryRow();
-  for (std::int32_t x = 0, n; x < result.width; x += n) {
-    n = pace.BeginLines(result.height, std::min(isWhole ? kWideStrip : kNarrowStrip, result.width - x));
-    StretchColumns(temporary, kept, boxes, result, x, n, isWhole);
   }
 }
 
 // ---------------------------------------------------------------------------------------------------------- both passes
 
-// Rows of the temporary picture that are kept while rows are made of them, kTile at a time.
-constexpr std::int32_t kKeptRows = 2 * kTile;
+constexpr std::int32_t kKeptRows = 2 * kTile;  // of the temporary picture, while rows of the result are made of them
 
-// Rows of a picture from rows of the temporary one, of which row r is kept in row r % keptRows.
-LMX_OWN_FRAME void AverageRows(const LMX_Picture& temporary, std::int32_t keptRows, const Boxes& boxes,
-                               const LMX_Picture& to, PixelForm form, std::int32_t y, std::int32_t count) {
-  const std::uint8_t* runs[kKeptRows];
-  std::uint8_t* rows[kTile];
-  const std::int32_t first = boxes.First(y), end = boxes.Needed(y + count);
-  for (std::int32_t r = first; r < end; ++r) runs[r - first] = temporary.RowAddress(r % keptRows);
-  for (std::int32_t i = 0; i < count; ++i) rows[i] = to.RowAddress(y + i);
-  AverageRuns(rows, form, runs, boxes.From(y), count, to.width, &to);
+// A line of the cache at least, and what is due between two yields once or several times.
+std::int32_t StripColumns(const YieldPace& pace, std::int32_t height) {
+  constexpr std::int32_t kLine = 16;
+  const std::int32_t due = pace.LinesUntilDue(height, kMostTogether);
+  return due * std::max(kLine / due, 1);
 }
 
-// Both passes, into `height` rows of a picture: that may be the temporary one, which keeps every row then. `band` rows are
-// made at a time; keptRows is a multiple of it, or every row.
-void StretchAtOnce(const LMX_Picture& source, const LMX_Picture& temporary, std::int32_t band, std::int32_t keptRows,
-                   const LMX_Picture& to, PixelForm form, std::int32_t height, YieldPace pace) {
-  const Boxes across(source.width, temporary.width), down(source.height, height);
-  std::int32_t made = 0;
-  for (std::int32_t y = 0; y < height;) {
-    const std::int32_t count = std::min({down.Of(made), height, y + kTile}) - y;
-    if (count > 0) {
-      AverageRows(temporary, keptRows, down, to, form, y, count);
-      y += count;
-    } else {
-      const std::int32_t lines = std::min(band, temporary.height - made);
-      StretchRows(source, made, lines, across, temporary, made % keptRows, kWorkingForm);
-      made += lines;
-      pace.ReportLines(lines, temporary.width);
-    }
+// The columns of a result, from strips.
+void ColumnPass(const Strips& from, const Boxes& boxes, const LMX_Picture& result, YieldPace pace) {
+  for (std::int32_t x = 0, n; x < result.width; x += n) {
+    n = pace.BeginLines(result.height, std::min(kMostTogether, from.Together(x)));
+    StretchColumns(ColumnsOfStrips(from, x, n), boxes, result, x, n);
   }
-  pace.ReportLines(temporary.height - made, temporary.width);
+}
+
+// Rows y to y + count - 1 of a result, from rows of the temporary picture, of which row r is kept in
+// row r % kept.Rows(). Without a result they take the place of rows that no later one needs.
+LMX_OWN_FRAME void AverageRows(const Strips& kept, const Boxes& boxes, const LMX_Picture* result, std::int32_t y,
+                               std::int32_t count) {
+  std::uint8_t *runs[kKeptRows], *to[kTile];
+  const std::int32_t first = boxes.First(y), end = boxes.Needed(y + count);
+  for (std::int32_t r = first, part; r < end; r += part) {
+    part = std::min(end - r, kept.Rows() - r % kept.Rows());
+    kept.Find(0, r % kept.Rows(), part, runs + (r - first));
+  }
+  if (result) {
+    for (std::int32_t i = 0; i < count; ++i) to[i] = result->RowAddress(y + i);
+  } else {
+    kept.Find(0, y, count, to);
+  }
+  AverageRuns(to, result ? FormOf(*result) : kWorkingForm, runs, boxes.From(y), count, kept.Together(0), result);
+}
+
+// Both passes, into `height` rows of a result, or of the memory in which rows are kept: all of them
+// then, otherwise 2 * kTile.
+void StretchAtOnce(const LMX_Picture& source, const LMX_Picture& temporary, const Strips& kept, std::int32_t height,
+                   const LMX_Picture* result, std::int32_t band, YieldPace pace) {
+  const Boxes down(source.height, height);
+  std::int32_t done = 0;
+  RowPass(temporary, band, pace, [&](std::int32_t y, std::int32_t lines) {
+    kept.Make(y % kept.Rows(), source, y, lines);
+    for (std::int32_t n; (n = std::min({down.Of(y + lines), height, done + kTile}) - done) > 0; done += n) {
+      AverageRows(kept, down, result, done, n);
+    }
+  });
 }
 
 }  // namespace
@@ -266,23 +348,38 @@ void Priv_StretchThrough(LMX_Picture& temporary, LMX_Picture& source, LMX_Pictur
   }
   const Boxes down(source.height, result.height);
   const YieldPace pace(yield);
+  const std::int32_t band = YieldPace::LinesAhead(temporary.width, kTile);
   if (yield <= 0 && down.AreSmall() && result.HasEveryRow()) {
-    StretchAtOnce(source, temporary, kTile, kKeptRows, result, FormOf(result), result.height, pace);
+    const Strips kept(temporary, temporary.width, kKeptRows);
+    StretchAtOnce(source, temporary, kept, result.height, &result, kTile, pace);
   } else if (down.AreSmall() && result.height <= source.height) {
-    StretchAtOnce(source, temporary, YieldPace::LinesAhead(temporary.width, kTile), source.height, temporary,
-                  kWorkingForm, result.height, pace);
-    ColumnPass(temporary, kWorkingForm, Boxes(result.height, result.height), result, pace);
+    const Strips kept(temporary, temporary.width, temporary.height);
+    StretchAtOnce(source, temporary, kept, result.height, nullptr, band, pace);
+    ColumnPass(kept, Boxes(result.height, result.height), result, pace);
   } else {
-    RowPass(source, temporary, kWorkingForm, pace);
-    ColumnPass(temporary, kWorkingForm, down, result, pace);
+    const Strips strips(temporary, StripColumns(pace, result.height), temporary.height);
+    RowPass(temporary, band, pace, [&](std::int32_t y, std::int32_t lines) { strips.Make(y, source, y, lines); });
+    ColumnPass(strips, down, result, pace);
   }
 }
 
 void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield) {
-  if (IsPass(source.width, destination.width)) RowPass(source, destination, FormOf(destination), YieldPace(yield));
+  if (!IsPass(source.width, destination.width)) return;
+  const Boxes boxes(source.width, destination.width);
+  const std::int32_t band = YieldPace::LinesAhead(destination.width, kTile);
+  RowPass(destination, band, YieldPace(yield), [&](std::int32_t y, std::int32_t lines) {
+    StretchRows(source, y, lines, boxes, destination, [&](std::int32_t x, std::int32_t n, auto* columns) {
+      WriteColumns({destination, x, y}, n, lines, columns);
+    });
+  });
 }
 
 void Priv_StetchVertical(LMX_Picture& source, LMX_Picture& destination, long yield) {
   if (!IsPass(source.height, destination.height)) return;
-  ColumnPass(source, FormOf(source), Boxes(source.height, destination.height), destination, YieldPace(yield));
+  const Boxes boxes(source.height, destination.height);
+  YieldPace pace(yield);
+  for (std::int32_t x = 0, n; x < destination.width; x += n) {
+    n = pace.BeginLines(destination.height, std::min(kMostTogether, destination.width - x));
+    StretchColumns(ColumnsOfPicture(source, x, n), boxes, destination, x, n);
+  }
 }
