@@ -13,7 +13,6 @@ template <class From, class To>
 void InstallNonTemporalPair(RunKernels* kernels) {
   PairKernels& pair = kernels->between[From::kForm][To::kForm];
   pair.copy = Copy<From, To, NonTemporal>;
-  pair.transpose = Transpose<From, To, NonTemporal>;
   pair.copyMirrored = CopyMirrored<From, To, NonTemporal>;
   pair.adjustRGB = AdjustRGB<From, To, NonTemporal>;
 }

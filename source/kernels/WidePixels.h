@@ -281,13 +281,13 @@ LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
 }
 
 // A square of a transposition.
-template <class From, class To, class Stores>
+template <class From, class To>
 LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
   for (size_t i = 0; i < kWide; ++i) square[i] = Vector::Load(from[r + i] + 4 * c);
   if (!ConvertSquare<From, To>(square)) return plain::TransposePart<From, To>(to, from, kWide, kWide, r, c);
   Vector::Transpose(square);
-  for (size_t i = 0; i < kWide; ++i) Stores::Store(to[c + i] + 4 * r, square[i]);
+  for (size_t i = 0; i < kWide; ++i) Vector::Store(to[c + i] + 4 * r, square[i]);
 }
 
 // The part of one that has fewer rows or columns. What is not there counts as opaque.
@@ -306,13 +306,10 @@ __attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* 
 }
 
 // By blocks of a line of the cache in both directions; what comes kRowsAhead later is fetched on the way.
-template <class From, class To, class Stores = Temporal>
+template <class From, class To>
 void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead, size_t columns) {
   constexpr size_t kLine = 16;
   static_assert(kLine % kWide == 0);
-  for (size_t c = 0; c < columns; ++c) {
-    if (Stores::Head(to[c], rows) != 0) return Transpose<From, To, Temporal>(to, from, rows, ahead, columns);
-  }
   for (size_t r = 0; r < rows; r += kLine) {
     const size_t endRow = r + kLine < rows ? r + kLine : rows;
     for (size_t c = 0; c < columns; c += kLine) {
@@ -327,7 +324,7 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
       for (size_t j = c; j < endColumn; j += kWide) {
         for (size_t i = r; i < endRow; i += kWide) {
           if (i + kWide <= endRow && j + kWide <= endColumn) {
-            TransposeSquare<From, To, Stores>(to, from, i, j);
+            TransposeSquare<From, To>(to, from, i, j);
           } else {
             const size_t height = endRow - i < kWide ? endRow - i : kWide;
             const size_t width = endColumn - j < kWide ? endColumn - j : kWide;
