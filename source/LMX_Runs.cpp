@@ -223,22 +223,25 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
 
 void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
                    std::int32_t pixels) {
+  constexpr std::int32_t kSpare = kTile * kTile;
   const auto transpose = gRunKernels.between[FormOf(walk.Picture())][FormOf(to.picture)].transpose;
-  std::uint32_t spareFrom[kTile * kTile], spareTo[kTile * kTile];
+  std::uint32_t spareFrom[kSpare], spareTo[kSpare];
   const std::uint8_t* from[kTile + kRowsAhead];
-  std::uint8_t* rows[kTile];
-  for (std::int32_t i = 0; i < pixels; i += kTile) {
-    const std::int32_t part = std::min(kTile, pixels - i);
-    std::int32_t ahead = std::min(kRowsAhead, pixels - i - part);
-    if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, part + ahead, from)) {
-      walk.Skip(part);
-    } else {
-      ahead = 0;
-      StoredRuns(walk, x, n, part, spareFrom, from);
-    }
+  std::uint8_t* rows[kMostTurned];
+  for (std::int32_t i = 0, part; i < pixels; i += part) {
     const PixelPosition at = {to.picture, to.x + i, to.y};
+    part = std::min(kTile, pixels - i);
+    const std::int32_t ahead = std::min(kRowsAhead, pixels - i - part);
+    if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, part + ahead, from) &&
+        RunsInside(at, rowStep, part, n, rows)) {
+      transpose(rows, from, Size(part), Size(ahead), Size(n));
+      walk.Skip(part);
+      continue;
+    }
+    part = std::min(part, kSpare / n);
+    StoredRuns(walk, x, n, part, spareFrom, from);
     RoomForRuns(at, rowStep, part, n, spareTo, rows);
-    transpose(rows, from, Size(part), Size(ahead), Size(n));
+    transpose(rows, from, Size(part), 0, Size(n));
     PutRuns(at, rowStep, part, n, spareTo, rows);
   }
 }

@@ -44,13 +44,10 @@ void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int3
   TransposeRuns({result, 0, firstRow}, rowStep, walk, firstColumn, lines, result.width);
 }
 
-// How many columns are turned together.
-constexpr std::int32_t kTileColumns = 64;
-
 void TurnPicture(const LMX_Picture& source, const LMX_Picture& result, const Turn& turn, long yield) {
   YieldPace pace(yield);
   for (std::int32_t done = 0; done < result.height;) {
-    const std::int32_t lines = pace.BeginLines(result.width, std::min(kTileColumns, result.height - done));
+    const std::int32_t lines = pace.BeginLines(result.width, std::min(kMostTurned, result.height - done));
     const std::int32_t top = turn.resultRows == Order::kForward ? done : result.height - done - lines;
     if (turn.columns == Order::kForward) {
       TurnColumns(source, result, top, top, 1, lines, turn.rows);
@@ -136,7 +133,8 @@ TurnedRows::TurnedRows(LMX_Picture& source, LMX_Picture& turned, int quarter, lo
 
 void TurnedRows::MakeBand(std::int32_t y) {
   const bool onItsSide = quarter_ % 2 != 0;
-  const std::int32_t most = onItsSide ? YieldPace::LinesAhead(turned_.width, kTileColumns / 2) : 1;
+  constexpr std::int32_t kTogether = 32;
+  const std::int32_t most = onItsSide ? YieldPace::LinesAhead(turned_.width, kTogether) : 1;
   const std::int32_t n = std::min(most, turned_.height - y);
   const std::int32_t width = turned_.width;
   begin_ = y;
