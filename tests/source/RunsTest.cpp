@@ -20,16 +20,17 @@ constexpr std::int32_t kHeight = 3;
 // A picture of either form, with any pixels that a host may give it.
 class TestPicture {
  public:
-  TestPicture(bool isBuffer, Random& random) {
+  TestPicture(bool isBuffer, Random& random, std::int32_t width = kWidth, std::int32_t height = kHeight)
+      : width_(width), height_(height) {
     if (isBuffer) {
-      buffer_ = std::make_unique<fake::Buffer>(kWidth, kHeight);
+      buffer_ = std::make_unique<fake::Buffer>(width, height);
     } else {
-      context_ = std::make_unique<fake::Context>(kWidth, kHeight);
+      context_ = std::make_unique<fake::Context>(width, height);
     }
     wrapper = std::make_unique<LMX_Picture>(isBuffer ? buffer_->Handle() : context_->Handle());
     EXPECT_TRUE(wrapper->Lock());
-    for (std::int32_t y = 0; y < kHeight; ++y) {
-      for (std::int32_t x = 0; x < kWidth; ++x) {
+    for (std::int32_t y = 0; y < height_; ++y) {
+      for (std::int32_t x = 0; x < width_; ++x) {
         const std::uint32_t alpha = random.Below(3) == 0 ? random.Below(256) : 255;
         wrapper->WritePixel(wrapper->RowAddress(y) + 4 * x, alpha << 24 | (random.Word() & 0xFFFFFF));
       }
@@ -38,13 +39,13 @@ class TestPicture {
 
   /// Only a buffer can do without rows.
   void TakeRowsAway(unsigned mask) {
-    for (std::int32_t y = 0; y < kHeight; ++y) {
-      if ((mask >> y & 1) != 0) buffer_->MakeRowNil(y);
+    for (std::int32_t y = 0; y < height_; ++y) {
+      if ((mask >> y % 32 & 1) != 0) buffer_->MakeRowNil(y);
     }
   }
 
   bool Holds(std::int32_t x, std::int32_t y) const {
-    return x >= 0 && x < kWidth && y >= 0 && y < kHeight && wrapper->RowAddress(y) != nullptr;
+    return x >= 0 && x < width_ && y >= 0 && y < height_ && wrapper->RowAddress(y) != nullptr;
   }
 
   /// The working pixel there, clear where the picture holds none.
@@ -54,13 +55,15 @@ class TestPicture {
 
   std::vector<std::uint8_t> Bytes() const {
     std::vector<std::uint8_t> bytes;
-    for (std::int32_t y = 0; y < kHeight; ++y) {
-      bytes.insert(bytes.end(), wrapper->RowAddress(y), wrapper->RowAddress(y) + 4 * kWidth);
+    for (std::int32_t y = 0; y < height_; ++y) {
+      bytes.insert(bytes.end(), wrapper->RowAddress(y), wrapper->RowAddress(y) + 4 * width_);
     }
     return bytes;
   }
 
  private:
+  std::int32_t width_;
+  std::int32_t height_;
   std::unique_ptr<fake::Buffer> buffer_;
   std::unique_ptr<fake::Context> context_;
 
@@ -231,6 +234,70 @@ TEST_F(RunsTest, ColumnsAreRuns) {
         ASSERT_EQ(turned[j][i], result.wrapper->ReadPixel(columns[i] + 4 * j)) << i << ", " << j;
       }
     }
+  }
+}
+
+// Columns of one picture become rows of another, in both directions: of pictures that hold all of them, of positions over
+// any edge, and where rows are missing, so that the walk stays.
+TEST_F(RunsTest, ColumnsBecomeRows) {
+  constexpr std::int32_t kLong = 150;  // more than two of the pieces in which runs go
+  Random random(6);
+  for (int trial = 0; trial < 100; ++trial) {
+    const bool isBuffer = trial % 2 != 0;
+    TestPicture source(isBuffer, random, 300, kLong), result(trial / 2 % 2 != 0, random, kLong, 300);
+    const bool isInside = trial / 4 % 2 != 0;
+    if (isBuffer && !isInside) source.TakeRowsAway(random.Word() & random.Word() & random.Word());
+    const std::int32_t n = random.OneOf({1, 7, 16, 64, 65, 256}), pixels = isInside ? kLong : random.Between(1, kLong);
+    const std::int32_t x = isInside ? 300 - n : random.Between(-20, 300), toX = isInside ? 0 : random.Between(-90, 90);
+    const std::int32_t rowStep = random.OneOf({1, -1}), y = rowStep < 0 ? 299 : isInside ? 0 : random.Between(-9, 99);
+    const auto direction = random.OneOf({ColumnWalk::kDown, ColumnWalk::kUp});
+    const ColumnWalk walk(*source.wrapper, direction == ColumnWalk::kDown ? 0 : kLong - 1, direction);
+    SCOPED_TRACE(testing::Message() << n << " columns of " << pixels << " from " << x << " to (" << toX << ", " << y
+                                    << "), steps " << direction << " and " << rowStep);
+    std::vector<std::uint8_t> expected = result.Bytes();
+    ColumnWalk along = walk;
+    for (std::int32_t i = 0; i < pixels; ++i, along.Next()) {
+      for (std::int32_t j = 0; j < n; ++j) {
+        const std::int32_t row = y + j * rowStep;
+        if (!result.Holds(toX + i, row)) continue;
+        result.wrapper->WritePixel(&expected[static_cast<std::size_t>(4 * (row * kLong + toX + i))],
+                                   source.Read(x + j, along.Row()));
+      }
+    }
+    TransposeRuns({*result.wrapper, toX, y}, rowStep, walk, x, n, pixels);
+    ASSERT_TRUE(result.Bytes() == expected);
+  }
+}
+
+// Columns are displaced along themselves, each by its own rows and fraction, and all else stays.
+TEST_F(RunsTest, ColumnsAreBlendedWithWhatIsAbove) {
+  constexpr std::int32_t kWide = 40, kHigh = 170;
+  Random random(7);
+  for (int trial = 0; trial < 200; ++trial) {
+    const TestPicture source(trial % 2 != 0, random, kWide, kHigh);
+    const TestPicture result(trial / 2 % 2 != 0, random, kWide, kHigh);
+    const std::int32_t n = random.Between(1, kMostColumns), rows = random.OneOf({0, 1, 16, 63, 64, 65, 140});
+    ColumnShears shears = {};
+    for (std::int32_t c = 0, down = random.OneOf({0, 8}); c < n; ++c) {
+      shears.down[c] = static_cast<std::uint32_t>(down);
+      shears.fraction[c] = random.OneOf({0u, 1u, 65535u, static_cast<unsigned>(random.Below(65536))});
+      down = std::max(down + random.Between(-1, 1), 0);
+    }
+    const std::int32_t x = random.Between(0, kWide - n), toX = random.Between(0, kWide - n);
+    const std::int32_t y = random.Between(0, 3), toY = random.Between(0, kHigh - rows);
+    SCOPED_TRACE(testing::Message() << rows << " rows of " << n << " columns from (" << x << ", " << y << ") to ("
+                                    << toX << ", " << toY << ")");
+    std::vector<std::uint8_t> expected = result.Bytes();
+    for (std::int32_t r = 0; r < rows; ++r) {
+      for (std::int32_t c = 0; c < n; ++c) {
+        const std::int32_t above = y + r + static_cast<std::int32_t>(shears.down[c]);
+        const std::uint32_t blended =
+            LMX_Pixel::Blend(source.Read(x + c, above + 1), source.Read(x + c, above), shears.fraction[c]);
+        result.wrapper->WritePixel(&expected[static_cast<std::size_t>(4 * ((toY + r) * kWide + toX + c))], blended);
+      }
+    }
+    BlendColumns({*result.wrapper, toX, toY}, {*source.wrapper, x, y}, n, rows, shears);
+    ASSERT_TRUE(result.Bytes() == expected);
   }
 }
 
