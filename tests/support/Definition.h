@@ -33,6 +33,8 @@ enum class Fault { None, NoPixels, UnusableType };
 struct StoredPicture {
   StoredPicture(Form pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word = 0);
 
+  // What is outside, or in a missing row, reads as 0 and ignores writes.
+  bool Has(int x, int y) const;
   std::uint32_t Read(int x, int y) const;
   void Write(int x, int y, std::uint32_t pixel);
   std::uint32_t& Word(int x, int y) { return words.at(Index(x, y)); }
@@ -42,7 +44,7 @@ struct StoredPicture {
   int width;
   int height;
   std::vector<std::uint32_t> words;  ///< row after row, top row first
-  std::set<int> missingRows;         ///< of a buffer: read as 0, ignore writes
+  std::set<int> missingRows;         ///< of a buffer
   Fault fault = Fault::None;
 
  private:

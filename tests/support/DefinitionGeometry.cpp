@@ -8,42 +8,25 @@
 namespace definition {
 namespace {
 
-// Follows a column of a picture up or down. Where a row is missing it stays where it is, for good.
-class ColumnWalk {
+// A picture seen as lines: its rows, or its columns.
+template <class Picture>
+class Lines {
  public:
-  ColumnWalk(const StoredPicture& picture, int column, bool down)
-      : picture_(picture), column_(column), step_(down ? 1 : -1), row_(down ? 0 : picture.height - 1) {}
+  Lines(Picture& picture, bool columns) : picture_(picture), columns_(columns), down_(picture, 0, 1) {}
 
-  std::uint32_t Read() const { return picture_.Read(column_, row_); }
-
-  void Step() {
-    const int next = row_ + step_;
-    if (next < 0 || next >= picture_.height || Missing(row_) || Missing(next)) stuck_ = true;
-    if (!stuck_) row_ = next;
+  int Count() const { return columns_ ? picture_.width : picture_.height; }
+  int Length() const { return columns_ ? picture_.height : picture_.width; }
+  std::uint32_t Read(int line, int i) const {
+    return columns_ ? picture_.Read(line, down_.RowAfter(i)) : picture_.Read(i, line);
+  }
+  void Write(int line, int i, std::uint32_t pixel) const {
+    columns_ ? picture_.Write(line, down_.RowAfter(i), pixel) : picture_.Write(i, line, pixel);
   }
 
  private:
-  bool Missing(int row) const { return picture_.missingRows.count(row) != 0; }
-
-  const StoredPicture& picture_;
-  const int column_;
-  const int step_;
-  int row_;
-  bool stuck_ = false;
-};
-
-// A picture seen as lines: its rows, or its columns.
-template <class Picture>
-struct Lines {
-  Picture& picture;
-  bool columns;
-
-  int Count() const { return columns ? picture.width : picture.height; }
-  int Length() const { return columns ? picture.height : picture.width; }
-  std::uint32_t Read(int line, int i) const { return columns ? picture.Read(line, i) : picture.Read(i, line); }
-  void Write(int line, int i, std::uint32_t pixel) const {
-    columns ? picture.Write(line, i, pixel) : picture.Write(i, line, pixel);
-  }
+  Picture& picture_;
+  bool columns_;
+  ColumnWalk down_;
 };
 
 // Coverage of one destination pixel after the other by the source pixels of a line.
@@ -79,8 +62,8 @@ void StretchLine(const Lines<const StoredPicture>& source, const Lines<StoredPic
 }
 
 void StretchPass(const StoredPicture& source, StoredPicture& destination, bool columns, Pass pass) {
-  const Lines<const StoredPicture> from{source, columns};
-  const Lines<StoredPicture> to{destination, columns};
+  const Lines<const StoredPicture> from(source, columns);
+  const Lines<StoredPicture> to(destination, columns);
   for (int line = 0; line < to.Count(); ++line) {
     pass.BeforeLine(line, to.Length());
     StretchLine(from, to, line);
@@ -101,21 +84,20 @@ void FlipRotatePass(const StoredPicture& source, StoredPicture& result, bool fli
   const auto mirrored = [&](int x, int y) { return source.Read(flipH ? W - 1 - x : x, flipV ? H - 1 - y : y); };
   const bool bothOrNone = flipH == flipV;
   const bool bottomUp = bothOrNone && quarter == (flipH ? 3 : 1);
+  const bool down = (quarter == 3) != flipV;
+  const ColumnWalk walk(source, down ? 0 : H - 1, down ? 1 : -1);
   Pass pass(outcome, yield, writing, bottomUp ? Order::BottomUp : Order::TopDown, {writing});
   for (int line = 0; line < result.height; ++line) {
     pass.BeforeLine(line, result.width);
     const int y = bottomUp ? result.height - 1 - line : line;
     // A turned row is a column of the mirrored picture: y from the left going up, or y from the right going down.
     const int mirroredColumn = quarter == 1 ? y : W - 1 - y;
-    ColumnWalk walk(source, flipH ? W - 1 - mirroredColumn : mirroredColumn, (quarter == 3) != flipV);
+    const int column = flipH ? W - 1 - mirroredColumn : mirroredColumn;
     for (int x = 0; x < result.width; ++x) {
       std::uint32_t pixel = 0;
       if (quarter == 0) pixel = mirrored(x, y);
       if (quarter == 2) pixel = mirrored(W - 1 - x, H - 1 - y);
-      if (quarter == 1 || quarter == 3) {
-        pixel = walk.Read();
-        walk.Step();
-      }
+      if (quarter == 1 || quarter == 3) pixel = source.Read(column, walk.RowAfter(x));
       result.Write(x, y, pixel);
     }
   }

@@ -17,6 +17,19 @@ std::int32_t WrappingSum(std::int32_t a, std::int32_t b);
 /// The integer part. What is no number, or does not fit, gives the most negative integer.
 std::int32_t IntegerPart(double value);
 
+/// A walk along a column from one row on, down (a step of 1) or up (-1). In a buffer it ends at the last row, and before
+/// a missing one; in a bitmap context it goes on.
+class ColumnWalk {
+ public:
+  ColumnWalk(const StoredPicture& picture, int row, int step);
+  int RowAfter(int steps) const;
+
+ private:
+  int row_;
+  int step_;
+  int most_;  // steps that lead anywhere
+};
+
 /// An Outcome that only has a code.
 Outcome Failure(int code);
 

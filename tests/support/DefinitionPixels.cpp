@@ -1,6 +1,7 @@
 // Stored words and working pixels, new pictures and yields: what all definitions stand on.
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
 
@@ -67,14 +68,34 @@ std::size_t StoredPicture::Index(int x, int y) const {
   return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
 }
 
+bool StoredPicture::Has(int x, int y) const {
+  const bool isInside = x >= 0 && x < width && y >= 0 && y < height;
+  return isInside && (missingRows.empty() || missingRows.count(y) == 0);
+}
+
 std::uint32_t StoredPicture::Read(int x, int y) const {
-  const std::uint32_t word = Word(x, y);
-  return missingRows.count(y) != 0 ? 0 : ReadPixel(form, word);
+  return Has(x, y) ? ReadPixel(form, Word(x, y)) : 0;
 }
 
 void StoredPicture::Write(int x, int y, std::uint32_t pixel) {
-  std::uint32_t& word = Word(x, y);
-  if (missingRows.count(y) == 0) word = WritePixel(form, pixel);
+  if (Has(x, y)) Word(x, y) = WritePixel(form, pixel);
+}
+
+ColumnWalk::ColumnWalk(const StoredPicture& picture, int row, int step)
+    : row_(row), step_(step), most_(std::numeric_limits<int>::max()) {
+  if (picture.form == Form::BitmapContext) return;
+  const auto below = picture.missingRows.lower_bound(row);  // or the row itself
+  if (step > 0) {
+    most_ = (below == picture.missingRows.end() ? picture.height : *below) - 1 - row;
+  } else {
+    const auto above = std::make_reverse_iterator(picture.missingRows.upper_bound(row));
+    most_ = row - (above == picture.missingRows.rend() ? 0 : *above + 1);
+  }
+  most_ = std::max(most_, 0);  // if the row is missing
+}
+
+int ColumnWalk::RowAfter(int steps) const {
+  return row_ + step_ * std::min(steps, most_);
 }
 
 Outcome Failure(int code) {

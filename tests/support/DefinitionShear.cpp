@@ -55,7 +55,8 @@ class Shear {
         W_(horizontal ? source.width : source.height),
         H_(horizontal ? source.height : source.width),
         Wd_(horizontal ? result.width : result.height),
-        Hd_(horizontal ? result.height : result.width) {}
+        Hd_(horizontal ? result.height : result.width),
+        down_(result, 0, 1) {}
 
   void Run(Pass pass) {
     const std::int64_t T = Hd_ > H_ ? (Hd_ - H_) / 2 : 0;
@@ -117,22 +118,20 @@ class Shear {
   }
 
   std::uint32_t Read(std::int64_t x, std::int64_t y) const {
-    if (horizontal_) return source_.Read(static_cast<int>(x), static_cast<int>(y));
-    return source_.Read(static_cast<int>(y), WalkedTo(static_cast<int>(x)));
-  }
-
-  // Where a walk down a column from row first_ to another row gets: it ends at the row before a missing one.
-  int WalkedTo(int row) const {
-    if (source_.missingRows.empty()) return row;
-    const auto missing = [this](int r) { return source_.missingRows.count(r) != 0; };
-    int r = static_cast<int>(first_);
-    while (r < row && !missing(r) && !missing(r + 1)) ++r;
-    return r;
+    const int line = static_cast<int>(y), i = static_cast<int>(x);
+    if (horizontal_) return source_.Read(i, line);
+    if (source_.missingRows.empty()) return source_.Read(line, i);
+    const int first = static_cast<int>(first_);
+    return source_.Read(line, ColumnWalk(source_, first, 1).RowAfter(i - first));
   }
 
   void Write(std::int64_t x, std::int64_t y, std::uint32_t pixel) {
-    if (!horizontal_) std::swap(x, y);
-    result_.Write(static_cast<int>(x), static_cast<int>(y), pixel);
+    const int line = static_cast<int>(y), i = static_cast<int>(x);
+    if (horizontal_) {
+      result_.Write(i, line, pixel);
+    } else {
+      result_.Write(line, down_.RowAfter(i), pixel);
+    }
   }
 
   const StoredPicture& source_;
@@ -141,6 +140,7 @@ class Shear {
   const double shear_;
   const std::uint32_t frame_;
   const std::int64_t W_, H_, Wd_, Hd_;
+  const ColumnWalk down_;   // along the columns of the result
   std::int64_t first_ = 0;  // the source column (row) with which the line starts
 };
 

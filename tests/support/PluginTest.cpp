@@ -1,5 +1,6 @@
 #include "PluginTest.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -24,7 +25,7 @@ namespace {
 // Pixels that are compared at the yields of one call.
 constexpr std::size_t kMostLookedAt = 100000;
 // A process has room for a limited number of separate pieces of memory.
-constexpr int kMostScatteredRows = 500;
+constexpr int kMostScatteredRows = 2000;
 
 bool WorksInPlace(const std::string& name) {
   static const std::string kSuffix = "InPlace";
@@ -40,6 +41,35 @@ NewPicture Planned(const Setting& setting, std::size_t number, int width, int he
   return plan;
 }
 
+struct Size {
+  int width, height;
+};
+
+Size SizeOf(Resized resized, Size asked) {
+  const auto [width, height] = asked;
+  switch (resized) {
+    case Resized::No:
+      break;
+    case Resized::WiderByOne:
+      return {width + 1, height};
+    case Resized::WiderByHalf:
+      return {width + (width + 1) / 2, height};
+    case Resized::NarrowerByOne:
+      return {std::max(width - 1, 1), height};
+    case Resized::HalfAsWide:
+      return {(width + 1) / 2, height};
+    case Resized::TallerByOne:
+      return {width, height + 1};
+    case Resized::TallerByHalf:
+      return {width, height + (height + 1) / 2};
+    case Resized::LowerByOne:
+      return {width, std::max(height - 1, 1)};
+    case Resized::HalfAsHigh:
+      return {width, (height + 1) / 2};
+  }
+  return asked;
+}
+
 // A buffer picture without pixels can be locked: it has a size of 0 x 0.
 bool IsEmptyBuffer(const NewPicture& plan) {
   return plan.form == Form::Buffer && plan.fault == Fault::NoPixels;
@@ -48,7 +78,9 @@ bool IsEmptyBuffer(const NewPicture& plan) {
 StoredPicture MakeValue(const NewPicture& plan, int width, int height) {
   if (IsEmptyBuffer(plan)) return StoredPicture(plan.form, 0, 0);
   if (plan.fault != Fault::None) width = height = 1;
-  StoredPicture picture(plan.form, width, height, host::kUnwritten);
+  const Size size = SizeOf(plan.resized, {width, height});
+  StoredPicture picture(plan.form, size.width, size.height, host::kUnwritten);
+  picture.missingRows = MissingRows(plan.missing, size.height);
   picture.fault = plan.fault;
   return picture;
 }
@@ -60,6 +92,11 @@ void MakeShape(const NewPicture& plan, host::PictureShape& shape) {
   shape.defects = DefectsFor(plan.fault, plan.form, plan.variant);
   if (IsEmptyBuffer(plan)) shape.width = shape.height = 0;
   if (plan.fault != Fault::None && !IsEmptyBuffer(plan)) shape.width = shape.height = 1;
+  const Size size = SizeOf(plan.resized, {shape.width, shape.height});
+  shape.width = size.width;
+  shape.height = size.height;
+  const std::set<int> missing = MissingRows(plan.missing, shape.height);
+  shape.defects.nilRows.assign(missing.begin(), missing.end());
 }
 
 bool SameDouble(double a, double b) {
@@ -108,6 +145,20 @@ void CheckMeans(const Outcome& expected, const std::vector<Value>& before, const
 }
 
 }  // namespace
+
+std::set<int> MissingRows(MissingRow missing, int height) {
+  switch (missing) {
+    case MissingRow::None:
+      break;
+    case MissingRow::First:
+      return {0};
+    case MissingRow::Inner:
+      return {height / 2};
+    case MissingRow::Last:
+      return {height - 1};
+  }
+  return {};
+}
 
 MakePicture NewValues(const Setting& setting) {
   return [&setting](std::size_t number, int width, int height) {
@@ -187,7 +238,7 @@ Called PluginTest::Run(const std::string& name, const std::vector<Value>& argume
   return called;
 }
 
-// Looks at the pictures at every yield, or, where that would be many pixels, at every nth.
+// Looks at the pictures at every yield, or, where that would be many pixels, at every nth and the last.
 class PluginTest::Watch {
  public:
   Watch(PluginTest& test, const Outcome& expected, const Picture& source, const std::optional<StoredPicture>& before)
@@ -204,7 +255,8 @@ class PluginTest::Watch {
  private:
   void Look() {
     const std::size_t index = seen_++;
-    if (index >= expected_.yields.size() || index % stride_ != 0 || testing::Test::HasFailure()) return;
+    if (index >= expected_.yields.size() || testing::Test::HasFailure()) return;
+    if (index % stride_ != 0 && index + 1 != expected_.yields.size()) return;
     const definition::Yield& yield = expected_.yields[index];
     EXPECT_EQ(test_.LastError(), expected_.code) << "during a yield";
     std::vector<std::size_t> alive;

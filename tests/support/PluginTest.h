@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,12 +25,32 @@ struct Called {
   std::vector<host::Value> arguments;  ///< with what ByRef ones hold now
 };
 
+/// One row that a buffer lacks.
+enum class MissingRow { None, First, Inner, Last };
+/// The rows that a picture of a height lacks then.
+std::set<int> MissingRows(MissingRow missing, int height);
+
+/// A size that differs from the one that was asked for in one thing; halves are rounded up, and nothing is below 1.
+enum class Resized {
+  No,
+  WiderByOne,
+  WiderByHalf,
+  NarrowerByOne,
+  HalfAsWide,
+  TallerByOne,
+  TallerByHalf,
+  LowerByOne,
+  HalfAsHigh
+};
+
 /// One new picture that the host will make.
 struct NewPicture {
   definition::Form form = definition::Form::BitmapContext;
   host::Layout layout = {};
   definition::Fault fault = definition::Fault::None;
   unsigned variant = 0;  ///< see DefectsFor
+  MissingRow missing = MissingRow::None;
+  Resized resized = Resized::No;
 };
 
 /// What surrounds a call of a method.
