@@ -1,0 +1,192 @@
+// Every method with every two of: the picture's size, the pace of yields, and how the source, the temporary pictures and
+// the result lie in memory; compared with the reference model. Bugs live where two of these meet.
+#include <climits>
+
+#include "DefinitionTest.h"
+#include "MethodVariants.h"
+#include "support/CoveringArray.h"
+
+namespace {
+
+using definition::Form;
+using definition::StoredPicture;
+using host::Colour;
+using support::CallOf;
+using support::MissingRow;
+using support::NewPicture;
+using support::Setting;
+using support::Size;
+using support::Variant;
+using support::Variants;
+
+// Wider or taller than every tile, band and array of the plug-in; and more than 3 x 2^20 pixels, so that the result is
+// written by non-temporal stores. None fills registers or tiles.
+enum SizeClass { kSmall, kWide, kTall, kLarge, kSizeClasses };
+constexpr Size kSizes[kSizeClasses] = {{23, 17}, {4501, 67}, {67, 1101}, {1801, 1787}};
+static_assert(1801 * 1787 > 3 << 20);
+
+// Of a line of the result.
+enum Pace { kNoYield, kEveryPixel, kOneLine, kAFewLines, kInsideABand, kBeyondAll, kPaces };
+
+int YieldOf(int pace, int line) {
+  switch (pace) {
+    case kEveryPixel:
+      return 1;
+    case kOneLine:
+      return line;
+    case kAFewLines:
+      return 3 * line + line / 2;
+    case kInsideABand:
+      return 37 * line + 1;
+    case kBeyondAll:
+      return INT_MAX;
+    default:
+      return 0;
+  }
+}
+
+struct Storage {
+  const char* name;
+  Form form;
+  bool scattered;
+  MissingRow missing;
+};
+constexpr Storage kStorages[] = {
+    {"a context", Form::BitmapContext, false, MissingRow::None},
+    {"a buffer", Form::Buffer, false, MissingRow::None},
+    {"a buffer with scattered rows", Form::Buffer, true, MissingRow::None},
+    {"a buffer without its first row", Form::Buffer, false, MissingRow::First},
+    {"a buffer without an inner row", Form::Buffer, false, MissingRow::Inner},
+    {"a buffer without its last row", Form::Buffer, false, MissingRow::Last},
+};
+
+// ------------------------------------------------------------------------------------------------------------- the rows
+
+struct Combination {
+  int variant, size, pace, source, temporary, result;
+};
+
+const std::vector<int>& Counts() {
+  static const int kKinds = static_cast<int>(std::size(kStorages));
+  static const std::vector<int> counts = {
+      static_cast<int>(Variants().size()), kSizeClasses, kPaces, kKinds, kKinds, kKinds};
+  return counts;
+}
+
+const std::vector<Combination>& Combinations() {
+  static const std::vector<Combination> combinations = [] {
+    std::vector<Combination> made;
+    for (const std::vector<int>& row : support::CoveringArray(Counts())) {
+      made.push_back({row[0], row[1], row[2], row[3], row[4], row[5]});
+    }
+    return made;
+  }();
+  return combinations;
+}
+
+TEST(CoveringArray, HasEveryPair) {
+  for (const std::vector<int>& counts : {Counts(), {2, 2}, {1, 1, 1}, {3, 1, 7, 2}}) {
+    const std::vector<std::vector<int>> rows = support::CoveringArray(counts);
+    std::size_t all = 1;
+    for (const int count : counts) all *= static_cast<std::size_t>(count);
+    EXPECT_LE(rows.size(), all);
+    for (std::size_t g = 0; g < counts.size(); ++g) {
+      for (std::size_t f = 0; f < g; ++f) {
+        std::set<std::pair<int, int>> pairs;
+        for (const std::vector<int>& row : rows) {
+          ASSERT_EQ(row.size(), counts.size());
+          ASSERT_TRUE(row[f] >= 0 && row[f] < counts[f]);
+          pairs.insert({row[f], row[g]});
+        }
+        EXPECT_EQ(pairs.size(), static_cast<std::size_t>(counts[f] * counts[g])) << "factors " << f << " and " << g;
+      }
+    }
+  }
+}
+
+// ------------------------------------------------------------------------------------------------------------ the calls
+
+host::Layout LayoutOf(const Storage& storage) {
+  host::Layout layout;
+  layout.scattered = storage.scattered;
+  return layout;
+}
+
+NewPicture NewPictureOf(const Storage& storage) {
+  NewPicture plan;
+  plan.form = storage.form;
+  plan.layout = LayoutOf(storage);
+  plan.missing = storage.missing;
+  return plan;
+}
+
+// Random rows, over and over: a prime number of pixels, so that neighbouring rows differ.
+StoredPicture SourceOf(const Storage& storage, Size size, Random& random) {
+  StoredPicture picture(storage.form, size.width, size.height);
+  const StoredPicture part = support::RandomPicture(random, storage.form, 1, 8191);
+  for (std::size_t i = 0; i < picture.words.size(); ++i) picture.words[i] = part.words[i % part.words.size()];
+  picture.missingRows = support::MissingRows(storage.missing, size.height);
+  for (const int y : picture.missingRows) {
+    for (int x = 0; x < size.width; ++x) picture.Word(x, y) = host::kUnwritten;
+  }
+  return picture;
+}
+
+class PairsTest : public support::PluginTest, public testing::WithParamInterface<std::size_t> {
+ protected:
+  void CheckCombinations(bool large) {
+    int number = 0;
+    for (const Combination& combination : Combinations()) {
+      ++number;
+      if (combination.variant != static_cast<int>(GetParam()) || (combination.size == kLarge) != large) continue;
+      SCOPED_TRACE(Text(combination));
+      Check(combination, number);
+      if (HasFailure()) return;
+    }
+  }
+
+ private:
+  static std::string Text(const Combination& c) {
+    const Size size = kSizes[c.size];
+    return "size " + std::to_string(size.width) + " x " + std::to_string(size.height) + ", pace " +
+           std::to_string(c.pace) + ", source " + kStorages[c.source].name + ", temporary pictures " +
+           kStorages[c.temporary].name + ", result " + kStorages[c.result].name;
+  }
+
+  void Check(const Combination& c, int number) {
+    static constexpr Colour kFrames[] = {{0x00204060}, {0xFF000000}, {0x50FF8010}};
+    const Variant& variant = Variants()[static_cast<std::size_t>(c.variant)];
+    const support::Method& method = support::MethodOf(variant);
+    const Size size = kSizes[c.size];
+    Random random(static_cast<std::uint64_t>(number));
+    Setting setting;
+    setting.mostPixels = 1 << 24;
+    setting.newPictures.assign(4, NewPictureOf(kStorages[c.temporary]));
+    if (method.result > 0) setting.newPictures[method.result - 1] = NewPictureOf(kStorages[c.result]);
+    if (method.hasSource) {
+      setting.source = SourceOf(kStorages[c.source], variant.source(size), random);
+      setting.layout = LayoutOf(kStorages[c.source]);
+    }
+    const int yield = YieldOf(c.pace, variant.byColumns ? size.height : size.width);
+    CheckCall(CallOf(variant, size, kFrames[number % 3], yield), setting);
+  }
+};
+
+std::string NameOf(const testing::TestParamInfo<std::size_t>& variant) {
+  return Variants()[variant.param].name;
+}
+
+class Pairs : public PairsTest {};
+class LargePairs : public PairsTest {};
+INSTANTIATE_TEST_SUITE_P(Methods, Pairs, testing::Range(std::size_t{0}, Variants().size()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Methods, LargePairs, testing::Range(std::size_t{0}, Variants().size()), NameOf);
+
+TEST_P(Pairs, AreAsTheModelSays) {
+  CheckCombinations(false);
+}
+
+TEST_P(LargePairs, AreAsTheModelSays) {
+  CheckCombinations(true);
+}
+
+}  // namespace

@@ -1,0 +1,12 @@
+// Few rows of choices in which every two choices meet.
+#pragma once
+
+#include <vector>
+
+namespace support {
+
+/// Factor f has the choices 0 to counts[f] - 1. A row has a choice of each factor, and for every two factors, every choice
+/// of the one stands in some row together with every choice of the other.
+std::vector<std::vector<int>> CoveringArray(const std::vector<int>& counts);
+
+}  // namespace support
