@@ -1,0 +1,64 @@
+// Hosts that make one new picture, a result or a temporary one, of another size than the plug-in asks for: wider, narrower,
+// taller or lower, by one or by half. The call goes on with what it got.
+#include "DefinitionTest.h"
+#include "MethodVariants.h"
+
+namespace {
+
+using definition::Form;
+using host::Colour;
+using support::NewPicture;
+using support::Resized;
+using support::Setting;
+using support::Size;
+using support::Variant;
+using support::Variants;
+
+struct Change {
+  const char* name;
+  Resized resized;
+};
+constexpr Change kChanges[] = {
+    {"wider by one", Resized::WiderByOne},       {"wider by half", Resized::WiderByHalf},
+    {"narrower by one", Resized::NarrowerByOne}, {"half as wide", Resized::HalfAsWide},
+    {"taller by one", Resized::TallerByOne},     {"taller by half", Resized::TallerByHalf},
+    {"lower by one", Resized::LowerByOne},       {"half as high", Resized::HalfAsHigh},
+};
+constexpr Size kSizes[] = {{23, 17}, {72, 75}};
+
+class ResizedTest : public support::PluginTest, public testing::WithParamInterface<std::size_t> {};
+
+INSTANTIATE_TEST_SUITE_P(Methods, ResizedTest, testing::Range(std::size_t{0}, Variants().size()),
+                         [](const testing::TestParamInfo<std::size_t>& variant) {
+                           return std::string(Variants()[variant.param].name);
+                         });
+
+TEST_P(ResizedTest, NewPicturesOfAnotherSize) {
+  const Variant& variant = Variants()[GetParam()];
+  const support::Method& method = support::MethodOf(variant);
+  const std::size_t made = std::string(method.name) == "LMX_Stretch" ? 2 : method.result;
+  Random random(1);
+  for (const Size size : kSizes) {
+    for (const Form form : {Form::BitmapContext, Form::Buffer}) {
+      const Size source = variant.source(size);
+      const definition::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
+      for (std::size_t number = 1; number <= made; ++number) {
+        for (const Change& change : kChanges) {
+          for (const int yield : {0, 1}) {
+            SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", new picture " << number << " "
+                                            << change.name << ", yield " << yield);
+            Setting setting;
+            if (method.hasSource) setting.source = picture;
+            setting.newPictures.assign(4, NewPicture{});
+            for (NewPicture& plan : setting.newPictures) plan.form = form;
+            setting.newPictures[number - 1].resized = change.resized;
+            CheckCall(support::CallOf(variant, size, Colour{0x30204060}, yield), setting);
+            if (HasFailure()) return;
+          }
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
