@@ -37,36 +37,44 @@ std::set<Pair> PairsWith(const Row& row, const Choice& choice) {
   return pairs;
 }
 
+// A row that begins with a pair which no row has; then each factor makes the choice that adds most pairs of that kind, of
+// equal ones the choice that was made least often.
+Row GreedyRow(const std::vector<int>& counts, const std::set<Pair>& missing, std::map<Choice, int>& uses) {
+  Row row(counts.size(), kOpen);
+  const auto [first, second] = *missing.begin();
+  row[first.first] = first.second;
+  row[second.first] = second.second;
+  for (std::size_t f = 0; f < counts.size(); ++f) {
+    if (row[f] != kOpen) continue;
+    std::pair<int, int> best = {-1, 0};
+    for (int choice = 0; choice < counts[f]; ++choice) {
+      int added = 0;
+      for (const Pair& pair : PairsWith(row, {f, choice})) added += static_cast<int>(missing.count(pair));
+      const std::pair<int, int> merit = {added, -uses[{f, choice}]};
+      if (row[f] != kOpen && merit <= best) continue;
+      best = merit;
+      row[f] = choice;
+    }
+  }
+  return row;
+}
+
 }  // namespace
 
-// Greedy: a row begins with a pair that no row has; then each factor makes the choice that adds most pairs of that kind,
-// of equal ones the choice that was made least often.
-std::vector<std::vector<int>> CoveringArray(const std::vector<int>& counts) {
+std::vector<std::vector<int>> CoveringArray(const std::vector<int>& counts, std::vector<std::vector<int>> first) {
   std::set<Pair> missing = AllPairs(counts);
   std::map<Choice, int> uses;
-  std::vector<Row> rows;
-  while (!missing.empty()) {
-    Row row(counts.size(), kOpen);
-    const auto [first, second] = *missing.begin();
-    row[first.first] = first.second;
-    row[second.first] = second.second;
-    for (std::size_t f = 0; f < counts.size(); ++f) {
-      if (row[f] != kOpen) continue;
-      std::pair<int, int> best = {-1, 0};
-      for (int choice = 0; choice < counts[f]; ++choice) {
-        int added = 0;
-        for (const Pair& pair : PairsWith(row, {f, choice})) added += static_cast<int>(missing.count(pair));
-        const std::pair<int, int> merit = {added, -uses[{f, choice}]};
-        if (row[f] != kOpen && merit <= best) continue;
-        best = merit;
-        row[f] = choice;
-      }
-    }
-    for (std::size_t f = 0; f < counts.size(); ++f) {
+  std::vector<Row> rows = std::move(first);
+  const auto count = [&](const Row& row) {
+    for (std::size_t f = 0; f < row.size(); ++f) {
       ++uses[{f, row[f]}];
       for (const Pair& pair : PairsWith(row, {f, row[f]})) missing.erase(pair);
     }
-    rows.push_back(row);
+  };
+  for (const Row& row : rows) count(row);
+  while (!missing.empty()) {
+    rows.push_back(GreedyRow(counts, missing, uses));
+    count(rows.back());
   }
   return rows;
 }
