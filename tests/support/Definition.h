@@ -34,11 +34,11 @@ struct StoredPicture {
   StoredPicture(Form pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word = 0);
 
   // What is outside, or in a missing row, reads as 0 and ignores writes.
-  bool Has(int x, int y) const;
+  bool Has(int x, int y) const { return IsInside(x, y) && (missingRows.empty() || missingRows.count(y) == 0); }
   std::uint32_t Read(int x, int y) const;
   void Write(int x, int y, std::uint32_t pixel);
-  std::uint32_t& Word(int x, int y) { return words.at(Index(x, y)); }
-  const std::uint32_t& Word(int x, int y) const { return words.at(Index(x, y)); }
+  std::uint32_t& Word(int x, int y) { return words[Index(x, y)]; }
+  const std::uint32_t& Word(int x, int y) const { return words[Index(x, y)]; }
 
   Form form;
   int width;
@@ -48,6 +48,10 @@ struct StoredPicture {
   Fault fault = Fault::None;
 
  private:
+  bool IsInside(int x, int y) const { return x >= 0 && x < width && y >= 0 && y < height; }
+  std::size_t Place(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
+  }
   std::size_t Index(int x, int y) const;
 };
 

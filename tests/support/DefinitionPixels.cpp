@@ -63,22 +63,17 @@ StoredPicture::StoredPicture(Form pictureForm, int pictureWidth, int pictureHeig
       height(std::max(pictureHeight, 0)),
       words(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), word) {}
 
-std::size_t StoredPicture::Index(int x, int y) const {
-  if (x < 0 || x >= width || y < 0 || y >= height) throw std::out_of_range("a pixel outside the picture");
-  return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
-}
-
-bool StoredPicture::Has(int x, int y) const {
-  const bool isInside = x >= 0 && x < width && y >= 0 && y < height;
-  return isInside && (missingRows.empty() || missingRows.count(y) == 0);
-}
-
 std::uint32_t StoredPicture::Read(int x, int y) const {
-  return Has(x, y) ? ReadPixel(form, Word(x, y)) : 0;
+  return Has(x, y) ? ReadPixel(form, words[Place(x, y)]) : 0;
 }
 
 void StoredPicture::Write(int x, int y, std::uint32_t pixel) {
-  if (Has(x, y)) Word(x, y) = WritePixel(form, pixel);
+  if (Has(x, y)) words[Place(x, y)] = WritePixel(form, pixel);
+}
+
+std::size_t StoredPicture::Index(int x, int y) const {
+  if (!IsInside(x, y)) throw std::out_of_range("a pixel outside the picture");
+  return Place(x, y);
 }
 
 ColumnWalk::ColumnWalk(const StoredPicture& picture, int row, int step)

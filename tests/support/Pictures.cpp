@@ -148,6 +148,7 @@ std::string Difference(const StoredPicture& expected, const StoredPicture& got) 
   if (expected.form != got.form || expected.width != got.width || expected.height != got.height) {
     return "a " + Shape(got) + " instead of a " + Shape(expected);
   }
+  if (expected.words == got.words) return "";
   std::string text;
   int count = 0;
   for (int y = 0; y < expected.height; ++y) {
@@ -157,7 +158,7 @@ std::string Difference(const StoredPicture& expected, const StoredPicture& got) 
               Hex(expected.Word(x, y)) + ";";
     }
   }
-  return count == 0 ? "" : Shape(expected) + ", " + std::to_string(count) + " pixels differ:" + text;
+  return Shape(expected) + ", " + std::to_string(count) + " pixels differ:" + text;
 }
 
 }  // namespace support
