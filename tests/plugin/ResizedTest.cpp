@@ -44,7 +44,7 @@ TEST_P(ResizedTest, NewPicturesOfAnotherSize) {
       const definition::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
       for (std::size_t number = 1; number <= made; ++number) {
         for (const Change& change : kChanges) {
-          for (const int yield : {0, 1}) {
+          for (const int yield : {0, 1, 2 * (variant.byColumns ? size.height : size.width)}) {
             SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", new picture " << number << " "
                                             << change.name << ", yield " << yield);
             Setting setting;
