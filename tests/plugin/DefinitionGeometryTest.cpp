@@ -51,8 +51,8 @@ TEST_F(DefinitionGeometry, FlipRotate) {
 
 double RandomShear(Random& random) {
   if (OneIn(random, 8)) return AnyDouble(random);
-  if (OneIn(random, 10)) return OneIn(random, 2) ? 1.0 : -1.0;
-  if (OneIn(random, 4)) return random.Between(-4, 4) / 4.0;
+  if (OneIn(random, 3)) return support::ExactShear(random);
+  if (OneIn(random, 8)) return random.Between(-4, 4) / 4.0;
   return 2 * Fraction(random) - 1;
 }
 
@@ -90,6 +90,7 @@ TEST_F(DefinitionGeometry, ShearVertical) {
 double RandomAngle(Random& random) {
   if (OneIn(random, 10)) return AnyDouble(random);
   if (OneIn(random, 4)) return AwkwardAngle(random.Next());
+  if (OneIn(random, 4)) return support::ExactAngle(random);
   const double eighth = random.Between(0, 8) * 45.0;
   if (OneIn(random, 4)) return eighth;
   if (OneIn(random, 8)) return std::nextafter(eighth, OneIn(random, 2) ? 0.0 : 360.0);
@@ -119,6 +120,7 @@ TEST_F(DefinitionGeometry, Stretch) {
     const auto length = [&](int size) {
       if (OneIn(random, 12)) return AnyInteger(random);
       if (OneIn(random, 6)) return size;
+      if (OneIn(random, 8)) return support::NearPowerOfTwo(random, 512);
       return OneIn(random, 3) ? random.Between(1, 200) : random.Between(1, 2 * size + 2);
     };
     const int width = length(Width(setting));

@@ -1,5 +1,6 @@
 #include "Cases.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -48,7 +49,35 @@ std::int32_t AnyInteger(Random& random) {
                                               255, 256, -255, -256, 65535, 65536,   32767,   32768,       -65536};
   if (OneIn(random, 2)) return random.OneOf(kAwkward);
   if (OneIn(random, 4)) return static_cast<std::int32_t>(random.Word());
+  if (OneIn(random, 4)) return (OneIn(random, 2) ? 1 : -1) * NearPowerOfTwo(random, INT_MAX);
   return random.Between(-500, 500);
+}
+
+std::int32_t NearPowerOfTwo(Random& random, std::int32_t most) {
+  std::int32_t powers = 1;
+  while (most >> powers != 0) ++powers;
+  const std::int64_t power = std::int64_t{1} << random.Below(static_cast<std::uint32_t>(powers));
+  return static_cast<std::int32_t>(std::max<std::int64_t>(power + random.Between(-1, 1), 1));
+}
+
+namespace {
+
+// That number, or one of the two doubles next to it.
+double OrNext(Random& random, double number) {
+  if (OneIn(random, 2)) return number;
+  return std::nextafter(number, OneIn(random, 2) ? -DBL_MAX : DBL_MAX);
+}
+
+}  // namespace
+
+double ExactShear(Random& random) {
+  if (OneIn(random, 2)) return OrNext(random, random.Between(-10, 10) / 10.0);
+  return OrNext(random, random.Between(-2, 2) / 2.0 + random.Between(-3, 3) / 65536.0);
+}
+
+double ExactAngle(Random& random) {
+  if (OneIn(random, 2)) return OrNext(random, random.Between(0, 3600) / 10.0);
+  return OrNext(random, random.Between(0, 8) * 45.0 + random.Between(-3, 3) / 65536.0);
 }
 
 double AnyDouble(Random& random) {

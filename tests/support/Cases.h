@@ -18,6 +18,13 @@ void ForEachCase(int count, const std::function<void(Random& random)>& body);
 
 /// Any integer, the awkward ones more often.
 std::int32_t AnyInteger(Random& random);
+/// A power of 2 up to that of `most`, or its neighbour; at least 1.
+std::int32_t NearPowerOfTwo(Random& random, std::int32_t most);
+/// A number of -1 to 1, or next to that, at which a rounded one decides: k/65536 near 0, 1/2 and 1, tenths, and the
+/// doubles next to these.
+double ExactShear(Random& random);
+/// The same for degrees: k/65536 near the multiples of 45, tenths, and the doubles next to these.
+double ExactAngle(Random& random);
 /// Any double, the awkward ones more often: zeros, denormals, infinities, NaN, the greatest.
 double AnyDouble(Random& random);
 /// Any byte where a boolean should be, 0 and 1 more often.

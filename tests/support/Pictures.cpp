@@ -56,6 +56,7 @@ void Fill(Random& random, Kind kind, StoredPicture& picture) {
 
 int RandomLength(Random& random) {
   if (OneIn(random, 60)) return 0;
+  if (OneIn(random, 30)) return NearPowerOfTwo(random, 256);
   if (OneIn(random, 12)) return random.Between(1, 200);
   if (OneIn(random, 3)) return random.Between(1, 70);
   return random.Between(1, 12);
