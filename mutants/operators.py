@@ -1,8 +1,13 @@
 """The bugs that can be planted: each operator finds its places in a file, and what would stand there instead."""
 
+import pathlib
 import re
 
 from source import Source
+
+# The constants that bound tiles, bands and arrays.
+BOUNDS = frozenset(re.findall(r'(?:Length\(|\{)"(k\w+)", "[^"]*", ', pathlib.Path(
+    __file__).parent.parent.joinpath("tests/support/Bounds.cpp").read_text()))
 
 # A binary operator becomes another. All of them stand between blanks.
 OPERATORS = {
@@ -69,7 +74,8 @@ class Mutant:
 def enumerate_mutants(file, text):
     """All mutants of a file, in the order of their places, named."""
     source = Source(text)
-    finds = (_operators, _names, _vector_names, _numbers, _unary, _terms, _conditions, _drops, _chains, _guards, _codes)
+    finds = (_operators, _names, _vector_names, _numbers, _unary, _terms, _conditions, _drops, _chains, _guards, _codes,
+             _bounds, _halves, _yields, _forms)
     places = {place for find in finds for place in find(source)}
     mutants = [Mutant(file, source, operator, start, end, replacement)
                for start, end, operator, replacement in sorted(places) if text[start:end] != replacement]
@@ -252,3 +258,60 @@ def _codes(source):
     for i, token in _tokens(source, "name"):
         if token.text in CODES and source.tokens[i + 1].text != "=":
             yield token.start, token.end, "code", CODES[(CODES.index(token.text) + 1) % len(CODES)]
+
+
+def _bounds(source):
+    """A bound of tiles, bands or arrays is one more or less, in one place of its use."""
+    for i, token in _tokens(source, "name"):
+        if token.text in BOUNDS and source.tokens[i + 1].text not in ("=", "("):
+            yield token.start, token.end, "bound-plus1", f"({token.text} + 1)"
+            yield token.start, token.end, "bound-minus1", f"({token.text} - 1)"
+
+
+def _operand(source, i, step, ends):
+    """The last token of the operand that begins beside token i, to the right (1) or left (-1)."""
+    opening, closing = ("([{", ")]}") if step > 0 else (")]}", "([{")
+    at = i + step
+    while True:
+        if source.tokens[at].text in opening:
+            at = source.partner.get(at, at)
+        beside = source.tokens[at + step].text
+        if beside in ends or beside in closing or beside in (",", ";", "?", ":", "=", "return"):
+            return at
+        at += step
+
+
+def _halves(source):
+    """Of two conditions that are joined, one is left out."""
+    for i, token in _tokens(source, "mark"):
+        if token.text not in ("&&", "||") or not source.spaced(i):
+            continue
+        ends = ("&&", "||") if token.text == "&&" else ("||",)
+        first, last = _operand(source, i, -1, ends), _operand(source, i, 1, ends)
+        yield source.tokens[i - 1].end, source.tokens[last].end, "drop-right", ""
+        if source.tokens[first - 1].text != token.text:  # which has left it out already
+            yield source.tokens[first].start, source.tokens[i + 1].start, "drop-left", ""
+
+
+def _yields(source):
+    """A call goes without yields, or does not wait for the next one."""
+    for i, token in _tokens(source, "name"):
+        before, behind = source.tokens[i - 1].text, source.tokens[i + 1].text
+        if token.text == "yield" and before in ("(", ",") and behind in (")", ","):
+            yield token.start, token.end, "no-yield", "0"
+        if token.text == "BeginLines" and before == ".":
+            last = source.partner[i + 1]
+            comma = _operand(source, i + 1, 1, ()) + 1  # between the two arguments
+            pace = source.tokens[i - 2]
+            pixels = source.text[source.tokens[i + 1].end:source.tokens[comma].start]
+            most = source.text[source.tokens[comma].end:source.tokens[last].start].strip()
+            yield (pace.start, source.tokens[last].end, "no-pace",
+                   f"({pace.text}.ReportLines({most}, {pixels}), {most})")
+
+
+def _forms(source):
+    """The storage form of a picture is not looked at."""
+    for i, token in _tokens(source, "name"):
+        if token.text == "FormOf" and source.tokens[i + 1].text == "(" and source.tokens[i - 1].kind != "name":
+            for form in ("kContextForm", "kBufferForm"):
+                yield token.start, source.tokens[source.partner[i + 1]].end, f"form-{form}", form
