@@ -19,10 +19,10 @@ using support::Size;
 using support::Variant;
 using support::Variants;
 
-// Wider or taller than every tile, band and array of the plug-in; and more than 3 x 2^20 pixels, so that the result is
-// written by non-temporal stores. None fills registers or tiles.
-enum SizeClass { kSmall, kWide, kTall, kLarge, kSizeClasses };
-constexpr Size kSizes[kSizeClasses] = {{23, 17}, {4501, 67}, {67, 1101}, {1801, 1787}};
+// Small; a bit more than a tile; wider or taller than every tile, band and array of the plug-in; and more than 3 x 2^20
+// pixels, so that the result is written by non-temporal stores. None fills registers or tiles.
+enum SizeClass { kSmall, kTiles, kWide, kTall, kLarge, kSizeClasses };
+constexpr Size kSizes[kSizeClasses] = {{23, 17}, {83, 71}, {4501, 67}, {67, 1101}, {1801, 1787}};
 static_assert(1801 * 1787 > 3 << 20);
 
 // Of a line of the result.
@@ -87,7 +87,7 @@ std::vector<std::vector<int>> WantedRows() {
     for (const std::size_t picture : {std::size_t{3}, std::size_t{4}, std::size_t{5}}) {
       for (int kind = kScattered + 1; kind < Counts()[picture]; ++kind) {
         for (const int pace : {kNoYield, kAFewLines}) {
-          rows.push_back({variant, kSmall, pace, kBuffer, variant % 2, kBuffer});
+          rows.push_back({variant, kTiles, pace, kBuffer, variant % 2, kBuffer});
           rows.back()[picture] = kind;
         }
       }
