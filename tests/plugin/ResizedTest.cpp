@@ -1,5 +1,7 @@
 // Hosts that make one new picture, a result or a temporary one, of another size than the plug-in asks for: wider, narrower,
-// taller or lower, by one or by half. The call goes on with what it got.
+// taller or lower, by one or by half. The call goes on with what it got, and asks the host for the same in the same order.
+#include <map>
+
 #include "DefinitionTest.h"
 #include "MethodVariants.h"
 
@@ -24,9 +26,23 @@ constexpr Change kChanges[] = {
     {"taller by one", Resized::TallerByOne},     {"taller by half", Resized::TallerByHalf},
     {"lower by one", Resized::LowerByOne},       {"half as high", Resized::HalfAsHigh},
 };
+constexpr Colour kFrame = {0x30204060};
 constexpr Size kSizes[] = {{23, 17}, {72, 75}};
 
-class ResizedTest : public support::PluginTest, public testing::WithParamInterface<std::size_t> {};
+class ResizedTest : public support::PluginTest, public testing::WithParamInterface<std::size_t> {
+ protected:
+  // The services that the last call has asked for, but for yields, each with its object's place among all objects.
+  std::vector<std::string> Services() const {
+    std::map<std::uint32_t, std::size_t> places;
+    std::vector<std::string> services;
+    for (const host::ServiceCall& call : host_.Log()) {
+      if (std::string(call.name) == "REALYieldToRB") continue;
+      const std::size_t place = places.emplace(call.object, places.size()).first->second;
+      services.push_back(call.name + (" " + std::to_string(place)));
+    }
+    return services;
+  }
+};
 
 INSTANTIATE_TEST_SUITE_P(Methods, ResizedTest, testing::Range(std::size_t{0}, Variants().size()),
                          [](const testing::TestParamInfo<std::size_t>& variant) {
@@ -42,17 +58,21 @@ TEST_P(ResizedTest, NewPicturesOfAnotherSize) {
     for (const Form form : {Form::BitmapContext, Form::Buffer}) {
       const Size source = variant.source(size);
       const definition::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
+      Setting setting;
+      if (method.hasSource) setting.source = picture;
+      setting.newPictures.assign(4, NewPicture{});
+      for (NewPicture& plan : setting.newPictures) plan.form = form;
+      CheckCall(support::CallOf(variant, size, kFrame, 0), setting);
+      const std::vector<std::string> services = Services();
       for (std::size_t number = 1; number <= made; ++number) {
         for (const Change& change : kChanges) {
           for (const int yield : {0, 1, 2 * (variant.byColumns ? size.height : size.width)}) {
             SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", new picture " << number << " "
                                             << change.name << ", yield " << yield);
-            Setting setting;
-            if (method.hasSource) setting.source = picture;
-            setting.newPictures.assign(4, NewPicture{});
-            for (NewPicture& plan : setting.newPictures) plan.form = form;
-            setting.newPictures[number - 1].resized = change.resized;
-            CheckCall(support::CallOf(variant, size, Colour{0x30204060}, yield), setting);
+            Setting changed = setting;
+            changed.newPictures[number - 1].resized = change.resized;
+            CheckCall(support::CallOf(variant, size, kFrame, yield), changed);
+            EXPECT_EQ(Services(), services);
             if (HasFailure()) return;
           }
         }
