@@ -87,6 +87,38 @@ TEST_F(DefinitionGeometry, ShearVertical) {
   });
 }
 
+// Displacements by tenths and hundredths that add up to whole pixels, or to just less.
+TEST_F(DefinitionGeometry, ShearsByWholePixelsInAll) {
+  Random random(1);
+  const auto check = [&](int lines, double shear) {
+    const int natural = static_cast<int>(std::lround(1 + lines * std::fabs(shear)));
+    for (const bool isHorizontal : {true, false}) {
+      Setting setting = support::RandomNewPictures(random);
+      for (support::NewPicture& plan : setting.newPictures) plan.fault = definition::Fault::None;
+      setting.source = support::RandomPicture(random, support::RandomForm(random), isHorizontal ? 1 : lines,
+                                              isHorizontal ? lines : 1);
+      const int width = isHorizontal ? natural + 1 : lines, height = isHorizontal ? lines : natural + 1;
+      const auto define = isHorizontal ? definition::ShearHorizontal : definition::ShearVertical;
+      CheckCall({isHorizontal ? "ShearHorizontal" : "ShearVertical",
+                 true,
+                 {width, height, shear, Colour{0x40306090}, 0},
+                 [=](const StoredPicture* source, const MakePicture& make) {
+                   return define(source, width, height, shear, 0x40306090, 0, make);
+                 }},
+                setting);
+    }
+  };
+  for (const int parts : {10, 100}) {
+    for (int step = 1; step < parts; ++step) {
+      for (int lines = 1; lines <= 30; ++lines) {
+        if (step * lines % parts != 0) continue;
+        check(lines, 1.0 * step / parts);
+        check(lines, -1.0 * step / parts);
+      }
+    }
+  }
+}
+
 double RandomAngle(Random& random) {
   if (OneIn(random, 10)) return AnyDouble(random);
   if (OneIn(random, 4)) return AwkwardAngle(random.Next());

@@ -1,6 +1,8 @@
 // The methods against their plain definition on pictures that are too large for the cache, whose results the plug-in
 // writes past it.
 
+#include <algorithm>
+
 #include "DefinitionTest.h"
 
 namespace {
@@ -39,6 +41,14 @@ class LargePictures : public support::PluginTest, public testing::WithParamInter
     setting.mostPixels = 1 << 24;
     return setting;
   }
+
+  // The result of a call, without what CheckCall looks at. Yields end with it.
+  host::Picture Make(const std::string& name, const std::vector<host::Value>& arguments) {
+    host_.ResetCounts();
+    const host::Picture result = host_.Call(name, arguments).result.AsPicture();
+    host_.onYield = nullptr;
+    return result;
+  }
 };
 
 INSTANTIATE_TEST_SUITE_P(Forms, LargePictures, testing::Values(Form::BitmapContext, Form::Buffer),
@@ -47,6 +57,7 @@ INSTANTIATE_TEST_SUITE_P(Forms, LargePictures, testing::Values(Form::BitmapConte
                          });
 
 TEST_P(LargePictures, FlipRotate) {
+  const Setting pictures = Pictures();
   for (const auto& [flipH, rotation] : {std::pair(false, 0), std::pair(true, 0), std::pair(false, 90)}) {
     CheckCall({"FlipRotate",
                true,
@@ -54,8 +65,79 @@ TEST_P(LargePictures, FlipRotate) {
                [flip = flipH, turn = rotation](const StoredPicture* source, const MakePicture& make) {
                  return definition::FlipRotate(source, flip, false, turn, 0, make);
                }},
-              Pictures());
+              pictures);
   }
+}
+
+// What a turn is to put at (x, y) of its result: a place in the source.
+struct Place {
+  int x;
+  int y;
+};
+Place TurnedFrom(bool flipH, bool flipV, int quarter, int x, int y) {
+  Place at = {x, y};
+  if (quarter == 1) at = {y, kHeight - 1 - x};
+  if (quarter == 2) at = {kWidth - 1 - x, kHeight - 1 - y};
+  if (quarter == 3) at = {kWidth - 1 - y, x};
+  return {flipH ? kWidth - 1 - at.x : at.x, flipV ? kHeight - 1 - at.y : at.y};
+}
+
+// The sixteen turns into a result of the other form, half of them from each form. Some rows are compared; at every yield,
+// the last row that is due, and the first one that is not.
+TEST_P(LargePictures, EveryTurnToTheOtherForm) {
+  constexpr int kYield = 149705;  // inside of tiles, whichever way the result lies
+  const Form form = GetParam(), other = form == Form::Buffer ? Form::BitmapContext : Form::Buffer;
+  const host::Picture source = support::ToHost(*Pictures().source, {});
+  host_.newPictures.storage = support::StorageOf(other);
+  for (int turn = 0; turn < 16; ++turn) {
+    const bool flipH = turn % 2 != 0, flipV = turn / 2 % 2 != 0;
+    if ((flipH == flipV) != ((form == Form::Buffer) == (turn < 8))) continue;
+    const int quarter = turn / 4, rows = quarter % 2 == 0 ? kHeight : kWidth, columns = kWidth + kHeight - rows;
+    SCOPED_TRACE(testing::Message() << quarter << " quarters" << (flipH ? ", H" : "") << (flipV ? ", V" : ""));
+    const bool isUpwards = flipH == flipV && quarter == (flipH ? 3 : 1);
+    const auto rowOf = [&](int line) { return isUpwards ? rows - 1 - line : line; };
+    const int linesOfAYield = (kYield + columns - 1) / columns;
+    int yields = 0;
+    host_.onYield = [&] {
+      const int done = ++yields * linesOfAYield;
+      const host::Picture result = support::LiveNewPictures(host_).back().second;
+      ASSERT_LT(done, rows);
+      EXPECT_NE(result.Stored(columns - 1, rowOf(done - 1)), host::kUnwritten) << "row " << rowOf(done - 1);
+      EXPECT_EQ(result.Stored(0, rowOf(done)), host::kUnwritten) << "row " << rowOf(done);
+    };
+    const host::Picture result = Make("FlipRotate", {source, flipH, flipV, 90 * quarter, kYield});
+    EXPECT_EQ(yields, (rows - 1) / linesOfAYield);
+    for (int y = 0; y < rows; y += y < rows - 1 && y + 149 >= rows ? rows - 1 - y : 149) {
+      const std::vector<std::uint32_t> row = result.StoredRow(y);
+      for (int x = 0; x < columns; ++x) {
+        const Place from = TurnedFrom(flipH, flipV, quarter, x, y);
+        const std::uint32_t pixel = definition::ReadPixel(form, WordAt(form, from.x, from.y));
+        ASSERT_EQ(row[static_cast<std::size_t>(x)], definition::WritePixel(other, pixel)) << x << ", " << y;
+      }
+    }
+  }
+}
+
+// The same pixels as without a yield, and at each yield of the second pass no column but those that are due.
+TEST_P(LargePictures, StretchWithYields) {
+  constexpr int kYield = 1000000, kSourceWidth = 700, kSourceHeight = 1900;
+  const host::Picture source = support::ToHost(*Pictures(kSourceWidth, kSourceHeight).source, {});
+  host_.newPictures.storage = support::StorageOf(GetParam());
+  const int rowYields = (kSourceHeight - 1) / ((kYield + kWidth - 1) / kWidth);
+  const int columnsOfAYield = (kYield + kHeight - 1) / kHeight;
+  int yields = 0;
+  host_.onYield = [&] {
+    const int done = std::max(++yields - rowYields, 0) * columnsOfAYield;
+    const host::Picture result = support::LiveNewPictures(host_).front().second;
+    ASSERT_LT(done, kWidth);
+    EXPECT_EQ(result.Stored(done, 0), host::kUnwritten) << "column " << done;
+    if (done > 0) {
+      EXPECT_NE(result.Stored(done - 1, kHeight - 1), host::kUnwritten) << "column " << done - 1;
+    }
+  };
+  const host::Picture result = Make("Stretch", {source, kWidth, kHeight, kYield});
+  EXPECT_EQ(yields, rowYields + (kWidth - 1) / columnsOfAYield);
+  EXPECT_TRUE(result.SamePixels(Make("Stretch", {source, kWidth, kHeight, 0})));
 }
 
 TEST_P(LargePictures, ShearVertical) {

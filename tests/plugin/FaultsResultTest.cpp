@@ -161,6 +161,27 @@ TEST_F(FaultsResult, EveryNewPictureIsOfEveryKind) {
   }
 }
 
+// Yields count the lines of the result that the host made, and the pixels that these have. (Of methods that make a result
+// only; for the others' new pictures there is no such number.)
+TEST_F(FaultsResult, YieldsCountThePixelsThatTheHostMade) {
+  ForEveryMethod([this](const MethodCase& method, const Forms& forms) {
+    if (method.made.size() != 1) return;
+    for (const auto& [times, parts] : {std::pair(2, 1), std::pair(1, 2)}) {
+      SCOPED_TRACE(testing::Message() << times << " / " << parts << " of the size");
+      int line = 0;
+      host_->newPictures.change = [&, scale = times, divisor = parts](int, PictureShape& shape) {
+        shape.width = shape.width * scale / divisor;
+        shape.height = shape.height * scale / divisor;
+        line = method.name == "ShearVertical" ? shape.height : shape.width;
+      };
+      const int lines = Run(method, forms, nullptr, 1).Calls(host::Service::YieldToRB);
+      EXPECT_EQ(Run(method, forms, nullptr, line).Calls(host::Service::YieldToRB), lines);
+      EXPECT_EQ(Run(method, forms, nullptr, line + 1).Calls(host::Service::YieldToRB), lines / 2);
+      host_->newPictures.change = nullptr;
+    }
+  });
+}
+
 // Where the pixels of new pictures lie makes no difference.
 TEST_F(FaultsResult, UnusualLayoutsHoldTheSamePixels) {
   const auto scattered = [](PictureShape& shape) { shape.layout.scattered = shape.storage == Storage::Buffer; };

@@ -100,10 +100,26 @@ class FaultsServices : public FaultsTest {
     const bool inPlace = method.inPlace && service == Service::YieldToRB;
     ExpectThrown(method, service, ran, !inPlace);
     if (inPlace) ExpectRowsDone(method, forms, ran, call);
+    if (service == Service::YieldToRB) ExpectReleases(method, ran);
     int left = ResultsConstructed(method, ran);
     const bool locksMade = service == Service::LockPictureDescription && !IsSourceLock(method, service, call);
     if (locksMade && method.made[MadeAt(method, service, call)] == Role::Temporary) ++left;
     ExpectAbandoned(ran.leaks, left, service == Service::LoadObjectMethod);
+  }
+
+  // What a call holds when an exception leaves a pass goes as at its end: temporary pictures, the result, the source.
+  static void ExpectReleases(const MethodCase& method, const Ran& ran) {
+    const std::vector<std::string> sequence = Sequence(method, ran);
+    const auto isLock = [](const std::string& step) { return step.rfind("lock ", 0) == 0; };
+    const std::vector<std::string> releases(std::find_if(sequence.rbegin(), sequence.rend(), isLock).base(),
+                                            sequence.end());
+    std::vector<std::string> expected;
+    for (const std::string& step : releases) {
+      if (step.rfind("give up T", 0) == 0) expected.insert(expected.end(), {"unlock " + step.substr(8), step});
+    }
+    if (ResultsConstructed(method, ran) > 0) expected.emplace_back("unlock R");
+    if (method.hasSource) expected.emplace_back("unlock S");
+    EXPECT_EQ(releases, expected);
   }
 
   // The rows before the nth yield are as after a whole call, the others as before it.

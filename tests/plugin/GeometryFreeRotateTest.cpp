@@ -212,6 +212,12 @@ TEST_P(GeometryFreeRotate, EmptySourcesAreSilentlyNil) {
 TEST_P(GeometryFreeRotate, LinesThatTheSizesCannotHoldAreRefused) {
   ExpectPixels(Rotate(Source(1, 32767, Words(32767, 0xFF010203)), 0.0), 1, 32767, Words(32767, 0xFF010203));
   ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 90.0), 1, 32767, Words(32767, 0xFF010203));
+  ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 0.0), 32767, 1, Words(32767, 0xFF010203));
+  // Of a line that is as long as that, a displacement by 1/65536 is too much: by tan(d / 2) of a row, by sin(d) of a column.
+  EXPECT_FALSE(Rotate(Picture({32767, 1, GetParam().source}), 0.0017).result.IsNil());
+  ExpectFailure(Rotate(Picture({32767, 1, GetParam().source}), 0.0018), 0);
+  EXPECT_FALSE(Rotate(Picture({1, 32767, GetParam().source}), 0.0008).result.IsNil());
+  ExpectFailure(Rotate(Picture({1, 32767, GetParam().source}), 0.0009), 0);
   ExpectFailure(Rotate(Picture({1, 32768, GetParam().source}), 0.0), 0);
   ExpectFailure(Rotate(Picture({32768, 1, GetParam().source}), 0.0), 0);
   ExpectFailure(Rotate(Picture({32768, 1, GetParam().source}), 90.0), 0);

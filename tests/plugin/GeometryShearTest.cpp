@@ -125,6 +125,20 @@ TEST_P(GeometryShear, ATranslucentFrameBlendsIntoTheEdges) {
          ByForm(0xBE005E5E, 0x20007F7F)});
 }
 
+// The largest fraction: the first pixel is all frame, the pixel after the last one all but a 65536th of it.
+TEST_P(GeometryShear, TheLargestFractionStillBlendsBothEdges) {
+  const double kLargest = 65535 / 65536.0;
+  const Words red = {Stored(GetParam().source, kRed)};
+  const std::uint32_t frame = ByForm(0x7F00007F, 0x400000FF);
+  const std::uint32_t last = ByForm(0xFEFD0000, 0x00FE0000);
+  Check(1, 1, red, kLargest, Colour{0x800000FF}, 4, 1, {frame, frame, last, frame});
+  Check(1, 1, red, kLargest, Colour{0x000000FF}, 4, 1,
+        {ByForm(0xFF0000FF, 0x000000FF), ByForm(0xFFFF0000, 0x00FF0000), last, ByForm(0xFF0000FF, 0x000000FF)});
+  // The second row lies as far to the right of the first.
+  const std::uint32_t whole = ByForm(0xFFFF0000, 0x00FF0000);
+  Check(1, 2, {red[0], red[0]}, -kLargest, Colour{0x800000FF}, 3, 2, {whole, frame, frame, frame, last, frame});
+}
+
 TEST_P(GeometryShear, AnOpaqueFrameMakesClearEdgesOfItsOwnAlphaOnly) {
   // The source is a clear pixel: the frame's alpha enters, its colour does not.
   Check(1, 1, {Stored(GetParam().source, 0)}, 0.5, Colour{0x00FFFFFF}, 3, 1,
@@ -158,6 +172,11 @@ TEST_P(GeometryShear, TheStepIsRoundedDown) {
   Check(1, 1, white, 1.0 / 3, kClearFrame, 2, 1, {White(170), White(84)});
   // In the second row: 255 * 43689 / 65535 is 169, and 255 * 21846 >> 16 is 85.
   Check(1, 2, {white[0], white[0]}, -1.0 / 3, kClearFrame, 2, 2, {White(255), White(0), White(169), White(85)});
+}
+
+// A line and its displacement are 60000.9999 pixels long, of which 60000 are counted: 29998 are cut off at the start.
+TEST_P(GeometryShear, LengthsAreRoundedDown) {
+  CheckNumbers(60000, 1, -0.9999, 3, 1, {29999, 30000, 30001});
 }
 
 TEST_P(GeometryShear, LongSumsDoNotOverflow) {

@@ -39,6 +39,11 @@ std::vector<const Method*> PictureMethods() {
   return methods;
 }
 
+const Method& MethodOf(const std::string& name) {
+  return *std::find_if(support::Methods().begin(), support::Methods().end(),
+                       [&](const Method& method) { return method.name == name; });
+}
+
 // What stands between the source and the pace of yields.
 const std::vector<Value>& ArgumentsOf(const Method& method) {
   static const Value kFrame = Colour{0x40208060}, kOther = Colour{0x00F0A010};
@@ -197,13 +202,59 @@ TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
   }
 }
 
-TEST_F(NestedCalls, AFailureInsideLeavesItsCode) {
+// Every code that a call can leave, behind every other call.
+TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
+  struct Failing {
+    int code;
+    const char* name;
+    std::vector<Value> arguments;  // without the pace of yields, of which these calls make none
+    definition::Fault source = definition::Fault::None;
+    std::size_t made = 0;  // the new picture that is unusable
+  };
+  constexpr auto kUnusable = definition::Fault::UnusableType;
+  const std::vector<Value>& hsv = ArgumentsOf(MethodOf("LMX_AdjustHSV"));
+  const std::vector<Value>& rgb = ArgumentsOf(MethodOf("LMX_AdjustRGB"));
+  const auto with = [](std::vector<Value> arguments, std::size_t index, const Value& value) {
+    arguments[index] = value;
+    return arguments;
+  };
+  const Failing failing[] = {
+      {2, "LMX_Stretch", {5, 5}},  // of nil
+      {4, "LMX_Stretch", {5, 5}, kUnusable},
+      {5, "LMX_Stretch", {5, 5}, definition::Fault::None, 2},
+      {6, "LMX_FlipRotate", {true, false, 90}, definition::Fault::None, 1},
+      {31, "LMX_FlipRotate", {true, false, 360}},
+      {33, "LMX_ShearVertical", {8, 12, 1.5, Colour{0}}},
+      {34, "LMX_Stretch", {0, 5}},
+      {35, "LMX_Stretch", {5, 0}},
+      {38, "LMX_AdjustRGB", with(rgb, 2, -9)},
+      {39, "LMX_Trim", {0, 0, 0, 1, Colour{0}}},
+      {40, "LMX_AdjustRGB", with(rgb, 4, 256)},
+      {41, "LMX_AdjustRGB", with(rgb, 5, 256)},
+      {42, "LMX_AdjustRGB", with(rgb, 6, 256)},
+      {43, "LMX_AdjustHSV", with(hsv, 4, 360.0)},
+      {44, "LMX_AdjustHSV", with(hsv, 5, 1000.0)},
+      {45, "LMX_AdjustHSV", with(hsv, 6, 1000.0)},
+  };
   for (const Method* outer : PictureMethods()) {
-    const Method& inner = support::Methods()[14];
-    ASSERT_STREQ(inner.name, "LMX_Stretch");
-    Check(*outer, Form::Buffer, [&](int yield) {
-      if (yield == 0) Check(inner, {5, 0, 1}, {}, {});  // leaves 35, also behind the outer call
-    });
+    for (const Failing& inner : failing) {
+      SCOPED_TRACE(testing::Message() << inner.code << " inside " << outer->name);
+      const auto fail = [&](int yield) {
+        if (yield != 0) return;
+        std::vector<Value> arguments = inner.arguments;
+        arguments.emplace_back(0);
+        Setting setting = NewPicturesOf(Form::Buffer);
+        if (inner.made != 0) setting.newPictures[inner.made - 1].fault = kUnusable;
+        if (inner.code == 2) return Check(MethodOf(inner.name), arguments, setting, {});
+        setting.source = StoredPicture(Form::Buffer, kWidth, kHeight);
+        setting.source->fault = inner.source;
+        const Picture source = support::ToHost(*setting.source, {}, 0);
+        Check(MethodOf(inner.name), arguments, setting, source);
+        EXPECT_EQ(LastError(), inner.code);
+      };
+      Check(*outer, Form::BitmapContext, fail);
+      if (HasFailure()) return;
+    }
   }
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "FakeHost.h"
@@ -32,6 +33,33 @@ void ExpectNoPixels(const LMX_Picture& picture) {
   EXPECT_EQ(picture.bytesPerRow, 0u);
   EXPECT_EQ(picture.data, nullptr);
   EXPECT_EQ(picture.buffer, nullptr);
+}
+
+TEST_F(PictureTest, LacksTheFirstAnInnerOrTheLastRow) {
+  constexpr std::int32_t kRows = 5;
+  for (std::int32_t missing = -1; missing < kRows; ++missing) {
+    fake::Buffer buffer(2, kRows);
+    if (missing >= 0) buffer.MakeRowNil(missing);
+    LMX_Picture picture(buffer.Handle());
+    ASSERT_TRUE(picture.Lock());
+    EXPECT_EQ(picture.HasEveryRow(), missing < 0) << missing;
+    buffer.Record().rowTable = 0;
+    EXPECT_FALSE(picture.HasEveryRow());
+  }
+}
+
+TEST_F(PictureTest, HasRowsOfItsOwnUnlessTheyOverlap) {
+  for (const auto& [bytesPerRow, height, isSo] :
+       {std::tuple(12, 2, true), std::tuple(11, 2, false), std::tuple(-12, 2, true), std::tuple(-11, 2, false),
+        std::tuple(0, 2, false), std::tuple(0, 1, true), std::tuple(13, 2, true)}) {
+    fake::Context context(3, 2);
+    context.context.bytesPerRow = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(bytesPerRow));
+    context.context.height = static_cast<std::size_t>(height);
+    LMX_Picture picture(context.Handle());
+    ASSERT_TRUE(picture.Lock());
+    EXPECT_EQ(picture.HasRowsOfItsOwn(), isSo) << bytesPerRow << " bytes, " << height << " rows";
+    EXPECT_TRUE(picture.HasEveryRow());
+  }
 }
 
 TEST_F(PictureTest, IsEmptyAtFirst) {

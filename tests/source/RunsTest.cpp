@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "FakeHost.h"
@@ -298,6 +300,31 @@ TEST_F(RunsTest, ColumnsAreBlendedWithWhatIsAbove) {
     }
     BlendColumns({*result.wrapper, toX, toY}, {*source.wrapper, x, y}, n, rows, shears);
     ASSERT_TRUE(result.Bytes() == expected);
+  }
+}
+
+// Whatever lay on the stack before.
+TEST_F(RunsTest, SumsOfRunsBeginAtNothing) {
+  for (const std::int32_t n : {1, 15, 16, 17, 511, RunSums::kMostSums}) {
+    SCOPED_TRACE(n);
+    std::vector<std::uint32_t> first, second, averages(static_cast<std::size_t>(n));
+    for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(n); ++i) {
+      first.push_back(i * 0x01030507);
+      second.push_back(~i * 0x05010B03);
+    }
+    alignas(RunSums) std::uint8_t memory[sizeof(RunSums)];
+    std::fill(std::begin(memory), std::end(memory), std::uint8_t{0xA5});
+    RunSums* const sums = new (memory) RunSums(n);
+    const std::uint8_t* const runs[] = {Bytes(first.data()), Bytes(second.data())};
+    sums->Add(runs, 1, 20000);
+    sums->Add(runs + 1, 1, 12768);
+    sums->Average(Bytes(averages.data()), kWorkingForm, 32768);
+    for (std::size_t i = 0; i < averages.size(); ++i) {
+      std::uint32_t expected[4] = {};
+      LMX_Pixel::AddToBox(expected, first[i], 20000);
+      LMX_Pixel::AddToBox(expected, second[i], 12768);
+      ASSERT_EQ(averages[i], LMX_Pixel::BoxAverage(expected, 32768)) << i;
+    }
   }
 }
 

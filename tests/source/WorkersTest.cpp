@@ -44,6 +44,10 @@ std::uint32_t Numbered(std::int32_t x, std::int32_t y) {
   return static_cast<std::uint32_t>(0x010203 + 0x100000 * y + 0x10 * x);
 }
 
+std::uint32_t Number(const std::pair<std::int32_t, std::int32_t>& at) {
+  return Numbered(at.first, at.second);
+}
+
 void Number(fake::Buffer& buffer, std::int32_t width, std::int32_t height) {
   for (std::int32_t y = 0; y < height; ++y) {
     for (std::int32_t x = 0; x < width; ++x) buffer.SetWord(x, y, Numbered(x, y));
@@ -57,21 +61,21 @@ struct Turn {
   const char* name;
   void (*worker)(LMX_Picture&, LMX_Picture&, long);
   bool onItsSide;
-  std::function<std::uint32_t(int x, int y)> at;
+  std::pair<int, int> (*from)(int x, int y);
 };
 
 constexpr int W = 3;
 constexpr int H = 2;
 
 const std::vector<Turn>& Turns() {
-  static const auto same = [](int x, int y) { return Numbered(x, y); };
-  static const auto h = [](int x, int y) { return Numbered(W - 1 - x, y); };
-  static const auto v = [](int x, int y) { return Numbered(x, H - 1 - y); };
-  static const auto hv = [](int x, int y) { return Numbered(W - 1 - x, H - 1 - y); };
-  static const auto turned = [](int x, int y) { return Numbered(y, H - 1 - x); };
-  static const auto turnedH = [](int x, int y) { return Numbered(W - 1 - y, H - 1 - x); };
-  static const auto turnedV = [](int x, int y) { return Numbered(y, x); };
-  static const auto turnedHV = [](int x, int y) { return Numbered(W - 1 - y, x); };
+  static const auto same = [](int x, int y) { return std::pair(x, y); };
+  static const auto h = [](int x, int y) { return std::pair(W - 1 - x, y); };
+  static const auto v = [](int x, int y) { return std::pair(x, H - 1 - y); };
+  static const auto hv = [](int x, int y) { return std::pair(W - 1 - x, H - 1 - y); };
+  static const auto turned = [](int x, int y) { return std::pair(y, H - 1 - x); };
+  static const auto turnedH = [](int x, int y) { return std::pair(W - 1 - y, H - 1 - x); };
+  static const auto turnedV = [](int x, int y) { return std::pair(y, x); };
+  static const auto turnedHV = [](int x, int y) { return std::pair(W - 1 - y, x); };
   static const std::vector<Turn> turns = {
       {"0", Priv_Rotate0, false, same},           {"0_H", Priv_Rotate0_H, false, h},
       {"0_V", Priv_Rotate0_V, false, v},          {"0_HV", Priv_Rotate0_HV, false, hv},
@@ -99,7 +103,7 @@ TEST_F(WorkersTest, EveryTurnTakesThePixelsOfItsName) {
     ASSERT_TRUE(result.Lock());
     turn.worker(source, result, 0);
     for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) EXPECT_EQ(resultBuffer.Word(x, y), turn.at(x, y)) << x << ", " << y;
+      for (int x = 0; x < width; ++x) EXPECT_EQ(resultBuffer.Word(x, y), Number(turn.from(x, y))) << x << ", " << y;
     }
   }
 }
@@ -132,6 +136,37 @@ TEST_F(WorkersTest, ResultsWithoutRowsAreLeftAlone) {
     fake::TheHost().calls.clear();
     turn.worker(source, result, 1);
     EXPECT_TRUE(fake::TheHost().calls.empty()) << turn.name;
+  }
+}
+
+// A host may make a result of another size. Pixels are counted and placed in what it made; what the source lacks is clear.
+TEST_F(WorkersTest, EveryTurnFillsAResultOfAnySize) {
+  constexpr std::uint32_t kOpaque = 0xFF000000;
+  fake::Context sourceContext(W, H);
+  for (int i = 0; i < W * H; ++i) sourceContext.SetWord(i % W, i / W, kOpaque | Numbered(i % W, i / W));
+  LMX_Picture source(sourceContext.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (const Turn& turn : Turns()) {
+    const int width = turn.onItsSide ? H : W, height = turn.onItsSide ? W : H;
+    for (const auto& [moreColumns, moreRows] :
+         {std::pair(1, 0), std::pair(-1, 0), std::pair(0, 1), std::pair(0, -1), std::pair(70, 70)}) {
+      SCOPED_TRACE(testing::Message() << turn.name << ", " << moreColumns << " more columns, " << moreRows
+                                      << " more rows");
+      const int columns = width + moreColumns, rows = height + moreRows;
+      fake::Context resultContext(columns, rows);
+      LMX_Picture result(resultContext.Handle());
+      ASSERT_TRUE(result.Lock());
+      fake::TheHost().calls.clear();
+      turn.worker(source, result, columns + 1);  // is reached by every second row
+      EXPECT_EQ(Count("REALYieldToRB()"), (rows - 1) / 2);
+      for (int y = 0; y < rows; ++y) {
+        for (int x = 0; x < columns; ++x) {
+          const auto [fromX, fromY] = turn.from(x, y);
+          const bool isInside = fromX >= 0 && fromX < W && fromY >= 0 && fromY < H;
+          ASSERT_EQ(resultContext.Word(x, y), isInside ? kOpaque | Numbered(fromX, fromY) : 0) << x << ", " << y;
+        }
+      }
+    }
   }
 }
 
@@ -316,6 +351,27 @@ TEST_F(WorkersTest, AveragesLeaveOutWhatNobodyAskedFor) {
     EXPECT_EQ(green, asked & 2 ? 0 : -7);
     EXPECT_EQ(blue, asked & 4 ? 255 : -7);
   }
+}
+
+// 2^32 + 65536 pixels, of which only those of one row are there. In 32 bits their count is 65536.
+TEST_F(WorkersTest, AveragesDivideByACountThatWraps) {
+  constexpr std::int32_t kWidth = 65537, kHeight = 65536;
+  fake::Buffer buffer(kWidth, 1), table(kHeight, 1);
+  for (std::int32_t x = 0; x < kWidth; ++x) buffer.SetWord(x, 0, 0x000000FF);
+  for (std::int32_t y = 0; y < kHeight; ++y) table.SetWord(y, 0, 0);
+  table.SetWord(7, 0, static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(buffer.Row(0))));
+  buffer.Record().rowTable = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(table.Row(0)));
+  buffer.Record().height = kHeight;
+  int red = -7, green = -7, blue = -7;
+  LMX_GetAverageRGB(buffer.Handle(), 0, 0, kWidth, kHeight, &red, &green, &blue, 0);
+  EXPECT_EQ(red, 0);
+  EXPECT_EQ(green, 0);
+  EXPECT_EQ(blue, 255);
+  double hue = -7, saturation = -7, brightness = -7;
+  LMX_GetAverageHSV(buffer.Handle(), 0, 0, kWidth, kHeight, &hue, &saturation, &brightness, 0);
+  EXPECT_EQ(hue, 240.0);
+  EXPECT_EQ(saturation, 65537 / 65536.0);
+  EXPECT_EQ(brightness, 65537 / 65536.0 * 0.99609375);
 }
 
 TEST_F(WorkersTest, AveragesStoreHueFirstAndBrightnessLast) {

@@ -1,0 +1,195 @@
+// The passes of a stretch between pictures that a host may have made of any size or without rows, with kernels that look
+// at what they are asked for.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "FakeHost.h"
+#include "LMX_Runs.h"
+#include "PrivStretch.h"
+#include "support/Random.h"
+
+namespace {
+
+// Kernels that see to it that nobody asks for more than they take.
+class StrictKernels {
+ public:
+  StrictKernels() {
+    kernels_ = gRunKernels;
+    gRunKernels.boxes[kContextForm] = Boxes<kContextForm>;
+    gRunKernels.boxes[kBufferForm] = Boxes<kBufferForm>;
+    gRunKernels.boxes[kWorkingForm] = Boxes<kWorkingForm>;
+    gRunKernels.addToBoxes = [](std::uint32_t* sums, const std::uint8_t* const* runs, std::size_t count,
+                                std::uint32_t units, std::size_t n) {
+      EXPECT_GE(count, 1u);
+      EXPECT_LE(count, kMostBoxRuns);
+      EXPECT_GE(units, 1u);
+      EXPECT_LT(units, kWholeBox);
+      EXPECT_LE(n, static_cast<std::size_t>(RunSums::kMostSums));
+      kernels_.addToBoxes(sums, runs, count, units, n);
+    };
+  }
+  ~StrictKernels() { gRunKernels = kernels_; }
+  StrictKernels(const StrictKernels&) = delete;
+  StrictKernels& operator=(const StrictKernels&) = delete;
+
+ private:
+  template <PixelForm form>
+  static void Boxes(std::uint8_t* const* to, const std::uint8_t* const* runs, const BoxUnits* units, std::size_t count,
+                    std::size_t n) {
+    EXPECT_GE(units->left, 1u);
+    EXPECT_LE(units->left, units->ofRun);
+    EXPECT_GE(units->ofBox, kWholeBox - kMostMissing);
+    EXPECT_LE(units->ofBox, kWholeBox);
+    BoxWalk walk(*units);
+    for (std::size_t i = 0; i < count; ++i) EXPECT_LE(walk.Next().count, kMostBoxRuns);
+    kernels_.boxes[form](to, runs, units, count, n);
+  }
+
+  static RunKernels kernels_;
+};
+RunKernels StrictKernels::kernels_;
+
+struct Size {
+  std::int32_t width;
+  std::int32_t height;
+};
+
+// A locked picture of either form, every row of a buffer between inaccessible pages.
+class Made {
+ public:
+  Made(const Size& size, bool isBuffer, std::int32_t missingRow = -1) : size_(size) {
+    if (isBuffer) {
+      buffer_ = std::make_unique<fake::Buffer>(size.width, size.height);
+      if (missingRow >= 0) buffer_->MakeRowNil(missingRow);
+    } else {
+      context_ = std::make_unique<fake::Context>(size.width, size.height);
+    }
+    picture = std::make_unique<LMX_Picture>(isBuffer ? buffer_->Handle() : context_->Handle());
+    EXPECT_TRUE(picture->Lock());
+  }
+
+  void Fill(Random random) {
+    for (std::int32_t y = 0; y < size_.height; ++y) {
+      std::uint8_t* const row = buffer_ ? buffer_->Row(y) : context_->Pixel(0, y);
+      for (std::int32_t x = 0; x < size_.width; ++x) {
+        picture->WritePixel(row + 4 * x, random.Word() | (random.Below(4) == 0 ? 0 : 0xFF000000));
+      }
+    }
+  }
+
+  std::vector<std::uint32_t> Words() const {
+    std::vector<std::uint32_t> words;
+    for (std::int32_t y = 0; y < size_.height; ++y) {
+      for (std::int32_t x = 0; x < size_.width; ++x)
+        words.push_back(buffer_ ? buffer_->Word(x, y) : context_->Word(x, y));
+    }
+    return words;
+  }
+
+ private:
+  const Size size_;
+  std::unique_ptr<fake::Buffer> buffer_;
+  std::unique_ptr<fake::Context> context_;
+
+ public:
+  std::unique_ptr<LMX_Picture> picture;  // goes first, and unlocks one of them
+};
+
+struct Stretch {
+  Size source;
+  Size temporary;
+  Size result;
+  int forms = 0;  // a bit for each of the three: whether it is a buffer
+  std::int32_t missingRows[3] = {-1, -1, -1};
+  long yield = 0;
+};
+
+// What the result holds then, and how often the host was called.
+using Outcome = std::pair<std::vector<std::uint32_t>, std::size_t>;
+
+Outcome Stretched(const Stretch& stretch, bool isTogether) {
+  const auto make = [&](const Size& size, int which) {
+    return Made(size, (stretch.forms >> which & 1) != 0, stretch.missingRows[which]);
+  };
+  Made source = make(stretch.source, 0), temporary = make(stretch.temporary, 1), result = make(stretch.result, 2);
+  source.Fill(Random(1));
+  result.Fill(Random(2));
+  fake::TheHost().calls.clear();
+  if (isTogether) {
+    Priv_StretchThrough(*temporary.picture, *source.picture, *result.picture, stretch.yield);
+  } else {
+    Priv_StetchHorizontal(*source.picture, *temporary.picture, stretch.yield);
+    Priv_StetchVertical(*temporary.picture, *result.picture, stretch.yield);
+  }
+  return {result.Words(), fake::TheHost().calls.size()};
+}
+
+class StretchTest : public testing::Test {
+ protected:
+  void SetUp() override { fake::StartPlugin(); }
+
+  static void ExpectBothPasses(const Stretch& stretch) {
+    const StrictKernels strict;
+    SCOPED_TRACE(testing::Message() << stretch.source.width << " x " << stretch.source.height << " by way of "
+                                    << stretch.temporary.width << " x " << stretch.temporary.height << " to "
+                                    << stretch.result.width << " x " << stretch.result.height << ", forms "
+                                    << stretch.forms << ", yield " << stretch.yield);
+    EXPECT_TRUE(Stretched(stretch, true) == Stretched(stretch, false));
+  }
+};
+
+// The temporary picture is wider, narrower, higher or lower than asked for, by one or by half, or lacks a row, as may the
+// others.
+TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
+  Random random(1);
+  for (int i = 0; i < 250 && !HasFailure(); ++i) {
+    const auto length = [&] { return random.Below(5) == 0 ? random.Between(60, 150) : random.Between(2, 40); };
+    Stretch stretch;
+    stretch.source = {length(), length()};
+    stretch.result = {length(), length()};
+    stretch.temporary = {stretch.result.width, stretch.source.height};
+    std::int32_t& changed = i % 2 == 0 ? stretch.temporary.width : stretch.temporary.height;
+    const std::int32_t kLengths[] = {changed, changed + 1, changed - 1, changed + changed / 2, (changed + 1) / 2};
+    changed = random.OneOf(kLengths);
+    stretch.forms = static_cast<int>(random.Below(8));
+    const std::int32_t heights[] = {stretch.source.height, stretch.temporary.height, stretch.result.height};
+    for (int k = 0; k < 3; ++k) {
+      const std::int32_t rows[] = {0, heights[k] / 2, heights[k] - 1};
+      if (random.Below(6) == 0) stretch.missingRows[k] = random.OneOf(rows);
+    }
+    stretch.yield = random.Below(2) == 0 ? 0 : random.Between(1, 3 * stretch.result.height);
+    ExpectBothPasses(stretch);
+  }
+}
+
+// Boxes of as many runs as a kernel takes, of some less and more, in both directions: 9 / 8 of 27 to 30 runs each.
+TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
+  for (const std::int32_t k : {1, 2, 5}) {
+    for (std::int32_t runs = 27; runs <= 30; ++runs) {
+      for (const long yield : {0L, 7L}) {
+        const std::int32_t few = 8 * k, many = 9 * runs * k;
+        ExpectBothPasses({{many, 5}, {few, 5}, {few, 3}, 7, {-1, -1, -1}, yield});
+        ExpectBothPasses({{5, many}, {3, many}, {3, few}, 0, {-1, -1, -1}, yield});
+      }
+    }
+  }
+}
+
+// Wider than the strips and sums of columns, with boxes of more runs than a kernel takes, and of fewer.
+TEST_F(StretchTest, MakesWidePicturesInStrips) {
+  for (const std::int32_t width : {511, 512, 513, 1023, 1025}) {
+    for (const std::int32_t height : {71, 5}) {
+      for (const long yield : {0L, 2L, 900L, 100000L}) {
+        ExpectBothPasses({{width + 1, height}, {width, height}, {width, 2}, 0, {-1, -1, -1}, yield});
+        ExpectBothPasses({{width / 2, height}, {width, height}, {width, height + 3}, 6, {-1, -1, -1}, yield});
+      }
+    }
+  }
+}
+
+}  // namespace
