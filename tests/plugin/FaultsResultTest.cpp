@@ -182,6 +182,32 @@ TEST_F(FaultsResult, YieldsCountThePixelsThatTheHostMade) {
   });
 }
 
+// Methods that put every pixel of the source somewhere, into a larger result and into a smaller one.
+TEST_F(FaultsResult, WhatTheSourceLacksIsClear) {
+  ForEveryMethod([this](const MethodCase& method, const Forms& forms) {
+    const bool isTurn = method.name == "FlipRotate" && method.arguments[2] == host::Value(90);
+    if (method.name != "FlipRotate" && method.name != "AdjustHSV" && method.name != "AdjustRGB") return;
+    if (isTurn && forms.source == Storage::Buffer) return;  // whose columns end with their last pixel again
+    const host::Picture& clean = Clean(method, forms).result;
+    const std::uint32_t clear = forms.made == Storage::Buffer ? 0x7F000000 : 0;
+    for (const int more : {3, -3}) {
+      host_->newPictures.change = [more](int, PictureShape& shape) {
+        shape.width += more;
+        shape.height += more;
+      };
+      const host::Picture result = Run(method, forms).result;
+      host_->newPictures.change = nullptr;
+      ASSERT_EQ(result.Width(), clean.Width() + more);
+      for (int y = 0; y < result.Height(); ++y) {
+        for (int x = 0; x < result.Width(); ++x) {
+          const bool isInside = x < clean.Width() && y < clean.Height();
+          ASSERT_EQ(result.Stored(x, y), isInside ? clean.Stored(x, y) : clear) << x << ", " << y << " of " << more;
+        }
+      }
+    }
+  });
+}
+
 // Where the pixels of new pictures lie makes no difference.
 TEST_F(FaultsResult, UnusualLayoutsHoldTheSamePixels) {
   const auto scattered = [](PictureShape& shape) { shape.layout.scattered = shape.storage == Storage::Buffer; };

@@ -167,12 +167,13 @@ TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
   }
 }
 
-// Boxes of as many runs as a kernel takes, of some less and more, in both directions: 9 / 8 of 27 to 30 runs each.
+// Boxes of as many runs as a kernel takes, of some less and more, in both directions: of 29.7 to 32.7 runs, some of which
+// begin and end within one.
 TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
   for (const std::int32_t k : {1, 2, 5}) {
-    for (std::int32_t runs = 27; runs <= 30; ++runs) {
+    for (std::int32_t whole = 29; whole <= 32; ++whole) {
       for (const long yield : {0L, 7L}) {
-        const std::int32_t few = 8 * k, many = 9 * runs * k;
+        const std::int32_t few = 10 * k, many = few * whole + 7 * k;
         ExpectBothPasses({{many, 5}, {few, 5}, {few, 3}, 7, {-1, -1, -1}, yield});
         ExpectBothPasses({{5, many}, {3, many}, {3, few}, 0, {-1, -1, -1}, yield});
       }
