@@ -309,10 +309,13 @@ void ShearImageVertical(LMX_Picture& source, LMX_Picture& result, double shear, 
   const bool isSparse = IsSparse(result, frame);
   const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongColumns) : ImageRegion(result);
   const bool hasEveryRow = source.HasEveryRow() && result.HasEveryRow();
+  // Columns that are read together may read what nobody wrote beside the image. Of a temporary result that lacks rows, or
+  // whose rows overlap, everything is read again: its columns are made one by one.
+  const std::int32_t mostColumns = isTemporary && !isSparse ? 1 : kMostColumns;
   YieldPace pace(yield);
   for (std::int32_t x = 0; x < result.width;) {
     const std::int32_t regionEnd = x < at.begin ? at.begin : x < at.end ? at.end : result.width;
-    const std::int32_t most = std::min(kMostColumns, regionEnd - x);
+    const std::int32_t most = std::min(mostColumns, regionEnd - x);
     const std::int32_t n =
         isTemporary ? YieldPace::LinesAhead(result.height, most) : pace.BeginLines(result.height, most);
     const LineSpan written =

@@ -237,18 +237,32 @@ struct Sizes {
   std::int32_t height;
 };
 
-// A locked buffer of opaque pixels of one colour, so that whoever reads what nobody wrote shows it.
+// What a host may make of a picture: one that lacks a row, or all of whose rows are the same memory.
+struct Oddity {
+  std::int32_t missingRow = -1;
+  bool isOneRow = false;
+};
+
+// A locked picture of opaque pixels of one colour, so that whoever reads what nobody wrote shows it.
 struct Stale {
-  Stale(const Sizes& size, bool isTemporary) : buffer(size.width, size.height), picture(buffer.Handle()) {
+  Stale(const Sizes& size, bool isTemporary, const Oddity& odd)
+      : buffer(size.width, size.height),
+        context(size.width, 1),
+        picture(odd.isOneRow ? context.Handle() : buffer.Handle()) {
     for (std::int32_t y = 0; y < size.height; ++y) {
       for (std::int32_t x = 0; x < size.width; ++x) buffer.SetWord(x, y, 0x00ABCDEF);
     }
+    for (std::int32_t x = 0; x < size.width; ++x) context.SetWord(x, 0, 0xFFABCDEF);
+    context.context.height = static_cast<std::size_t>(size.height);
+    context.context.bytesPerRow = 0;
+    if (odd.missingRow >= 0) buffer.MakeRowNil(odd.missingRow);
     picture.Lock();
     picture.unlockOnRelease = isTemporary;
   }
   ~Stale() { picture.unlockOnRelease = false; }
 
   fake::Buffer buffer;
+  fake::Context context;
   LMX_Picture picture;
 };
 
@@ -258,6 +272,7 @@ struct RotationSteps {
   double alongRows;
   double alongColumns;
   long yield;
+  Oddity odd[5];
 };
 
 // The result, and how often the host was called.
@@ -265,10 +280,11 @@ std::pair<std::vector<std::uint32_t>, std::size_t> Rotated(const RotationSteps& 
   constexpr unsigned int kClear = 0xFF000000;
   fake::Buffer sourceBuffer(steps.sizes[0].width, steps.sizes[0].height);
   Number(sourceBuffer, steps.sizes[0].width, steps.sizes[0].height);
+  if (steps.odd[0].missingRow >= 0) sourceBuffer.MakeRowNil(steps.odd[0].missingRow);
   LMX_Picture source(sourceBuffer.Handle());
   EXPECT_TRUE(source.Lock());
-  Stale turned(steps.sizes[1], haveTemporaries), sheared(steps.sizes[2], haveTemporaries);
-  Stale twice(steps.sizes[3], haveTemporaries), result(steps.sizes[4], false);
+  Stale turned(steps.sizes[1], haveTemporaries, steps.odd[1]), sheared(steps.sizes[2], haveTemporaries, steps.odd[2]);
+  Stale twice(steps.sizes[3], haveTemporaries, steps.odd[3]), result(steps.sizes[4], false, steps.odd[4]);
   fake::TheHost().calls.clear();
   if (haveTemporaries) {
     TurnedRows rows(source, turned.picture, steps.quarter, steps.yield);
@@ -291,7 +307,7 @@ std::pair<std::vector<std::uint32_t>, std::size_t> Rotated(const RotationSteps& 
   return {words, fake::TheHost().calls.size()};
 }
 
-// Whatever the sizes of the temporary pictures are.
+// Whatever the sizes of the temporary pictures are, and where rows of any picture are missing or coincide.
 TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
   Random random(1);
   for (int i = 0; i < 200; ++i) {
@@ -300,7 +316,8 @@ TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
                            random.Between(0, 3),
                            random.Between(-414, 414) / 1000.0,
                            random.Between(-707, 707) / 1000.0,
-                           random.Between(0, 300)};
+                           random.Between(0, 300),
+                           {}};
     const Sizes source = {size(0), size(0)};
     const Sizes turned = steps.quarter % 2 == 0 ? source : Sizes{source.height, source.width};
     const std::int32_t width = turned.width + static_cast<std::int32_t>(turned.height * std::fabs(steps.alongRows)) + 1;
@@ -309,6 +326,10 @@ TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
     for (int k = 0; k < 5; ++k) {
       const bool isOther = k > 0 && random.Below(4) == 0;
       steps.sizes[k] = isOther ? Sizes{size(random.Between(0, 40)), size(random.Between(0, 40))} : planned[k];
+      const std::int32_t last = steps.sizes[k].height - 1;
+      const std::int32_t rows[] = {0, last / 2, last};
+      if (i % 2 != 0 && random.Below(4) == 0) steps.odd[k].missingRow = random.OneOf(rows);
+      if (i % 4 == 0 && k > 0 && k < 4) steps.odd[k].isOneRow = random.Below(4) == 0;
     }
     EXPECT_EQ(Rotated(steps, true), Rotated(steps, false)) << "case " << i;
     if (HasFailure()) break;
