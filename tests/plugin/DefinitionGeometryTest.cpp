@@ -119,6 +119,25 @@ TEST_F(DefinitionGeometry, ShearsByWholePixelsInAll) {
   }
 }
 
+// Sixteen columns together reach over as many rows as they can, in pictures that are higher than a block of rows and what is
+// fetched ahead of it.
+TEST_F(DefinitionGeometry, SteepShearsOfHighPictures) {
+  Random random(1);
+  for (const double shear : {1.0, -1.0, 65535 / 65536.0, -65535 / 65536.0}) {
+    for (const int width : {16, 37}) {
+      Setting setting;
+      setting.source = support::RandomPicture(random, support::RandomForm(random), width, 190);
+      CheckCall({"ShearVertical",
+                 true,
+                 {width, 240, shear, Colour{0x40306090}, 0},
+                 [=](const StoredPicture* source, const MakePicture& make) {
+                   return definition::ShearVertical(source, width, 240, shear, 0x40306090, 0, make);
+                 }},
+                setting);
+    }
+  }
+}
+
 double RandomAngle(Random& random) {
   if (OneIn(random, 10)) return AnyDouble(random);
   if (OneIn(random, 4)) return AwkwardAngle(random.Next());
