@@ -498,6 +498,31 @@ TEST_F(WorkersTest, ShearsOfNothingAreAllFrame) {
   }
 }
 
+// Columns of a result go down to the row before a missing one, where what follows is written, too.
+TEST_F(WorkersTest, AVerticalShearStaysBeforeAMissingRowOfTheResult) {
+  constexpr std::int32_t kColumns = 20, kRows = 5;  // more than are made together
+  constexpr std::uint32_t kUntouched = 0x7F123456;
+  fake::Buffer sourceBuffer(kColumns, kRows);
+  Number(sourceBuffer, kColumns, kRows);
+  LMX_Picture source(sourceBuffer.Handle());
+  ASSERT_TRUE(source.Lock());
+  for (std::int32_t missing = 0; missing < kRows; ++missing) {
+    fake::Buffer resultBuffer(kColumns, kRows);
+    for (std::int32_t i = 0; i < kColumns * kRows; ++i) resultBuffer.SetWord(i % kColumns, i / kColumns, kUntouched);
+    resultBuffer.MakeRowNil(missing);
+    LMX_Picture result(resultBuffer.Handle());
+    ASSERT_TRUE(result.Lock());
+    Priv_ShearVertical(source, result, 0, 0xFF000000, 0);
+    for (std::int32_t y = 0; y < kRows; ++y) {
+      for (std::int32_t x = 0; x < kColumns; ++x) {
+        const std::int32_t from = y == missing - 1 ? kRows - 1 : y;
+        EXPECT_EQ(resultBuffer.Word(x, y), y < missing ? Numbered(x, from) : kUntouched)
+            << x << ", " << y << " without row " << missing;
+      }
+    }
+  }
+}
+
 // The entry points turn by 0 to 3 quarters; no worker is for others, and only 1 and 3 exchange width and height.
 TEST_F(WorkersTest, OtherQuarterTurnsPaintNothing) {
   fake::Buffer sourceBuffer(W, H);
