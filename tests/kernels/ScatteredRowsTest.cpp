@@ -67,11 +67,11 @@ void ExpectSameAtEveryLevel(const Call& call) {
 }
 
 TEST(ScatteredRows, AreTransposed) {
-  for (int from = 0; from < kForms; ++from) {
-    for (int to = 0; to < kForms; ++to) {
+  for (std::size_t from = 0; from < kPixelForms; ++from) {
+    for (std::size_t to = 0; to < kPixelForms; ++to) {
       SCOPED_TRACE(testing::Message() << "from form " << from << " to " << to);
       ExpectSameAtEveryLevel([=](const RunKernels& kernels, auto* rows, auto* columns) {
-        if (kernels.transpose[from][to]) kernels.transpose[from][to](rows, columns, kRows, 0, kRows);
+        kernels.between[from][to].transpose(rows, columns, kRows, 0, kRows);
       });
     }
   }
@@ -82,10 +82,10 @@ TEST(ScatteredRows, AreAveraged) {
   for (const std::uint32_t ofRun : {3 * kWholeBox, kWholeBox, 2 * kWholeBox / 3}) {
     const BoxUnits units = {ofRun, kWholeBox, ofRun};
     const std::size_t count = ofRun >= kWholeBox ? kRows : kRows / 2;
-    for (int form = 0; form < kForms; ++form) {
+    for (std::size_t form = 0; form < kPixelForms; ++form) {
       SCOPED_TRACE(testing::Message() << ofRun << " units a run, form " << form);
       ExpectSameAtEveryLevel([=](const RunKernels& kernels, auto* rows, auto* runs) {
-        kernels.boxes[form](rows, runs, &units, count, kPixels);
+        kernels.of[form].boxes(rows, runs, &units, count, kPixels);
       });
     }
   }

@@ -20,9 +20,9 @@ class StrictKernels {
  public:
   StrictKernels() {
     kernels_ = gRunKernels;
-    gRunKernels.boxes[kContextForm] = Boxes<kContextForm>;
-    gRunKernels.boxes[kBufferForm] = Boxes<kBufferForm>;
-    gRunKernels.boxes[kWorkingForm] = Boxes<kWorkingForm>;
+    gRunKernels.of[kContextForm].boxes = Boxes<kContextForm>;
+    gRunKernels.of[kBufferForm].boxes = Boxes<kBufferForm>;
+    gRunKernels.of[kWorkingForm].boxes = Boxes<kWorkingForm>;
     gRunKernels.addToBoxes = [](std::uint32_t* sums, const std::uint8_t* const* runs, std::size_t count,
                                 std::uint32_t units, std::size_t n) {
       EXPECT_GE(count, 1u);
@@ -47,7 +47,7 @@ class StrictKernels {
     EXPECT_LE(units->ofBox, kWholeBox);
     BoxWalk walk(*units);
     for (std::size_t i = 0; i < count; ++i) EXPECT_LE(walk.Next().count, kMostBoxRuns);
-    kernels_.boxes[form](to, runs, units, count, n);
+    kernels_.of[form].boxes(to, runs, units, count, n);
   }
 
   static RunKernels kernels_;
