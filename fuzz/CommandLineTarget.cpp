@@ -64,7 +64,7 @@ void CarryOut(const tool::CommandLine& line) {
     }
   };
   tool::Runner runner(plugin, line.yield, 1, tell);
-  runner.Run(plan, plan.source ? SmallPicture(line.storage) : host::Picture());
+  runner.Run(plan, plan.sources.empty() ? host::Picture() : SmallPicture(line.storage));
   if (!plugin.Leaks().empty()) Report("a run left objects without an owner");
 }
 

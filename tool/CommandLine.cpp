@@ -10,6 +10,8 @@
 namespace tool {
 namespace {
 
+constexpr int kMostJobs = 1024;
+
 bool IsName(const std::string& text) {
   const auto isNameCharacter = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; };
   return !text.empty() && std::isdigit(static_cast<unsigned char>(text.front())) == 0 &&
@@ -95,6 +97,8 @@ class Parser {
       line_.yield = ParseNumber(name, ValueOf(name));
     } else if (name == "--repeat") {
       line_.repeat = ParseNumber(name, ValueOf(name), 1, std::numeric_limits<std::int32_t>::max());
+    } else if (name == "-j" || name == "--jobs") {
+      line_.jobs = ParseNumber(name, ValueOf(name), 1, kMostJobs);
     } else if (name == "--format") {
       line_.format = ParseFormat(ValueOf(name));
     } else if (name == "--compression") {

@@ -1,7 +1,7 @@
 // The command line as the user wrote it: words sorted into steps and options. What methods and arguments there are is
 // not known here.
 //
-//   lmx [option...] METHOD [picture] [name=value...] [+ METHOD [name=value...]]...
+//   lmx [option...] METHOD [picture...] [name=value...] [+ METHOD [name=value...]]...
 #pragma once
 
 #include <cstdint>
@@ -33,6 +33,7 @@ struct CommandLine {
   std::optional<std::string> plugin;
   std::optional<std::int32_t> yield;
   std::int32_t repeat = 1;
+  std::optional<std::int32_t> jobs;
   std::optional<Format> format;
   std::optional<std::int32_t> compression;
   std::optional<std::int32_t> quality;

@@ -34,17 +34,6 @@ File Open(const std::string& path, int flags) {
   return File(descriptor);
 }
 
-void WriteAll(const File& file, const std::string& path, const Bytes& bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    StopIfInterrupted(path);
-    const ssize_t count = write(file.Descriptor(), bytes.data() + done, std::min(kPiece, bytes.size() - done));
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) FailErrno(path, "write");
-    done += static_cast<std::size_t>(count);
-  }
-}
-
 // Until its other end is closed.
 Bytes ReadStandardInput() {
   const std::string name = "standard input";
@@ -120,6 +109,17 @@ void Replacement::TakePlace(const struct stat* replaced) {
   StopIfInterrupted(path_);
   if (rename(temporary_.c_str(), path_.c_str()) != 0) FailErrno(path_, "write");
   temporary_.clear();
+}
+
+void WriteAll(const File& file, const std::string& path, const Bytes& bytes) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    StopIfInterrupted(path);
+    const ssize_t count = write(file.Descriptor(), bytes.data() + done, std::min(kPiece, bytes.size() - done));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) FailErrno(path, "write");
+    done += static_cast<std::size_t>(count);
+  }
 }
 
 Bytes ReadFile(const std::string& path) {

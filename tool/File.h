@@ -52,6 +52,9 @@ class Replacement {
 /// The name of standard input and of standard output.
 constexpr const char* kStandardStream = "-";
 
+/// Throws Failure, naming the path, and Interrupted on Ctrl-C.
+void WriteAll(const File& file, const std::string& path, const Bytes& bytes);
+
 /// Throws Failure for anything but a file of some bytes, and Interrupted on Ctrl-C.
 Bytes ReadFile(const std::string& path);
 

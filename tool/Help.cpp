@@ -20,11 +20,15 @@ constexpr const char* kUsage =
   lmx METHOD picture [name=value...] -o out.png        one call
   lmx METHOD picture [name=value...] + METHOD [name=value...] ... -o out.png
                                                        several: each gets the picture that the one before left
+  lmx METHOD picture... [name=value...] -o folder/     the same on many pictures, on all processors
   lmx chart -o chart.png                               draws a test chart
   lmx bench picture                                    times the methods on a picture, with and without yields
 
 A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png), and so is the result, by the end of its
 name; - is standard input and standard output, where the result is a PNG and values go to standard error.
+Several pictures go into a folder, under their names: -o folder/, which is made if it is missing; or each to a
+name of its own: -o '{name}-small.{ext}', where {name} is the picture's name and {ext} what it ends in. If some
+fail, the others are done all the same, and the failures are listed at the end.
 Photos are read upright, as EXIF data say that they were taken; the result has none. Pictures of up to
 67108864 pixels are read, from files of up to 256 MiB.
 Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case
@@ -33,6 +37,8 @@ Colours are #rrggbb or #rrggbbtt, tt from 00 (opaque) to ff (clear), or &hTTRRGG
 
 Options, anywhere:
   -o, --output FILE    where the picture goes; its old content stays if anything fails
+  -j, --jobs N         of several pictures, work on N at once; default: as many as there are processors. Memory is needed
+                       for each of them
   --storage FORM       how the host keeps pictures: context (default) or buffer
   --yield N            let methods yield to the host every N pixels; Ctrl-C stops them there. On a terminal lmx lets
                        them yield by itself

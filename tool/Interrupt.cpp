@@ -9,7 +9,8 @@ namespace {
 
 constexpr int kEnds[] = {SIGINT, SIGTERM, SIGHUP};
 
-volatile sig_atomic_t requested = 0;
+volatile sig_atomic_t requested = 0;  // the signal
+volatile sig_atomic_t allRemembered = 0;
 const char* volatile temporary = nullptr;
 
 sigset_t Ends() {
@@ -19,15 +20,14 @@ sigset_t Ends() {
   return set;
 }
 
-// A signal that is raised here arrives when this returns.
+// What it raises arrives when this returns.
 void Handle(int end) {
-  if (end == SIGINT && requested == 0) {
-    requested = 1;
+  if (requested == 0 && (end == SIGINT || allRemembered != 0)) {
+    requested = end;
     return;
   }
   if (temporary != nullptr) unlink(temporary);
-  signal(end, SIG_DFL);
-  raise(end);
+  EndBy(end);
 }
 
 }  // namespace
@@ -48,6 +48,19 @@ void WatchSignals() {
 
 bool InterruptRequested() {
   return requested != 0;
+}
+
+void RememberEnds(bool all) {
+  allRemembered = all ? 1 : 0;
+}
+
+int RememberedEnd() {
+  return requested;
+}
+
+void EndBy(int end) {
+  signal(end, SIG_DFL);
+  raise(end);
 }
 
 void StopIfInterrupted(const std::string& path) {

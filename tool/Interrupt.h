@@ -12,6 +12,13 @@ namespace tool {
 /// size of files is told by the write that goes beyond it.
 void WatchSignals();
 bool InterruptRequested();
+/// In a process that has others to end first: every signal that asks for an end is then remembered as the first Ctrl-C
+/// is, and counts as one.
+void RememberEnds(bool all);
+/// Which signal it was that is remembered; 0: none.
+int RememberedEnd();
+/// Ends the process as the signal would have.
+void EndBy(int end);
 /// Throws Interrupted, naming the file that was being read or written.
 void StopIfInterrupted(const std::string& path);
 

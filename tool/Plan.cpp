@@ -4,6 +4,7 @@
 
 #include "Documentation.h"
 #include "Errors.h"
+#include "Job.h"
 #include "Suggestion.h"
 #include "Values.h"
 
@@ -61,17 +62,18 @@ Step MakeStep(const host::Method& method, const StepWords& words) {
   return step;
 }
 
-// The picture of the first step comes from a file, that of any other from the step before it.
-void CheckOperands(const host::Method& method, const StepWords& words, bool first, bool havePicture) {
+// The pictures of the first step come from files, that of any other from the step before it.
+void CheckOperands(const host::Method& method, const StepWords& words, bool first, bool havePicture, bool several) {
   const bool wanted = TakesPicture(method);
   if (!wanted && !first) {
     Refuse(method, method.name + " takes no picture, so it can only be the first step");
   }
   const std::size_t expected = wanted && first ? 1 : 0;
-  if (words.operands.size() > expected) {
+  if (words.operands.size() > expected && (expected == 0 || !several)) {
     const char* why = !wanted  ? " takes no picture"
                       : !first ? " gets its picture from the step before it"
-                               : " takes one picture (arguments are given as name=value)";
+                               : " takes one picture for this -o (arguments are given as name=value, and several "
+                                 "pictures need -o folder/ or -o '{name}-new.png')";
     Refuse(method, "what is `" + words.operands[expected] + "`? " + method.name + why);
   }
   if (words.operands.size() < expected) Refuse(method, method.name + " needs a picture file");
@@ -86,7 +88,8 @@ bool HasResults(const host::Method& method) {
 // A chain that ends in a measurement has told what it was for.
 void CheckOutput(const CommandLine& line, const Plan& plan, bool havePicture, bool newPixels) {
   if (newPixels && !line.output && !HasResults(*plan.steps.back().method))
-    throw UsageError("where shall the picture go? Give a file: -o result.png");
+    throw UsageError(plan.sources.size() > 1 ? "where shall the pictures go? Give a folder: -o results/"
+                                             : "where shall the picture go? Give a file: -o result.png");
   if (line.output && !havePicture) throw UsageError("there will be no picture for -o " + *line.output);
 }
 
@@ -141,11 +144,12 @@ std::string NoMethod(const host::Host& plugin, const std::string& name) {
 Plan MakePlan(const host::Host& plugin, const CommandLine& line) {
   Plan plan;
   bool havePicture = false, newPixels = false;
+  const bool several = !line.output || NamesSeveral(*line.output);
   for (const StepWords& words : line.steps) {
     const bool first = plan.steps.empty();
     const host::Method& method = MethodOf(plugin, words);
-    CheckOperands(method, words, first, havePicture);
-    if (first && TakesPicture(method)) plan.source = words.operands.front();
+    CheckOperands(method, words, first, havePicture, several);
+    if (first) plan.sources = words.operands;
     plan.steps.push_back(MakeStep(method, words));
     havePicture = TakesPicture(method) || method.result == host::Type::Picture;
     newPixels = newPixels || method.result == host::Type::Picture || ChangesPicture(method);

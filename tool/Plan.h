@@ -19,7 +19,7 @@ struct Step {
 
 struct Plan {
   std::vector<Step> steps;
-  std::optional<std::string> source;  ///< the picture file that the first step gets
+  std::vector<std::string> sources;  ///< the picture files, each of which the first step gets in turn
 };
 
 bool TakesPicture(const host::Method& method);

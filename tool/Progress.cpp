@@ -11,29 +11,50 @@ namespace {
 constexpr std::chrono::milliseconds kPause(100);  // between two lines
 constexpr const char* kEraseLine = "\r\x1b[K";
 
+bool hidden = false;
+
 }  // namespace
 
-Progress::Progress(std::string method, std::int32_t yield)
-    : method_(std::move(method)), yield_(yield), shown_(IsShown()) {}
+StatusLine::StatusLine() : shown_(IsShown()) {}
 
-Progress::~Progress() {
+StatusLine::~StatusLine() {
+  Erase();
+}
+
+bool StatusLine::IsShown() {
+  return !hidden && isatty(STDERR_FILENO) != 0;
+}
+
+bool StatusLine::IsDue() const {
+  return shown_ && (!written_ || Clock::now() - lastWritten_ >= kPause);
+}
+
+void StatusLine::Show(const std::string& text) {
+  if (!IsDue()) return;
+  std::fprintf(stderr, "%s%s (Ctrl-C stops)", kEraseLine, text.c_str());
+  std::fflush(stderr);
+  written_ = true;
+  lastWritten_ = Clock::now();
+}
+
+void StatusLine::Erase() {
   if (written_) std::fputs(kEraseLine, stderr);
+  written_ = false;
 }
 
-bool Progress::IsShown() {
-  return isatty(STDERR_FILENO) != 0;
+void HideProgress() {
+  hidden = true;
 }
+
+Progress::Progress(std::string method, std::int32_t yield) : method_(std::move(method)), yield_(yield) {}
 
 void Progress::Yielded() {
   pixels_ += yield_;
-  const Clock::time_point now = Clock::now();
-  if (!shown_ || (written_ && now - lastWritten_ < kPause)) return;
-  const double seconds = std::chrono::duration<double>(now - start_).count();
-  std::fprintf(stderr, "%s%s: over %.1f megapixels in %.1f s (Ctrl-C stops)", kEraseLine, method_.c_str(),
-               pixels_ / 1e6, seconds);
-  std::fflush(stderr);
-  written_ = true;
-  lastWritten_ = now;
+  if (!line_.IsDue()) return;
+  const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+  char text[128];
+  std::snprintf(text, sizeof text, ": over %.1f megapixels in %.1f s", pixels_ / 1e6, seconds);
+  line_.Show(method_ + text);
 }
 
 }  // namespace tool

@@ -1,25 +1,48 @@
-// What a terminal shows while a method runs, one line that goes away again.
+// What a terminal shows while something takes long, one line that goes away again.
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace tool {
 
-/// One call of a method. Silent unless standard error is a terminal.
+/// Silent unless standard error is a terminal, and in a process that HideProgress() was called in.
+class StatusLine {
+ public:
+  StatusLine();
+  ~StatusLine();
+  StatusLine(const StatusLine&) = delete;
+  StatusLine& operator=(const StatusLine&) = delete;
+
+  /// Whether anybody would see it.
+  static bool IsShown();
+  /// Whether Show() would write: not so shortly after the last time.
+  bool IsDue() const;
+  void Show(const std::string& text);
+  /// Makes room for other lines.
+  void Erase();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  const bool shown_;
+  bool written_ = false;
+  Clock::time_point lastWritten_;
+};
+
+/// From now on, in this process.
+void HideProgress();
+
+/// One call of a method.
 class Progress {
  public:
   /// The pixels between two yields if the user asked for none: a few milliseconds of work.
   static constexpr std::int32_t kYield = 1 << 20;
 
   Progress(std::string method, std::int32_t yield);
-  ~Progress();
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
 
-  /// Whether anybody would see it.
-  static bool IsShown();
   /// The method yielded: it did at least as many pixels since the last time as it was told.
   void Yielded();
 
@@ -28,11 +51,9 @@ class Progress {
 
   const std::string method_;
   const double yield_;
-  const bool shown_;
+  StatusLine line_;
   double pixels_ = 0;
-  bool written_ = false;
   Clock::time_point start_ = Clock::now();
-  Clock::time_point lastWritten_;
 };
 
 }  // namespace tool

@@ -14,8 +14,13 @@ std::string Fixed(double number) {
   return buffer;
 }
 
+// Of each line, where there are several pictures.
+std::string PictureBefore(const CallReport& report) {
+  return report.picture.empty() ? "" : report.picture + ": ";
+}
+
 void WriteResults(std::ostream& out, const CallReport& report) {
-  const char* separator = "";
+  std::string separator = PictureBefore(report);
   for (const auto& [name, value] : report.results) {
     out << separator;
     if (!name.empty()) out << name << " = ";
@@ -26,14 +31,16 @@ void WriteResults(std::ostream& out, const CallReport& report) {
 }
 
 void WriteVerbose(std::ostream& out, const CallReport& report) {
-  out << report.program << "\n  error " << report.error << " (" << report.message << ")";
+  out << PictureBefore(report) << report.program << "\n  error " << report.error << " (" << report.message << ")";
   if (report.width != 0) out << ", " << report.width << " x " << report.height << " pixels";
   out << ", " << Fixed(report.milliseconds) << " ms\n";
 }
 
 void WriteJson(std::ostream& out, const CallReport& report) {
   const auto sizeText = [](int size) { return size == 0 ? std::string("null") : std::to_string(size); };
-  out << "{\"method\":" << JsonText(report.method) << ",\"call\":" << JsonText(report.program)
+  out << '{';
+  if (!report.picture.empty()) out << "\"picture\":" << JsonText(report.picture) << ',';
+  out << "\"method\":" << JsonText(report.method) << ",\"call\":" << JsonText(report.program)
       << ",\"error\":" << report.error << ",\"message\":" << JsonText(report.message)
       << ",\"milliseconds\":" << Fixed(report.milliseconds) << ",\"width\":" << sizeText(report.width)
       << ",\"height\":" << sizeText(report.height) << ",\"results\":{";

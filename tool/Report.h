@@ -13,6 +13,7 @@ namespace tool {
 
 /// A call that was made.
 struct CallReport {
+  std::string picture;  ///< the file, where there are several
   std::string method;
   std::string program;  ///< the call as a program writes it
   std::int32_t error = 0;

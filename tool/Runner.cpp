@@ -49,7 +49,7 @@ std::vector<host::Value> ArgumentsToWaste(const host::Method& method, std::vecto
 Runner::Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::int32_t repeat,
                std::function<void(const CallReport&)> tell)
     : plugin_(plugin),
-      yield_(yield.value_or(Progress::IsShown() ? Progress::kYield : 0)),
+      yield_(yield.value_or(StatusLine::IsShown() ? Progress::kYield : 0)),
       repeat_(repeat),
       tell_(std::move(tell)) {}
 

@@ -1,0 +1,12 @@
+// The command line that calls methods: reads the pictures, runs the plan on each, writes them and tells about it.
+#pragma once
+
+#include "CommandLine.h"
+#include "host/Host.h"
+
+namespace tool {
+
+/// The plug-in is loaded. Throws UsageError before anything is read or written; Failure, Interrupted.
+void RunMethods(host::Host& plugin, const CommandLine& line);
+
+}  // namespace tool
