@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "Errors.h"
-#include "Interrupt.h"
 #include "Png.h"
+#include "Progress.h"
 #include "Stb.h"
 #include "host/Declaration.h"
 
@@ -27,14 +27,18 @@ Bytes WithoutAlpha(const Image& image) {
   return bytes;
 }
 
+std::int64_t PixelsOf(const Image& image) {
+  return static_cast<std::int64_t>(image.pixels.size());
+}
+
 struct Output {
-  const std::string& path;
+  FileProgress progress;
   Bytes bytes;
 };
 
 void Append(void* output, void* data, int size) {
   auto* const to = static_cast<Output*>(output);
-  StopIfInterrupted(to->path);
+  to->progress.Reached(static_cast<std::int64_t>(to->bytes.size()));
   const auto* begin = static_cast<const unsigned char*>(data);
   to->bytes.insert(to->bytes.end(), begin, begin + size);
 }
@@ -44,7 +48,7 @@ Bytes EncodeJpeg(const std::string& path, const Image& image, int quality) {
   if (image.width > kMostLength || image.height > kMostLength) {
     throw Failure(path + ": the picture is too large for a JPEG, which has at most 65535 pixels a side");
   }
-  Output output{path, {}};
+  Output output{{"writing", path, PixelsOf(image)}, {}};
   if (stbi_write_jpg_to_func(Append, &output, image.width, image.height, 3, WithoutAlpha(image).data(), quality) == 0) {
     throw Failure(path + ": the picture cannot be encoded");
   }
@@ -62,7 +66,8 @@ std::optional<Format> FormatOf(const std::string& path) {
 
 Bytes Encode(const std::string& path, const Image& image, const Encoding& encoding) {
   if (encoding.format == Format::Jpeg) return EncodeJpeg(path, image, encoding.quality);
-  return EncodePng(image, encoding.compression, [&path] { StopIfInterrupted(path); });
+  FileProgress progress("writing", path, PixelsOf(image));
+  return EncodePng(image, encoding.compression, [&](int row, int rows) { progress.Reached(row, rows); });
 }
 
 }  // namespace tool

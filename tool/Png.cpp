@@ -168,11 +168,11 @@ class RowWriter {
 };
 
 template <std::size_t channels>
-void AppendRows(Bytes& file, const Image& image, int compression, const std::function<void()>& tick) {
+void AppendRows(Bytes& file, const Image& image, int compression, const std::function<void(int, int)>& tick) {
   Deflater deflater(file, compression);
   RowWriter<channels> rows(image, compression != 0);
   for (int y = 0; y < image.height; ++y) {
-    tick();
+    tick(y, image.height);
     deflater.Add(rows.Next().data(), rows.RowSize());
   }
   deflater.Finish();
@@ -184,7 +184,7 @@ bool IsOpaque(const Image& image) {
 
 }  // namespace
 
-Bytes EncodePng(const Image& image, int compression, const std::function<void()>& tick) {
+Bytes EncodePng(const Image& image, int compression, const std::function<void(int, int)>& tick) {
   constexpr unsigned char kDepth = 8, kColours = 2, kColoursAndAlpha = 6;
   const bool opaque = IsOpaque(image);
   Bytes file = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "Interrupt.h"
+
 namespace tool {
 namespace {
 
@@ -55,6 +57,23 @@ void Progress::Yielded() {
   char text[128];
   std::snprintf(text, sizeof text, ": over %.1f megapixels in %.1f s", pixels_ / 1e6, seconds);
   line_.Show(method_ + text);
+}
+
+FileProgress::FileProgress(const char* doing, std::string path, std::int64_t pixels)
+    : doing_(doing), path_(std::move(path)), large_(pixels >= kLarge) {}
+
+void FileProgress::Reached(std::int64_t done, std::int64_t all) {
+  if (!large_) return;
+  StopIfInterrupted(path_);
+  if (!line_.IsDue()) return;
+  line_.Show(doing_ + ' ' + path_ + ": " + std::to_string(100 * done / all) + " %");
+}
+
+void FileProgress::Reached(std::int64_t bytes) {
+  if (!large_) return;
+  StopIfInterrupted(path_);
+  if (!line_.IsDue()) return;
+  line_.Show(doing_ + ' ' + path_ + ": " + std::to_string(bytes / 1000) + " kB");
 }
 
 }  // namespace tool

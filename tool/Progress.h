@@ -56,4 +56,24 @@ class Progress {
   Clock::time_point start_ = Clock::now();
 };
 
+/// A picture on its way from or to a file. A small one is on it too shortly to be shown or stopped.
+class FileProgress {
+ public:
+  /// So many pixels are a large picture.
+  static constexpr std::int64_t kLarge = std::int64_t{4} << 20;
+
+  FileProgress(const char* doing, std::string path, std::int64_t pixels);
+
+  /// So much of all is done, or so many bytes of a number that is not known. Throws Interrupted on Ctrl-C, naming the
+  /// file.
+  void Reached(std::int64_t done, std::int64_t all);
+  void Reached(std::int64_t bytes);
+
+ private:
+  const std::string doing_;
+  const std::string path_;
+  const bool large_;
+  StatusLine line_;
+};
+
 }  // namespace tool

@@ -5,3 +5,6 @@
 #define STBI_WRITE_NO_STDIO
 #include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
+
+/// What the reader has allocated and not given back, after an exception has ended it.
+void FreeStbBlocks();

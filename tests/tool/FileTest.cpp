@@ -123,10 +123,11 @@ Bytes OneChannelPng(unsigned char side, unsigned char colourType, unsigned char 
     for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<unsigned char>(value >> shift));
   };
   const auto chunk = [&](const std::string& type, const Bytes& data) {
+    Bytes named(type.begin(), type.end());
+    named.insert(named.end(), data.begin(), data.end());
     word(data.size());
-    bytes.insert(bytes.end(), type.begin(), type.end());
-    bytes.insert(bytes.end(), data.begin(), data.end());
-    word(0);  // a checksum, which nobody reads
+    bytes.insert(bytes.end(), named.begin(), named.end());
+    word(Checksum(named));
   };
   chunk("IHDR", {0, 0, 0, side, 0, 0, 0, side, 8, colourType, 0, 0, interlace});
   if (!palette.empty()) chunk("PLTE", palette);
@@ -158,29 +159,20 @@ class Packed {
 };
 
 // The last seven bytes are copied from a distance of 0, that is, from themselves. With the filters of its 15 rows an
-// interlaced picture of 8 x 8 pixels has 79 bytes, more than its reader first makes room for.
-TEST_F(HostileFileTest, APngWhosePixelsAreMissingIsTheSamePictureEveryTime) {
+// interlaced picture of 8 x 8 pixels has 79 bytes.
+TEST_F(HostileFileTest, APngWhosePixelsAreMissingIsRefused) {
   Packed packed;
   packed.Bits(1, 1).Bits(1, 2);                          // one block, with the codes that are always the same
   for (int i = 0; i < 72; ++i) packed.Code(0x30, 8);     // 0
   packed.Code(5, 7).Code(30, 5).Code(0, 7).Bits(0, 16);  // 7 bytes, distance 30, which is none; the end
-  const std::string file = Hostile(OneChannelPng(8, 0, 1, {}, packed.bytes));
-  std::set<Bytes> written;
-  for (const char* filler : {"0", "85", "200"}) {
-    setenv("MALLOC_PERTURB_", filler, 1);
-    const Ended ended = Lmx({"FlipRotate", file, "rotation=180", "-o", Path("turned.png")});
-    unsetenv("MALLOC_PERTURB_");
-    ASSERT_EQ(ended.status, 0) << ended.error;
-    written.insert(ReadFile(Path("turned.png")));
-  }
-  EXPECT_EQ(written.size(), 1u);
+  ExpectRefused(Hostile(OneChannelPng(8, 0, 1, {}, packed.bytes)), "its pixels cannot be unpacked");
 }
 
-// The reader keeps 256 colours on its stack, and fills in those that the file has.
 TEST_F(HostileFileTest, PixelsBeyondThePaletteAreBlack) {
   const auto picture = [](const Bytes& palette) {
-    const Bytes stored = {0x78, 0x01, 1, 6, 0, 0xF9, 0xFF, 0, 0, 1, 0, 2, 255};  // two rows, not packed
-    return OneChannelPng(2, 3, 0, palette, stored);
+    // Two rows, not packed, and their checksum.
+    return OneChannelPng(2, 3, 0, palette,
+                         {0x78, 0x01, 1, 6, 0, 0xF9, 0xFF, 0, 0, 1, 0, 2, 255, 0x01, 0x0D, 0x01, 0x03});
   };
   const auto opaque = [](std::initializer_list<std::uint32_t> colours) {
     std::vector<std::uint32_t> pixels;
@@ -192,14 +184,15 @@ TEST_F(HostileFileTest, PixelsBeyondThePaletteAreBlack) {
   EXPECT_EQ(tool::ReadPicture(Hostile(picture(two))).pixels, opaque({0x010203, 0x040506, 0, 0}));
   const Bytes whole(768, 9);
   EXPECT_EQ(tool::ReadPicture(Hostile(picture(whole))).pixels, opaque({0x090909, 0x090909, 0x090909, 0x090909}));
-  Bytes twice = picture(one);
-  const Bytes another = {0, 0, 0, 3, 'P', 'L', 'T', 'E', 1, 2, 3, 0, 0, 0, 0};
-  twice.insert(twice.begin() + 33, another.begin(), another.end());
-  ExpectRefused(Hostile(twice), "two palettes");
-  Bytes transparent = picture(one);
-  const Bytes alphas = {0, 0, 0, 2, 't', 'R', 'N', 'S', 1, 2, 0, 0, 0, 0};
-  transparent.insert(transparent.begin() + 33 + 15, alphas.begin(), alphas.end());
-  ExpectRefused(Hostile(transparent), "damaged");
+  const auto with = [&](std::ptrdiff_t at, Bytes chunk) {
+    const std::uint32_t checksum = Checksum(Bytes(chunk.begin() + 4, chunk.end()));
+    for (const int shift : {24, 16, 8, 0}) chunk.push_back(static_cast<unsigned char>(checksum >> shift));
+    Bytes bytes = picture(one);
+    bytes.insert(bytes.begin() + at, chunk.begin(), chunk.end());
+    return bytes;
+  };
+  ExpectRefused(Hostile(with(33, {0, 0, 0, 3, 'P', 'L', 'T', 'E', 1, 2, 3})), "two palettes");
+  ExpectRefused(Hostile(with(33 + 15, {0, 0, 0, 2, 't', 'R', 'N', 'S', 1, 2})), "does not suit");
   ExpectRefused(Hostile(picture({1, 2})), "damaged");
   ExpectRefused(Hostile(picture(Bytes(771, 9))), "damaged");
 }

@@ -13,6 +13,7 @@
 
 #include "Files.h"
 #include "Process.h"
+#include "tool/Encode.h"
 #include "tool/Errors.h"
 #include "tool/File.h"
 #include "tool/Interrupt.h"
@@ -146,6 +147,48 @@ TEST_F(InterruptTest, StopsWhileReading) {
   ASSERT_EQ(truncate(path.c_str(), 2 << 20), 0);
   EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).error, "lmx: stopped at " + path + "\n");
   EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).status, 130);
+}
+
+// One colour: a small file, which is read at once, and then many pixels.
+TEST_F(InterruptTest, StopsBetweenTheRowsOfALargePicture) {
+  const tool::Image large{2100, 2000, std::vector<std::uint32_t>(2100 * 2000, 0xFF336699)};
+  const std::string png = Given("large.png", large), jpeg = Path("large.jpg");
+  WriteFile(jpeg, Jpeg(large));
+  for (const std::string& path : {png, jpeg}) {
+    const Ended ended = Lmx({"GetAverageRGB", path}, interrupted_);
+    EXPECT_EQ(ended.status, 130);
+    EXPECT_EQ(ended.error, "lmx: stopped at " + path + "\n");
+  }
+  for (const tool::Format format : {tool::Format::Png, tool::Format::Jpeg}) {
+    const int status = InChild([&] {
+      tool::WatchSignals();
+      raise(SIGINT);
+      tool::Encoding encoding;
+      encoding.format = format;
+      try {
+        tool::Encode("large", large, encoding);
+      } catch (const tool::Interrupted& interrupted) {
+        _exit(interrupted.what() == std::string("stopped at large") ? 42 : 1);
+      }
+    });
+    EXPECT_EQ(WEXITSTATUS(status), 42);
+  }
+}
+
+TEST_F(InterruptTest, ATerminalShowsTheWayOfALargePicture) {
+  const tool::Image large{2100, 2000, std::vector<std::uint32_t>(2100 * 2000, 0xFF336699)};
+  WriteFile(Path("large.jpg"), Jpeg(large));
+  const std::string png = Path("large.png"), jpeg = Path("large.jpg"), erase = "\r\x1b[K";
+  const auto shows = [&](const std::string& source, const std::string& result, const std::string& text) {
+    const Ended ended = Lmx({"FlipRotate", source, "-o", result}, terminal_);
+    EXPECT_EQ(ended.status, 0) << ended.error;
+    EXPECT_NE(ended.error.find(erase + text + " (Ctrl-C stops)" + erase), std::string::npos) << ended.error;
+    EXPECT_EQ(ended.error.substr(ended.error.size() - 4), erase);
+  };
+  shows(jpeg, png, "reading " + jpeg + ": 0 %");
+  shows(jpeg, png, "writing " + png + ": 0 %");
+  shows(png, jpeg, "reading " + png + ": 0 %");
+  shows(png, jpeg, "writing " + jpeg + ": 0 kB");
 }
 
 // When the pipe is empty, lmx waits for more, or is about to.
