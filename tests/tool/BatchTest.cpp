@@ -265,7 +265,12 @@ TEST_F(BatchTest, NoWorkerOrFileOutlivesTheBatch) {
       tool::RunBatch({"x"}, 1, out, [&](std::size_t) {
         const tool::Replacement replacement(Path("out/x.png"));
         WriteFile(Path("begun"), {});
-        kill(getppid(), end);
+        alarm(60);
+        {
+          const tool::SignalsHeld slow;
+          kill(getppid(), end);
+          std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        }
         for (;;) pause();
         return tool::Told();
       });
