@@ -140,7 +140,7 @@ std::vector<ArgumentText> ShearArguments(Fallback width, Fallback height, const 
       {"width", "width of the result in pixels, at least 1; the slanted picture lies in its middle", width},
       {"height", "height of the result in pixels, at least 1", height},
       {"shear", shear, kNeeded},
-      {"frame_color", "colour of what the slanted picture leaves free", {"#000000ff"}},
+      {"frame_color", "colour of what the slanted picture leaves free", {"&c000000ff"}},
       Yield(),
   };
 }
@@ -230,7 +230,7 @@ std::vector<MethodText> TurningMethods() {
        "and dark.",
        {Source(),
         {"rotation", "turn in degrees, from 0 and below 360", kNeeded},
-        {"frame_color", "has no effect: the corners are clear in every case", {"#000000ff"}},
+        {"frame_color", "has no effect: the corners are clear in every case", {"&c000000ff"}},
         Yield()},
        "lmx FreeRotateByShear photo.jpg rotation=12.5 -o tilted.png"},
   };
@@ -244,7 +244,7 @@ std::vector<MethodText> GradientMethods() {
            {"color1", "colour of the top row", {"#000000"}},
            {"color2", "colour of the bottom row", {"#ffffff"}},
        }),
-       "lmx MakeGradient width=400 height=300 color1=#ff8800 color2=#0044ff80 -o sky.png"},
+       "lmx MakeGradient width=400 height=300 color1=#ff8800 color2=#0044ff -o sky.png"},
       {"LMX_MakeDoubleGradient", "Makes a picture that runs through three colours",
        "From top to bottom; every row is one colour. A half of a single row is clear.",
        GradientArguments({
@@ -291,7 +291,7 @@ std::vector<MethodText> FormingMethods() {
         {"frame_color",
          "colour of the pixels beyond the picture, which are clear in every case; kept below the transparency by the "
          "buffer storage form only",
-         {"#000000ff"}},
+         {"&c000000ff"}},
         {std::string(kYieldArgument), "has no effect: trimming never yields", {"0"}}},
        "lmx Trim photo.jpg left=20 top=20 width=100 height=80 -o part.png"},
   };

@@ -33,7 +33,8 @@ Photos are read upright, as EXIF data say that they were taken; the result has n
 67108864 pixels are read, from files of up to 256 MiB.
 Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case
 are the same. Most arguments may be left out: `lmx help METHOD` says what they are then.
-Colours are #rrggbb or #rrggbbtt, tt from 00 (opaque) to ff (clear), or &hTTRRGGBB; quote them for the shell.
+Colours are #rrggbb or #rgb; or as programs have them, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) to FF
+(clear), in quotes for the shell. #rrggbbxx is refused, because the web means alpha by it.
 
 Options, anywhere:
   -o, --output FILE    where the picture goes; its old content stays if anything fails

@@ -47,15 +47,33 @@ host::Value ParseBoolean(const std::string& text) {
   Refuse(text, "true or false (yes or no, 1 or 0)");
 }
 
+std::string EightDigits(std::uint32_t number) {
+  std::array<char, 16> buffer{};
+  std::snprintf(buffer.data(), buffer.size(), "%08X", static_cast<unsigned>(number));
+  return buffer.data();
+}
+
+// The web has alpha in the last two digits of eight, the host its opposite.
+[[noreturn]] void AskForTransparency(const std::string& text, std::uint32_t digits) {
+  const std::string end = text.substr(7);
+  throw UsageError("`" + text + "` has two meanings: write &c" + EightDigits(digits) + " if " + end +
+                   " is the transparency (00 opaque), or &c" + EightDigits(digits ^ 0xFF) + " if it is alpha");
+}
+
 host::Value ParseColour(const std::string& text) {
-  const bool program = host::SameName(text.substr(0, 2), "&h") && text.size() == 10;
-  const bool web = !program && text[0] == '#' && (text.size() == 7 || text.size() == 9);
-  const char* digits = text.data() + (program ? 2 : 1);
-  std::optional<std::uint32_t> number;
-  if (program || web) number = Parse<std::uint32_t>(digits, text.data() + text.size(), 16);
-  if (!number) Refuse(text, "a colour: #rrggbb, #rrggbbtt or &hTTRRGGBB, tt from 00 (opaque) to ff (clear)");
-  const bool transparencyLast = web && text.size() == 9;
-  return host::Colour{transparencyLast ? *number << 24 | *number >> 8 : *number};
+  const bool web = !text.empty() && text[0] == '#';
+  const std::string sign = web ? "#" : text.substr(0, 2);
+  const std::size_t count = text.size() - sign.size();
+  const auto number = Parse<std::uint32_t>(text.data() + sign.size(), text.data() + text.size(), 16);
+  if (number && web && count == 3) {
+    const std::uint32_t red = *number >> 8, green = *number >> 4 & 0xF, blue = *number & 0xF;
+    return host::Colour{0x11 * (red << 16 | green << 8 | blue)};
+  }
+  if (number && count == 6 && (web || host::SameName(sign, "&c"))) return host::Colour{*number};
+  if (number && count == 8 && host::SameName(sign, "&c")) return host::Colour{*number << 24 | *number >> 8};
+  if (number && count == 8 && host::SameName(sign, "&h")) return host::Colour{*number};
+  if (number && count == 8 && web) AskForTransparency(text, *number);
+  Refuse(text, "a colour: #rrggbb, #rgb, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) to FF (clear)");
 }
 
 std::string DoubleText(double number, std::optional<int> digits = std::nullopt) {
@@ -68,9 +86,7 @@ std::string DoubleText(double number, std::optional<int> digits = std::nullopt) 
 }
 
 std::string ColourText(host::Colour colour) {
-  std::array<char, 16> buffer{};
-  std::snprintf(buffer.data(), buffer.size(), "&h%08X", static_cast<unsigned>(colour.value));
-  return buffer.data();
+  return "&h" + EightDigits(colour.value);
 }
 
 }  // namespace

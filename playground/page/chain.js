@@ -66,7 +66,7 @@ export function valuesOf(plugin, method, given, size) {
 export function toAddress(chain, find, chart) {
   const words = chain.steps.map((step) => {
     const given = inputsOf(find(step.method)).filter((p) => p.name in step.given)
-      .map((p) => `${p.name}=${valueText(p.type, step.given[p.name]).replace('#', '')}`);
+      .map((p) => `${p.name}=${valueText(p.type, step.given[p.name]).replace(/^(#|&c)/, '')}`);
     return shortName(step.method) + (given.length ? `:${given.join(',')}` : '');
   });
   if (chain.storage === 'buffer') words.push('@buffer');

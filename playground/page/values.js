@@ -31,15 +31,17 @@ export const kExpected = {
   integer: 'a whole number from −2147483648 to 2147483647',
   double: 'a number such as 1, −0.5, 1e3, inf or nan',
   boolean: 'true or false',
-  color: '#rrggbb, #rrggbbtt or &hTTRRGGBB, tt from 00 (opaque) to ff (clear)',
+  color: '#rrggbb, #rgb, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) to FF (clear)',
 };
 
-// #rrggbb, #rrggbbtt or &hTTRRGGBB.
+// The web means alpha by #rrggbbxx, and lmx refuses it. Addresses have digits without a sign.
 function parseColour(word) {
   const program = /^&h([0-9a-f]{8})$/i.exec(word);
   if (program) return parseInt(program[1], 16);
-  const web = /^#?([0-9a-f]{6})([0-9a-f]{2})?$/i.exec(word);
-  return web ? (parseInt(web[2] ?? '00', 16) * 0x1000000 + parseInt(web[1], 16)) >>> 0 : undefined;
+  const short = /^#([0-9a-f])([0-9a-f])([0-9a-f])$/i.exec(word);
+  if (short) return 0x11 * parseInt(`${short[1]}0${short[2]}0${short[3]}`, 16);
+  const digits = /^(?:#([0-9a-f]{6})|(?:&c)?([0-9a-f]{6})([0-9a-f]{2})?)$/i.exec(word);
+  return digits ? (parseInt(digits[3] ?? '00', 16) * 0x1000000 + parseInt(digits[1] ?? digits[2], 16)) >>> 0 : undefined;
 }
 
 const hex = (number, digits) => number.toString(16).padStart(digits, '0');
@@ -62,7 +64,8 @@ function doubleText(number) {
 
 /** As fields show it and lmx takes it; parseValue gives it back. */
 export function valueText(type, value) {
-  if (type === 'color') return rgbText(value) + (transparencyOf(value) ? hex(transparencyOf(value), 2) : '');
+  if (type === 'color' && transparencyOf(value)) return `&c${hex(value & 0xffffff, 6)}${hex(transparencyOf(value), 2)}`;
+  if (type === 'color') return rgbText(value);
   return type === 'double' ? doubleText(value) : String(value);
 }
 

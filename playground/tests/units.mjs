@@ -82,7 +82,7 @@ test('values are read as people write them, and only those', () => {
     ['integer', '2147483648', undefined], ['integer', '1.5', undefined], ['integer', '', undefined], ['integer', '1e3', undefined],
     ['double', '.5', 0.5], ['double', '1e3', 1000], ['double', 'nan', NaN], ['double', '-inf', -Infinity], ['double', '1,5', undefined],
     ['double', '12.', 12], ['boolean', 'yes', true], ['boolean', 'no', false], ['boolean', 'maybe', undefined],
-    ['color', '#2a6f97', 0x002a6f97], ['color', '#2a6f9780', 0x802a6f97], ['color', '&hFF000000', 0xff000000], ['color', '#12345', undefined],
+    ['color', '#2a6f97', 0x002a6f97], ['color', '&c2a6f9780', 0x802a6f97], ['color', '&C2a6f97', 0x002a6f97], ['color', '#1aF', 0x0011aaff], ['color', '#2a6f9780', undefined], ['color', '&hFF000000', 0xff000000], ['color', '#12345', undefined],
   ];
   for (const [type, text, value] of table) assert.deepEqual(parseValue(type, text), value, `${type} ${text}`);
   for (const value of [0, -0, 0.1, 12.5, 1e300, 5e-324, Infinity, -Infinity, NaN, -359.99999999999994]) {

@@ -72,9 +72,9 @@ TEST_F(CallTest, KeepsAlpha) {
 }
 
 TEST_F(CallTest, ColoursMeanTheSameInEveryForm) {
-  const tool::Image web = Run({"MakeGradient", "width=1", "height=2", "color1=#11223300", "color2=#445566ff"});
+  const tool::Image web = Run({"MakeGradient", "width=1", "height=2", "color1=&c11223300", "color2=&C445566ff"});
   ExpectImage(web, 1, 2, {0xFF112233, 0x00000000});
-  EXPECT_EQ(Run({"MakeGradient", "width=1", "height=2", "color1=#112233", "color2=&hFF445566"}).pixels, web.pixels);
+  EXPECT_EQ(Run({"MakeGradient", "width=1", "height=2", "color1=#123", "color2=&hFF445566"}).pixels, web.pixels);
 }
 
 TEST_F(CallTest, StepsWorkOnTheResultOfTheOneBefore) {

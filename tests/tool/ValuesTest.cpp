@@ -50,14 +50,29 @@ TEST(Values, BooleansHaveThreePairsOfWords) {
   ExpectRefused(Type::Boolean, {"", "2", "-1", "on", "t", "true ", "y"});
 }
 
-TEST(Values, ColoursHaveThreeForms) {
+TEST(Values, ColoursHaveTheFormsOfTheWebAndOfPrograms) {
   EXPECT_EQ(ParseValue(Type::Colour, "#12abEF").AsColour(), host::Colour{0x0012ABEF});
-  EXPECT_EQ(ParseValue(Type::Colour, "#12abef40").AsColour(), host::Colour{0x4012ABEF});
-  EXPECT_EQ(ParseValue(Type::Colour, "#000000ff").AsColour(), host::Colour{0xFF000000});
+  EXPECT_EQ(ParseValue(Type::Colour, "#1aF").AsColour(), host::Colour{0x0011AAFF});
+  EXPECT_EQ(ParseValue(Type::Colour, "&c12abEF").AsColour(), host::Colour{0x0012ABEF});
+  EXPECT_EQ(ParseValue(Type::Colour, "&c12abef40").AsColour(), host::Colour{0x4012ABEF});
+  EXPECT_EQ(ParseValue(Type::Colour, "&C000000ff").AsColour(), host::Colour{0xFF000000});
   EXPECT_EQ(ParseValue(Type::Colour, "&h4012ABEF").AsColour(), host::Colour{0x4012ABEF});
   EXPECT_EQ(ParseValue(Type::Colour, "&Hff000000").AsColour(), host::Colour{0xFF000000});
-  ExpectRefused(Type::Colour, {"", "#", "#123", "#12345", "#1234567", "#123456789", "#12345g", "#-12345", "123456",
-                               "&h123456", "&h-1234567", "&h0x123456", "red", "# 12345", "#12345 "});
+  ExpectRefused(Type::Colour,
+                {"",        "#",      "&",         "&c",         "&h",         "#12",      "#1234",      "#12g",
+                 "#-12",    "&c123",  "&c1234567", "&x123456",   "#12345",     "#1234567", "#123456789", "#12345g",
+                 "#-12345", "123456", "&h123456",  "&h-1234567", "&h0x123456", "red",      "# 12345",    "#12345 "});
+}
+
+// Eight digits mean alpha to some and transparency to others.
+TEST(Values, ColoursThatHaveTwoMeaningsAreAskedAbout) {
+  try {
+    ParseValue(Type::Colour, "#12abEF40");
+    ADD_FAILURE() << "not refused";
+  } catch (const tool::UsageError& error) {
+    EXPECT_EQ(error.what(), std::string("`#12abEF40` has two meanings: write &c12ABEF40 if 40 is the transparency (00 "
+                                        "opaque), or &c12ABEFBF if it is alpha"));
+  }
 }
 
 TEST(Values, TextsForPeopleAndScripts) {
