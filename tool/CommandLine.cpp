@@ -99,6 +99,8 @@ class Parser {
       line_.repeat = ParseNumber(name, ValueOf(name), 1, std::numeric_limits<std::int32_t>::max());
     } else if (name == "-j" || name == "--jobs") {
       line_.jobs = ParseNumber(name, ValueOf(name), 1, kMostJobs);
+    } else if (name == "--tolerance") {
+      line_.tolerance = ParseNumber(name, ValueOf(name), 0, 255);
     } else if (name == "--format") {
       line_.format = ParseFormat(ValueOf(name));
     } else if (name == "--compression") {

@@ -34,6 +34,7 @@ struct CommandLine {
   std::optional<std::int32_t> yield;
   std::int32_t repeat = 1;
   std::optional<std::int32_t> jobs;
+  std::optional<std::int32_t> tolerance;
   std::optional<Format> format;
   std::optional<std::int32_t> compression;
   std::optional<std::int32_t> quality;

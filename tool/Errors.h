@@ -1,4 +1,4 @@
-// The three ways in which lmx ends badly, one exit status each.
+// The ways in which lmx ends badly, and their exit statuses.
 #pragma once
 
 #include <stdexcept>
@@ -10,6 +10,13 @@ class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
   static constexpr int kStatus = 1;
+};
+
+/// The same where status 1 has another meaning.
+class Trouble : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+  static constexpr int kStatus = 2;
 };
 
 /// The command line asks for something that cannot be.

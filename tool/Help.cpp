@@ -22,6 +22,8 @@ constexpr const char* kUsage =
                                                        several: each gets the picture that the one before left
   lmx METHOD picture... [name=value...] -o folder/     the same on many pictures, on all processors
   lmx chart -o chart.png                               draws a test chart
+  lmx info picture...                                  what the files are: size, transparency, orientation, bytes
+  lmx compare a.png b.png [-o difference.png]          whether two pictures are the same, and where they are not
   lmx bench picture                                    times the methods on a picture, with and without yields
 
 A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png), and so is the result, by the end of its
@@ -47,6 +49,7 @@ Options, anywhere:
   --format FORMAT      png or jpeg, where the name of the file does not say it
   --compression N      of a PNG, 0 to 9: 0 is fastest, 9 gives small files slowly; default: 3
   --quality N          of a JPEG, 1 to 100; default: 90. Where the picture is clear it lies on white
+  --tolerance N        of compare, 0 to 255: pixels count as the same up to this difference of a channel; default: 0
   --opaque             write the colours without their transparency
   -v, --verbose        show each call as a program would write it, its error code, size and time
   --json               the same and the measured values for scripts, one object per call and line
@@ -55,6 +58,7 @@ Options, anywhere:
   --version            the version of lmx
 
 Exit status: 0 success, 1 failure (with the plug-in's message), 2 wrong usage, 130 stopped by Ctrl-C.
+Of compare: 0 the same, 1 different, 2 anything else, 130. Pixels that are clear in both pictures are the same.
 )";
 
 // Writes a text word by word; lines after the first begin under its start, at column `indent`.

@@ -107,9 +107,12 @@ Image Decode(const std::string& path, const Bytes& bytes) {
 
 }  // namespace
 
-Image ReadPicture(const std::string& path) {
-  const Bytes bytes = ReadFile(path);
+Image DecodePicture(const std::string& path, const Bytes& bytes) {
   return Upright(Decode(path == kStandardStream ? "standard input" : path, bytes), OrientationOf(bytes));
+}
+
+Image ReadPicture(const std::string& path) {
+  return DecodePicture(path, ReadFile(path));
 }
 
 void WritePicture(const std::string& path, const Image& image, const Encoding& encoding) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Encode.h"
+#include "File.h"
 #include "Image.h"
 
 namespace tool {
@@ -15,6 +16,9 @@ constexpr int kMaxPixels = 1 << 26;
 /// are written again. Throws Failure for anything but a whole PNG or JPEG file within the limits,
 /// and Interrupted on Ctrl-C.
 Image ReadPicture(const std::string& path);
+
+/// The same of a file that has been read.
+Image DecodePicture(const std::string& path, const Bytes& bytes);
 
 /// Throws Failure if the file cannot be written, and Interrupted on Ctrl-C; then what was there
 /// before is still there.

@@ -136,7 +136,7 @@ std::string NoMethod(const host::Host& plugin, const std::string& name) {
   const auto shortName = [&](const std::string& full) {
     return host::SameName(full.substr(0, 4), kPrefix) ? full.substr(4) : full;
   };
-  std::vector<std::string> names = {"list", "help", "chart", "bench"};
+  std::vector<std::string> names = {"list", "help", "chart", "info", "compare", "bench"};
   for (const host::Method& method : plugin.Methods()) names.push_back(shortName(method.name));
   return "there is no method `" + name + "`; `lmx list` shows them" + Suggestion(shortName(name), names);
 }

@@ -7,8 +7,10 @@
 #include "Bench.h"
 #include "Chart.h"
 #include "CommandLine.h"
+#include "Compare.h"
 #include "Errors.h"
 #include "Help.h"
+#include "Info.h"
 #include "Interrupt.h"
 #include "Job.h"
 #include "PictureFile.h"
@@ -75,16 +77,26 @@ void CallMethods(const CommandLine& line) {
   RunMethods(plugin, line);
 }
 
-void Act(const CommandLine& line) {
+void Show(const CommandLine& line) {
   if (line.help) return WriteUsage(std::cout);
   if (line.version) return WriteVersion(std::cout);
   if (line.steps.empty()) throw UsageError("which method? `lmx list` shows them, `lmx --help` explains");
   const std::string& word = line.steps.front().method;
+  if (line.tolerance) throw UsageError("--tolerance is for `compare`");
   if (word == "list") return ShowList(line);
   if (word == "help") return ShowHelp(line);
   if (word == "chart") return DrawChart(line);
+  if (word == "info") return ShowInfo(line);
   if (word == "bench") return TimeMethods(line);
   CallMethods(line);
+}
+
+// Returns the exit status of what went well.
+int Act(const CommandLine& line) {
+  const bool compares = !line.help && !line.version && !line.steps.empty() && line.steps.front().method == "compare";
+  if (compares) return ComparePictures(line);
+  Show(line);
+  return 0;
 }
 
 int Complain(const char* what, int status) {
@@ -96,11 +108,13 @@ int Complain(const char* what, int status) {
 int Main(const std::vector<std::string>& words) {
   try {
     WatchSignals();
-    Act(ParseCommandLine(words));
+    const int status = Act(ParseCommandLine(words));
     if (!std::cout.flush()) throw Failure("cannot write to standard output");
-    return 0;
+    return status;
   } catch (const UsageError& error) {
     return Complain(error.what(), UsageError::kStatus);
+  } catch (const Trouble& trouble) {
+    return Complain(trouble.what(), Trouble::kStatus);
   } catch (const Interrupted& interrupted) {
     return Complain(interrupted.what(), Interrupted::kStatus);
   } catch (const std::bad_alloc&) {

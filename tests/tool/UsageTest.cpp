@@ -57,10 +57,11 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
     EXPECT_TRUE(Contains(ended.out, std::to_string(tool::kMaxPixels) + " pixels"));
     EXPECT_TRUE(Contains(ended.out, "small files slowly; default: " + std::to_string(tool::Encoding().compression)));
     EXPECT_TRUE(Contains(ended.out, "1 to 100; default: " + std::to_string(tool::Encoding().quality) + "."));
-    for (const char* part : {"--output",  "--jobs",     "--storage",  "--yield",  "--format",  "--compression",
-                             "--quality", "--opaque",   "--verbose",  "--json",   "--repeat",  "--plugin",
-                             "--help",    "--version",  "lmx list",   "lmx help", "lmx chart", "lmx bench",
-                             "#rrggbb",   "&cRRGGBBTT", "&hTTRRGGBB", "130"}) {
+    for (const char* part :
+         {"--output", "--jobs",     "--storage",  "--yield",   "--format", "--compression", "--quality",
+          "--opaque", "--verbose",  "--json",     "--repeat",  "--plugin", "--help",        "--version",
+          "lmx list", "lmx help",   "lmx chart",  "lmx bench", "lmx info", "lmx compare",   "--tolerance",
+          "#rrggbb",  "&cRRGGBBTT", "&hTTRRGGBB", "130"}) {
       EXPECT_TRUE(Contains(ended.out, part)) << part;
     }
   }
