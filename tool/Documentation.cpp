@@ -70,6 +70,8 @@ std::int32_t PictureHeight(const Situation& situation) {
 const Fallback kNeeded;
 const Fallback kResult;
 
+const Range kDelta{-255, 255}, kAtLeastOne{1}, kStretched{1, 65535};
+
 ArgumentText Source() {
   return {"p", "the picture; it stays as it is", kNeeded};
 }
@@ -107,18 +109,22 @@ std::vector<ArgumentText> AdjustHSVArguments(ArgumentText picture) {
       {
           {"hue_degrees",
            "turn of the hue in degrees, above -360 and below 360; 60 makes red yellow, 120 makes it green",
-           {"0"}},
+           {"0"},
+           0,
+           {-360, 360, true, true}},
           {"saturation_factor",
            "factor of the saturation, from 0 and below 1000, cut to a whole number: 0 and 0.9 give greys of the "
            "largest channel, 1 leaves it, "
            "2 doubles it",
            {"1"},
-           1},
+           1,
+           {0, 1000, false, true}},
           {"brightness_factor",
            "factor of the brightness, from 0 and below 1000, cut to a whole number: below 1 gives black, 1 leaves it, "
            "2 doubles it",
            {"1"},
-           1},
+           1,
+           {0, 1000, false, true}},
           {"negative",
            "store inverted colours, in the whole picture and entirely clear; in the context storage form nothing of "
            "them is left",
@@ -128,18 +134,19 @@ std::vector<ArgumentText> AdjustHSVArguments(ArgumentText picture) {
 
 std::vector<ArgumentText> AdjustRGBArguments(ArgumentText picture) {
   return WithSelection(std::move(picture), {
-                                               {"red_delta", "what is added to red, -255 to 255", {"0"}},
-                                               {"green_delta", "what is added to green, -255 to 255", {"0"}},
-                                               {"blue_delta", "what is added to blue, -255 to 255", {"0"}},
+                                               {"red_delta", "what is added to red, -255 to 255", {"0"}, 0, kDelta},
+                                               {"green_delta", "what is added to green, -255 to 255", {"0"}, 0, kDelta},
+                                               {"blue_delta", "what is added to blue, -255 to 255", {"0"}, 0, kDelta},
                                            });
 }
 
 std::vector<ArgumentText> ShearArguments(Fallback width, Fallback height, const char* shear) {
   return {
       Source(),
-      {"width", "width of the result in pixels, at least 1; the slanted picture lies in its middle", width},
-      {"height", "height of the result in pixels, at least 1", height},
-      {"shear", shear, kNeeded},
+      {"width", "width of the result in pixels, at least 1; the slanted picture lies in its middle", width, 0,
+       kAtLeastOne},
+      {"height", "height of the result in pixels, at least 1", height, 0, kAtLeastOne},
+      {"shear", shear, kNeeded, 0, {-1, 1}},
       {"frame_color", "colour of what the slanted picture leaves free", {"&c000000ff"}},
       Yield(),
   };
@@ -147,8 +154,8 @@ std::vector<ArgumentText> ShearArguments(Fallback width, Fallback height, const 
 
 std::vector<ArgumentText> GradientArguments(const std::vector<ArgumentText>& colours) {
   std::vector<ArgumentText> arguments = {
-      {"width", "width of the picture in pixels, at least 1", {"256"}},
-      {"height", "height of the picture in pixels, at least 1", {"256"}},
+      {"width", "width of the picture in pixels, at least 1", {"256"}, 0, kAtLeastOne},
+      {"height", "height of the picture in pixels, at least 1", {"256"}, 0, kAtLeastOne},
   };
   arguments.insert(arguments.end(), colours.begin(), colours.end());
   arguments.push_back(Yield());
@@ -221,7 +228,8 @@ std::vector<MethodText> TurningMethods() {
         {"rotation",
          "turn in degrees, -89 to 359, cut to whole quarter turns: 90 to 179 is one, below 90 is none",
          {"0"},
-         90},
+         90,
+         {-89, 359}},
         Yield()},
        "lmx FlipRotate photo.jpg rotation=90 -o turned.png"},
       {"LMX_FreeRotateByShear",
@@ -229,7 +237,7 @@ std::vector<MethodText> TurningMethods() {
        "By three shears. The result is as large as the turned picture needs, with clear corners; edges become clear "
        "and dark.",
        {Source(),
-        {"rotation", "turn in degrees, from 0 and below 360", kNeeded},
+        {"rotation", "turn in degrees, from 0 and below 360", kNeeded, 0, {0, 360, false, true}},
         {"frame_color", "has no effect: the corners are clear in every case", {"&c000000ff"}},
         Yield()},
        "lmx FreeRotateByShear photo.jpg rotation=12.5 -o tilted.png"},
@@ -276,8 +284,14 @@ std::vector<MethodText> FormingMethods() {
        {Source(),
         {"width",
          "width of the result in pixels, 1 to 65535, and at least 1/32768 of the picture's",
-         {"in proportion to height", WidthInProportion}},
-        {"height", "height of the result in pixels, likewise", {"in proportion to width", HeightInProportion}},
+         {"in proportion to height", WidthInProportion},
+         0,
+         kStretched},
+        {"height",
+         "height of the result in pixels, 1 to 65535 likewise",
+         {"in proportion to width", HeightInProportion},
+         0,
+         kStretched},
         Yield()},
        "lmx Stretch photo.jpg width=200 -o small.png"},
       {"LMX_Trim",
@@ -286,8 +300,8 @@ std::vector<MethodText> FormingMethods() {
        {Source(),
         {"left", "column of the picture at which the result begins; may be negative", {"0"}},
         {"top", "row of the picture at which the result begins; may be negative", {"0"}},
-        {"width", "width of the result in pixels, at least 1", {"to the right edge", ToRightEdge}},
-        {"height", "height of the result in pixels, at least 1", {"to the bottom edge", ToBottomEdge}},
+        {"width", "width of the result in pixels, at least 1", {"to the right edge", ToRightEdge}, 0, kAtLeastOne},
+        {"height", "height of the result in pixels, at least 1", {"to the bottom edge", ToBottomEdge}, 0, kAtLeastOne},
         {"frame_color",
          "colour of the pixels beyond the picture, which are clear in every case; kept below the transparency by the "
          "buffer storage form only",
@@ -298,6 +312,18 @@ std::vector<MethodText> FormingMethods() {
 }
 
 }  // namespace
+
+bool Range::Contains(double number) const {
+  return (withoutLeast ? number > least : number >= least) && (withoutMost ? number < most : number <= most);
+}
+
+std::string RangeText(const Range& range) {
+  const auto text = [](double number) { return std::to_string(static_cast<std::int64_t>(number)); };
+  if (range.most > std::numeric_limits<std::int32_t>::max()) return "at least " + text(range.least);
+  if (range.withoutLeast) return "above " + text(range.least) + " and below " + text(range.most);
+  if (range.withoutMost) return "from " + text(range.least) + " and below " + text(range.most);
+  return text(range.least) + " to " + text(range.most);
+}
 
 const std::vector<MethodText>& Documentation() {
   static const std::vector<MethodText> table = [] {

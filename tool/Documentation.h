@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -27,11 +28,26 @@ struct Fallback {
   std::int32_t (*compute)(const Situation& situation) = nullptr;
 };
 
+/// The numbers that a method takes.
+struct Range {
+  double least = -std::numeric_limits<double>::infinity();
+  double most = std::numeric_limits<double>::infinity();
+  bool withoutLeast = false;
+  bool withoutMost = false;
+
+  /// What is no number is in no range.
+  bool Contains(double number) const;
+};
+
+/// In the words that the meaning of an argument has, too.
+std::string RangeText(const Range& range);
+
 struct ArgumentText {
   std::string name;
   std::string meaning;
   Fallback fallback;
   int multiplesOf = 0;  ///< numbers are cut to multiples of this, towards 0; 0: they are not
+  Range range = {};     ///< which the plug-in checks
 };
 
 struct MethodText {

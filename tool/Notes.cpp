@@ -79,4 +79,16 @@ std::vector<std::string> NotesOn(const Step& step, const std::vector<host::Value
   return notes;
 }
 
+std::string OutOfRange(const Step& step) {
+  std::string hints;
+  const MethodText* text = FindDocumentation(step.method->name);
+  for (std::size_t i = 0; text != nullptr && i < step.given.size(); ++i) {
+    const ArgumentText* argument = text->Find(step.method->parameters[i].name);
+    const bool isNumber = step.given[i] && (step.given[i]->Is<double>() || step.given[i]->Is<std::int32_t>());
+    if (!isNumber || argument == nullptr || argument->range.Contains(NumberOf(*step.given[i]))) continue;
+    hints += "; " + step.typed[i] + " is out of range: " + RangeText(argument->range);
+  }
+  return hints;
+}
+
 }  // namespace tool

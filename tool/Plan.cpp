@@ -39,17 +39,20 @@ void Assign(Step& step, const Assignment& assignment) {
   }
   if (IsPicture(*found)) Refuse(method, "`" + found->name + "` is the picture: give its file, without a name");
   if (found->byRef) Refuse(method, "`" + found->name + "` is a result: it cannot be given");
-  std::optional<host::Value>& place = step.given[static_cast<std::size_t>(found - method.parameters.begin())];
+  const auto index = static_cast<std::size_t>(found - method.parameters.begin());
+  std::optional<host::Value>& place = step.given[index];
   if (place) Refuse(method, "the argument `" + found->name + "` is given twice");
+  step.typed[index] = assignment.name + '=' + assignment.value;
   try {
     place = ParseValue(found->type, assignment.value);
   } catch (const UsageError& error) {
-    Refuse(method, "the argument `" + found->name + "`: " + error.what());
+    Refuse(method, "the argument `" + assignment.name + "`: " + error.what());
   }
 }
 
 Step MakeStep(const host::Method& method, const StepWords& words) {
-  Step step{&method, std::vector<std::optional<host::Value>>(method.parameters.size())};
+  const std::size_t count = method.parameters.size();
+  Step step{&method, std::vector<std::optional<host::Value>>(count), std::vector<std::string>(count)};
   for (const Assignment& assignment : words.assignments) Assign(step, assignment);
   for (std::size_t i = 0; i < method.parameters.size(); ++i) {
     const host::Parameter& parameter = method.parameters[i];

@@ -15,6 +15,8 @@ struct Step {
   const host::Method* method = nullptr;
   /// By parameter; empty where the user gave none, and for pictures and results.
   std::vector<std::optional<host::Value>> given;
+  /// By parameter, too: the words of the command line.
+  std::vector<std::string> typed;
 };
 
 struct Plan {

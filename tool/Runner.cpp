@@ -96,9 +96,14 @@ host::Picture Runner::RunStep(const Step& step, const host::Picture& picture) {
   }
   tell_(report);
   if (report.error != 0) {
-    throw Failure(method.name + ": " + report.message + " (error " + std::to_string(report.error) + ")");
+    throw Failure(method.name + ": " + report.message + " (error " + std::to_string(report.error) + ")" +
+                  OutOfRange(step));
   }
-  if (failed) throw Failure(method.name + " returned no picture, without an error code: there may be no memory");
+  const std::string reason = failed ? OutOfRange(step) : "";
+  if (failed) {
+    throw Failure(method.name + " returned no picture, without an error code" +
+                  (reason.empty() ? ": there may be no memory" : reason));
+  }
   if (returnsPicture) variable_ = "result";
   return left;
 }

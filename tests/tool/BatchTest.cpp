@@ -163,6 +163,19 @@ TEST_F(BatchTest, AFolderThatCannotBeMade) {
   EXPECT_NE(ended.error.find("cannot make the folder"), std::string::npos) << ended.error;
 }
 
+TEST_F(BatchTest, AFullDiskKeepsTheOldFilesAndLeavesNoOthers) {
+  const std::string large = Given("large.png", OpaqueImage(300, 200));
+  WriteFile(Path("out/large.png"), {'o', 'l', 'd'});
+  Surroundings full;
+  full.largestFile = 1000;
+  const Ended ended = Lmx({"FlipRotate", large, a_, "-o", Path("out/")}, full);
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(ended.error, "lmx: 1 of 2 pictures failed\n  " + large + ": " + Path("out/large.png") +
+                             ": cannot write: File too large\n");
+  EXPECT_EQ(NamesIn("out"), (Strings{"a.png", "large.png"}));
+  EXPECT_EQ(ReadFile(Path("out/large.png")), (Bytes{'o', 'l', 'd'}));
+}
+
 TEST_F(BatchTest, ATerminalShowsOneLine) {
   Surroundings terminal;
   terminal.terminal = true;

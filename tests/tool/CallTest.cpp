@@ -285,9 +285,31 @@ TEST_F(CallTest, ReportingMethodsPrintWhatTheyReturn) {
 TEST_F(CallTest, FailuresShowThePluginsMessage) {
   const Ended ended = Lmx({"FlipRotate", small_, "rotation=360", "-o", Path("out.png")});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "lmx: LMX_FlipRotate: Rotate Error: \"rotation\" parameter is out of bounds (error 31)\n");
+  EXPECT_EQ(
+      ended.error,
+      "lmx: LMX_FlipRotate: Rotate Error: \"rotation\" parameter is out of bounds (error 31); rotation=360 is out "
+      "of range: -89 to 359\n");
   EXPECT_EQ(ended.out, "");
   EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
+}
+
+TEST_F(CallTest, FailuresTellTheRangeOfWhatWasTyped) {
+  const auto told = [&](std::vector<std::string> call) {
+    call.insert(call.begin() + 1, small_);
+    call.insert(call.end(), {"-o", Path("out.png")});
+    const std::string error = Lmx(call).error;
+    return error.substr(error.find(';') + 1);
+  };
+  EXPECT_EQ(told({"AdjustRGB", "RED_delta=300", "blue_delta=-255"}), " RED_delta=300 is out of range: -255 to 255\n");
+  EXPECT_EQ(told({"AdjustHSV", "hue_degrees=-360"}), " hue_degrees=-360 is out of range: above -360 and below 360\n");
+  EXPECT_EQ(told({"AdjustHSV", "saturation_factor=1e3"}),
+            " saturation_factor=1e3 is out of range: from 0 and below 1000\n");
+  EXPECT_EQ(told({"FreeRotateByShear", "rotation=360"}), " rotation=360 is out of range: from 0 and below 360\n");
+  EXPECT_EQ(told({"ShearVertical", "shear=1.5"}), " shear=1.5 is out of range: -1 to 1\n");
+  EXPECT_EQ(told({"ShearHorizontal", "shear=1", "Width=0"}), " Width=0 is out of range: at least 1\n");
+  EXPECT_EQ(told({"Stretch", "width=0", "height=70000"}),
+            " width=0 is out of range: 1 to 65535; height=70000 is out of range: 1 to 65535\n");
+  EXPECT_EQ(told({"Trim", "width=0", "left=1"}), " width=0 is out of range: at least 1\n");
 }
 
 TEST_F(CallTest, FailuresOfMethodsWithoutAPictureResultCountToo) {

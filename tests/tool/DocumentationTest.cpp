@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <sstream>
 
 #include "host/Host.h"
+#include "tool/Errors.h"
 #include "tool/Help.h"
 #include "tool/Plan.h"
+#include "tool/Runner.h"
 #include "tool/Values.h"
 
 namespace {
@@ -65,6 +68,51 @@ TEST_F(DocumentationTest, FallbacksAreValuesOfTheDeclaredTypeAndResultsHaveNone)
       }
     }
   }
+}
+
+// Against the plug-in: it takes what lies in the range, up to its ends, and nothing beyond them.
+TEST_F(DocumentationTest, RangesAreThoseOfThePluginAndOfTheMeaning) {
+  host::Picture picture({3, 2, host::Storage::BitmapContext, {}, {}});
+  picture.Fill(0);
+  const auto takes = [&](const tool::MethodText& text, const std::string& argument, double number) {
+    const auto whole = std::to_string(static_cast<std::int64_t>(number));
+    tool::StepWords step{text.name, {}, {{argument, number == std::trunc(number) ? whole : std::to_string(number)}}};
+    if (tool::TakesPicture(*plugin_.FindMethod(text.name))) step.operands.push_back("p.png");
+    for (const char* other : {"width", "height", "shear", "rotation"}) {
+      const tool::ArgumentText* found = text.Find(other);
+      const bool free = found == nullptr || argument == other || found->range.most > 1e9;
+      if (!free && found->range.least <= 1) step.assignments.push_back({other, "1"});
+    }
+    tool::CommandLine line;
+    line.steps = {step};
+    line.output = "out.png";
+    try {
+      tool::Runner(plugin_, 0, 1, [](const tool::CallReport&) {}).Run(tool::MakePlan(plugin_, line), picture);
+      return true;
+    } catch (const tool::Failure& failure) {
+      const std::string hint = argument + '=' + step.assignments.front().value + " is out of range: ";
+      EXPECT_NE(std::string(failure.what()).find(hint), std::string::npos) << failure.what();
+      return false;
+    }
+  };
+  int ranges = 0;
+  for (const tool::MethodText& text : tool::Documentation()) {
+    for (const tool::ArgumentText& argument : text.arguments) {
+      const tool::Range& range = argument.range;
+      if (std::isinf(range.least)) continue;
+      ++ranges;
+      const std::string where = text.name + " " + argument.name;
+      EXPECT_NE(argument.meaning.find(tool::RangeText(range)), std::string::npos) << where << ": " << argument.meaning;
+      EXPECT_EQ(takes(text, argument.name, range.least), !range.withoutLeast) << where;
+      EXPECT_TRUE(takes(text, argument.name, range.least + 1)) << where;
+      EXPECT_FALSE(takes(text, argument.name, range.least - 1)) << where;
+      if (std::isinf(range.most)) continue;
+      EXPECT_EQ(takes(text, argument.name, range.most), !range.withoutMost) << where;
+      EXPECT_TRUE(takes(text, argument.name, range.most - 1)) << where;
+      EXPECT_FALSE(takes(text, argument.name, range.most + 1)) << where;
+    }
+  }
+  EXPECT_EQ(ranges, 28);
 }
 
 TEST_F(DocumentationTest, ExamplesCallTheirMethod) {

@@ -146,6 +146,7 @@ TEST_F(UsageTest, MalformedValuesAreNamedAndTheDeclarationShown) {
   for (const char* value : {"width=1.5", "width=", "width=2147483648", "width=0x10", "width= 5", "width=five"}) {
     ExpectWrong({"Stretch", "SMALL", value, "-o", "OUT"}, {"`width`", "whole number", kStretch});
   }
+  ExpectWrong({"Stretch", "SMALL", "WIDTH=five", "-o", "OUT"}, {"`WIDTH`", "`five`"});
   ExpectWrong({"FlipRotate", "SMALL", "flip_h=maybe", "-o", "OUT"}, {"`flip_h`", "`maybe`", "true or false"});
   ExpectWrong({"ShearVertical", "SMALL", "shear=1,5", "-o", "OUT"}, {"`shear`", "`1,5`", "number"});
   ExpectWrong({"MakeGradient", "color1=blue", "-o", "OUT"}, {"`color1`", "`blue`", "#rrggbb"});
