@@ -6,60 +6,14 @@
 #include <sstream>
 
 #include "Documentation.h"
+#include "Options.h"
+#include "Usage.h"
 
 namespace tool {
 namespace {
 
 constexpr std::size_t kColumns = 100;
-
-constexpr const char* kUsage =
-    R"( calls the methods of the LMX picture plug-in on picture files.
-
-  lmx list                                             the methods, a line each
-  lmx help METHOD                                      what a method does, and its arguments
-  lmx METHOD picture [name=value...] -o out.png        one call
-  lmx METHOD picture [name=value...] + METHOD [name=value...] ... -o out.png
-                                                       several: each gets the picture that the one before left
-  lmx METHOD picture... [name=value...] -o folder/     the same on many pictures, on all processors
-  lmx chart -o chart.png                               draws a test chart
-  lmx info picture...                                  what the files are: size, transparency, orientation, bytes
-  lmx compare a.png b.png [-o difference.png]          whether two pictures are the same, and where they are not
-  lmx bench picture                                    times the methods on a picture, with and without yields
-
-A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png), and so is the result, by the end of its
-name; - is standard input and standard output, where the result is a PNG and values go to standard error.
-Several pictures go into a folder, under their names: -o folder/, which is made if it is missing; or each to a
-name of its own: -o '{name}-small.{ext}', where {name} is the picture's name and {ext} what it ends in. If some
-fail, the others are done all the same, and the failures are listed at the end.
-Photos are read upright, as EXIF data say that they were taken; the result has none. Pictures of up to
-67108864 pixels are read, from files of up to 256 MiB.
-Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case
-are the same. Most arguments may be left out: `lmx help METHOD` says what they are then.
-Colours are #rrggbb or #rgb; or as programs have them, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) to FF
-(clear), in quotes for the shell. #rrggbbxx is refused, because the web means alpha by it.
-
-Options, anywhere:
-  -o, --output FILE    where the picture goes; its old content stays if anything fails
-  -j, --jobs N         of several pictures, work on N at once; default: as many as there are processors. Memory is needed
-                       for each of them
-  --storage FORM       how the host keeps pictures: context (default) or buffer
-  --yield N            let methods yield to the host every N pixels; Ctrl-C stops them there. On a terminal lmx lets
-                       them yield by itself
-  --repeat N           call each method N times; the last call counts, and its time is that of a warm one
-  --format FORMAT      png or jpeg, where the name of the file does not say it
-  --compression N      of a PNG, 0 to 9: 0 is fastest, 9 gives small files slowly; default: 3
-  --quality N          of a JPEG, 1 to 100; default: 90. Where the picture is clear it lies on white
-  --tolerance N        of compare, 0 to 255: pixels count as the same up to this difference of a channel; default: 0
-  --opaque             write the colours without their transparency
-  -v, --verbose        show each call as a program would write it, its error code, size and time
-  --json               the same and the measured values for scripts, one object per call and line
-  --plugin PATH        the library; default: libLMX.so beside lmx
-  -h, --help           this text
-  --version            the version of lmx
-
-Exit status: 0 success, 1 failure (with the plug-in's message), 2 wrong usage, 130 stopped by Ctrl-C.
-Of compare: 0 the same, 1 different, 2 anything else, 130. Pixels that are clear in both pictures are the same.
-)";
+constexpr std::size_t kCommandColumns = 45;  // of the commands' words; only the longest call has more
 
 // Writes a text word by word; lines after the first begin under its start, at column `indent`.
 void WriteWrapped(std::ostream& out, const std::string& text, std::size_t indent) {
@@ -81,6 +35,23 @@ void WriteWrapped(std::ostream& out, const std::string& text, std::size_t indent
   out << '\n';
 }
 
+// A name and what it means, beside it or, behind a name that is longer than the others, below it.
+void WriteRow(std::ostream& out, const std::string& name, const std::string& meaning, std::size_t columns) {
+  out << "  " << name;
+  if (name.size() > columns) out << '\n' << std::string(2 + columns, ' ');
+  if (name.size() < columns) out << std::string(columns - name.size(), ' ');
+  out << "  ";
+  WriteWrapped(out, meaning, columns + 4);
+}
+
+std::string OptionWords(const Option& option) {
+  std::string words = option.letter;
+  if (!words.empty()) words += ", ";
+  words += option.name;
+  if (option.value != nullptr) words += std::string(" ") + option.value;
+  return words;
+}
+
 std::string MeaningOf(const host::Parameter& parameter, const MethodText* method) {
   const ArgumentText* text = method == nullptr ? nullptr : method->Find(parameter.name);
   std::string meaning = text == nullptr ? "" : text->meaning;
@@ -93,7 +64,23 @@ std::string MeaningOf(const host::Parameter& parameter, const MethodText* method
 }  // namespace
 
 void WriteUsage(std::ostream& out) {
-  out << "lmx " LMX_VERSION << kUsage;
+  out << "lmx " LMX_VERSION " calls the methods of the LMX picture plug-in on picture files.\n\n";
+  for (const Command& command : Commands())
+    WriteRow(out, std::string("lmx ") + command.words, command.meaning, kCommandColumns);
+  for (const std::string& paragraph : Paragraphs()) {
+    out << '\n';
+    WriteWrapped(out, paragraph, 0);
+  }
+  out << "\nOptions, anywhere:\n";
+  std::size_t longest = 0;
+  for (const Option& option : Options()) longest = std::max(longest, OptionWords(option).size());
+  for (const Option& option : Options()) WriteRow(out, OptionWords(option), option.meaning, longest);
+  std::string ends;
+  for (const ExitStatus& status : ExitStatuses()) {
+    ends += (ends.empty() ? " " : ", ") + std::to_string(status.status) + ' ' + status.meaning;
+  }
+  out << '\n';
+  WriteWrapped(out, "Exit status:" + ends + ".", 0);
 }
 
 void WriteVersion(std::ostream& out) {

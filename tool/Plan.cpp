@@ -6,6 +6,7 @@
 #include "Errors.h"
 #include "Job.h"
 #include "Suggestion.h"
+#include "Usage.h"
 #include "Values.h"
 
 namespace tool {
@@ -139,7 +140,10 @@ std::string NoMethod(const host::Host& plugin, const std::string& name) {
   const auto shortName = [&](const std::string& full) {
     return host::SameName(full.substr(0, 4), kPrefix) ? full.substr(4) : full;
   };
-  std::vector<std::string> names = {"list", "help", "chart", "info", "compare", "bench"};
+  std::vector<std::string> names;
+  for (const Command& command : Commands()) {
+    if (*command.name != '\0') names.emplace_back(command.name);
+  }
   for (const host::Method& method : plugin.Methods()) names.push_back(shortName(method.name));
   return "there is no method `" + name + "`; `lmx list` shows them" + Suggestion(shortName(name), names);
 }

@@ -9,6 +9,7 @@
 #include "tool/CommandLine.h"
 #include "tool/Errors.h"
 #include "tool/PictureFile.h"
+#include "tool/Usage.h"
 
 namespace tool_test {
 namespace {
@@ -64,6 +65,16 @@ TEST_F(UsageTest, HelpNamesEveryOptionAndCommand) {
           "#rrggbb",  "&cRRGGBBTT", "&hTTRRGGBB", "130"}) {
       EXPECT_TRUE(Contains(ended.out, part)) << part;
     }
+    for (const std::string& line : Lines(ended.out)) EXPECT_LE(line.size(), 100u) << line;
+  }
+}
+
+TEST_F(UsageTest, EveryCommandOfTheHelpIsOne) {
+  for (const tool::Command& command : tool::Commands()) {
+    if (*command.name == '\0') continue;
+    const Ended ended = Lmx({command.name, "too", "many", "words"});
+    EXPECT_NE(ended.status, 0) << command.name;
+    EXPECT_FALSE(Contains(ended.error, "no method")) << ended.error;
   }
 }
 
