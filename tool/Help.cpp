@@ -52,6 +52,16 @@ std::string OptionWords(const Option& option) {
   return words;
 }
 
+}  // namespace
+
+const char* Version() {
+  return LMX_VERSION;
+}
+
+const char* Purpose() {
+  return "calls the methods of the LMX picture plug-in on picture files";
+}
+
 std::string MeaningOf(const host::Parameter& parameter, const MethodText* method) {
   const ArgumentText* text = method == nullptr ? nullptr : method->Find(parameter.name);
   std::string meaning = text == nullptr ? "" : text->meaning;
@@ -61,10 +71,8 @@ std::string MeaningOf(const host::Parameter& parameter, const MethodText* method
   return meaning + (needed ? " (needed)" : std::string(" (default: ") + text->fallback.text + ")");
 }
 
-}  // namespace
-
 void WriteUsage(std::ostream& out) {
-  out << "lmx " LMX_VERSION " calls the methods of the LMX picture plug-in on picture files.\n\n";
+  out << "lmx " << Version() << ' ' << Purpose() << ".\n\n";
   for (const Command& command : Commands())
     WriteRow(out, std::string("lmx ") + command.words, command.meaning, kCommandColumns);
   for (const std::string& paragraph : Paragraphs()) {

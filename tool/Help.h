@@ -2,10 +2,19 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
 
+#include "Documentation.h"
 #include "host/Host.h"
 
 namespace tool {
+
+/// Of lmx and of the plug-in: they are one.
+const char* Version();
+/// What lmx does, to stand behind its name.
+const char* Purpose();
+/// What an argument means, whether it may be left out, and what it is then.
+std::string MeaningOf(const host::Parameter& parameter, const MethodText* method);
 
 void WriteUsage(std::ostream& out);
 void WriteVersion(std::ostream& out);

@@ -135,17 +135,17 @@ bool ChangesPicture(const host::Method& method) {
   return TakesPicture(method) && method.result == host::Type::None && !HasResults(method);
 }
 
+std::string ShortName(const std::string& method) {
+  return host::SameName(method.substr(0, 4), "LMX_") ? method.substr(4) : method;
+}
+
 std::string NoMethod(const host::Host& plugin, const std::string& name) {
-  constexpr const char* kPrefix = "LMX_";
-  const auto shortName = [&](const std::string& full) {
-    return host::SameName(full.substr(0, 4), kPrefix) ? full.substr(4) : full;
-  };
   std::vector<std::string> names;
   for (const Command& command : Commands()) {
     if (*command.name != '\0') names.emplace_back(command.name);
   }
-  for (const host::Method& method : plugin.Methods()) names.push_back(shortName(method.name));
-  return "there is no method `" + name + "`; `lmx list` shows them" + Suggestion(shortName(name), names);
+  for (const host::Method& method : plugin.Methods()) names.push_back(ShortName(method.name));
+  return "there is no method `" + name + "`; `lmx list` shows them" + Suggestion(ShortName(name), names);
 }
 
 Plan MakePlan(const host::Host& plugin, const CommandLine& line) {

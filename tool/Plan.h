@@ -29,6 +29,9 @@ bool IsPicture(const host::Parameter& parameter);
 /// Whether the method is called for what it does to its picture: it neither returns nor stores anything.
 bool ChangesPicture(const host::Method& method);
 
+/// Without LMX_, as users may write it.
+std::string ShortName(const std::string& method);
+
 /// A sentence about a method that does not exist.
 std::string NoMethod(const host::Host& plugin, const std::string& name);
 

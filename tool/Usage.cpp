@@ -18,6 +18,8 @@ const std::vector<Command>& Commands() {
       {"compare", "compare a.png b.png [-o difference.png]",
        "whether two pictures are the same, and where they are not"},
       {"bench", "bench picture", "times the methods on a picture, with and without yields"},
+      {"man", "man", "prints the manual page: lmx man | man -l -"},
+      {"completion", "completion SHELL", "prints what completes the words of lmx in a shell: bash, zsh or fish"},
   };
   return table;
 }

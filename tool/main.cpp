@@ -8,11 +8,13 @@
 #include "Chart.h"
 #include "CommandLine.h"
 #include "Compare.h"
+#include "Completion.h"
 #include "Errors.h"
 #include "Help.h"
 #include "Info.h"
 #include "Interrupt.h"
 #include "Job.h"
+#include "Manual.h"
 #include "PictureFile.h"
 #include "Pictures.h"
 #include "Plan.h"
@@ -61,6 +63,22 @@ void ShowList(const CommandLine& line) {
   WriteMethodList(std::cout, plugin);
 }
 
+void ShowManual(const CommandLine& line) {
+  ExpectOperands(line, 0);
+  host::Host plugin;
+  Load(plugin, line);
+  WriteManual(std::cout, plugin);
+}
+
+void ShowCompletion(const CommandLine& line) {
+  ExpectOperands(line, 1);
+  const std::vector<std::string>& operands = line.steps.front().operands;
+  if (operands.empty()) throw UsageError("for which shell? lmx completion bash");
+  host::Host plugin;
+  Load(plugin, line);
+  WriteCompletion(std::cout, operands.front(), plugin);
+}
+
 void TimeMethods(const CommandLine& line) {
   ExpectOperands(line, 1);
   const std::vector<std::string>& operands = line.steps.front().operands;
@@ -88,6 +106,8 @@ void Show(const CommandLine& line) {
   if (word == "chart") return DrawChart(line);
   if (word == "info") return ShowInfo(line);
   if (word == "bench") return TimeMethods(line);
+  if (word == "man") return ShowManual(line);
+  if (word == "completion") return ShowCompletion(line);
   CallMethods(line);
 }
 
