@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <map>
 #include <utility>
 
@@ -190,6 +191,7 @@ Ran FaultsTest::Run(const MethodCase& method, const Picture& source, const Injec
   } catch (const host::Thrown& thrown) {
     ran.thrower = thrown.service();
   }
+  EXPECT_EQ(std::uncaught_exceptions(), 0) << "an exception that the plug-in caught is still on its way for the host";
   ran.log = host_->Log();
   host_->ClearFaults();
   ran.leaks = host_->Leaks();
