@@ -134,7 +134,7 @@ std::vector<Option> OptionTable() {
        "--plugin",
        "FILE",
        {},
-       "the library; default: libLMX.so beside lmx",
+       "the library; default: libLMX.so beside lmx, or as both are installed",
        [](CommandLine& line, const Text&, const Text& value) { line.plugin = value; }},
       {"-h",
        "--help",

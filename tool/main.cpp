@@ -24,7 +24,9 @@ namespace {
 
 std::string PluginFile(const CommandLine& line) {
   if (line.plugin) return *line.plugin;
-  return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libLMX.so").string();
+  const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::filesystem::path beside = folder / "libLMX.so", installed = folder / LMX_PLUGIN_FOLDER / "libLMX.so";
+  return (std::filesystem::exists(beside) ? beside : installed).string();
 }
 
 void Load(host::Host& plugin, const CommandLine& line) {
