@@ -51,7 +51,8 @@ Step StepOf(const host::Method& method) {
   return step;
 }
 
-// The words in capitals behind a command say what follows it; any others but options stand for pictures.
+// The words in capitals behind a command say what follows it; any others but options stand for
+// pictures.
 Step StepOf(const Command& command, const host::Host& plugin) {
   Step step{command.name, command.meaning, {}, false};
   const std::string words = command.words;
@@ -109,7 +110,8 @@ std::string Joined(const Texts& texts) {
   return joined;
 }
 
-// Between single quotes; `escaped` are characters that need a backslash there, and `quote` stands for a quote.
+// Between single quotes; `escaped` are characters that need a backslash there, and `quote` stands
+// for a quote.
 std::string Quoted(const std::string& text, const char* quote, const std::string& escaped) {
   std::string quoted = "'";
   for (const char c : text) {
@@ -176,9 +178,12 @@ _lmx() {
     }
   }
   out << "    *.?*) return ;;\n    .) words=(";
-  std::vector<std::string> names;
-  for (const Step& step : steps) names.push_back(step.name);
-  out << Joined(names) << ") ;;\n";
+  const char* blank = "";
+  for (const Step& step : steps) {
+    out << blank << step.name;
+    blank = " ";
+  }
+  out << ") ;;\n";
   for (const Step& step : steps) {
     std::vector<std::string> words;
     for (const Word& word : step.words) words.push_back(word.text);
@@ -202,6 +207,31 @@ std::string ZshItem(const std::string& text, const std::string& meaning) {
   std::string item;
   for (const char c : text) item += (c == ':' ? "\\:" : std::string(1, c));
   return Quoted(item + ":" + meaning, "'\\''", "");
+}
+
+void WriteZshValues(std::ostream& out, const std::vector<Step>& steps) {
+  for (const Option& option : Options()) {
+    if (!option.words.empty()) {
+      out << "    (*." << option.name << ") compadd -- " << Joined(option.words) << "; return ;;\n";
+    }
+  }
+  for (const Step& step : steps) {
+    for (const Word& word : step.words) {
+      if (word.values.empty()) continue;
+      const std::string name = word.text.substr(0, word.text.size() - 1);
+      out << "    (" << LowerCase(step.name + "." + name) << ") compadd -- " << Joined(word.values) << "; return ;;\n";
+    }
+  }
+}
+
+void WriteZshWords(std::ostream& out, const std::vector<Step>& steps) {
+  for (const Step& step : steps) {
+    out << "    (" << LowerCase(step.name) << ")\n";
+    if (step.files) out << "      [[ -n $PREFIX || -n $picture ]] || { _files; return }\n";
+    out << "      found=(\n";
+    for (const Word& word : step.words) out << "        " << ZshItem(word.text, word.meaning) << '\n';
+    out << "      )\n      ;;\n";
+  }
 }
 
 void WriteZsh(std::ostream& out, const std::vector<Step>& steps) {
@@ -237,18 +267,7 @@ _lmx() {
     (*.()"
       << Names("|", TakesOther) << R"()) _message value; return ;;
 )";
-  for (const Option& option : Options()) {
-    if (!option.words.empty()) {
-      out << "    (*." << option.name << ") compadd -- " << Joined(option.words) << "; return ;;\n";
-    }
-  }
-  for (const Step& step : steps) {
-    for (const Word& word : step.words) {
-      if (word.values.empty()) continue;
-      const std::string name = word.text.substr(0, word.text.size() - 1);
-      out << "    (" << LowerCase(step.name + "." + name) << ") compadd -- " << Joined(word.values) << "; return ;;\n";
-    }
-  }
+  WriteZshValues(out, steps);
   out << R"(    (*.?*) _message value; return ;;
   esac
   if [[ $PREFIX == -?* || $PREFIX == - ]]; then
@@ -273,13 +292,7 @@ _lmx() {
       return
       ;;
 )";
-  for (const Step& step : steps) {
-    out << "    (" << LowerCase(step.name) << ")\n";
-    if (step.files) out << "      [[ -n $PREFIX || -n $picture ]] || { _files; return }\n";
-    out << "      found=(\n";
-    for (const Word& word : step.words) out << "        " << ZshItem(word.text, word.meaning) << '\n';
-    out << "      )\n      ;;\n";
-  }
+  WriteZshWords(out, steps);
   out << R"(  esac
   local -a arguments=(${(M)found:#*=:*}) others=(${found:#*=:*})
   _describe argument arguments -S '' -- others || _files

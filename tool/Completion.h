@@ -1,4 +1,5 @@
-// What a shell needs to complete the words of a call of lmx, written from the tables that its help shows.
+// What a shell needs to complete the words of a call of lmx, written from the tables that its help
+// shows.
 #pragma once
 
 #include <iosfwd>

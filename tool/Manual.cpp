@@ -11,7 +11,8 @@
 namespace tool {
 namespace {
 
-// The text as roff prints it: no character of it is an instruction. What stands in `backticks` is bold.
+// The text as roff prints it: no character of it is an instruction. What stands in `backticks` is
+// bold.
 std::string Roff(const std::string& text) {
   std::string roff;
   bool typed = false;

@@ -42,7 +42,8 @@ constexpr int kMostTolerance = 255;
 
 using Text = std::string;
 
-std::vector<Option> OptionTable() {
+// How methods are called and pictures are written.
+std::vector<Option> CallOptions() {
   const Encoding standard;
   return {
       {"-o",
@@ -104,6 +105,11 @@ std::vector<Option> OptionTable() {
        [](CommandLine& line, const Text& name, const Text& value) {
          line.quality = ParseNumber(name, value, Encoding::kLeastQuality, Encoding::kMostQuality);
        }},
+  };
+}
+
+std::vector<Option> OtherOptions() {
+  return {
       {"",
        "--tolerance",
        "N",
@@ -154,7 +160,12 @@ std::vector<Option> OptionTable() {
 }  // namespace
 
 const std::vector<Option>& Options() {
-  static const std::vector<Option> table = OptionTable();
+  static const std::vector<Option> table = [] {
+    std::vector<Option> all = CallOptions();
+    const std::vector<Option> others = OtherOptions();
+    all.insert(all.end(), others.begin(), others.end());
+    return all;
+  }();
   return table;
 }
 

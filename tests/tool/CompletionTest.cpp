@@ -50,7 +50,8 @@ class Completion : public FileTest {
     return Printed("cd '" + Path("") + "' && HOME=. XDG_CONFIG_HOME=. " + shell + " ./lines");
   }
 
-  // What bash offers for the last of these words, which are split as it splits them. Nothing: names of files.
+  // What bash offers for the last of these words, which are split as it splits them. Nothing:
+  // names of files.
   Texts Bash(const Texts& words) {
     std::string line;
     for (const std::string& word : words) line += " '" + word + "'";

@@ -1,4 +1,5 @@
-// The manual page tells of everything that the tables have, in words that roff does not take for instructions.
+// The manual page tells of everything that the tables have, in words that roff does not take for
+// instructions.
 #include "tool/Manual.h"
 
 #include <gtest/gtest.h>
