@@ -186,9 +186,10 @@ class Strips {
   /// Makes `lines` rows from row toY on of those of a source from row y on.
   void Make(std::int32_t toY, const LMX_Picture& source, std::int32_t y, std::int32_t lines) const {
     const PixelForm form = FormOf(temporary_);
-    if (strips_ == 1 && source.width == static_cast<std::int64_t>(columns_) * 2) {
+    const std::int32_t width = temporary_.width;
+    if (columns_ >= width && source.width == static_cast<std::int64_t>(width) * 2) {
       for (std::int32_t i = 0; i < lines; ++i) {
-        HalveRun(temporary_.RowAddress(toY + i), {source, 0, y + i}, columns_, form);
+        HalveRun(temporary_.RowAddress(toY + i), {source, 0, y + i}, width, form);
       }
       return;
     }
@@ -200,7 +201,7 @@ class Strips {
         ColumnsToRows(rows, columns, form, n, lines);
       }
     };
-    StretchRows(source, y, lines, Boxes(source.width, temporary_.width), temporary_, put);
+    StretchRows(source, y, lines, Boxes(source.width, width), temporary_, put);
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <regex>
 
@@ -14,7 +15,10 @@ namespace {
 class Pages : public FileTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(Pages, CommandsWork) {
-  WriteFile(Path("photo.jpg"), Jpeg(OpaqueImage(400, 300)));
+  const Bytes photo = Jpeg(OpaqueImage(400, 300));
+  std::filesystem::create_directory(Path("photos"));
+  for (const char* name : {"photo.jpg", "photos/one.jpg", "photos/two.jpg"}) WriteFile(Path(name), photo);
+  for (const char* name : {"a.png", "b.png"}) WriteFile(Path(name), Png(OpaqueImage(40, 30)));
   const std::string start = "cd '" + Path("") + "' && PATH=$(dirname '" LMX_PROGRAM "'):$PATH && ";
   const std::regex inCell("`(lmx [^`]* -o [^`]*)`");
   const std::regex command(R"((\$ )?(build/\w+/)?(lmx .*|for .*lmx .*))");
