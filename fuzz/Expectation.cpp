@@ -5,9 +5,9 @@
 namespace fuzz {
 namespace {
 
-using definition::Fault;
-using definition::Outcome;
 using host::Service;
+using model::Fault;
+using model::Outcome;
 using support::Setting;
 
 constexpr std::size_t kSource = 0;

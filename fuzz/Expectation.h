@@ -10,7 +10,7 @@
 namespace fuzz {
 
 struct Expectation {
-  definition::Outcome outcome;           ///< of the call if it returns
+  model::Outcome outcome;                ///< of the call if it returns
   std::optional<host::Service> thrower;  ///< whose exception leaves the method
   std::size_t yieldsDone = 0;            ///< by a method that is left; the last one threw if the yield did
   std::size_t leaks = 0;                 ///< objects that nobody can give up any more

@@ -10,11 +10,11 @@
 namespace fuzz {
 namespace {
 
-using definition::Fault;
-using definition::StoredPicture;
 using host::Picture;
 using host::Service;
 using host::Value;
+using model::Fault;
+using model::StoredPicture;
 
 constexpr double kOldestVersion = 2011.04;
 constexpr int kCodes[] = {0, 2, 4, 5, 6, 31, 33, 34, 35, 38, 39, 40, 41, 42, 43, 44, 45};
@@ -168,7 +168,7 @@ class FaultyCall {
     Require(thrower_ == expected.thrower, "an exception of a service was lost, or came from nowhere");
     Require(leaks_ == expected.leaks, "more or fewer objects without an owner than must be");
     if (thrower_) return CheckLeftCall(expected);
-    const definition::Outcome& outcome = expected.outcome;
+    const model::Outcome& outcome = expected.outcome;
     if (code_ != outcome.code) Report("the code is " + std::to_string(code_) + ", not " + std::to_string(outcome.code));
     Require(yields_ == outcome.yields.size(), "more or fewer yields than must be");
     Require(result_.IsNil() == (outcome.result == 0), "nil, or not nil");
@@ -182,7 +182,7 @@ class FaultyCall {
     CheckMeans(outcome);
   }
 
-  void CheckMeans(const definition::Outcome& outcome) {
+  void CheckMeans(const model::Outcome& outcome) {
     for (std::size_t i = 0; i < 3 && (outcome.meanHsv || outcome.meanRgb); ++i) {
       const std::size_t mean = 4 + i;  // after the rectangle
       if (after_[mean].IsNil()) continue;
@@ -196,7 +196,7 @@ class FaultyCall {
     Require(code_ == 0, "the code of a method that an exception left is not that of its arguments");
     if (*thrower_ == Service::YieldToRB) Require(yields_ == expected.yieldsDone, "a yield after one that threw");
     if (!method_.InPlace() || *thrower_ != Service::YieldToRB) return;
-    const definition::Outcome whole = method_.define(&*setting_.source, arguments_, nullptr);
+    const model::Outcome whole = method_.define(&*setting_.source, arguments_, nullptr);
     StoredPicture partly = *setting_.source;
     const auto rows = static_cast<std::size_t>(whole.yields[expected.yieldsDone - 1].linesDone);
     const auto done = static_cast<std::ptrdiff_t>(rows * static_cast<std::size_t>(partly.width));
@@ -244,7 +244,7 @@ void CheckMessage(host::Host& host, const MethodInput& input) {
   host.ClearFaults();
   Require(thrown == ThrowsAtOnce(input.fault, Service::BuildString), "an exception was lost, or came from nowhere");
   Require(text.IsNil() == (thrown || Lacks(input.fault, Service::BuildString)), "a text, or none");
-  Require(text.IsNil() || text.AsText() == definition::ErrorMessage(code), "another text");
+  Require(text.IsNil() || text.AsText() == model::ErrorMessage(code), "another text");
   Require(host.Call("GetLastError", {}).result == codeBefore, "the code has changed");
   Require(host.Leaks().empty() && host.Complaints().empty(), "a text was lost");
 }

@@ -13,10 +13,10 @@
 namespace fuzz {
 namespace {
 
-using definition::Fault;
-using definition::Form;
-using definition::StoredPicture;
 using host::Value;
+using model::Fault;
+using model::Form;
+using model::StoredPicture;
 
 constexpr int kLongest = 3000;
 constexpr int kUsual = 41;  // sizes are below it

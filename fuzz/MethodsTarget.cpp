@@ -16,7 +16,7 @@ class CleanCall : public support::PluginTest {
     const std::vector<host::Value> arguments = Arguments(input);
     const support::Setting setting = SettingOf(input);
     CheckCall({method.name, method.hasSource, arguments,
-               [&](const definition::StoredPicture* source, const definition::MakePicture& make) {
+               [&](const model::StoredPicture* source, const model::MakePicture& make) {
                  return method.define(source, arguments, make);
                }},
               setting);

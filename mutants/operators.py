@@ -296,8 +296,8 @@ def _halves(source):
 def _yields(source):
     """A call goes without yields, or does not wait for the next one."""
     for i, token in _tokens(source, "name"):
-        before, behind = source.tokens[i - 1].text, source.tokens[i + 1].text
-        if token.text == "yield" and before in ("(", ",") and behind in (")", ","):
+        before, after = source.tokens[i - 1].text, source.tokens[i + 1].text
+        if token.text == "yield" and before in ("(", ",") and after in (")", ","):
             yield token.start, token.end, "no-yield", "0"
         if token.text == "BeginLines" and before == ".":
             last = source.partner[i + 1]

@@ -9,7 +9,7 @@ namespace {
 // Pixels that pass through a buffer on the stack at a time.
 constexpr std::int32_t kChunk = 512;
 
-// The part of a run that the picture holds: `count` pixels at `address`, behind `before` pixels that lie to its left.
+// The part of a run that the picture holds: `count` pixels at `address`, after `before` pixels that lie to its left.
 struct Clipped {
   std::uint8_t* address;
   std::int32_t before;
@@ -38,30 +38,30 @@ const std::uint8_t* Bytes(const std::uint32_t* pixels) {
   return reinterpret_cast<const std::uint8_t*>(pixels);
 }
 
-// A run as the picture stores it: where it lies if the picture holds all of it, else a copy in `spare`, with clear pixels
+// A run as the picture stores it: where it lies if the picture holds all of it, else a copy in `scratch`, with clear pixels
 // for what is missing.
 const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                              std::uint32_t* spare) {
+                              std::uint32_t* scratch) {
   const Clipped part = Clip(picture, x, y, n);
   if (part.count == n) return part.address;
-  std::fill_n(spare, n, picture.buffer ? 0x7F000000 : 0);
-  if (part.count > 0) std::memcpy(spare + part.before, part.address, Size(part.count) * 4);
-  return Bytes(spare);
+  std::fill_n(scratch, n, picture.buffer ? 0x7F000000 : 0);
+  if (part.count > 0) std::memcpy(scratch + part.before, part.address, Size(part.count) * 4);
+  return Bytes(scratch);
 }
 
-// Where to put a run: where it belongs if the picture holds all of it, else `spare`.
+// Where to put a run: where it belongs if the picture holds all of it, else `scratch`.
 std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                         std::uint32_t* spare) {
+                         std::uint32_t* scratch) {
   const Clipped part = Clip(picture, x, y, n);
-  return part.count == n ? part.address : Bytes(spare);
+  return part.count == n ? part.address : Bytes(scratch);
 }
 
-// Moves what of a run belongs into the picture there, if the run is in `spare`.
+// Moves what of a run belongs into the picture there, if the run is in `scratch`.
 void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
-            const std::uint32_t* spare) {
-  if (room != Bytes(spare)) return;
+            const std::uint32_t* scratch) {
+  if (room != Bytes(scratch)) return;
   const Clipped part = Clip(picture, x, y, n);
-  if (part.count > 0) std::memcpy(part.address, spare + part.before, Size(part.count) * 4);
+  if (part.count > 0) std::memcpy(part.address, scratch + part.before, Size(part.count) * 4);
 }
 
 // The kernels that write to a picture: with non-temporal stores, if the picture is too large to stay in the cache. A
@@ -155,48 +155,48 @@ void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::u
   }
 }
 
-void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
-                const std::uint8_t** runs) {
+void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count,
+                std::uint32_t* scratch, const std::uint8_t** runs) {
   if (RunsInside(from, step, n, count, runs)) return;
-  for (std::int32_t i = 0; i < count; ++i, spare += n) {
-    runs[i] = StoredRun(from.picture, from.x, from.y + i * step, n, spare);
+  for (std::int32_t i = 0; i < count; ++i, scratch += n) {
+    runs[i] = StoredRun(from.picture, from.x, from.y + i * step, n, scratch);
   }
 }
 
-void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                 const std::uint8_t** runs) {
   if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return walk.Skip(count);
-  for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
-    runs[i] = StoredRun(walk.Picture(), x, walk.Row(), n, spare);
+  for (std::int32_t i = 0; i < count; ++i, scratch += n, walk.Next()) {
+    runs[i] = StoredRun(walk.Picture(), x, walk.Row(), n, scratch);
   }
 }
 
-void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs) {
   if (RunsInside(to, step, n, count, runs)) return;
-  for (std::int32_t i = 0; i < count; ++i, spare += n) {
-    runs[i] = RoomForRun(to.picture, to.x, to.y + i * step, n, spare);
+  for (std::int32_t i = 0; i < count; ++i, scratch += n) {
+    runs[i] = RoomForRun(to.picture, to.x, to.y + i * step, n, scratch);
   }
 }
 
-void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
-             std::uint8_t* const* runs) {
-  for (std::int32_t i = 0; i < count; ++i, spare += n) PutRun(to.picture, to.x, to.y + i * step, n, runs[i], spare);
+void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
+             const std::uint32_t* scratch, std::uint8_t* const* runs) {
+  for (std::int32_t i = 0; i < count; ++i, scratch += n) PutRun(to.picture, to.x, to.y + i * step, n, runs[i], scratch);
 }
 
-bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs) {
   if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return true;
-  for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
-    runs[i] = RoomForRun(walk.Picture(), x, walk.Row(), n, spare);
+  for (std::int32_t i = 0; i < count; ++i, scratch += n, walk.Next()) {
+    runs[i] = RoomForRun(walk.Picture(), x, walk.Row(), n, scratch);
   }
   return false;
 }
 
-void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
+void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* scratch,
              std::uint8_t* const* runs) {
-  for (std::int32_t i = 0; i < count; ++i, spare += n, walk.Next()) {
-    PutRun(walk.Picture(), x, walk.Row(), n, runs[i], spare);
+  for (std::int32_t i = 0; i < count; ++i, scratch += n, walk.Next()) {
+    PutRun(walk.Picture(), x, walk.Row(), n, runs[i], scratch);
   }
 }
 
@@ -223,9 +223,9 @@ void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::in
 
 void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
                    std::int32_t pixels) {
-  constexpr std::int32_t kSpare = kTile * kTile;
+  constexpr std::int32_t kScratch = kTile * kTile;
   const auto transpose = gRunKernels.between[FormOf(walk.Picture())][FormOf(to.picture)].transpose;
-  std::uint32_t spareFrom[kSpare], spareTo[kSpare];
+  std::uint32_t scratchFrom[kScratch], scratchTo[kScratch];
   const std::uint8_t* from[kTile + kRowsAhead];
   std::uint8_t* rows[kMostTurned];
   for (std::int32_t i = 0, part; i < pixels; i += part) {
@@ -238,11 +238,11 @@ void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk wal
       walk.Skip(part);
       continue;
     }
-    part = std::min(part, kSpare / n);
-    StoredRuns(walk, x, n, part, spareFrom, from);
-    RoomForRuns(at, rowStep, part, n, spareTo, rows);
+    part = std::min(part, kScratch / n);
+    StoredRuns(walk, x, n, part, scratchFrom, from);
+    RoomForRuns(at, rowStep, part, n, scratchTo, rows);
     transpose(rows, from, Size(part), 0, Size(n));
-    PutRuns(at, rowStep, part, n, spareTo, rows);
+    PutRuns(at, rowStep, part, n, scratchTo, rows);
   }
 }
 
@@ -312,19 +312,19 @@ void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, 
 }
 
 void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, std::uint8_t* const* columns) {
-  std::uint32_t spare[kTile * kTile];
+  std::uint32_t scratch[kTile * kTile];
   const std::uint8_t* rows[kTile];
-  StoredRuns(from, 1, n, lines, spare, rows);
+  StoredRuns(from, 1, n, lines, scratch, rows);
   gRunKernels.between[FormOf(from.picture)][kWorkingForm].transpose(columns, rows, Size(lines), 0, Size(n));
 }
 
 void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns) {
-  std::uint32_t spare[kTile * kTile];
+  std::uint32_t scratch[kTile * kTile];
   std::uint8_t* rows[kTile];
-  RoomForRuns(to, 1, n, lines, spare, rows);
+  RoomForRuns(to, 1, n, lines, scratch, rows);
   // Moves pixels as they are.
   gRunKernels.between[kWorkingForm][kWorkingForm].transpose(rows, columns, Size(n), 0, Size(lines));
-  PutRuns(to, 1, n, lines, spare, rows);
+  PutRuns(to, 1, n, lines, scratch, rows);
 }
 
 void ColumnsToRows(std::uint8_t* const* rows, const std::uint8_t* const* columns, PixelForm form, std::int32_t n,

@@ -56,27 +56,27 @@ inline void WriteOnePixel(const PixelPosition& at, std::uint32_t working) {
 void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t stored);
 
 /// Runs of pixels as a picture stores them, one above another, for kernels that take several at a time: `count` runs of n
-/// pixels, in rows from.y, from.y + step, ... Each lies in the picture, if that holds all of it, else in `spare`, which has
+/// pixels, in rows from.y, from.y + step, ... Each lies in the picture, if that holds all of it, else in `scratch`, which has
 /// room for all of them: there it is a copy, with clear pixels for what is missing.
-void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count,
+                std::uint32_t* scratch, const std::uint8_t** runs);
+
+/// The same from column x on, in the rows along a walk, which goes on after them.
+void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                 const std::uint8_t** runs);
 
-/// The same from column x on, in the rows along a walk, which goes on behind them.
-void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
-                const std::uint8_t** runs);
-
-/// Room for such runs: in the picture if that holds all of a run, else in `spare`. PutRuns has to follow, which moves from
+/// Room for such runs: in the picture if that holds all of a run, else in `scratch`. PutRuns has to follow, which moves from
 /// there what belongs into the picture.
-void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs);
-void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
-             std::uint8_t* const* runs);
+void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
+             const std::uint32_t* scratch, std::uint8_t* const* runs);
 
 /// The same along a walk. True if the picture holds all of them; otherwise PutRuns has to follow,
 /// which makes the steps of the walk.
-bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* spare,
+bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs);
-void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* spare,
+void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* scratch,
              std::uint8_t* const* runs);
 
 /// Reads n pixels from `from` on and writes them from `to` on, which may be the same place.

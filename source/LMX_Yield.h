@@ -9,7 +9,7 @@
 
 /// Of a function with tiles on its stack: they are not to become part of a frame that waits while the host has control,
 /// which may call again.
-#define LMX_OWN_FRAME __attribute__((noinline))
+#define LMX_NOINLINE __attribute__((noinline))
 
 /// Counts pixels towards the next call of REALYieldToRB. A worker says after every line, or band of lines, what it has
 /// done, and asks before or after the line whether a yield is due; the lines up to the next yield may be done together.

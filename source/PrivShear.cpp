@@ -104,7 +104,7 @@ Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLeng
   return placement;
 }
 
-// The pixel behind the image's last one, which shares it with the frame. It shifts where the others divide.
+// The pixel after the image's last one, which shares it with the frame. It shifts where the others divide.
 std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame& frame) {
   const std::uint32_t beside = frame.Beside(last);
   const auto mix = [fraction](std::uint32_t image, std::uint32_t other) {
@@ -263,9 +263,9 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
 
 // Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`. Rows that are near the
 // image in one column are read in all of them. What nobody wrote there comes out as far from the image again.
-LMX_OWN_FRAME void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
-                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
-                                const Frame& frame, bool hasEveryRow) {
+LMX_NOINLINE void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
+                               std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
+                               const Frame& frame, bool hasEveryRow) {
   const std::int32_t from = at.firstLine + (x - at.begin);
   const LineSpan read = image.Along(ImageRegion::kAlongColumns, from, from + n - 1, ImageRegion::kRead, source.height);
   Strip strip = {{source, from, 0}, {result, x, 0}, frame, {}};

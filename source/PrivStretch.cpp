@@ -115,8 +115,8 @@ class BandColumns {
 // Rows y to y + lines - 1 of a source, at most kTile, as rows of another picture's width and form:
 // put(x, n, columns) gets columns x to x + n - 1 of them, n <= kTile, as runs.
 template <class Put>
-LMX_OWN_FRAME void StretchRows(const LMX_Picture& source, std::int32_t y, std::int32_t lines, const Boxes& boxes,
-                               const LMX_Picture& to, const Put& put) {
+LMX_NOINLINE void StretchRows(const LMX_Picture& source, std::int32_t y, std::int32_t lines, const Boxes& boxes,
+                              const LMX_Picture& to, const Put& put) {
   BandColumns from(source, y, lines);
   std::uint32_t tile[kTile][kTile];
   std::uint8_t* columns[kTile];
@@ -175,8 +175,11 @@ class Strips {
   /// Finds rows y to y + count - 1, from column x on.
   void Find(std::int32_t x, std::int32_t y, std::int32_t count, std::uint8_t** runs) const {
     if (strips_ == 1 || !IsInStrip(x)) return RoomForRuns({temporary_, x, y}, 1, 1, count, nullptr, runs);
-    const std::int64_t first = static_cast<std::int64_t>(x / columns_) * rows_ + y;
-    auto row = static_cast<std::int32_t>(first / strips_), at = static_cast<std::int32_t>(first % strips_);
+    // Counted in the strips' rows, of which memory has no more than it can address.
+    const auto inRow = static_cast<std::size_t>(strips_);
+    const std::size_t first =
+        static_cast<std::size_t>(x / columns_) * static_cast<std::size_t>(rows_) + static_cast<std::size_t>(y);
+    auto row = static_cast<std::int32_t>(first / inRow), at = static_cast<std::int32_t>(first % inRow);
     for (std::int32_t i = 0; i < count; ++row, at = 0) {  // strips_ rows lie in a row of the picture
       std::uint8_t* const pixels = temporary_.RowAddress(row) + 4 * static_cast<std::ptrdiff_t>(x % columns_);
       for (; i < count && at < strips_; ++i, ++at) runs[i] = pixels + 4 * static_cast<std::ptrdiff_t>(at) * columns_;
@@ -258,17 +261,17 @@ class ColumnsOfPicture {
 
 // Columns x to x + n - 1 of a result.
 template <class Columns>
-LMX_OWN_FRAME void StretchColumns(Columns from, const Boxes& boxes, const LMX_Picture& result, std::int32_t x,
-                                  std::int32_t n) {
+LMX_NOINLINE void StretchColumns(Columns from, const Boxes& boxes, const LMX_Picture& result, std::int32_t x,
+                                 std::int32_t n) {
   const PixelForm form = FormOf(result);
-  std::uint32_t spare[kMostRows * kMostTogether];
+  std::uint32_t scratch[kMostRows * kMostTogether];
   std::uint8_t* to[kMostRows];
   ColumnWalk walk(result, 0);
   for (std::int32_t y = 0, count; y < result.height; y += count) {
     const std::int32_t first = boxes.First(y);
     count = 1;
     if (boxes.AreSmall()) count = std::min({kMostRows, result.height - y, boxes.Of(first + kMostRows) - y});
-    const bool isInside = RoomForRuns(walk, x, n, count, spare, to);
+    const bool isInside = RoomForRuns(walk, x, n, count, scratch, to);
     if (boxes.AreSmall()) {
       AverageRuns(to, form, from.Rows(first, boxes.Needed(y + count) - first), boxes.From(y), count, n);
     } else {
@@ -278,7 +281,7 @@ LMX_OWN_FRAME void StretchColumns(Columns from, const Boxes& boxes, const LMX_Pi
     if (isInside) {
       walk.Skip(count);
     } else {
-      PutRuns(walk, x, n, count, spare, to);
+      PutRuns(walk, x, n, count, scratch, to);
     }
   }
 }
@@ -304,8 +307,8 @@ void ColumnPass(const Strips& from, const Boxes& boxes, const LMX_Picture& resul
 
 // Rows y to y + count - 1 of a result, from rows of the temporary picture, of which row r is kept in
 // row r % kept.Rows(). Without a result they take the place of rows that no later one needs.
-LMX_OWN_FRAME void AverageRows(const Strips& kept, const Boxes& boxes, const LMX_Picture* result, std::int32_t y,
-                               std::int32_t count) {
+LMX_NOINLINE void AverageRows(const Strips& kept, const Boxes& boxes, const LMX_Picture* result, std::int32_t y,
+                              std::int32_t count) {
   std::uint8_t *runs[kKeptRows], *to[kTile];
   const std::int32_t first = boxes.First(y), end = boxes.Needed(y + count);
   for (std::int32_t r = first, part; r < end; r += part) {

@@ -1,4 +1,4 @@
-// HSV adjustment and average, behind the entry points.
+// HSV adjustment and average, as the entry points call them.
 #pragma once
 
 #include "LMX_Picture.h"

@@ -1,4 +1,4 @@
-// Flips and quarter turns, behind the entry point.
+// Flips and quarter turns, as the entry point calls it.
 #pragma once
 
 #include "LMX_Picture.h"

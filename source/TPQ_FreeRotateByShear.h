@@ -1,4 +1,4 @@
-// Free rotation, behind the entry point.
+// Free rotation, as the entry point calls it.
 #pragma once
 
 #include "HostCalls.h"

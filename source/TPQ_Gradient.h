@@ -1,4 +1,4 @@
-// Gradients, behind the entry points.
+// Gradients, as the entry points call them.
 #pragma once
 
 #include "LMX_Picture.h"

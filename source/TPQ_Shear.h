@@ -1,4 +1,4 @@
-// Shears, behind the entry points.
+// Shears, as the entry points call them.
 #pragma once
 
 #include "HostCalls.h"

@@ -1,4 +1,4 @@
-// Stretch, behind the entry point.
+// Stretch, as the entry point calls it.
 #pragma once
 
 #include "LMX_Picture.h"

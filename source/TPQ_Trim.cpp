@@ -42,7 +42,7 @@ REALpictureStruct* LMX_Trim(REALpictureStruct* p, long left, long top, long widt
     return nullptr;
   }
 
-  // Columns of the result that have a source pixel behind them. All sums stay in 64 bits.
+  // Columns of the result that have a source pixel. All sums stay in 64 bits.
   const auto inResult = [&result](std::int64_t x) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(x, 0, result.width));
   };

@@ -30,7 +30,7 @@ class Parser {
         AddOption(word);
       }
     }
-    if (stepEnded_) throw UsageError("a method is missing behind the last `+`");
+    if (stepEnded_) throw UsageError("a method is missing after the last `+`");
     return std::move(line_);
   }
 
@@ -67,7 +67,7 @@ class Parser {
 
   std::string ValueOf(const std::string& option) {
     if (attached_) return *attached_;
-    if (next_ == words_.size()) throw UsageError(option + " needs a value behind it");
+    if (next_ == words_.size()) throw UsageError(option + " needs a value after it");
     return words_[next_++];
   }
 

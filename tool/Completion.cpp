@@ -51,7 +51,7 @@ Step StepOf(const host::Method& method) {
   return step;
 }
 
-// The words in capitals behind a command say what follows it; any others but options stand for
+// The words in capitals after a command say what follows it; any others but options stand for
 // pictures.
 Step StepOf(const Command& command, const host::Host& plugin) {
   Step step{command.name, command.meaning, {}, false};
@@ -314,7 +314,7 @@ std::string FishText(const std::string& text) {
 void WriteFish(std::ostream& out, const std::vector<Step>& steps) {
   out << R"(# Completion of lmx in fish, written by `lmx completion fish`.
 
-# The method or command that the cursor is behind, in lower case; none where one is to come.
+# The method or command that the cursor is after, in lower case; none where one is to come.
 function __lmx_step
     set -l step
     set -l skip
@@ -355,10 +355,10 @@ end
     out << "complete -c lmx -n \"__lmx_after ''\" -f -a " << step.name << " -d " << FishText(step.meaning) << '\n';
   }
   for (const Step& step : steps) {
-    const std::string behind = " -n '__lmx_after " + LowerCase(step.name) + "'";
-    if (!step.files) out << "complete -c lmx" << behind << " -f\n";
+    const std::string after = " -n '__lmx_after " + LowerCase(step.name) + "'";
+    if (!step.files) out << "complete -c lmx" << after << " -f\n";
     for (const Word& word : step.words) {
-      out << "complete -c lmx" << behind;
+      out << "complete -c lmx" << after;
       if (word.values.empty()) {
         out << " -a " << FishText(word.text);
       } else {

@@ -87,7 +87,7 @@ ArgumentText Yield() {
           {"0"}};
 }
 
-// The colour methods' rectangle, and behind it the arguments of the method itself.
+// The colour methods' rectangle, and after it the arguments of the method itself.
 std::vector<ArgumentText> WithSelection(ArgumentText picture, const std::vector<ArgumentText>& others) {
   std::vector<ArgumentText> arguments = {
       std::move(picture),

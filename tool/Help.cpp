@@ -35,7 +35,7 @@ void WriteWrapped(std::ostream& out, const std::string& text, std::size_t indent
   out << '\n';
 }
 
-// A name and what it means, beside it or, behind a name that is longer than the others, below it.
+// A name and what it means, beside it or, after a name that is longer than the others, below it.
 void WriteRow(std::ostream& out, const std::string& name, const std::string& meaning, std::size_t columns) {
   out << "  " << name;
   if (name.size() > columns) out << '\n' << std::string(2 + columns, ' ');

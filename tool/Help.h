@@ -11,7 +11,7 @@ namespace tool {
 
 /// Of lmx and of the plug-in: they are one.
 const char* Version();
-/// What lmx does, to stand behind its name.
+/// What lmx does, to stand after its name.
 const char* Purpose();
 /// What an argument means, whether it may be left out, and what it is then.
 std::string MeaningOf(const host::Parameter& parameter, const MethodText* method);

@@ -36,7 +36,7 @@ class JpegScanner {
     return marker >= 0xC0 && marker <= kComment && marker != kStartOfScan && !standalone;
   }
 
-  // Zeros behind the end, as the decoder has it.
+  // Zeros after the end, as the decoder has it.
   unsigned At(std::size_t index) const { return index < bytes_.size() ? bytes_[index] : 0; }
   unsigned Word(std::size_t index) const { return At(index) << 8 | At(index + 1); }
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned kOrientationTag = 0x0112, kShort = 3;
 
-// Some bytes of a file; there are zeros behind the end.
+// Some bytes of a file; there are zeros after the end.
 class Part {
  public:
   Part() = default;

@@ -111,11 +111,11 @@ class Inflater {
     return size - stream_.avail_out;
   }
 
-  // What else stands between chunks of pixels, or behind them, is passed over.
+  // What else stands between chunks of pixels, or after them, is passed over.
   bool NextChunk() {
     while (!walk_.Is("IEND") && walk_.Next()) {
       CheckChunk(path_, walk_);
-      if (walk_.Is("PLTE") || walk_.Is("tRNS")) Fail(path_, "it has colours behind its pixels");
+      if (walk_.Is("PLTE") || walk_.Is("tRNS")) Fail(path_, "it has colours after its pixels");
       if (!walk_.Is("IDAT")) continue;
       TakeChunk();
       return true;

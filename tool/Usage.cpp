@@ -35,9 +35,11 @@ const std::vector<std::string>& Paragraphs() {
           std::to_string(kMaxPixels) + " pixels are read, from files of up to 256 MiB.",
       "Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case are "
       "the same. Most arguments may be left out: `lmx help METHOD` says what they are then.",
-      "Colours are #rrggbb or #rgb; or as programs have them, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) to "
+      "Colours are #rrggbb or #rgb; or as programs have them, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) "
+      "to "
       "FF (clear), in quotes for the shell. #rrggbbxx is refused, because the web means alpha by it.",
-      "`lmx compare` exits with 0 if the pictures are the same, with 1 if they differ, and with 2 if it cannot tell. Pixels "
+      "`lmx compare` exits with 0 if the pictures are the same, with 1 if they differ, and with 2 if it cannot tell. "
+      "Pixels "
       "that are clear in both are the same.",
   };
   return table;

@@ -10,7 +10,7 @@ namespace tool {
 /// One way to call lmx.
 struct Command {
   const char* name = "";   ///< empty: the call of a method
-  const char* words = "";  ///< all behind `lmx`
+  const char* words = "";  ///< all after `lmx`
   const char* meaning = "";
 };
 

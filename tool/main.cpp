@@ -38,7 +38,7 @@ void Load(host::Host& plugin, const CommandLine& line) {
 void ExpectOperands(const CommandLine& line, std::size_t most) {
   const StepWords& words = line.steps.front();
   const bool fits = line.steps.size() == 1 && words.operands.size() <= most && words.assignments.empty();
-  if (!fits) throw UsageError("too many words behind `" + words.method + "`");
+  if (!fits) throw UsageError("too many words after `" + words.method + "`");
 }
 
 void DrawChart(const CommandLine& line) {

@@ -29,10 +29,10 @@ class BoxWalk {
   // A box that does not fit into what is left of its first run needs 1 to ofBox - 1 units more. Before the last run, which
   // gives 1 to ofRun of them, that takes (need - 1) / ofRun whole runs: since the first run had at most ofRun to give,
   // either mostWhole_ or one less.
-  LMX_EXPAND explicit BoxWalk(const BoxUnits& units)
+  LMX_ALWAYS_INLINE explicit BoxWalk(const BoxUnits& units)
       : ofRun_(units.ofRun), ofBox_(units.ofBox), left_(units.left), mostWhole_((units.ofBox - 1) / units.ofRun) {}
 
-  LMX_EXPAND Box Next() {
+  LMX_ALWAYS_INLINE Box Next() {
     if (left_ > ofBox_) {
       left_ -= ofBox_;
       return {1, ofBox_, 0, 0};

@@ -1,5 +1,5 @@
-// One pixel: what reading, writing, adjusting and blending mean. These functions are the definition of every pixel
-// operation; the kernels apply them to runs.
+// One pixel: what reading, writing, adjusting and blending mean. These functions say what every pixel operation
+// is; the kernels apply them to runs.
 //
 // A working pixel is 0xAARRGGBB with straight alpha: 255 opaque, 0 transparent. A stored pixel is four bytes in one of
 // two forms:
@@ -14,8 +14,8 @@
 #include <stdint.h>
 #include <string.h>
 
-#define LMX_EXPAND inline __attribute__((always_inline))
-#define LMX_EXPANDED __attribute__((always_inline))  // the same behind the parameters of a lambda
+#define LMX_ALWAYS_INLINE inline __attribute__((always_inline))
+#define LMX_INLINE_LAMBDA __attribute__((always_inline))  // the same, after the parameters of a lambda
 
 /// What an HSV adjustment does to each pixel.
 struct HSVAdjustment {
@@ -48,19 +48,19 @@ struct HSVSums {
 struct LMX_Pixel {
   // -------------------------------------------------------------------------------------------------------- channels
 
-  LMX_EXPAND static uint32_t Alpha(uint32_t pixel) { return pixel >> 24; }
-  LMX_EXPAND static uint32_t Red(uint32_t pixel) { return pixel >> 16 & 0xFF; }
-  LMX_EXPAND static uint32_t Green(uint32_t pixel) { return pixel >> 8 & 0xFF; }
-  LMX_EXPAND static uint32_t Blue(uint32_t pixel) { return pixel & 0xFF; }
+  LMX_ALWAYS_INLINE static uint32_t Alpha(uint32_t pixel) { return pixel >> 24; }
+  LMX_ALWAYS_INLINE static uint32_t Red(uint32_t pixel) { return pixel >> 16 & 0xFF; }
+  LMX_ALWAYS_INLINE static uint32_t Green(uint32_t pixel) { return pixel >> 8 & 0xFF; }
+  LMX_ALWAYS_INLINE static uint32_t Blue(uint32_t pixel) { return pixel & 0xFF; }
 
-  LMX_EXPAND static uint32_t Pack(uint32_t alpha, uint32_t red, uint32_t green, uint32_t blue) {
+  LMX_ALWAYS_INLINE static uint32_t Pack(uint32_t alpha, uint32_t red, uint32_t green, uint32_t blue) {
     return alpha << 24 | red << 16 | green << 8 | blue;
   }
 
   // ---------------------------------------------------------------------------------------------------- stored pixels
 
   /// The colours of a stored pixel above its alpha come out above 255 and carry into their neighbour. That is wanted.
-  LMX_EXPAND static uint32_t ReadContext(const uint8_t* stored) {
+  LMX_ALWAYS_INLINE static uint32_t ReadContext(const uint8_t* stored) {
     const uint32_t alpha = stored[0];
     if (alpha == 0) return 0;
     if (alpha == 255) return Pack(255, stored[1], stored[2], stored[3]);
@@ -68,7 +68,7 @@ struct LMX_Pixel {
            stored[3] * 255u / alpha;
   }
 
-  LMX_EXPAND static void WriteContext(uint8_t* stored, uint32_t pixel) {
+  LMX_ALWAYS_INLINE static void WriteContext(uint8_t* stored, uint32_t pixel) {
     const uint32_t alpha = Alpha(pixel);
     stored[0] = static_cast<uint8_t>(alpha);
     stored[1] = static_cast<uint8_t>(Red(pixel) * alpha / 255);
@@ -77,7 +77,7 @@ struct LMX_Pixel {
   }
 
   /// A transparency above 127, which no well-formed picture has, wraps around in the byte of the alpha.
-  LMX_EXPAND static uint32_t ReadBuffer(const uint8_t* stored) {
+  LMX_ALWAYS_INLINE static uint32_t ReadBuffer(const uint8_t* stored) {
     uint32_t word;
     memcpy(&word, stored, sizeof word);
     const uint32_t transparency = word >> 24;
@@ -86,24 +86,25 @@ struct LMX_Pixel {
   }
 
   /// Seven bits of alpha are kept: 1 reads back as 0, and 254 as 255.
-  LMX_EXPAND static void WriteBuffer(uint8_t* stored, uint32_t pixel) {
+  LMX_ALWAYS_INLINE static void WriteBuffer(uint8_t* stored, uint32_t pixel) {
     const uint32_t word = ((pixel >> 1 & 0x7F000000) | (pixel & 0xFFFFFF)) ^ 0x7F000000;
     memcpy(stored, &word, sizeof word);
   }
 
   /// A working pixel in memory, which may lie at any address.
-  LMX_EXPAND static uint32_t Load(const uint8_t* working) {
+  LMX_ALWAYS_INLINE static uint32_t Load(const uint8_t* working) {
     uint32_t pixel;
     memcpy(&pixel, working, sizeof pixel);
     return pixel;
   }
-  LMX_EXPAND static void Store(uint8_t* working, uint32_t pixel) { memcpy(working, &pixel, sizeof pixel); }
+  LMX_ALWAYS_INLINE static void Store(uint8_t* working, uint32_t pixel) { memcpy(working, &pixel, sizeof pixel); }
 
   // -------------------------------------------------------------------------------------------------------------- HSV
 
   /// Hue 0 to 6143 in 1/1024 of a sector of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a grey; saturation 0 to
   /// 1024; value, the largest channel, and alpha 0 to 255. Red wins a tie, then green.
-  LMX_EXPAND static void RGBToHSV_1024(unsigned long pixel, long& hue, long& saturation, long& value, long& alpha) {
+  LMX_ALWAYS_INLINE static void RGBToHSV_1024(unsigned long pixel, long& hue, long& saturation, long& value,
+                                              long& alpha) {
     const uint32_t word = static_cast<uint32_t>(pixel);
     const int32_t red = static_cast<int32_t>(Red(word));
     const int32_t green = static_cast<int32_t>(Green(word));
@@ -129,7 +130,7 @@ struct LMX_Pixel {
   /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside the six sectors gives black,
   /// unless the saturation is 0, which ignores it. The division that tells the sector truncates, so that hues from -1023
   /// to -1 continue the first one downwards. Truncation may lower a channel by a step or two; it is not corrected.
-  LMX_EXPAND static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
+  LMX_ALWAYS_INLINE static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
     const uint32_t a = static_cast<uint32_t>(alpha);
     const uint32_t v = static_cast<uint32_t>(value);
     if (saturation == 0) return Pack(a, v, v, v);
@@ -157,7 +158,7 @@ struct LMX_Pixel {
   }
 
   /// Alpha stays. The saturation ends at 1023, so a fully saturated colour loses a unit even when nothing is scaled.
-  LMX_EXPAND static uint32_t AdjustHSV(uint32_t pixel, const HSVAdjustment& by) {
+  LMX_ALWAYS_INLINE static uint32_t AdjustHSV(uint32_t pixel, const HSVAdjustment& by) {
     long hue, saturation, value, alpha;
     RGBToHSV_1024(pixel, hue, saturation, value, alpha);
     hue = WrappedSum(static_cast<int32_t>(hue), by.hueShift);
@@ -171,17 +172,17 @@ struct LMX_Pixel {
   // ------------------------------------------------------------------------------------------------- other operations
 
   /// Alpha stays; each colour is clamped to 0 to 255.
-  LMX_EXPAND static uint32_t AdjustRGB(uint32_t pixel, const RGBAdjustment& by) {
+  LMX_ALWAYS_INLINE static uint32_t AdjustRGB(uint32_t pixel, const RGBAdjustment& by) {
     return Pack(Alpha(pixel), AdjustChannel(Red(pixel), by.red), AdjustChannel(Green(pixel), by.green),
                 AdjustChannel(Blue(pixel), by.blue));
   }
 
   /// The colour negative, fully transparent.
-  LMX_EXPAND static uint32_t Negative(uint32_t pixel) { return ~pixel & 0xFFFFFF; }
+  LMX_ALWAYS_INLINE static uint32_t Negative(uint32_t pixel) { return ~pixel & 0xFFFFFF; }
 
   /// The mix of a pixel with the one before it in its line. `fraction` is the weight of the one before, 0 to 65535; the
   /// pixel's own is the rest to 65535.
-  LMX_EXPAND static uint32_t Blend(uint32_t pixel, uint32_t before, uint32_t fraction) {
+  LMX_ALWAYS_INLINE static uint32_t Blend(uint32_t pixel, uint32_t before, uint32_t fraction) {
     return Pack(BlendChannel(Alpha(pixel), Alpha(before), fraction), BlendChannel(Red(pixel), Red(before), fraction),
                 BlendChannel(Green(pixel), Green(before), fraction), BlendChannel(Blue(pixel), Blue(before), fraction));
   }
@@ -189,7 +190,7 @@ struct LMX_Pixel {
   // -------------------------------------------------------------------------------------------------------- box filter
 
   /// Adds `units` times each channel to the four sums of a box.
-  LMX_EXPAND static void AddToBox(uint32_t* sums, uint32_t pixel, uint32_t units) {
+  LMX_ALWAYS_INLINE static void AddToBox(uint32_t* sums, uint32_t pixel, uint32_t units) {
     sums[0] += Alpha(pixel) * units;
     sums[1] += Red(pixel) * units;
     sums[2] += Green(pixel) * units;
@@ -197,19 +198,19 @@ struct LMX_Pixel {
   }
 
   /// The average of what was added, `units` in all.
-  LMX_EXPAND static uint32_t BoxAverage(const uint32_t* sums, uint32_t units) {
+  LMX_ALWAYS_INLINE static uint32_t BoxAverage(const uint32_t* sums, uint32_t units) {
     return Pack(sums[0] / units, sums[1] / units, sums[2] / units, sums[3] / units);
   }
 
   // ------------------------------------------------------------------------------------------------------------- sums
 
-  LMX_EXPAND static void AddRGB(RGBSums* sums, uint32_t pixel) {
+  LMX_ALWAYS_INLINE static void AddRGB(RGBSums* sums, uint32_t pixel) {
     sums->red += Red(pixel);
     sums->green += Green(pixel);
     sums->blue += Blue(pixel);
   }
 
-  LMX_EXPAND static void AddHSV(HSVSums* sums, uint32_t pixel) {
+  LMX_ALWAYS_INLINE static void AddHSV(HSVSums* sums, uint32_t pixel) {
     AddRGB(&sums->rgb, pixel);
     const int32_t red = static_cast<int32_t>(Red(pixel));
     const int32_t green = static_cast<int32_t>(Green(pixel));
@@ -220,19 +221,19 @@ struct LMX_Pixel {
     sums->brightness += max * 0.00390625;
   }
 
-  LMX_EXPAND static int32_t Max(int32_t a, int32_t b) { return a > b ? a : b; }
-  LMX_EXPAND static int32_t Min(int32_t a, int32_t b) { return a < b ? a : b; }
+  LMX_ALWAYS_INLINE static int32_t Max(int32_t a, int32_t b) { return a > b ? a : b; }
+  LMX_ALWAYS_INLINE static int32_t Min(int32_t a, int32_t b) { return a < b ? a : b; }
 
  private:
-  LMX_EXPAND static int32_t WrappedSum(int32_t a, int32_t b) {
+  LMX_ALWAYS_INLINE static int32_t WrappedSum(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
   }
 
-  LMX_EXPAND static uint32_t AdjustChannel(uint32_t channel, int32_t delta) {
+  LMX_ALWAYS_INLINE static uint32_t AdjustChannel(uint32_t channel, int32_t delta) {
     return static_cast<uint32_t>(Min(Max(static_cast<int32_t>(channel) + delta, 0), 255));
   }
 
-  LMX_EXPAND static uint32_t BlendChannel(uint32_t channel, uint32_t before, uint32_t fraction) {
+  LMX_ALWAYS_INLINE static uint32_t BlendChannel(uint32_t channel, uint32_t before, uint32_t fraction) {
     return (channel * (65535 - fraction) + before * fraction) / 65535;
   }
 };

@@ -13,67 +13,81 @@ namespace plain {
 
 struct ContextForm {
   static constexpr PixelForm kForm = kContextForm;
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::ReadContext(stored); }
-  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::WriteContext(stored, pixel); }
 };
-
 struct BufferForm {
   static constexpr PixelForm kForm = kBufferForm;
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* stored) { return LMX_Pixel::ReadBuffer(stored); }
-  LMX_EXPAND static void WriteOne(uint8_t* stored, uint32_t pixel) { LMX_Pixel::WriteBuffer(stored, pixel); }
 };
-
 struct WorkingForm {
   static constexpr PixelForm kForm = kWorkingForm;
-  LMX_EXPAND static uint32_t ReadOne(const uint8_t* working) { return LMX_Pixel::Load(working); }
-  LMX_EXPAND static void WriteOne(uint8_t* working, uint32_t pixel) { LMX_Pixel::Store(working, pixel); }
 };
+
+// A pixel of a form, which the wide kernels have as a type of their own.
+template <class Form>
+LMX_ALWAYS_INLINE uint32_t Read(const uint8_t* pixel) {
+  if constexpr (Form::kForm == kContextForm) {
+    return LMX_Pixel::ReadContext(pixel);
+  } else if constexpr (Form::kForm == kBufferForm) {
+    return LMX_Pixel::ReadBuffer(pixel);
+  } else {
+    return LMX_Pixel::Load(pixel);
+  }
+}
+template <class Form>
+LMX_ALWAYS_INLINE void Write(uint8_t* to, uint32_t pixel) {
+  if constexpr (Form::kForm == kContextForm) {
+    LMX_Pixel::WriteContext(to, pixel);
+  } else if constexpr (Form::kForm == kBufferForm) {
+    LMX_Pixel::WriteBuffer(to, pixel);
+  } else {
+    LMX_Pixel::Store(to, pixel);
+  }
+}
 
 // ---------------------------------------------------------------------------------------------------- pixel after pixel
 
 // Reads, changes and writes n pixels.
 template <class From, class To, class Change>
-LMX_EXPAND void ChangeEach(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
-  for (size_t i = 0; i < n; ++i) To::WriteOne(to + 4 * i, change(From::ReadOne(from + 4 * i)));
+LMX_ALWAYS_INLINE void ChangeEach(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
+  for (size_t i = 0; i < n; ++i) Write<To>(to + 4 * i, change(Read<From>(from + 4 * i)));
 }
 
 template <class From, class To>
-LMX_EXPAND void Copy(uint8_t* to, const uint8_t* from, size_t n) {
+LMX_ALWAYS_INLINE void Copy(uint8_t* to, const uint8_t* from, size_t n) {
   ChangeEach<From, To>(
-      to, from, [](uint32_t pixel) LMX_EXPANDED { return pixel; }, n);
+      to, from, [](uint32_t pixel) LMX_INLINE_LAMBDA { return pixel; }, n);
 }
 
 template <class From, class To>
-LMX_EXPAND void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
-  for (size_t i = 0; i < n; ++i) To::WriteOne(to + 4 * i, From::ReadOne(from + 4 * (n - 1 - i)));
+LMX_ALWAYS_INLINE void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
+  for (size_t i = 0; i < n; ++i) Write<To>(to + 4 * i, Read<From>(from + 4 * (n - 1 - i)));
 }
 
-LMX_EXPAND void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
+LMX_ALWAYS_INLINE void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
   for (size_t i = 0; i < n; ++i) memcpy(stored + 4 * i, pixel, 4);
 }
 
 template <class From, class To>
-LMX_EXPAND void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
+LMX_ALWAYS_INLINE void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t n) {
   ChangeEach<From, To>(
-      to, from, [by](uint32_t pixel) LMX_EXPANDED { return LMX_Pixel::AdjustHSV(pixel, *by); }, n);
+      to, from, [by](uint32_t pixel) LMX_INLINE_LAMBDA { return LMX_Pixel::AdjustHSV(pixel, *by); }, n);
 }
 
 template <class From, class To>
-LMX_EXPAND void AdjustRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n) {
+LMX_ALWAYS_INLINE void AdjustRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t n) {
   ChangeEach<From, To>(
-      to, from, [by](uint32_t pixel) LMX_EXPANDED { return LMX_Pixel::AdjustRGB(pixel, *by); }, n);
+      to, from, [by](uint32_t pixel) LMX_INLINE_LAMBDA { return LMX_Pixel::AdjustRGB(pixel, *by); }, n);
 }
 
 template <class From, class To>
-LMX_EXPAND void Negative(uint8_t* to, const uint8_t* from, size_t n) {
+LMX_ALWAYS_INLINE void Negative(uint8_t* to, const uint8_t* from, size_t n) {
   ChangeEach<From, To>(to, from, LMX_Pixel::Negative, n);
 }
 
 template <class From, class To>
-LMX_EXPAND void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
+LMX_ALWAYS_INLINE void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction, size_t n) {
   for (size_t i = 0; i < n; ++i) {
-    const uint32_t pixel = From::ReadOne(from + 4 * i);
-    To::WriteOne(to + 4 * i, LMX_Pixel::Blend(pixel, before, fraction));
+    const uint32_t pixel = Read<From>(from + 4 * i);
+    Write<To>(to + 4 * i, LMX_Pixel::Blend(pixel, before, fraction));
     before = pixel;
   }
 }
@@ -83,51 +97,52 @@ LMX_EXPAND void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_
 // One row of columns that are blended along themselves: from column c on, n of them. It comes from `from[down[c]]` and the
 // run after that.
 template <class From, class To>
-LMX_EXPAND void BlendRow(uint8_t* to, const uint8_t* const* from, const uint32_t* down, const uint32_t* fraction,
-                         size_t c, size_t n) {
+LMX_ALWAYS_INLINE void BlendRow(uint8_t* to, const uint8_t* const* from, const uint32_t* down, const uint32_t* fraction,
+                                size_t c, size_t n) {
   for (size_t i = c; i < c + n; ++i) {
-    const uint32_t above = From::ReadOne(from[down[i]] + 4 * i), pixel = From::ReadOne(from[down[i] + 1] + 4 * i);
-    To::WriteOne(to + 4 * i, LMX_Pixel::Blend(pixel, above, fraction[i]));
+    const uint32_t above = Read<From>(from[down[i]] + 4 * i), pixel = Read<From>(from[down[i] + 1] + 4 * i);
+    Write<To>(to + 4 * i, LMX_Pixel::Blend(pixel, above, fraction[i]));
   }
 }
 
 template <class From, class To>
-LMX_EXPAND void BlendColumns(uint8_t* const* to, const uint8_t* const* from, const uint32_t* down,
-                             const uint32_t* fraction, size_t rows, size_t /*ahead*/, size_t n) {
+LMX_ALWAYS_INLINE void BlendColumns(uint8_t* const* to, const uint8_t* const* from, const uint32_t* down,
+                                    const uint32_t* fraction, size_t rows, size_t /*ahead*/, size_t n) {
   for (size_t r = 0; r < rows; ++r) BlendRow<From, To>(to[r], from + r, down, fraction, 0, n);
 }
 
 // The part of a transposition from row r and column c on.
 template <class From, class To>
-LMX_EXPAND void TransposePart(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns, size_t r,
-                              size_t c) {
+LMX_ALWAYS_INLINE void TransposePart(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t columns,
+                                     size_t r, size_t c) {
   for (size_t j = c; j < c + columns; ++j) {
-    for (size_t i = r; i < r + rows; ++i) To::WriteOne(to[j] + 4 * i, From::ReadOne(from[i] + 4 * j));
+    for (size_t i = r; i < r + rows; ++i) Write<To>(to[j] + 4 * i, Read<From>(from[i] + 4 * j));
   }
 }
 
 template <class From, class To>
-LMX_EXPAND void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t /*ahead*/,
-                          size_t columns) {
+LMX_ALWAYS_INLINE void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t /*ahead*/,
+                                 size_t columns) {
   TransposePart<From, To>(to, from, rows, columns, 0, 0);
 }
 
 // ---------------------------------------------------------------------------------------------------------------- sums
 
 template <class Form>
-LMX_EXPAND void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
-  for (size_t i = 0; i < n; ++i) LMX_Pixel::AddRGB(sums, Form::ReadOne(stored + 4 * i));
+LMX_ALWAYS_INLINE void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
+  for (size_t i = 0; i < n; ++i) LMX_Pixel::AddRGB(sums, Read<Form>(stored + 4 * i));
 }
 
 template <class Form>
-LMX_EXPAND void SumHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
-  for (size_t i = 0; i < n; ++i) LMX_Pixel::AddHSV(sums, Form::ReadOne(stored + 4 * i));
+LMX_ALWAYS_INLINE void SumHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
+  for (size_t i = 0; i < n; ++i) LMX_Pixel::AddHSV(sums, Read<Form>(stored + 4 * i));
 }
 
 // --------------------------------------------------------------------------------------------------------------- boxes
 
 template <class To>
-LMX_EXPAND void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count, size_t n) {
+LMX_ALWAYS_INLINE void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count,
+                             size_t n) {
   BoxWalk walk(*units);
   for (size_t i = 0; i < count; ++i) {
     const Box box = walk.Next();
@@ -140,33 +155,33 @@ LMX_EXPAND void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxU
           const uint32_t taken = run == 0 ? box.first : run + 1 < box.count ? units->ofRun : box.last;
           LMX_Pixel::AddToBox(sums, LMX_Pixel::Load(runs[run] + 4 * x), taken);
         }
-        To::WriteOne(to[i] + 4 * x, LMX_Pixel::BoxAverage(sums, units->ofBox));
+        Write<To>(to[i] + 4 * x, LMX_Pixel::BoxAverage(sums, units->ofBox));
       }
     }
     runs += box.advance;
   }
 }
 
-LMX_EXPAND void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
+LMX_ALWAYS_INLINE void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
   for (size_t run = 0; run < count; ++run) {
     for (size_t i = 0; i < n; ++i) LMX_Pixel::AddToBox(sums + 4 * i, LMX_Pixel::Load(runs[run] + 4 * i), units);
   }
 }
 
 template <class To>
-LMX_EXPAND void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
-  for (size_t i = 0; i < n; ++i) To::WriteOne(to + 4 * i, LMX_Pixel::BoxAverage(sums + 4 * i, units));
+LMX_ALWAYS_INLINE void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
+  for (size_t i = 0; i < n; ++i) Write<To>(to + 4 * i, LMX_Pixel::BoxAverage(sums + 4 * i, units));
 }
 
 template <class From, class Through>
-LMX_EXPAND void Halve(uint8_t* to, const uint8_t* from, size_t n) {
+LMX_ALWAYS_INLINE void Halve(uint8_t* to, const uint8_t* from, size_t n) {
   for (size_t i = 0; i < n; ++i) {
     uint32_t sums[4] = {};
-    LMX_Pixel::AddToBox(sums, From::ReadOne(from + 8 * i), 1);
-    LMX_Pixel::AddToBox(sums, From::ReadOne(from + 8 * i + 4), 1);
+    LMX_Pixel::AddToBox(sums, Read<From>(from + 8 * i), 1);
+    LMX_Pixel::AddToBox(sums, Read<From>(from + 8 * i + 4), 1);
     uint8_t stored[4];
-    Through::WriteOne(stored, LMX_Pixel::BoxAverage(sums, 2));
-    LMX_Pixel::Store(to + 4 * i, Through::ReadOne(stored));
+    Write<Through>(stored, LMX_Pixel::BoxAverage(sums, 2));
+    LMX_Pixel::Store(to + 4 * i, Read<Through>(stored));
   }
 }
 

@@ -140,7 +140,7 @@ constexpr int kKernelLevels = static_cast<int>(kLastLevel) + 1;
 extern const LevelKernels kLevelKernels[kKernelLevels];
 
 /// Orders non-temporal stores before later stores, as other processors see them.
-LMX_EXPAND void FinishNonTemporalStores() {
+LMX_ALWAYS_INLINE void FinishNonTemporalStores() {
 #ifdef LMX_X86
   __builtin_ia32_sfence();
 #endif

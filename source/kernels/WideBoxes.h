@@ -13,7 +13,7 @@ class WholeMix {
  public:
   explicit WholeMix(const Box& box) : last_(Vector::Set16(box.last)) {}
 
-  LMX_EXPAND Reg operator()(Reg a, Reg b) const {
+  LMX_ALWAYS_INLINE Reg operator()(Reg a, Reg b) const {
     const auto mix = [this](Reg x, Reg y) {
       const Reg difference = Vector::Sub16(y, x);
       return Vector::Add16(x, Vector::MulHighSigned16(Vector::Add16(difference, difference), last_));
@@ -43,10 +43,10 @@ class Mix {
     low_ = Vector::Set16(share & 0xFFFF);
   }
 
-  LMX_EXPAND Reg operator()(Reg a, Reg b) const { return Distances(a, b).Mix(*this); }
+  LMX_ALWAYS_INLINE Reg operator()(Reg a, Reg b) const { return Distances(a, b).Mix(*this); }
 
-  LMX_EXPAND static Reg Weight(Reg secondIsLarger) { return secondIsLarger; }
-  LMX_EXPAND Reg Of(Reg distance, Reg secondIsLarger) const {
+  LMX_ALWAYS_INLINE static Reg Weight(Reg secondIsLarger) { return secondIsLarger; }
+  LMX_ALWAYS_INLINE Reg Of(Reg distance, Reg secondIsLarger) const {
     const Reg weight = Vector::Xor(high_, secondIsLarger);
     const Reg carried = Vector::MulHigh16(distance, Vector::Xor(low_, secondIsLarger));
     const Reg rest = Vector::Average16(Vector::MulLow16(distance, weight), carried);
@@ -66,7 +66,7 @@ struct Quarters {
 };
 
 // a times its weight plus b times its weight, in each channel; `weights` are pairs of signed 16-bit numbers.
-LMX_EXPAND Quarters WeightedBytes(Reg a, Reg b, Reg weights) {
+LMX_ALWAYS_INLINE Quarters WeightedBytes(Reg a, Reg b, Reg weights) {
   const Reg low = Vector::Interleave8Low(a, b), high = Vector::Interleave8High(a, b);
   return {{Vector::MulAddPairs16(Vector::UnpackLow8(low), weights),
            Vector::MulAddPairs16(Vector::UnpackHigh8(low), weights),
@@ -75,7 +75,7 @@ LMX_EXPAND Quarters WeightedBytes(Reg a, Reg b, Reg weights) {
 }
 
 // 16-bit channels times a weight, a signed 16-bit number.
-LMX_EXPAND Quarters Weighted(const Channels& a, Reg weight) {
+LMX_ALWAYS_INLINE Quarters Weighted(const Channels& a, Reg weight) {
   return {{Vector::MulAddPairs16(Vector::UnpackLow16(a.low), weight),
            Vector::MulAddPairs16(Vector::UnpackHigh16(a.low), weight),
            Vector::MulAddPairs16(Vector::UnpackLow16(a.high), weight),
@@ -84,7 +84,7 @@ LMX_EXPAND Quarters Weighted(const Channels& a, Reg weight) {
 
 // The sums of the channels of some runs, at most 128.
 template <class Pixels>
-LMX_EXPAND Channels SumRuns(const uint8_t* const* runs, size_t count, size_t i, const Pixels& pixels) {
+LMX_ALWAYS_INLINE Channels SumRuns(const uint8_t* const* runs, size_t count, size_t i, const Pixels& pixels) {
   Channels sums = {Vector::Zero(), Vector::Zero()};
   for (size_t run = 0; run < count; ++run) {
     const Channels channels = Unpack(pixels.Load(runs[run] + 4 * i));
@@ -105,7 +105,7 @@ class Average {
         missing_(Vector::Set16(kWholeBox - units.ofBox)) {}
 
   template <class Pixels>
-  LMX_EXPAND Reg operator()(const uint8_t* const* runs, size_t i, const Pixels& pixels) const {
+  LMX_ALWAYS_INLINE Reg operator()(const uint8_t* const* runs, size_t i, const Pixels& pixels) const {
     const Reg first = pixels.Load(runs[0] + 4 * i), last = pixels.Load(runs[between_ + 1] + 4 * i);
     const Quarters ends = WeightedBytes(first, last, ends_);
     const Quarters inside = Weighted(SumRuns(runs + 1, between_, i, pixels), whole_);
@@ -114,7 +114,7 @@ class Average {
   }
 
  private:
-  LMX_EXPAND Reg Quotient(Reg a, Reg b) const {
+  LMX_ALWAYS_INLINE Reg Quotient(Reg a, Reg b) const {
     const Reg low = Vector::Set32(32767);
     const Reg high = Vector::Pack32(Vector::Right32<15>(a), Vector::Right32<15>(b));
     const Reg rest = Vector::Add16(Vector::Pack32(Vector::And(a, low), Vector::And(b, low)), missing_);
@@ -131,19 +131,19 @@ class Average {
 
 // Working pixels of a whole register.
 struct AllColumns {
-  LMX_EXPAND static Reg Load(const uint8_t* p) { return Vector::Load(p); }
+  LMX_ALWAYS_INLINE static Reg Load(const uint8_t* p) { return Vector::Load(p); }
 };
 
 // Of n columns, 1 to kWide. The others read as opaque, so that they do not keep a register from being opaque.
 class FirstColumns {
  public:
-  LMX_EXPAND explicit FirstColumns(size_t n) : n_(n) {
+  LMX_ALWAYS_INLINE explicit FirstColumns(size_t n) : n_(n) {
     uint8_t bytes[sizeof(Reg)];
     Vector::Store(bytes, Vector::Set32(0xFFFFFFFF));
     if (n > 0) beyond_ = Vector::Xor(Vector::LoadFirst(bytes, n), Vector::Set32(0xFFFFFFFF));
   }
-  LMX_EXPAND Reg Load(const uint8_t* p) const { return Vector::Or(Vector::LoadFirst(p, n_), beyond_); }
-  LMX_EXPAND void Store(uint8_t* p, Reg a) const { Vector::StoreFirst(p, n_, a); }
+  LMX_ALWAYS_INLINE Reg Load(const uint8_t* p) const { return Vector::Or(Vector::LoadFirst(p, n_), beyond_); }
+  LMX_ALWAYS_INLINE void Store(uint8_t* p, Reg a) const { Vector::StoreFirst(p, n_, a); }
 
  private:
   size_t n_;
@@ -154,10 +154,10 @@ class FirstColumns {
 template <class To, class Stores>
 class Runs {
  public:
-  LMX_EXPAND explicit Runs(size_t n) : n_(n), rest_(n % kWide) {}
+  LMX_ALWAYS_INLINE explicit Runs(size_t n) : n_(n), rest_(n % kWide) {}
 
   template <class OfRegister>
-  LMX_EXPAND void Make(uint8_t* to, const OfRegister& average) const {
+  LMX_ALWAYS_INLINE void Make(uint8_t* to, const OfRegister& average) const {
     size_t i = Stores::Head(to, n_);
     if (i > 0) return MakeFrom(i, to, average);
     for (; i + kWide <= n_; i += kWide) Stores::Store(to + 4 * i, To::Write(average(i, AllColumns())));
@@ -165,12 +165,12 @@ class Runs {
   }
 
   // The same run `count` times.
-  LMX_EXPAND void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
+  LMX_ALWAYS_INLINE void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
     bool isTogether = count > 1;
     for (size_t row = 0; row < count; ++row) isTogether = isTogether && Stores::Head(to[row], n_) == 0;
     if (!isTogether) {
       for (size_t row = 0; row < count; ++row) {
-        Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return pixels.Load(run + 4 * i); });
+        Make(to[row], [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA { return pixels.Load(run + 4 * i); });
       }
       return;
     }
@@ -187,8 +187,8 @@ class Runs {
  private:
   // The head with ordinary stores.
   template <class OfRegister>
-  LMX_EXPAND void MakeFrom(size_t head, uint8_t* to, const OfRegister& average) const {
-    const auto part = [&](size_t from, size_t end) LMX_EXPANDED {
+  LMX_ALWAYS_INLINE void MakeFrom(size_t head, uint8_t* to, const OfRegister& average) const {
+    const auto part = [&](size_t from, size_t end) LMX_INLINE_LAMBDA {
       for (size_t i = from; i < end; i += kWide) {
         const FirstColumns first(end - i < kWide ? end - i : kWide);
         first.Store(to + 4 * i, To::Write(average(i, first)));
@@ -208,12 +208,12 @@ class Runs {
 template <class To>
 class Strip {
  public:
-  LMX_EXPAND explicit Strip(size_t n) : columns_(n) {}
+  LMX_ALWAYS_INLINE explicit Strip(size_t n) : columns_(n) {}
   template <class OfRegister>
-  LMX_EXPAND void Make(uint8_t* to, const OfRegister& average) const {
+  LMX_ALWAYS_INLINE void Make(uint8_t* to, const OfRegister& average) const {
     columns_.Store(to, To::Write(average(0, columns_)));
   }
-  LMX_EXPAND void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
+  LMX_ALWAYS_INLINE void Copy(uint8_t* const* to, size_t count, const uint8_t* run) const {
     const Reg pixels = To::Write(columns_.Load(run));
     for (size_t row = 0; row < count; ++row) columns_.Store(to[row], pixels);
   }
@@ -223,12 +223,12 @@ class Strip {
 };
 
 template <class Made>
-LMX_EXPAND void MakeBoxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits& units, size_t count,
-                          const Made& made) {
+LMX_ALWAYS_INLINE void MakeBoxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits& units, size_t count,
+                                 const Made& made) {
   const uint32_t excess = Mix::Excess(units.ofBox);
-  const auto mixed = [&](const auto& mix) LMX_EXPANDED {
+  const auto mixed = [&](const auto& mix) LMX_INLINE_LAMBDA {
     return [&](size_t i, const auto& pixels)
-               LMX_EXPANDED { return mix(pixels.Load(runs[0] + 4 * i), pixels.Load(runs[1] + 4 * i)); };
+               LMX_INLINE_LAMBDA { return mix(pixels.Load(runs[0] + 4 * i), pixels.Load(runs[1] + 4 * i)); };
   };
   BoxWalk walk(units);
   for (size_t row = 0; row < count; ++row) {
@@ -247,7 +247,7 @@ LMX_EXPAND void MakeBoxes(uint8_t* const* to, const uint8_t* const* runs, const 
       made.Make(to[row], mixed(Mix(box, excess)));
     } else {
       const Average average(box, units);
-      made.Make(to[row], [&](size_t i, const auto& pixels) LMX_EXPANDED { return average(runs, i, pixels); });
+      made.Make(to[row], [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA { return average(runs, i, pixels); });
     }
     runs += box.advance;
   }
@@ -264,7 +264,7 @@ void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units
 
 // Calls step(i, pixels) for every register of n pixels, the last one in part.
 template <class Step>
-LMX_EXPAND void ForRegisters(size_t n, const Step& step) {
+LMX_ALWAYS_INLINE void ForRegisters(size_t n, const Step& step) {
   size_t i = 0;
   for (; i + kWide <= n; i += kWide) step(i, AllColumns());
   if (i < n) step(i, FirstColumns(n - i));
@@ -275,7 +275,7 @@ static_assert(kBoxSumsStep % kWide == 0);
 
 void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
   const Reg weight = Vector::Set32(units);
-  ForRegisters(n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  ForRegisters(n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     const Quarters added = Weighted(SumRuns(runs, count, i, pixels), weight);
     for (size_t q = 0; q < 4; ++q) {
       uint32_t* const sum = sums + 4 * i + q * kWide;
@@ -289,13 +289,13 @@ void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32
 template <class To>
 void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
   const Reg factor = Vector::Set32(static_cast<uint32_t>(((1ull << 40) + units - 1) / units));
-  const auto quotient = [&](size_t at) LMX_EXPANDED {
+  const auto quotient = [&](size_t at) LMX_INLINE_LAMBDA {
     const Reg sum = Vector::Load(sums + at);
     const Reg even = Vector::Right64<40>(Vector::MulEven32(sum, factor));
     const Reg odd = Vector::Right64<40>(Vector::MulEven32(Vector::Right64<32>(sum), factor));
     return Vector::Or(even, Vector::Left64<32>(odd));
   };
-  Runs<To, Temporal>(n).Make(to, [&](size_t i, const auto&) LMX_EXPANDED {
+  Runs<To, Temporal>(n).Make(to, [&](size_t i, const auto&) LMX_INLINE_LAMBDA {
     const Reg low = Vector::Pack32(quotient(4 * i), quotient(4 * i + kWide));
     return Pack({low, Vector::Pack32(quotient(4 * i + 2 * kWide), quotient(4 * i + 3 * kWide))});
   });
@@ -305,7 +305,7 @@ void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
 
 // Written in a form, and read again.
 template <class Form>
-LMX_EXPAND Reg Rewritten(Reg working) {
+LMX_ALWAYS_INLINE Reg Rewritten(Reg working) {
   Reg read = working;
   Form::Read(Form::Write(working), &read);  // what was written is well-formed
   return read;
@@ -313,7 +313,7 @@ LMX_EXPAND Reg Rewritten(Reg working) {
 
 // The means of a register of pairs; false when a pixel takes the plain path. Average8 rounds up.
 template <class From, class Through>
-LMX_EXPAND bool HalveWide(Reg first, Reg second, Reg* out) {
+LMX_ALWAYS_INLINE bool HalveWide(Reg first, Reg second, Reg* out) {
   Reg even = Vector::EvenPixels(first, second), odd = Vector::OddPixels(first, second);
   const auto mean = [&] {
     const Reg roundedUp = Vector::And(Vector::Xor(even, odd), Vector::Set32(0x01010101));

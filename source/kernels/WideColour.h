@@ -9,14 +9,14 @@ namespace {
 
 // One channel of pixels in 32-bit lanes, `shift` bits up in each.
 template <int shift>
-LMX_EXPAND Reg Channel(Reg pixels) {
+LMX_ALWAYS_INLINE Reg Channel(Reg pixels) {
   const Reg moved = Vector::Right32<shift>(pixels);
   return shift == 24 ? moved : Vector::And(moved, Vector::Set32(0xFF));
 }
 
 // The same of two registers of pixels, in 16-bit lanes.
 template <int shift>
-LMX_EXPAND Reg Channel16(Reg first, Reg second) {
+LMX_ALWAYS_INLINE Reg Channel16(Reg first, Reg second) {
   return Vector::Pack32(Channel<shift>(first), Channel<shift>(second));
 }
 
@@ -25,7 +25,7 @@ LMX_EXPAND Reg Channel16(Reg first, Reg second) {
 // A lane holds 64 times the rest, and in the six bits below it the quotient as far as it is known. Taking 64 d - 1 away
 // subtracts the divisor and puts a 1 into the quotient; both are then doubled together. The lane is even before each
 // step, and so never equal to what is taken away.
-LMX_EXPAND Reg Divide1024(Reg n, Reg d) {
+LMX_ALWAYS_INLINE Reg Divide1024(Reg n, Reg d) {
   const Reg taken = Vector::Sub16(Vector::Left16<6>(d), Vector::Set16(1));
   const Reg digits = Vector::Set16(63);
   const auto fiveBits = [taken](Reg lane) {
@@ -38,7 +38,7 @@ LMX_EXPAND Reg Divide1024(Reg n, Reg d) {
 }
 
 // min(a factor, most), for a of 0 to 1024, a factor of 0 to 999 and a result below 32768.
-LMX_EXPAND Reg ScaledUpTo(Reg a, Reg factor, Reg most) {
+LMX_ALWAYS_INLINE Reg ScaledUpTo(Reg a, Reg factor, Reg most) {
   const Reg overflow = Vector::Greater16(Vector::MulHigh16(a, factor), Vector::Zero());
   const Reg product = Vector::Or(Vector::MulLow16(a, factor), overflow);
   return Vector::Sub16(product, Vector::SubSaturated16(product, most));
@@ -63,7 +63,7 @@ struct HSV {
   Reg value;
 };
 
-LMX_EXPAND HSV ToHSV(const Colours& in) {
+LMX_ALWAYS_INLINE HSV ToHSV(const Colours& in) {
   const Reg max = Vector::Max16(in.red, Vector::Max16(in.green, in.blue));
   const Reg delta = Vector::Sub16(max, Vector::Min16(in.red, Vector::Min16(in.green, in.blue)));
   const Reg grey = Vector::Equal16(delta, Vector::Zero());
@@ -80,7 +80,7 @@ LMX_EXPAND HSV ToHSV(const Colours& in) {
   return {Vector::AndNot(grey, Vector::Add16(turned, turn)), Vector::AndNot(grey, Divide1024(delta, max)), max};
 }
 
-LMX_EXPAND HSV Adjusted(const HSV& in, const HSVFactors& by) {
+LMX_ALWAYS_INLINE HSV Adjusted(const HSV& in, const HSVFactors& by) {
   const Reg turn = Vector::Set16(6144);
   Reg hue = Vector::Add16(in.hue, by.shift);
   hue = Vector::Add16(hue, Vector::And(Vector::Greater16(Vector::Zero(), hue), turn));
@@ -89,7 +89,7 @@ LMX_EXPAND HSV Adjusted(const HSV& in, const HSVFactors& by) {
           ScaledUpTo(in.value, by.value, Vector::Set16(255))};
 }
 
-LMX_EXPAND Colours ToRGB(const HSV& in) {
+LMX_ALWAYS_INLINE Colours ToRGB(const HSV& in) {
   // p is (1024 - s) v / 1024, from the two halves of the product.
   const Reg unsaturated = Vector::Sub16(Vector::Set16(1024), in.saturation);
   const Reg p = Vector::Or(Vector::Left16<6>(Vector::MulHigh16(unsaturated, in.value)),
@@ -126,7 +126,7 @@ class HSVChange {
                  Vector::Set16(static_cast<uint32_t>(by.saturationScale) / 1024),
                  Vector::Set16(static_cast<uint32_t>(by.valueScale) / 1024)} {}
 
-  LMX_EXPAND void Wide(Reg* pixels) const {
+  LMX_ALWAYS_INLINE void Wide(Reg* pixels) const {
     const Reg first = pixels[0], second = pixels[1];
     const Colours in = {Channel16<16>(first, second), Channel16<8>(first, second), Channel16<0>(first, second)};
     const Colours out = ToRGB(Adjusted(ToHSV(in), factors_));
@@ -137,7 +137,7 @@ class HSVChange {
     pixels[0] = assemble(first, Vector::UnpackLow16(out.red), Vector::UnpackLow16(greenBlue));
     pixels[1] = assemble(second, Vector::UnpackHigh16(out.red), Vector::UnpackHigh16(greenBlue));
   }
-  LMX_EXPAND uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustHSV(pixel, by_); }
+  LMX_ALWAYS_INLINE uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustHSV(pixel, by_); }
 
  private:
   const HSVAdjustment& by_;
@@ -161,10 +161,10 @@ class RGBChange {
 
   explicit RGBChange(const RGBAdjustment& by) : by_(by), more_(Part(by, 1)), less_(Part(by, -1)) {}
 
-  LMX_EXPAND void Wide(Reg* pixels) const {
+  LMX_ALWAYS_INLINE void Wide(Reg* pixels) const {
     *pixels = Vector::SubSaturated8(Vector::AddSaturated8(*pixels, more_), less_);
   }
-  LMX_EXPAND uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustRGB(pixel, by_); }
+  LMX_ALWAYS_INLINE uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustRGB(pixel, by_); }
 
  private:
   // What is added, or subtracted.
@@ -185,8 +185,8 @@ void AdjustRGB(uint8_t* to, const uint8_t* from, const RGBAdjustment* by, size_t
 
 struct NegativeChange {
   static constexpr size_t kRegs = 1;
-  LMX_EXPAND void Wide(Reg* pixels) const { *pixels = Vector::AndNot(*pixels, Vector::Set32(0xFFFFFF)); }
-  LMX_EXPAND uint32_t One(uint32_t pixel) const { return LMX_Pixel::Negative(pixel); }
+  LMX_ALWAYS_INLINE void Wide(Reg* pixels) const { *pixels = Vector::AndNot(*pixels, Vector::Set32(0xFFFFFF)); }
+  LMX_ALWAYS_INLINE uint32_t One(uint32_t pixel) const { return LMX_Pixel::Negative(pixel); }
 };
 
 template <class From, class To>
@@ -198,12 +198,12 @@ void Negative(uint8_t* to, const uint8_t* from, size_t n) {
 
 class WideRGBSums {
  public:
-  LMX_EXPAND void Add(Reg working) {
+  LMX_ALWAYS_INLINE void Add(Reg working) {
     red_ = Vector::Add64(red_, Vector::SumBytes(Vector::And(working, Vector::Set32(0xFF0000))));
     green_ = Vector::Add64(green_, Vector::SumBytes(Vector::And(working, Vector::Set32(0xFF00))));
     blue_ = Vector::Add64(blue_, Vector::SumBytes(Vector::And(working, Vector::Set32(0xFF))));
   }
-  LMX_EXPAND void AddTo(RGBSums* sums) const {
+  LMX_ALWAYS_INLINE void AddTo(RGBSums* sums) const {
     sums->red += Vector::SumOf64(red_);
     sums->green += Vector::SumOf64(green_);
     sums->blue += Vector::SumOf64(blue_);
@@ -218,7 +218,7 @@ class WideRGBSums {
 template <class Form>
 void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   WideRGBSums wide;
-  InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg working;
     if (Form::Read(pixels.Load(stored + 4 * i), &working)) return wide.Add(working);
     plain::SumRGB<Form>(sums, stored + 4 * i, pixels.count);
@@ -235,7 +235,7 @@ constexpr double kFirstWideSum = 256;
 constexpr size_t kSumBlock = 256;  // pixels; each adds at most 1
 
 // The largest power of two that is at most `x`, which is normal and positive.
-LMX_EXPAND double BinadeOf(double x) {
+LMX_ALWAYS_INLINE double BinadeOf(double x) {
   uint64_t bits;
   memcpy(&bits, &x, sizeof bits);
   bits &= 0x7FF0000000000000;
@@ -245,7 +245,7 @@ LMX_EXPAND double BinadeOf(double x) {
 
 // Adds n pixels, at most kSumBlock; false, and nothing added, when a pixel takes the plain path.
 template <class Form>
-LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
+LMX_ALWAYS_INLINE bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
   const Vector::Doubles base = Vector::SetDouble(BinadeOf(sums->saturation));
   const auto rounded = [base](Vector::Doubles delta, Vector::Doubles max) {
     return Vector::Sub(Vector::Add(Vector::Divide(delta, max), base), base);
@@ -255,7 +255,7 @@ LMX_EXPAND bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
   WideRGBSums rgb;
   bool isWide = true;
   // What is beyond the last pixel is 0: black, which adds nothing.
-  InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg working;
     isWide = isWide && Form::Read(pixels.Load(stored + 4 * i), &working);
     if (!isWide) return;

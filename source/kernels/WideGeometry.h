@@ -8,7 +8,8 @@ namespace {
 template <class Stores = Temporal>
 void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
   const Reg words = Vector::Set32(LMX_Pixel::Load(pixel));
-  InSteps<Stores>(stored, n, [&](size_t i, const auto& pixels) LMX_EXPANDED { pixels.Store(stored + 4 * i, words); });
+  InSteps<Stores>(stored, n,
+                  [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA { pixels.Store(stored + 4 * i, words); });
 }
 
 // ------------------------------------------------------------------------------------------------------------ blends
@@ -24,13 +25,13 @@ struct Distances {
 
   // min + part(distance, weight of the larger one), of the two halves of the pixels
   template <class Part>
-  LMX_EXPAND Reg Mix(const Part& ofLow, const Part& ofHigh) const {
+  LMX_ALWAYS_INLINE Reg Mix(const Part& ofLow, const Part& ofHigh) const {
     const Reg low = ofLow.Of(of.low, ofLow.Weight(secondIsLarger.low));
     const Reg high = ofHigh.Of(of.high, ofHigh.Weight(secondIsLarger.high));
     return Vector::Add8(min, Pack({low, high}));
   }
   template <class Part>
-  LMX_EXPAND Reg Mix(const Part& part) const {
+  LMX_ALWAYS_INLINE Reg Mix(const Part& part) const {
     return Mix(part, part);
   }
 
@@ -46,8 +47,8 @@ class BlendPart {
   explicit BlendPart(uint32_t fraction) : ofFirst_(Vector::Set16(65535 - fraction)) {}
   explicit BlendPart(Reg weightsOfFirst) : ofFirst_(weightsOfFirst) {}
 
-  LMX_EXPAND Reg Weight(Reg secondIsLarger) const { return Vector::Xor(ofFirst_, secondIsLarger); }
-  LMX_EXPAND Reg Of(Reg distance, Reg weight) const {
+  LMX_ALWAYS_INLINE Reg Weight(Reg secondIsLarger) const { return Vector::Xor(ofFirst_, secondIsLarger); }
+  LMX_ALWAYS_INLINE Reg Of(Reg distance, Reg weight) const {
     const Reg high = Vector::MulHigh16(distance, weight);
     const Reg low = Vector::MulLow16(distance, weight);
     return Vector::Add16(high, Vector::Right16<15>(Vector::Average16(high, low)));
@@ -64,8 +65,8 @@ template <class From, class To>
 struct Blending {
   static constexpr bool kOpaqueAsStored = false;
   template <class Pixels>
-  LMX_EXPAND static bool Wide(const uint8_t* from, const Pixels& pixels, bool /*isFirst*/, const BlendPart& part,
-                              Reg* last, Reg* out) {
+  LMX_ALWAYS_INLINE static bool Wide(const uint8_t* from, const Pixels& pixels, bool /*isFirst*/, const BlendPart& part,
+                                     Reg* last, Reg* out) {
     Reg working;
     if (!From::Read(pixels.Load(from), &working)) return false;
     *out = To::Write(Distances(working, Vector::ShiftIn(*last, working)).Mix(part));
@@ -79,8 +80,8 @@ template <>
 struct Blending<ContextForm, ContextForm> {
   static constexpr bool kOpaqueAsStored = true;
   template <class Pixels>
-  LMX_EXPAND static bool Wide(const uint8_t* from, const Pixels& pixels, bool isFirst, const BlendPart& part, Reg* last,
-                              Reg* out) {
+  LMX_ALWAYS_INLINE static bool Wide(const uint8_t* from, const Pixels& pixels, bool isFirst, const BlendPart& part,
+                                     Reg* last, Reg* out) {
     const Reg stored = pixels.Load(from);
     if (!isFirst) {
       const Reg before = pixels.Load(from - 4);
@@ -103,12 +104,12 @@ void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
   if (fraction == 0) return Copy<From, To>(to, from, n);
   const BlendPart part(fraction);
   Reg last = Vector::Set32(before);
-  InSteps<Temporal>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Temporal>(to, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg out;
     if (Blending<From, To>::Wide(from + 4 * i, pixels, i == 0, part, &last, &out)) return pixels.Store(to + 4 * i, out);
-    const uint32_t above = i == 0 ? before : From::ReadOne(from + 4 * (i - 1));
+    const uint32_t above = i == 0 ? before : plain::Read<From>(from + 4 * (i - 1));
     plain::Blend<From, To>(to + 4 * i, from + 4 * i, above, fraction, pixels.count);
-    last = Vector::Set32(From::ReadOne(from + 4 * (i + pixels.count - 1)));
+    last = Vector::Set32(plain::Read<From>(from + 4 * (i + pixels.count - 1)));
   });
 }
 
@@ -119,14 +120,14 @@ template <class From, class To>
 class ColumnBlending {
  public:
   // `fractions` are the columns' weights of the pixel above, in lanes of 32 bits.
-  LMX_EXPAND ColumnBlending(Reg fractions, Reg above)
+  LMX_ALWAYS_INLINE ColumnBlending(Reg fractions, Reg above)
       : low_(WeightsOf(Vector::DoubleLow32(fractions))),
         high_(WeightsOf(Vector::DoubleHigh32(fractions))),
         above_(above),
         straightAbove_(above) {}
 
   // The mix of the next row with the one above it; false when a pixel of either takes the plain path.
-  LMX_EXPAND bool Next(Reg row, Reg* out) {
+  LMX_ALWAYS_INLINE bool Next(Reg row, Reg* out) {
     const Reg above = above_;
     above_ = row;
     if (Blending<From, To>::kOpaqueAsStored && ContextForm::AllOpaque(Vector::And(row, above))) {
@@ -144,7 +145,7 @@ class ColumnBlending {
   }
 
  private:
-  LMX_EXPAND static BlendPart WeightsOf(Reg fractions) {
+  LMX_ALWAYS_INLINE static BlendPart WeightsOf(Reg fractions) {
     const Reg inBothHalves = Vector::Or(fractions, Vector::Left32<16>(fractions));
     return BlendPart(Vector::Xor(inBothHalves, Vector::Set32(0xFFFFFFFF)));
   }
@@ -158,7 +159,7 @@ class ColumnBlending {
 
 // Rows that come later are fetched into the cache.
 template <int isWritten>
-LMX_EXPAND void Fetch(const uint8_t* run, size_t n) {
+LMX_ALWAYS_INLINE void Fetch(const uint8_t* run, size_t n) {
   for (size_t i = 0; i < 4 * n; i += 64) __builtin_prefetch(run + i, isWritten);
   __builtin_prefetch(run + 4 * n - 1, isWritten);
 }
@@ -199,8 +200,8 @@ void Unslant(Reg* rows, size_t count, const uint8_t* const* from, size_t at, con
 }
 
 template <size_t steps = kWide - 1>
-LMX_EXPAND void UnslantRows(Reg* rows, size_t count, const uint8_t* const* from, size_t at,
-                            const SlantedColumns& columns) {
+LMX_ALWAYS_INLINE void UnslantRows(Reg* rows, size_t count, const uint8_t* const* from, size_t at,
+                                   const SlantedColumns& columns) {
   if constexpr (steps > 0) {
     if (columns.steps < steps) return UnslantRows<steps - 1>(rows, count, from, at, columns);
   }
@@ -209,8 +210,9 @@ LMX_EXPAND void UnslantRows(Reg* rows, size_t count, const uint8_t* const* from,
 
 // Columns c to c + n - 1, n <= kWide. `fetch(r)` is called on the way.
 template <class From, class To, class FetchRow>
-LMX_EXPAND void BlendColumnsAt(size_t c, size_t n, uint8_t* const* to, const uint8_t* const* from, const uint32_t* down,
-                               const uint32_t* fraction, size_t rows, const FetchRow& fetch) {
+LMX_ALWAYS_INLINE void BlendColumnsAt(size_t c, size_t n, uint8_t* const* to, const uint8_t* const* from,
+                                      const uint32_t* down, const uint32_t* fraction, size_t rows,
+                                      const FetchRow& fetch) {
   constexpr size_t kRowsAtOnce = 16;
   Reg sheared[kRowsAtOnce];
   const SlantedColumns columns(down + c, n);
@@ -239,7 +241,7 @@ void BlendColumns(uint8_t* const* to, const uint8_t* const* from, const uint32_t
   if (rows == 0 || n == 0) return;
   uint32_t most = 0;
   for (size_t c = 0; c < n; ++c) most = down[c] > most ? down[c] : most;
-  const auto fetch = [&](size_t r) LMX_EXPANDED {
+  const auto fetch = [&](size_t r) LMX_INLINE_LAMBDA {
     const size_t later = r + kRowsAhead;
     if (later >= rows + ahead) return;
     Fetch<0>(from[later + most + 1], n);

@@ -19,59 +19,59 @@ struct Channels {
   Reg high;
 };
 
-LMX_EXPAND Channels Unpack(Reg pixels) {
+LMX_ALWAYS_INLINE Channels Unpack(Reg pixels) {
   return {Vector::UnpackLow8(pixels), Vector::UnpackHigh8(pixels)};
 }
-LMX_EXPAND Reg Pack(const Channels& c) {
+LMX_ALWAYS_INLINE Reg Pack(const Channels& c) {
   return Vector::Pack16(c.low, c.high);
 }
 
-LMX_EXPAND Reg Select(Reg mask, Reg a, Reg b) {
+LMX_ALWAYS_INLINE Reg Select(Reg mask, Reg a, Reg b) {
   return Vector::Or(Vector::And(mask, a), Vector::AndNot(mask, b));
 }
 
 // x / 255, truncated, of 16-bit lanes.
-LMX_EXPAND Reg Divide255(Reg x) {
+LMX_ALWAYS_INLINE Reg Divide255(Reg x) {
   return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
 }
 
 // How registers of results are stored. Non-temporal stores want aligned addresses: a kernel makes the head of a run, its
 // first pixels, with ordinary stores, and stores whole registers from there on.
 struct Temporal {
-  LMX_EXPAND static size_t Head(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
-  LMX_EXPAND static void Store(void* p, Reg a) { Vector::Store(p, a); }
+  LMX_ALWAYS_INLINE static size_t Head(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
+  LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Store(p, a); }
 };
 struct NonTemporal {
-  LMX_EXPAND static size_t Head(const uint8_t* to, size_t n) {
+  LMX_ALWAYS_INLINE static size_t Head(const uint8_t* to, size_t n) {
     const size_t past = reinterpret_cast<uintptr_t>(to) % sizeof(Reg);
     if (past % 4 != 0) return n;
     const size_t head = past == 0 ? 0 : (sizeof(Reg) - past) / 4;
     return head < n ? head : n;
   }
-  LMX_EXPAND static void Store(void* p, Reg a) { Vector::Stream(p, a); }
+  LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Stream(p, a); }
 };
 
 // The pixels of one step of a kernel: kRegs whole registers, or the first `count` pixels of as many.
 template <class Stores, size_t kRegs>
 struct WholeRegisters {
   static constexpr size_t count = kRegs * kWide;
-  LMX_EXPAND static Reg Load(const uint8_t* from, size_t r = 0) { return Vector::Load(from + 4 * r * kWide); }
-  LMX_EXPAND static void Store(uint8_t* to, Reg a, size_t r = 0) { Stores::Store(to + 4 * r * kWide, a); }
-  LMX_EXPAND static Reg Reverse(Reg a) { return Vector::Reverse(a); }
+  LMX_ALWAYS_INLINE static Reg Load(const uint8_t* from, size_t r = 0) { return Vector::Load(from + 4 * r * kWide); }
+  LMX_ALWAYS_INLINE static void Store(uint8_t* to, Reg a, size_t r = 0) { Stores::Store(to + 4 * r * kWide, a); }
+  LMX_ALWAYS_INLINE static Reg Reverse(Reg a) { return Vector::Reverse(a); }
 };
 template <size_t kRegs>
 struct FirstPixels {
   size_t count;
-  LMX_EXPAND Reg Load(const uint8_t* from, size_t r = 0) const {
+  LMX_ALWAYS_INLINE Reg Load(const uint8_t* from, size_t r = 0) const {
     const size_t n = Of(r);
     return n == 0 ? Vector::Zero() : Vector::LoadFirst(from + 4 * r * kWide, n);
   }
-  LMX_EXPAND void Store(uint8_t* to, Reg a, size_t r = 0) const {
+  LMX_ALWAYS_INLINE void Store(uint8_t* to, Reg a, size_t r = 0) const {
     const size_t n = Of(r);
     if (n > 0) Vector::StoreFirst(to + 4 * r * kWide, n, a);
   }
   // Of a single register.
-  LMX_EXPAND Reg Reverse(Reg a) const {
+  LMX_ALWAYS_INLINE Reg Reverse(Reg a) const {
     uint8_t pixels[sizeof(Reg)];
     Vector::Store(pixels, Vector::Reverse(a));
     return Vector::LoadFirst(pixels + 4 * (kWide - count), count);
@@ -79,7 +79,7 @@ struct FirstPixels {
 
  private:
   // How many of them are in register r.
-  LMX_EXPAND size_t Of(size_t r) const {
+  LMX_ALWAYS_INLINE size_t Of(size_t r) const {
     const size_t before = r * kWide;
     return count <= before ? 0 : count - before < kWide ? count - before : kWide;
   }
@@ -87,9 +87,9 @@ struct FirstPixels {
 
 // Takes a run of n pixels to `to` in steps: calls step(i, pixels) for the pixels from pixel i on.
 template <class Stores, size_t kRegs = 1, class Step>
-LMX_EXPAND void InSteps(const uint8_t* to, size_t n, const Step& step) {
+LMX_ALWAYS_INLINE void InSteps(const uint8_t* to, size_t n, const Step& step) {
   constexpr size_t kStep = kRegs * kWide;
-  const auto first = [&](size_t from, size_t end) LMX_EXPANDED {
+  const auto first = [&](size_t from, size_t end) LMX_INLINE_LAMBDA {
     for (size_t i = from; i < end; i += kStep) step(i, FirstPixels<kRegs>{end - i < kStep ? end - i : kStep});
   };
   size_t i = Stores::Head(to, n);
@@ -109,14 +109,14 @@ LMX_EXPAND void InSteps(const uint8_t* to, size_t n, const Step& step) {
 //   where k > a, k W >> 16 is above 255, and below 65536;
 //   k W mod 65536 is at most 255 where a divides 255 k, and at least 65536 / a where it does not.
 // Of alpha 0, W is 0. The tests AllChannelsAndAlphas walk all pairs of k and a.
-LMX_EXPAND Reg QuotientsByAlpha(Reg alpha) {
+LMX_ALWAYS_INLINE Reg QuotientsByAlpha(Reg alpha) {
   const Reg clear = Vector::Equal32(alpha, Vector::Zero());
   return Vector::AndNot(clear, Vector::DivideSingle(255 * 65536 + 254, Vector::Sub32(alpha, clear)));
 }
 
 // Stored pixels, alpha lowest, to straight channels; the alpha channels become 255, or 0. Channels above their alpha come
 // out above 255, except for alpha 0, where all become 0.
-LMX_EXPAND Channels Straighten(Reg stored, Reg alpha) {
+LMX_ALWAYS_INLINE Channels Straighten(Reg stored, Reg alpha) {
   const Reg quotients = QuotientsByAlpha(alpha);
   const Channels k = Unpack(stored);
   const auto straighten = [](Reg channels, Reg fraction, Reg whole) {
@@ -126,17 +126,18 @@ LMX_EXPAND Channels Straighten(Reg stored, Reg alpha) {
           straighten(k.high, Vector::HalvesHigh16<0>(quotients), Vector::HalvesHigh16<1>(quotients))};
 }
 
-LMX_EXPAND bool AnyExceeds(const Channels& straight) {
+LMX_ALWAYS_INLINE bool AnyExceeds(const Channels& straight) {
   return !Vector::IsZero(Vector::And(Vector::Or(straight.low, straight.high), Vector::Set16(0xFF00)));
 }
 
-struct ContextForm : plain::ContextForm {
+struct ContextForm {
+  static constexpr PixelForm kForm = kContextForm;
   static constexpr uint32_t kAlpha = 0xFF;
 
-  LMX_EXPAND static bool AllOpaque(Reg stored) { return Vector::HasBits(stored, Vector::Set32(kAlpha)); }
+  LMX_ALWAYS_INLINE static bool AllOpaque(Reg stored) { return Vector::HasBits(stored, Vector::Set32(kAlpha)); }
 
   // False, and nothing done, when a colour exceeds its alpha.
-  LMX_EXPAND static bool Read(Reg stored, Reg* working) {
+  LMX_ALWAYS_INLINE static bool Read(Reg stored, Reg* working) {
     if (AllOpaque(stored)) {
       *working = Vector::SwapBytes(stored);
       return true;
@@ -153,7 +154,7 @@ struct ContextForm : plain::ContextForm {
     return true;
   }
 
-  LMX_EXPAND static Reg Write(Reg working) {
+  LMX_ALWAYS_INLINE static Reg Write(Reg working) {
     if (Vector::HasBits(working, Vector::Set32(0xFF000000))) return Vector::SwapBytes(working);
     if (Vector::IsZero(Vector::And(working, Vector::Set32(0xFF000000)))) return Vector::Zero();
     const auto premultiply = [](Reg k) {
@@ -168,8 +169,9 @@ struct ContextForm : plain::ContextForm {
 
 // ------------------------------------------------------------------------------------------------------- buffer form
 
-struct BufferForm : plain::BufferForm {
-  LMX_EXPAND static bool Read(Reg stored, Reg* working) {
+struct BufferForm {
+  static constexpr PixelForm kForm = kBufferForm;
+  LMX_ALWAYS_INLINE static bool Read(Reg stored, Reg* working) {
     const Reg transparency = Vector::And(stored, Vector::Set32(0xFF000000));
     const Reg alpha = Vector::Sub32(Vector::Set32(0xFF000000), Vector::Left32<1>(transparency));
     const Reg clear = Vector::Equal32(transparency, Vector::Set32(0x7F000000));
@@ -177,7 +179,7 @@ struct BufferForm : plain::BufferForm {
     return true;
   }
 
-  LMX_EXPAND static Reg Write(Reg working) {
+  LMX_ALWAYS_INLINE static Reg Write(Reg working) {
     const Reg halved = Vector::And(Vector::Right32<1>(working), Vector::Set32(0x7F000000));
     const Reg word = Vector::Or(halved, Vector::And(working, Vector::Set32(0xFFFFFF)));
     return Vector::Xor(word, Vector::Set32(0x7F000000));
@@ -186,9 +188,10 @@ struct BufferForm : plain::BufferForm {
 
 // The form of working pixels, so that reading and writing are transformations, too. No register of them is refused, so
 // that none is ever read alone.
-struct WorkingForm : plain::WorkingForm {
-  LMX_EXPAND static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
-  LMX_EXPAND static Reg Write(Reg working) { return working; }
+struct WorkingForm {
+  static constexpr PixelForm kForm = kWorkingForm;
+  LMX_ALWAYS_INLINE static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
+  LMX_ALWAYS_INLINE static Reg Write(Reg working) { return working; }
 };
 
 // -------------------------------------------------------------------------------------------------------- conversions
@@ -197,7 +200,7 @@ struct WorkingForm : plain::WorkingForm {
 template <class From, class To>
 struct Conversion {
   static constexpr bool kOpaqueStays = false;
-  LMX_EXPAND static bool Wide(Reg in, Reg* out) {
+  LMX_ALWAYS_INLINE static bool Wide(Reg in, Reg* out) {
     Reg working;
     if (!From::Read(in, &working)) return false;
     *out = To::Write(working);
@@ -209,7 +212,7 @@ struct Conversion {
 template <>
 struct Conversion<ContextForm, ContextForm> {
   static constexpr bool kOpaqueStays = true;
-  LMX_EXPAND static bool Wide(Reg in, Reg* out) {
+  LMX_ALWAYS_INLINE static bool Wide(Reg in, Reg* out) {
     const Reg alpha = Vector::And(in, Vector::Set32(0xFF));
     if (ContextForm::AllOpaque(in)) return *out = in, true;
     if (Vector::IsZero(alpha)) return *out = Vector::Zero(), true;
@@ -231,12 +234,14 @@ struct Conversion<ContextForm, ContextForm> {
 template <>
 struct Conversion<BufferForm, BufferForm> {
   static constexpr bool kOpaqueStays = false;
-  LMX_EXPAND static bool Wide(Reg in, Reg* out) { return *out = Vector::And(in, Vector::Set32(0x7FFFFFFF)), true; }
+  LMX_ALWAYS_INLINE static bool Wide(Reg in, Reg* out) {
+    return *out = Vector::And(in, Vector::Set32(0x7FFFFFFF)), true;
+  }
 };
 
 template <class From, class To, class Stores = Temporal>
 void Copy(uint8_t* to, const uint8_t* from, size_t n) {
-  InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg out;
     if (Conversion<From, To>::Wide(pixels.Load(from + 4 * i), &out)) return pixels.Store(to + 4 * i, out);
     plain::Copy<From, To>(to + 4 * i, from + 4 * i, pixels.count);
@@ -245,7 +250,7 @@ void Copy(uint8_t* to, const uint8_t* from, size_t n) {
 
 template <class From, class To, class Stores = Temporal>
 void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
-  InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+  InSteps<Stores>(to, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg out;
     const uint8_t* const part = from + 4 * (n - i - pixels.count);
     const Reg in = pixels.Reverse(pixels.Load(part));
@@ -256,7 +261,7 @@ void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
 
 // Converts a square's rows; false when a pixel takes the plain path. Opaque context pixels take one test for all.
 template <class From, class To>
-LMX_EXPAND bool ConvertSquare(Reg* square) {
+LMX_ALWAYS_INLINE bool ConvertSquare(Reg* square) {
   if constexpr (Conversion<From, To>::kOpaqueStays) {
     Reg all = square[0];
     for (size_t i = 1; i < kWide; ++i) all = Vector::And(all, square[i]);
@@ -268,7 +273,7 @@ LMX_EXPAND bool ConvertSquare(Reg* square) {
 }
 
 template <>
-LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
+LMX_ALWAYS_INLINE bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
   Reg all = square[0];
   for (size_t i = 1; i < kWide; ++i) all = Vector::And(all, square[i]);
   if (ContextForm::AllOpaque(all)) {
@@ -282,7 +287,7 @@ LMX_EXPAND bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
 
 // A square of a transposition.
 template <class From, class To>
-LMX_EXPAND void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
+LMX_ALWAYS_INLINE void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
   for (size_t i = 0; i < kWide; ++i) square[i] = Vector::Load(from[r + i] + 4 * c);
   if (!ConvertSquare<From, To>(square)) return plain::TransposePart<From, To>(to, from, kWide, kWide, r, c);
@@ -338,8 +343,8 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
 
 // Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.
 template <class From, class To, class Stores, class Change>
-LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
-  InSteps<Stores, Change::kRegs>(to, n, [&](size_t i, const auto& pixels) LMX_EXPANDED {
+LMX_ALWAYS_INLINE void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
+  InSteps<Stores, Change::kRegs>(to, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg working[Change::kRegs];
     bool isWide = true;
     for (size_t r = 0; r < Change::kRegs; ++r) {
@@ -350,7 +355,7 @@ LMX_EXPAND void Transform(uint8_t* to, const uint8_t* from, const Change& change
       for (size_t r = 0; r < Change::kRegs; ++r) pixels.Store(to + 4 * i, To::Write(working[r]), r);
       return;
     }
-    const auto one = [&change](uint32_t pixel) LMX_EXPANDED { return change.One(pixel); };
+    const auto one = [&change](uint32_t pixel) LMX_INLINE_LAMBDA { return change.One(pixel); };
     plain::ChangeEach<From, To>(to + 4 * i, from + 4 * i, one, pixels.count);
   });
 }

@@ -7,7 +7,7 @@
 
 namespace golden {
 
-using definition::Form;
+using model::Form;
 
 namespace {
 
@@ -41,15 +41,14 @@ const char* NameOf(Subject subject) {
   return "";
 }
 
-definition::StoredPicture Draw(Subject subject, Form form, int width, int height) {
-  definition::StoredPicture picture(form, width, height);
+model::StoredPicture Draw(Subject subject, Form form, int width, int height) {
+  model::StoredPicture picture(form, width, height);
   Random random(2011);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const std::uint32_t colour = subject == Subject::Grey ? random.Below(256) * 0x010101 : Slopes(x, y, random);
       const std::uint32_t alpha = subject == Subject::Soft ? DiscAlpha(x, y, width, height) : 255;
-      picture.Word(x, y) =
-          subject == Subject::Wild ? random.Word() : definition::WritePixel(form, alpha << 24 | colour);
+      picture.Word(x, y) = subject == Subject::Wild ? random.Word() : model::WritePixel(form, alpha << 24 | colour);
     }
   }
   return picture;

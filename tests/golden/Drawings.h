@@ -1,7 +1,7 @@
 // Small pictures drawn by arithmetic on integers, the same everywhere. The hashes depend on every bit of them.
 #pragma once
 
-#include "support/Definition.h"
+#include "support/Model.h"
 
 namespace golden {
 
@@ -14,6 +14,6 @@ enum class Subject {
 
 const char* NameOf(Subject subject);
 
-definition::StoredPicture Draw(Subject subject, definition::Form form, int width, int height);
+model::StoredPicture Draw(Subject subject, model::Form form, int width, int height);
 
 }  // namespace golden

@@ -5,15 +5,15 @@
 
 namespace golden {
 
-using definition::Form;
-using definition::HsvChange;
-using definition::MakePicture;
-using definition::Outcome;
-using definition::Rectangle;
-using definition::RgbChange;
-using definition::StoredPicture;
 using host::Colour;
 using host::Value;
+using model::Form;
+using model::HsvChange;
+using model::MakePicture;
+using model::Outcome;
+using model::Rectangle;
+using model::RgbChange;
+using model::StoredPicture;
 
 namespace {
 
@@ -26,9 +26,9 @@ struct Call {
   support::MethodCall method;
 };
 
-using Definition = std::function<Outcome(const StoredPicture*, const MakePicture&)>;
+using Model = std::function<Outcome(const StoredPicture*, const MakePicture&)>;
 
-Call Make(const std::string& method, const std::string& name, std::vector<Value> arguments, Definition define) {
+Call Make(const std::string& method, const std::string& name, std::vector<Value> arguments, Model define) {
   return {method + ":" + name, {method, true, std::move(arguments), std::move(define)}};
 }
 
@@ -49,7 +49,7 @@ void AddFlipsAndTurns(std::vector<Call>& calls) {
         const std::string name = std::to_string(rotation) + (flipH ? "h" : "") + (flipV ? "v" : "");
         calls.push_back(Make("FlipRotate", name, {flipH, flipV, rotation, 50},
                              [=](const StoredPicture* source, const MakePicture& make) {
-                               return definition::FlipRotate(source, flipH, flipV, rotation, 50, make);
+                               return model::FlipRotate(source, flipH, flipV, rotation, 50, make);
                              }));
       }
     }
@@ -70,10 +70,10 @@ void AddShears(std::vector<Call>& calls) {
     const std::string name = Words({1.0 * c.width, 1.0 * c.height, c.shear}) + frame;
     const std::vector<Value> arguments = {c.width, c.height, c.shear, Colour{c.frame}, 70};
     calls.push_back(Make("ShearHorizontal", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return definition::ShearHorizontal(source, c.width, c.height, c.shear, c.frame, 70, make);
+      return model::ShearHorizontal(source, c.width, c.height, c.shear, c.frame, 70, make);
     }));
     calls.push_back(Make("ShearVertical", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return definition::ShearVertical(source, c.width, c.height, c.shear, c.frame, 70, make);
+      return model::ShearVertical(source, c.width, c.height, c.shear, c.frame, 70, make);
     }));
   }
 }
@@ -82,7 +82,7 @@ void AddFreeRotations(std::vector<Call>& calls) {
   for (const double angle : {0.0, 1.5, 30.0, 44.999, 45.0, 90.0, 133.3, 200.0, 271.0, 359.9}) {
     calls.push_back(Make("FreeRotateByShear", Words({angle}), {angle, Colour{0x00FFFFFF}, 100},
                          [=](const StoredPicture* source, const MakePicture& make) {
-                           return definition::FreeRotateByShear(source, angle, 0x00FFFFFF, 100, make);
+                           return model::FreeRotateByShear(source, angle, 0x00FFFFFF, 100, make);
                          }));
   }
 }
@@ -94,7 +94,7 @@ void AddStretches(std::vector<Call>& calls) {
   for (const auto& c : cases) {
     calls.push_back(Make("Stretch", Words({1.0 * c.width, 1.0 * c.height}), {c.width, c.height, 60},
                          [=](const StoredPicture* source, const MakePicture& make) {
-                           return definition::Stretch(source, c.width, c.height, 60, make);
+                           return model::Stretch(source, c.width, c.height, 60, make);
                          }));
   }
 }
@@ -108,7 +108,7 @@ void AddTrims(std::vector<Call>& calls) {
        {Rectangle{0, 0, 23, 17}, Rectangle{3, 2, 10, 12}, Rectangle{-4, 5, 40, 20}, Rectangle{50, 0, 3, 3}}) {
     calls.push_back(Make("Trim", Words(r), {r.left, r.top, r.width, r.height, Colour{0x00A0B0C0}, 10},
                          [=](const StoredPicture* source, const MakePicture& make) {
-                           return definition::Trim(source, r, 0x00A0B0C0, 10, make);
+                           return model::Trim(source, r, 0x00A0B0C0, 10, make);
                          }));
   }
 }
@@ -128,10 +128,10 @@ void AddHsvCalls(std::vector<Call>& calls) {
         r.left,          r.top, r.width, r.height, change.hueDegrees, change.saturationFactor, change.brightnessFactor,
         change.negative, 40};
     calls.push_back(Make("AdjustHSV", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return definition::AdjustHsv(source, r, change, 40, make);
+      return model::AdjustHsv(source, r, change, 40, make);
     }));
     calls.push_back(Make("AdjustHSV_InPlace", name, arguments, [=](const StoredPicture* source, const MakePicture&) {
-      return definition::AdjustHsvInPlace(source, r, change, 40);
+      return model::AdjustHsvInPlace(source, r, change, 40);
     }));
   }
 }
@@ -144,10 +144,10 @@ void AddRgbCalls(std::vector<Call>& calls) {
     const std::string name = Words(r) + ";" + Words({1.0 * change.red, 1.0 * change.green, 1.0 * change.blue});
     const std::vector<Value> arguments = {r.left, r.top, r.width, r.height, change.red, change.green, change.blue, 40};
     calls.push_back(Make("AdjustRGB", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return definition::AdjustRgb(source, r, change, 40, make);
+      return model::AdjustRgb(source, r, change, 40, make);
     }));
     calls.push_back(Make("AdjustRGB_InPlace", name, arguments, [=](const StoredPicture* source, const MakePicture&) {
-      return definition::AdjustRgbInPlace(source, r, change, 40);
+      return model::AdjustRgbInPlace(source, r, change, 40);
     }));
   }
 }
@@ -156,10 +156,10 @@ void AddAverages(std::vector<Call>& calls) {
   for (const Rectangle r : kSelections) {
     calls.push_back(
         Make("GetAverageHSV", Words(r), {r.left, r.top, r.width, r.height, 0.0, 0.0, 0.0, 40},
-             [=](const StoredPicture* source, const MakePicture&) { return definition::AverageHsv(source, r, 40); }));
+             [=](const StoredPicture* source, const MakePicture&) { return model::AverageHsv(source, r, 40); }));
     calls.push_back(
         Make("GetAverageRGB", Words(r), {r.left, r.top, r.width, r.height, 0, 0, 0, 40},
-             [=](const StoredPicture* source, const MakePicture&) { return definition::AverageRgb(source, r, 40); }));
+             [=](const StoredPicture* source, const MakePicture&) { return model::AverageRgb(source, r, 40); }));
   }
 }
 
@@ -173,11 +173,11 @@ void AddGradients(std::vector<Call>& calls) {
       const std::uint32_t first = k[0], second = k[1], third = k[2];
       Call simple = Make("MakeGradient", name, {5, height, Colour{first}, Colour{second}, 12},
                          [=](const StoredPicture*, const MakePicture& make) {
-                           return definition::MakeGradient(5, height, first, second, 12, make);
+                           return model::MakeGradient(5, height, first, second, 12, make);
                          });
       Call twofold = Make("MakeDoubleGradient", name, {5, height, Colour{first}, Colour{second}, Colour{third}, 12},
                           [=](const StoredPicture*, const MakePicture& make) {
-                            return definition::MakeDoubleGradient(5, height, first, second, third, 12, make);
+                            return model::MakeDoubleGradient(5, height, first, second, third, 12, make);
                           });
       simple.method.hasSource = twofold.method.hasSource = false;
       calls.push_back(std::move(simple));

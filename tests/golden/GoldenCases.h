@@ -1,4 +1,4 @@
-// The calls whose whole results are kept as hashes, and their results by the plug-in and by the plain definition.
+// The calls whose whole results are kept as hashes, and their results by the plug-in and by the reference model.
 #pragma once
 
 #include <string>
@@ -12,17 +12,17 @@ namespace golden {
 struct Case {
   std::string name;  ///< method, pictures, arguments; one word
   support::MethodCall call;
-  std::optional<definition::StoredPicture> source;
-  definition::Form newPictures;  ///< the storage form of everything that the method makes
+  std::optional<model::StoredPicture> source;
+  model::Form newPictures;  ///< the storage form of everything that the method makes
 };
 
 /// All of them, method by method.
 std::vector<Case> Cases();
 
 /// What a case gives, in one line: code, number of yields, and the picture's size and hash or the averages (doubles as
-/// their bits). By the plug-in that the host has loaded, and by the definition.
+/// their bits). By the plug-in that the host has loaded, and by the model.
 std::string ResultOfPlugin(host::Host& host, const Case& c);
-std::string ResultByDefinition(const Case& c);
+std::string ResultByModel(const Case& c);
 
 /// The lines of the file of hashes, each "<name> <result>".
 struct Line {

@@ -20,11 +20,11 @@ std::string TextOf(const host::Value& value) {
   return text;
 }
 
-const char* NameOf(definition::Form form) {
-  return form == definition::Form::Buffer ? "buffer" : "context";
+const char* NameOf(model::Form form) {
+  return form == model::Form::Buffer ? "buffer" : "context";
 }
 
-std::string TextOf(const definition::StoredPicture& picture) {
+std::string TextOf(const model::StoredPicture& picture) {
   std::string words;
   for (const std::uint32_t word : picture.words) {
     char text[12];

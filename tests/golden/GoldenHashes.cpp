@@ -1,4 +1,4 @@
-// Writes the file of hashes to standard output, unless the plug-in and the plain definition disagree anywhere.
+// Writes the file of hashes to standard output, unless the plug-in and the reference model disagree anywhere.
 #include <cstdio>
 #include <exception>
 
@@ -15,10 +15,10 @@ bool WriteHashes() {
   bool agreed = true;
   for (const golden::Case& c : golden::Cases()) {
     const std::string result = golden::ResultOfPlugin(host, c);
-    const std::string defined = golden::ResultByDefinition(c);
+    const std::string defined = golden::ResultByModel(c);
     std::printf("%s %s\n", c.name.c_str(), result.c_str());
     if (result == defined) continue;
-    std::fprintf(stderr, "%s\n  plug-in     %s\n  definition  %s\n", c.name.c_str(), result.c_str(), defined.c_str());
+    std::fprintf(stderr, "%s\n  plug-in     %s\n  model       %s\n", c.name.c_str(), result.c_str(), defined.c_str());
     agreed = false;
   }
   return agreed;

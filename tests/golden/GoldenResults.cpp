@@ -12,10 +12,10 @@
 
 namespace golden {
 
-using definition::Outcome;
-using definition::StoredPicture;
 using host::Picture;
 using host::Value;
+using model::Outcome;
+using model::StoredPicture;
 
 namespace {
 
@@ -89,7 +89,7 @@ std::string ResultOfPlugin(host::Host& host, const Case& c) {
   return TextOf(code, yields, TextOf(outcome, *host.FindMethod(c.call.name), source));
 }
 
-std::string ResultByDefinition(const Case& c) {
+std::string ResultByModel(const Case& c) {
   const Outcome outcome = c.call.define(c.source ? &*c.source : nullptr, [&](std::size_t, int width, int height) {
     return StoredPicture(c.newPictures, width, height, host::kUnwritten);
   });

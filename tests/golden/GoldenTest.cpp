@@ -1,5 +1,5 @@
 // Whole results against their hashes in hashes.txt, which are the same for every ABI, compiler and instruction set, and
-// against the plain definition, so that a hash is never the plug-in's word alone. scripts/golden writes the file anew.
+// against the reference model, so that a hash is never the plug-in's word alone. scripts/golden writes the file anew.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -43,11 +43,11 @@ TEST_P(Golden, HashesAreThoseOfTheFile) {
   }
 }
 
-TEST_P(Golden, HashesAreThoseOfTheDefinition) {
+TEST_P(Golden, HashesAreThoseOfTheModel) {
   std::map<std::string, std::string> hashes = Hashes();
   for (const Case& c : golden::Cases()) {
     if (MethodOf(c.name) != GetParam()) continue;
-    EXPECT_EQ(golden::ResultByDefinition(c), hashes[c.name]) << c.name << ": definition, file";
+    EXPECT_EQ(golden::ResultByModel(c), hashes[c.name]) << c.name << ": model, file";
   }
 }
 

@@ -1,5 +1,5 @@
 // The guards of pixel memory stop the process: at both ends of the pixels, of every scattered row,
-// of the row table, behind pictures that are not locked and pictures that may only be read.
+// of the row table; round pictures that are not locked and pictures that may only be read.
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Every kernel of every level against the definition of one pixel: all small widths, all
+// Every kernel of every level against the pixel functions: all small widths, all
 // misalignments, in place where the contract allows it, between guards.
 //
 // A failure names the case. LMX_KERNEL_CASE="<the text between quotes>" runs this one alone, in the
@@ -103,7 +103,7 @@ std::vector<std::tuple<std::string, std::size_t>> LevelsAndKernels() {
 
 class Kernel : public testing::TestWithParam<std::tuple<std::string, std::size_t>> {};
 
-TEST_P(Kernel, EqualsItsDefinition) {
+TEST_P(Kernel, EqualsThePixelFunctions) {
   const auto& [level, index] = GetParam();
   if (!RunsHere(level)) GTEST_SKIP() << "this processor has no " << level;
   const KernelCase& kernel = KernelCases()[index];

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "kernels/LMX_Pixel.h"
-#include "support/Definition.h"
+#include "support/Model.h"
 
 namespace {
 
@@ -46,13 +46,13 @@ std::uint32_t FromHSV(const HSV& hsv) {
 }
 
 HSV PlainToHSV(std::uint32_t pixel) {
-  const definition::Hsv hsv = definition::HsvFromPixel(pixel);
+  const model::Hsv hsv = model::HsvFromPixel(pixel);
   return {hsv.hue, hsv.saturation, hsv.value, hsv.alpha};
 }
 
 std::uint32_t PlainFromHSV(const HSV& hsv) {
-  return definition::PixelFromHsv({static_cast<std::int32_t>(hsv[0]), static_cast<std::int32_t>(hsv[1]),
-                                   static_cast<std::int32_t>(hsv[2]), static_cast<std::int32_t>(hsv[3])});
+  return model::PixelFromHsv({static_cast<std::int32_t>(hsv[0]), static_cast<std::int32_t>(hsv[1]),
+                              static_cast<std::int32_t>(hsv[2]), static_cast<std::int32_t>(hsv[3])});
 }
 
 // ----------------------------------------------------------------------------------- stored pixels

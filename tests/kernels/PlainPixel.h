@@ -1,4 +1,4 @@
-// What the kernels do to one pixel, on top of the definition of the methods: channel by channel in
+// What the kernels do to one pixel, on top of the reference model: channel by channel in
 // 64-bit signed arithmetic, without a thought of speed.
 #pragma once
 
@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdint>
 
-#include "support/Definition.h"
+#include "support/Model.h"
 
 namespace plain {
 
@@ -24,14 +24,14 @@ inline std::uint32_t Join(const Channels& k) {
 /// The scales are 1024 times a whole number.
 inline std::uint32_t AdjustHSV(std::uint32_t pixel, std::int64_t shift, std::int64_t saturationScale,
                                std::int64_t valueScale) {
-  definition::Hsv hsv = definition::HsvFromPixel(pixel);
+  model::Hsv hsv = model::HsvFromPixel(pixel);
   std::int64_t hue = hsv.hue + shift;
   if (hue < 0) hue += 6144;
   if (hue > 6143) hue -= 6144;
   hsv.hue = static_cast<std::int32_t>(hue);
   hsv.saturation = static_cast<std::int32_t>(std::min<std::int64_t>(hsv.saturation * saturationScale / 1024, 1023));
   hsv.value = static_cast<std::int32_t>(std::min<std::int64_t>(hsv.value * valueScale / 1024, 255));
-  return definition::PixelFromHsv(hsv);
+  return model::PixelFromHsv(hsv);
 }
 
 inline std::uint32_t AdjustRGB(std::uint32_t pixel, std::int64_t red, std::int64_t green, std::int64_t blue) {

@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "SparseFixture.h"
-#include "support/Definition.h"
+#include "support/Model.h"
 
 namespace {
 
@@ -119,15 +119,15 @@ TEST_F(Huge, Adjustments) {
   const auto changedBy = [this](auto define) {
     const lazy::Picture& source = source_.lazy;
     return lazy::Picture{source.width, source.height, [&source, define](std::int64_t x, std::int64_t y) {
-                           definition::StoredPicture pixel(definition::Form::BitmapContext, 1, 1, source.word(x, y));
+                           model::StoredPicture pixel(model::Form::BitmapContext, 1, 1, source.word(x, y));
                            return x == 0 || y == 0 ? pixel.words[0] : define(pixel).changed->words[0];
                          }};
   };
-  const auto rgb = changedBy([](const definition::StoredPicture& pixel) {
-    return definition::AdjustRgbInPlace(&pixel, {0, 0, 0, 0}, {30, -40, 50}, 0);
+  const auto rgb = changedBy([](const model::StoredPicture& pixel) {
+    return model::AdjustRgbInPlace(&pixel, {0, 0, 0, 0}, {30, -40, 50}, 0);
   });
-  const auto hsv = changedBy([](const definition::StoredPicture& pixel) {
-    return definition::AdjustHsvInPlace(&pixel, {0, 0, 0, 0}, {123.0, 2.0, 1.0, false}, 0);
+  const auto hsv = changedBy([](const model::StoredPicture& pixel) {
+    return model::AdjustHsvInPlace(&pixel, {0, 0, 0, 0}, {123.0, 2.0, 1.0, false}, 0);
   });
   CheckRows(Make("AdjustRGB", {source_.picture, 1, 1, kSide, kSide, 30, -40, 50, 0}), rgb, kStep);
   CheckRows(Make("AdjustHSV", {source_.picture, 1, 1, kSide, kSide, 123.0, 2.0, 1.0, false, 0}), hsv, kStep);
@@ -171,17 +171,17 @@ TEST_F(Huge, Gradients) {
   if (!sparse::HasMemory(GibibytesOf(kSide, kSide))) GTEST_SKIP() << "not enough memory";
   const std::uint32_t a = 0x00FF2040, b = 0x4010C0FF, c = 0xC0FFFFFF;
   const auto make = [](std::size_t, int width, int height) {
-    return definition::StoredPicture(definition::Form::BitmapContext, width, height);
+    return model::StoredPicture(model::Form::BitmapContext, width, height);
   };
-  const auto column = [](const definition::Outcome& narrow) {
+  const auto column = [](const model::Outcome& narrow) {
     return lazy::Picture{kSide, kSide, [words = narrow.made[0].words](std::int64_t, std::int64_t y) {
                            return words[static_cast<std::size_t>(y)];
                          }};
   };
   CheckRows(Make("MakeGradient", {kSide, kSide, Colour{a}, Colour{b}, 0}),
-            column(definition::MakeGradient(1, kSide, a, b, 0, make)), kStep);
+            column(model::MakeGradient(1, kSide, a, b, 0, make)), kStep);
   CheckRows(Make("MakeDoubleGradient", {kSide, kSide, Colour{a}, Colour{b}, Colour{c}, 0}),
-            column(definition::MakeDoubleGradient(1, kSide, a, b, c, 0, make)), kStep);
+            column(model::MakeDoubleGradient(1, kSide, a, b, c, 0, make)), kStep);
 }
 
 }  // namespace

@@ -5,13 +5,13 @@
 #include <cstdlib>
 #include <tuple>
 
-#include "support/Definition.h"
+#include "support/Model.h"
 #include "support/ReferenceFunctions.h"
 
 namespace lazy {
 namespace {
 
-constexpr auto kForm = definition::Form::BitmapContext;
+constexpr auto kForm = model::Form::BitmapContext;
 
 std::uint32_t Channel(std::uint32_t pixel, int shift) {
   return pixel >> shift & 0xFF;
@@ -25,7 +25,7 @@ std::uint32_t MapChannels(Mix mix) {
 }
 
 std::uint32_t Converted(std::uint32_t word) {
-  return definition::WritePixel(kForm, definition::ReadPixel(kForm, word));
+  return model::WritePixel(kForm, model::ReadPixel(kForm, word));
 }
 
 Picture Transposed(const Picture& source) {
@@ -65,8 +65,8 @@ struct Coverage {
 Picture StretchedHorizontally(const Picture& source, int width) {
   const Coverage coverage(source.width, width);
   return {width, source.height, [source, coverage](std::int64_t x, std::int64_t y) {
-            const auto read = [&](std::int64_t j) { return definition::ReadPixel(kForm, source.word(j, y)); };
-            return definition::WritePixel(kForm, coverage.Mean(x, read));
+            const auto read = [&](std::int64_t j) { return model::ReadPixel(kForm, source.word(j, y)); };
+            return model::WritePixel(kForm, coverage.Mean(x, read));
           }};
 }
 
@@ -94,28 +94,28 @@ Picture ShearedHorizontally(const Picture& source, int width, int height, double
   const std::int64_t cropped = height < H ? (H - height) / 2 : 0;
   const std::int64_t start = (width - natural) / 2 * 65536 + (step > 0 ? H * step : 0);
   const std::uint32_t frame = frameColour ^ 0xFF000000;
-  return {width, height, [=](std::int64_t x, std::int64_t y) {
-            const std::int64_t r = cropped + y - margin;
-            const std::int64_t offset = start - step * r;
-            const std::int64_t whole = FloorDivided(offset, 65536);
-            const std::int64_t i = x - whole;
-            const auto f = static_cast<std::uint32_t>(offset - whole * 65536);
-            if (r < 0 || r >= H || i < 0 || i > W || (i == W && f == 0)) return definition::WritePixel(kForm, frame);
-            const auto read = [&](std::int64_t j) { return definition::ReadPixel(kForm, source.word(j, r)); };
-            const auto beside = [&](std::uint32_t image) { return frame >> 24 == 255 ? image | 0xFF000000 : frame; };
-            const std::uint32_t pixel = read(std::min(i, W - 1));
-            if (i == W) {  // the last one's share in the edge
-              return definition::WritePixel(
-                  kForm, MapChannels([&](int shift) {
-                    return (Channel(pixel, shift) * f + Channel(beside(pixel), shift) * (65535 - f)) >> 16;
-                  }));
-            }
-            const std::uint32_t before = i > 0 ? read(i - 1) : beside(pixel);
-            return definition::WritePixel(kForm, MapChannels([&](int shift) {
-                                            return (Channel(before, shift) * f + Channel(pixel, shift) * (65535 - f)) /
-                                                   65535;
-                                          }));
-          }};
+  return {
+      width, height, [=](std::int64_t x, std::int64_t y) {
+        const std::int64_t r = cropped + y - margin;
+        const std::int64_t offset = start - step * r;
+        const std::int64_t whole = FloorDivided(offset, 65536);
+        const std::int64_t i = x - whole;
+        const auto f = static_cast<std::uint32_t>(offset - whole * 65536);
+        if (r < 0 || r >= H || i < 0 || i > W || (i == W && f == 0)) return model::WritePixel(kForm, frame);
+        const auto read = [&](std::int64_t j) { return model::ReadPixel(kForm, source.word(j, r)); };
+        const auto beside = [&](std::uint32_t image) { return frame >> 24 == 255 ? image | 0xFF000000 : frame; };
+        const std::uint32_t pixel = read(std::min(i, W - 1));
+        if (i == W) {  // the last one's share in the edge
+          return model::WritePixel(kForm, MapChannels([&](int shift) {
+                                     return (Channel(pixel, shift) * f + Channel(beside(pixel), shift) * (65535 - f)) >>
+                                            16;
+                                   }));
+        }
+        const std::uint32_t before = i > 0 ? read(i - 1) : beside(pixel);
+        return model::WritePixel(kForm, MapChannels([&](int shift) {
+                                   return (Channel(before, shift) * f + Channel(pixel, shift) * (65535 - f)) / 65535;
+                                 }));
+      }};
 }
 
 Picture ShearedVertically(const Picture& source, int width, int height, double shear, std::uint32_t frameColour) {

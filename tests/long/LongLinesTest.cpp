@@ -7,9 +7,9 @@
 
 namespace {
 
-using definition::Form;
 using host::Colour;
 using host::Value;
+using model::Form;
 
 struct Shape {
   int width;
@@ -33,11 +33,11 @@ class LongLines : public support::PluginTest, public testing::WithParamInterface
     arguments.emplace_back(yield);
     support::Setting setting;
     setting.mostPixels = 1 << 23;
-    setting.newPictures.assign(4, support::NewPicture{GetParam().form, {}, definition::Fault::None, 0});
+    setting.newPictures.assign(4, support::NewPicture{GetParam().form, {}, model::Fault::None, 0});
     Random random(static_cast<std::uint64_t>(W()));
     if (method->hasSource) setting.source = support::RandomPicture(random, GetParam().form, W(), H());
     CheckCall({method->name, method->hasSource, arguments,
-               [&](const definition::StoredPicture* source, const definition::MakePicture& make) {
+               [&](const model::StoredPicture* source, const model::MakePicture& make) {
                  return method->define(source, arguments, make);
                }},
               setting);

@@ -2,16 +2,16 @@
 // 32 bits, in pixels and in bytes. Each test takes what the method needs of the source, as a small
 // picture, to the reference model.
 #include "SparseFixture.h"
-#include "support/Definition.h"
+#include "support/Model.h"
 #include "support/Pictures.h"
 
 namespace {
 
-using definition::Rectangle;
-using definition::StoredPicture;
 using host::Colour;
 using host::Storage;
 using host::Value;
+using model::Rectangle;
+using model::StoredPicture;
 
 constexpr int kRows = 3;  // of each band
 
@@ -90,8 +90,8 @@ TEST_P(Sparse, Averages) {
     const Rectangle all = {0, 0, part.width, part.height};
     const auto rgb = host_.Call("GetAverageRGB", {source_.picture, x, y, W(), kRows - 1, 0, 0, 0, 1}).arguments;
     const auto hsv = host_.Call("GetAverageHSV", {source_.picture, x, y, W(), kRows - 1, 0.0, 0.0, 0.0, 1}).arguments;
-    const definition::Outcome expectedRgb = definition::AverageRgb(&part, all, 1);
-    const definition::Outcome expectedHsv = definition::AverageHsv(&part, all, 1);
+    const model::Outcome expectedRgb = model::AverageRgb(&part, all, 1);
+    const model::Outcome expectedHsv = model::AverageHsv(&part, all, 1);
     for (std::size_t i = 0; i < 3; ++i) {
       EXPECT_EQ(rgb[5 + i].AsInteger(), (*expectedRgb.meanRgb)[i]);
       EXPECT_EQ(hsv[5 + i].AsDouble(), (*expectedHsv.meanHsv)[i]);
@@ -102,7 +102,7 @@ TEST_P(Sparse, Averages) {
 TEST_P(Sparse, AdjustRGBInPlace) {
   ForEachBand([&](int x, int y) {
     const StoredPicture before = Cut(0, y, W() - 1, y + kRows - 1);
-    const StoredPicture want = *definition::AdjustRgbInPlace(&before, {x, 1, W(), 0}, {100, -100, 50}, 0).changed;
+    const StoredPicture want = *model::AdjustRgbInPlace(&before, {x, 1, W(), 0}, {100, -100, 50}, 0).changed;
     host_.Call("AdjustRGB_InPlace", {source_.picture, x, y + 1, W(), 0, 100, -100, 50, 0});
     EXPECT_EQ(LastError(), 0);
     for (int row = 0; row < kRows; ++row) {

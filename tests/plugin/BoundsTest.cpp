@@ -5,16 +5,16 @@
 #include <regex>
 #include <sstream>
 
-#include "DefinitionTest.h"
 #include "MethodVariants.h"
+#include "ModelTest.h"
 #include "support/Bounds.h"
 
 namespace {
 
-using definition::Form;
-using definition::MakePicture;
-using definition::StoredPicture;
 using host::Colour;
+using model::Form;
+using model::MakePicture;
+using model::StoredPicture;
 using support::LengthsAt;
 using support::LengthsAtBounds;
 using support::Setting;
@@ -122,7 +122,7 @@ class BoundsTest : public support::PluginTest {
                true,
                {to.width, to.height, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::Stretch(source, to.width, to.height, yield, make);
+                 return model::Stretch(source, to.width, to.height, yield, make);
                }},
               setting);
   }

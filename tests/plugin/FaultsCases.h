@@ -27,7 +27,7 @@ struct Failure {
 
 struct MethodCase {
   std::string name;
-  std::vector<host::Value> arguments;  ///< behind the source, and before `yield`
+  std::vector<host::Value> arguments;  ///< after the source, and before `yield`
   bool hasSource = true;
   bool inPlace = false;
   std::vector<Role> made;  ///< new pictures, in order

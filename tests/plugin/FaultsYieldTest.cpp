@@ -157,7 +157,7 @@ TEST_F(FaultsYield, EveryMethodRunsInsideItselfOnTheSamePicture) {
   });
 }
 
-// Both add 1: rows before the yield by the outer call first, rows behind it by the inner one.
+// Both add 1: rows before the yield by the outer call first, rows after it by the inner one.
 TEST_F(FaultsYield, ChangesInPlaceAddUp) {
   for (const Storage storage : {Storage::BitmapContext, Storage::Buffer}) {
     host::Picture source({6, 5, storage, {}, {}});

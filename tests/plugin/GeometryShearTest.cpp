@@ -91,7 +91,7 @@ TEST_P(GeometryShear, CroppedLinesStillCountForTheOffset) {
 }
 
 TEST_P(GeometryShear, LargeResultsHaveFrameAllAround) {
-  // 2 x 2 at -1 is 4 wide: one column before, two behind; one row above, two below.
+  // 2 x 2 at -1 is 4 wide: one column before, two after; one row above, two below.
   CheckNumbers(2, 2, -1.0, 7, 5, {0, 0, 0, 0, 0, 0, 0,  //
                                   0, 1, 2, 0, 0, 0, 0,  //
                                   0, 0, 3, 4, 0, 0, 0,  //
@@ -99,7 +99,7 @@ TEST_P(GeometryShear, LargeResultsHaveFrameAllAround) {
                                   0, 0, 0, 0, 0, 0, 0});
 }
 
-// A row of red and green, half a pixel to the right, with one column before it and one behind.
+// A row of red and green, half a pixel to the right, with one column before it and one after.
 constexpr std::uint32_t kRed = 0xFFFF0000;
 constexpr std::uint32_t kGreen = 0xFF00FF00;
 
@@ -168,7 +168,7 @@ TEST_P(GeometryShear, AnEdgeThatReachesTheResultIsBlendedAndOneFurtherAwayIsNot)
 TEST_P(GeometryShear, TheStepIsRoundedDown) {
   // A third of 65536 is 21845 and a bit; minus a third, rounded down, is -21846.
   const Words white = {Stored(GetParam().source, 0xFFFFFFFF)};
-  // 255 * 43690 / 65535 is 170; behind it 255 * 21845 >> 16 is 84.
+  // 255 * 43690 / 65535 is 170; after it 255 * 21845 >> 16 is 84.
   Check(1, 1, white, 1.0 / 3, kClearFrame, 2, 1, {White(170), White(84)});
   // In the second row: 255 * 43689 / 65535 is 169, and 255 * 21846 >> 16 is 85.
   Check(1, 2, {white[0], white[0]}, -1.0 / 3, kClearFrame, 2, 2, {White(255), White(0), White(169), White(85)});

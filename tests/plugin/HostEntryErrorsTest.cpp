@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/Host.h"
-#include "support/Definition.h"
+#include "support/Model.h"
 #include "support/PluginTest.h"
 
 namespace {
@@ -32,7 +32,7 @@ TEST_F(HostEntryErrors, StartWithNone) {
 }
 
 TEST_F(HostEntryErrors, EveryCodeHasItsMessage) {
-  for (int code = -1; code <= 52; ++code) EXPECT_EQ(Message(code), definition::ErrorMessage(code)) << code;
+  for (int code = -1; code <= 52; ++code) EXPECT_EQ(Message(code), model::ErrorMessage(code)) << code;
 }
 
 TEST_F(HostEntryErrors, EveryOtherCodeIsUnknown) {

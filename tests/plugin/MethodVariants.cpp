@@ -144,7 +144,7 @@ MethodCall CallOf(const Variant& variant, Size size, Colour frame, int yield) {
   std::vector<Value> arguments = variant.arguments(size, frame);
   arguments.emplace_back(yield);
   return {method.name, method.hasSource, arguments,
-          [&method, arguments](const definition::StoredPicture* source, const definition::MakePicture& make) {
+          [&method, arguments](const model::StoredPicture* source, const model::MakePicture& make) {
             return method.define(source, arguments, make);
           }};
 }

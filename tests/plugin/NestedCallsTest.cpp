@@ -1,20 +1,20 @@
-// Calls from inside a yield of another call, to any depth: both must give what the definition gives, also where they
+// Calls from inside a yield of another call, to any depth: both must give what the reference model gives, also where they
 // share a picture, and where an exception leaves some of them.
 #include <algorithm>
 #include <map>
 #include <stdexcept>
 
-#include "DefinitionTest.h"
+#include "ModelTest.h"
 #include "support/MethodTable.h"
 
 namespace {
 
-using definition::Form;
-using definition::Outcome;
-using definition::StoredPicture;
 using host::Colour;
 using host::Picture;
 using host::Value;
+using model::Form;
+using model::Outcome;
+using model::StoredPicture;
 using support::FromHost;
 using support::Method;
 using support::NewPicture;
@@ -68,7 +68,7 @@ const std::vector<Value>& ArgumentsOf(const Method& method) {
 
 Setting NewPicturesOf(Form form) {
   Setting setting;
-  setting.newPictures.assign(4, NewPicture{form, {}, definition::Fault::None, 0});
+  setting.newPictures.assign(4, NewPicture{form, {}, model::Fault::None, 0});
   return setting;
 }
 
@@ -90,7 +90,7 @@ class NestedCalls : public testing::Test {
     for (const host::LiveObject& leak : host_.Leaks()) EXPECT_EQ(leak.locks, 0);
   }
 
-  // Calls a method on a picture of the host and compares everything with the definition. What it yields to may call
+  // Calls a method on a picture of the host and compares everything with the reference model. What it yields to may call
   // this again.
   void Check(const Method& method, const std::vector<Value>& arguments, Setting setting, Picture source,
              const AtYield& atYield = nullptr) {
@@ -163,7 +163,7 @@ class NestedCalls : public testing::Test {
 
   // A result that was begun is nobody's any more; in place, the lines that were done are done.
   void CheckLeft(const Outcome& expected, const Level& level, const Picture& source) {
-    const definition::Yield& last = expected.yields.at(static_cast<std::size_t>(level.yields - 1));
+    const model::Yield& last = expected.yields.at(static_cast<std::size_t>(level.yields - 1));
     if (expected.result != 0) {
       lost_ += static_cast<std::size_t>(std::count(last.alive.begin(), last.alive.end(), expected.result));
     }
@@ -208,10 +208,10 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
     int code;
     const char* name;
     std::vector<Value> arguments;  // without the pace of yields, of which these calls make none
-    definition::Fault source = definition::Fault::None;
+    model::Fault source = model::Fault::None;
     std::size_t made = 0;  // the new picture that is unusable
   };
-  constexpr auto kUnusable = definition::Fault::UnusableType;
+  constexpr auto kUnusable = model::Fault::UnusableType;
   const std::vector<Value>& hsv = ArgumentsOf(MethodOf("LMX_AdjustHSV"));
   const std::vector<Value>& rgb = ArgumentsOf(MethodOf("LMX_AdjustRGB"));
   const auto with = [](std::vector<Value> arguments, std::size_t index, const Value& value) {
@@ -221,8 +221,8 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
   const Failing failing[] = {
       {2, "LMX_Stretch", {5, 5}},  // of nil
       {4, "LMX_Stretch", {5, 5}, kUnusable},
-      {5, "LMX_Stretch", {5, 5}, definition::Fault::None, 2},
-      {6, "LMX_FlipRotate", {true, false, 90}, definition::Fault::None, 1},
+      {5, "LMX_Stretch", {5, 5}, model::Fault::None, 2},
+      {6, "LMX_FlipRotate", {true, false, 90}, model::Fault::None, 1},
       {31, "LMX_FlipRotate", {true, false, 360}},
       {33, "LMX_ShearVertical", {8, 12, 1.5, Colour{0}}},
       {34, "LMX_Stretch", {0, 5}},
@@ -308,9 +308,9 @@ TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
       Setting setting = NewPicturesOf(form);
       const Outcome plain = outer->define(outer->hasSource ? &source : nullptr, EveryLine(*outer), NewValues(setting));
       if (plain.yields.empty()) continue;
-      const definition::Yield& yield = plain.yields[plain.yields.size() / 2];
+      const model::Yield& yield = plain.yields[plain.yields.size() / 2];
       const StoredPicture& made = plain.made[0];
-      const StoredPicture changed = *definition::AdjustRgbInPlace(&made, {0, 0, 100, 100}, {40, -50, 60}, 0).changed;
+      const StoredPicture changed = *model::AdjustRgbInPlace(&made, {0, 0, 100, 100}, {40, -50, 60}, 0).changed;
 
       host_.newPictures.change = support::NewShapes(setting);
       host_.ResetCounts();
@@ -327,9 +327,9 @@ TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
       StoredPicture want = made;
       for (int y = 0; y < want.height; ++y) {
         for (int x = 0; x < want.width; ++x) {
-          const int line = yield.order == definition::Order::LeftRight  ? x
-                           : yield.order == definition::Order::BottomUp ? want.height - 1 - y
-                                                                        : y;
+          const int line = yield.order == model::Order::LeftRight  ? x
+                           : yield.order == model::Order::BottomUp ? want.height - 1 - y
+                                                                   : y;
           if (line < yield.linesDone) want.Word(x, y) = changed.Word(x, y);
         }
       }
@@ -354,7 +354,7 @@ class NestedChains : public NestedCalls {
     const Method& method = *methods_[random.Below(static_cast<std::uint32_t>(methods_.size()))];
     const Form form = support::RandomForm(random);
     Setting setting = support::RandomNewPictures(random);
-    for (NewPicture& plan : setting.newPictures) plan.fault = definition::Fault::None;
+    for (NewPicture& plan : setting.newPictures) plan.fault = model::Fault::None;
     Picture source;
     if (method.hasSource) {
       setting.source = support::RandomPicture(random, form, random.Between(8, 90), random.Between(8, 90));

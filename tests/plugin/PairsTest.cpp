@@ -2,15 +2,15 @@
 // the result lie in memory; compared with the reference model. Bugs live where two of these meet.
 #include <climits>
 
-#include "DefinitionTest.h"
 #include "MethodVariants.h"
+#include "ModelTest.h"
 #include "support/CoveringArray.h"
 
 namespace {
 
-using definition::Form;
-using definition::StoredPicture;
 using host::Colour;
+using model::Form;
+using model::StoredPicture;
 using support::CallOf;
 using support::MissingRow;
 using support::NewPicture;

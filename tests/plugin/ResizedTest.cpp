@@ -2,13 +2,13 @@
 // taller or lower, by one or by half. The call goes on with what it got, and asks the host for the same in the same order.
 #include <map>
 
-#include "DefinitionTest.h"
 #include "MethodVariants.h"
+#include "ModelTest.h"
 
 namespace {
 
-using definition::Form;
 using host::Colour;
+using model::Form;
 using support::NewPicture;
 using support::Resized;
 using support::Setting;
@@ -57,7 +57,7 @@ TEST_P(ResizedTest, NewPicturesOfAnotherSize) {
   for (const Size size : kSizes) {
     for (const Form form : {Form::BitmapContext, Form::Buffer}) {
       const Size source = variant.source(size);
-      const definition::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
+      const model::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
       Setting setting;
       if (method.hasSource) setting.source = picture;
       setting.newPictures.assign(4, NewPicture{});

@@ -34,7 +34,7 @@ struct Expression {
 /// Words, numbers, texts with their quotes, colours and signs. A comment (// or ') ends the line.
 std::vector<std::string> Tokens(std::string_view line);
 
-/// Reads tokens from `place` on, and moves it behind the expression. Throws ProgramError.
+/// Reads tokens from `place` on, and moves it after the expression. Throws ProgramError.
 Expression ParseExpression(const std::vector<std::string>& tokens, std::size_t& place);
 
 }  // namespace programs

@@ -410,18 +410,18 @@ void ExpectRuns(const TestPicture& picture, std::int32_t x, const Rows& rows, co
 
 TEST_F(RunsTest, FindsGroups) {
   ForGroups([](const TestPicture& picture, std::int32_t x) {
-    std::uint32_t spare[kCount * kRun];
+    std::uint32_t scratch[kCount * kRun];
     const std::uint8_t* runs[kCount];
     for (const std::int32_t step : {1, -1}) {
       const Rows rows = RowsInSteps(step);
-      StoredRuns({*picture.wrapper, x, rows[0]}, step, kRun, kCount, spare, runs);
+      StoredRuns({*picture.wrapper, x, rows[0]}, step, kRun, kCount, scratch, runs);
       ExpectRuns(picture, x, rows, runs);
 
       ColumnWalk walk = WalkFor(*picture.wrapper, step);
       const Rows walked = RowsOf(walk);
       std::int32_t done = 0;
       for (const std::int32_t count : kGroups) {
-        StoredRuns(walk, x, kRun, count, spare + done * kRun, runs + done);
+        StoredRuns(walk, x, kRun, count, scratch + done * kRun, runs + done);
         done += count;
       }
       ExpectRuns(picture, x, walked, runs);
@@ -477,15 +477,15 @@ TEST_F(RunsTest, FillsGroups) {
 
 TEST_F(RunsTest, WritesGroups) {
   ForGroups([](const TestPicture& picture, std::int32_t x) {
-    std::uint32_t spare[kCount * kRun] = {};
+    std::uint32_t scratch[kCount * kRun] = {};
     std::uint8_t* runs[kCount];
     for (const std::int32_t step : {1, -1}) {
       std::vector<std::uint32_t> before = PixelsOf(picture);
       const Rows rows = RowsInSteps(step);
       const PixelPosition at = {*picture.wrapper, x, rows[0]};
-      RoomForRuns(at, step, kRun, kCount, spare, runs);
+      RoomForRuns(at, step, kRun, kCount, scratch, runs);
       WriteRuns(*picture.wrapper, 0, kCount, runs);
-      PutRuns(at, step, kRun, kCount, spare, runs);
+      PutRuns(at, step, kRun, kCount, scratch, runs);
       ExpectWritten(picture, before, x, rows);
 
       before = PixelsOf(picture);
@@ -493,9 +493,9 @@ TEST_F(RunsTest, WritesGroups) {
       const Rows walked = RowsOf(walk);
       std::int32_t done = 0;
       for (const std::int32_t count : kGroups) {
-        RoomForRuns(walk, x, kRun, count, spare, runs);
+        RoomForRuns(walk, x, kRun, count, scratch, runs);
         WriteRuns(*picture.wrapper, done, count, runs);
-        PutRuns(walk, x, kRun, count, spare, runs);
+        PutRuns(walk, x, kRun, count, scratch, runs);
         done += count;
       }
       ExpectWritten(picture, before, x, walked);

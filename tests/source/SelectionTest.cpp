@@ -1,4 +1,4 @@
-// The rectangle of the colour methods, against its definition written out.
+// The rectangle of the colour methods, against its rules written out.
 #include "LMX_Selection.h"
 
 #include <gtest/gtest.h>

@@ -180,7 +180,7 @@ void HideOuterRows(fake::Context& picture) {
   picture.context.height -= 2;
 }
 
-// A result that is longer than the source has rows, by one pixel behind a whole tile: what it finds there.
+// A result that is longer than the source has rows, by one pixel after a whole tile: what it finds there.
 template <class Picture>
 void CheckTurnBeyondTheSource(std::uint32_t opaque, const std::function<std::uint32_t(std::uint32_t last)>& beyond) {
   constexpr int kRows = 65;
@@ -432,7 +432,7 @@ TEST_F(WorkersTest, GradientsFillThePictureWhateverTheSizeGiven) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------- behind the entries
+// ------------------------------------------------------------------------------------------------- called by the entries
 
 TEST_F(WorkersTest, BodiesLockTheirSource) {
   REALpictureStruct unusable = {"source", 9, nullptr};

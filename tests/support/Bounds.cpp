@@ -52,7 +52,7 @@ const std::vector<Bound>& Bounds() {
       Length("kChunk", "512", 512),
       Length("kMost", "static_cast<std::int32_t>(kMostBoxRuns) + kTile", 96),
       Length("kMostSums", "kTile", 64),
-      {"kSpare", "kTile * kTile", Widths(64 * 64, 64)},
+      {"kScratch", "kTile * kTile", Widths(64 * 64, 64)},
       Length("kMostBoxRuns", "32", 32),
       Length("kBoxSumsStep", "16", 16),
       Length("kStep", "static_cast<std::int32_t>(kBoxSumsStep)", 16),

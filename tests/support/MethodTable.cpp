@@ -3,70 +3,70 @@
 namespace support {
 namespace {
 
-using definition::MakePicture;
-using definition::Outcome;
-using definition::Rectangle;
-using definition::StoredPicture;
+using model::MakePicture;
+using model::Outcome;
+using model::Rectangle;
+using model::StoredPicture;
 using Arguments = std::vector<host::Value>;
 
 Rectangle RectangleOf(const Arguments& a) {
   return {a[0].AsInteger(), a[1].AsInteger(), a[2].AsInteger(), a[3].AsInteger()};
 }
 
-definition::HsvChange HsvChangeOf(const Arguments& a) {
+model::HsvChange HsvChangeOf(const Arguments& a) {
   return {a[4].AsDouble(), a[5].AsDouble(), a[6].AsDouble(), a[7].AsBooleanByte()};
 }
 
-definition::RgbChange RgbChangeOf(const Arguments& a) {
+model::RgbChange RgbChangeOf(const Arguments& a) {
   return {a[4].AsInteger(), a[5].AsInteger(), a[6].AsInteger()};
 }
 
 Outcome AdjustHsv(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::AdjustHsv(source, RectangleOf(a), HsvChangeOf(a), a[8].AsInteger(), make);
+  return model::AdjustHsv(source, RectangleOf(a), HsvChangeOf(a), a[8].AsInteger(), make);
 }
 Outcome AdjustHsvInPlace(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return definition::AdjustHsvInPlace(source, RectangleOf(a), HsvChangeOf(a), a[8].AsInteger());
+  return model::AdjustHsvInPlace(source, RectangleOf(a), HsvChangeOf(a), a[8].AsInteger());
 }
 Outcome AverageHsv(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return definition::AverageHsv(source, RectangleOf(a), a[7].AsInteger());
+  return model::AverageHsv(source, RectangleOf(a), a[7].AsInteger());
 }
 Outcome AdjustRgb(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::AdjustRgb(source, RectangleOf(a), RgbChangeOf(a), a[7].AsInteger(), make);
+  return model::AdjustRgb(source, RectangleOf(a), RgbChangeOf(a), a[7].AsInteger(), make);
 }
 Outcome AdjustRgbInPlace(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return definition::AdjustRgbInPlace(source, RectangleOf(a), RgbChangeOf(a), a[7].AsInteger());
+  return model::AdjustRgbInPlace(source, RectangleOf(a), RgbChangeOf(a), a[7].AsInteger());
 }
 Outcome AverageRgb(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return definition::AverageRgb(source, RectangleOf(a), a[7].AsInteger());
+  return model::AverageRgb(source, RectangleOf(a), a[7].AsInteger());
 }
 Outcome FlipRotate(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::FlipRotate(source, a[0].AsBooleanByte(), a[1].AsBooleanByte(), a[2].AsInteger(), a[3].AsInteger(),
-                                make);
+  return model::FlipRotate(source, a[0].AsBooleanByte(), a[1].AsBooleanByte(), a[2].AsInteger(), a[3].AsInteger(),
+                           make);
 }
 Outcome FreeRotateByShear(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::FreeRotateByShear(source, a[0].AsDouble(), a[1].AsColour().value, a[2].AsInteger(), make);
+  return model::FreeRotateByShear(source, a[0].AsDouble(), a[1].AsColour().value, a[2].AsInteger(), make);
 }
 Outcome MakeGradient(const StoredPicture*, const Arguments& a, const MakePicture& make) {
-  return definition::MakeGradient(a[0].AsInteger(), a[1].AsInteger(), a[2].AsColour().value, a[3].AsColour().value,
-                                  a[4].AsInteger(), make);
+  return model::MakeGradient(a[0].AsInteger(), a[1].AsInteger(), a[2].AsColour().value, a[3].AsColour().value,
+                             a[4].AsInteger(), make);
 }
 Outcome MakeDoubleGradient(const StoredPicture*, const Arguments& a, const MakePicture& make) {
-  return definition::MakeDoubleGradient(a[0].AsInteger(), a[1].AsInteger(), a[2].AsColour().value,
-                                        a[3].AsColour().value, a[4].AsColour().value, a[5].AsInteger(), make);
+  return model::MakeDoubleGradient(a[0].AsInteger(), a[1].AsInteger(), a[2].AsColour().value, a[3].AsColour().value,
+                                   a[4].AsColour().value, a[5].AsInteger(), make);
 }
 Outcome ShearHorizontal(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::ShearHorizontal(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsDouble(), a[3].AsColour().value,
-                                     a[4].AsInteger(), make);
+  return model::ShearHorizontal(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsDouble(), a[3].AsColour().value,
+                                a[4].AsInteger(), make);
 }
 Outcome ShearVertical(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::ShearVertical(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsDouble(), a[3].AsColour().value,
-                                   a[4].AsInteger(), make);
+  return model::ShearVertical(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsDouble(), a[3].AsColour().value,
+                              a[4].AsInteger(), make);
 }
 Outcome Stretch(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::Stretch(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsInteger(), make);
+  return model::Stretch(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsInteger(), make);
 }
 Outcome Trim(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return definition::Trim(source, RectangleOf(a), a[4].AsColour().value, a[5].AsInteger(), make);
+  return model::Trim(source, RectangleOf(a), a[4].AsColour().value, a[5].AsInteger(), make);
 }
 
 }  // namespace

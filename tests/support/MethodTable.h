@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Definition.h"
+#include "Model.h"
 #include "host/Value.h"
 
 namespace support {
@@ -12,13 +12,13 @@ namespace support {
 struct Method {
   const char* name;
   bool hasSource;
-  /// One letter for each argument behind the source: integer, double, boolean, colour; I and D are ByRef.
+  /// One letter for each argument after the source: integer, double, boolean, colour; I and D are ByRef.
   const char* types;
   /// Which of its new pictures is returned, counted from 1; 0: none.
   std::size_t result;
   /// Nil for the two methods that tell the last error, which take no picture and make none.
-  definition::Outcome (*define)(const definition::StoredPicture* source, const std::vector<host::Value>& arguments,
-                                const definition::MakePicture& make);
+  model::Outcome (*define)(const model::StoredPicture* source, const std::vector<host::Value>& arguments,
+                           const model::MakePicture& make);
 
   bool InPlace() const;
 };

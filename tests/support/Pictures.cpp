@@ -6,9 +6,9 @@
 
 namespace support {
 
-using definition::Fault;
-using definition::Form;
-using definition::StoredPicture;
+using model::Fault;
+using model::Form;
+using model::StoredPicture;
 
 namespace {
 

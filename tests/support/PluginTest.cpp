@@ -11,14 +11,14 @@
 
 namespace support {
 
-using definition::Fault;
-using definition::Form;
-using definition::MakePicture;
-using definition::Order;
-using definition::Outcome;
-using definition::StoredPicture;
 using host::Picture;
 using host::Value;
+using model::Fault;
+using model::Form;
+using model::MakePicture;
+using model::Order;
+using model::Outcome;
+using model::StoredPicture;
 
 namespace {
 
@@ -103,14 +103,14 @@ bool SameDouble(double a, double b) {
   return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
 }
 
-bool IsDone(const definition::Yield& yield, const StoredPicture& picture, int x, int y) {
+bool IsDone(const model::Yield& yield, const StoredPicture& picture, int x, int y) {
   if (yield.order == Order::LeftRight) return x < yield.linesDone;
   const int line = yield.order == Order::BottomUp ? picture.height - 1 - y : y;
   return line < yield.linesDone;
 }
 
 // Whether the lines that are done at a yield are as in `after`, and the others as in `before`.
-std::string Progress(const definition::Yield& yield, const StoredPicture& before, const StoredPicture& after,
+std::string Progress(const model::Yield& yield, const StoredPicture& before, const StoredPicture& after,
                      const StoredPicture& now) {
   if (now.words.size() != after.words.size()) return Difference(after, now);
   std::size_t i = 0;
@@ -127,7 +127,7 @@ std::string Progress(const definition::Yield& yield, const StoredPicture& before
 
 void CheckMeans(const Outcome& expected, const std::vector<Value>& before, const std::vector<Value>& after) {
   for (std::size_t i = 0; i < before.size(); ++i) {
-    const std::size_t mean = i - 5;  // behind the source and the rectangle
+    const std::size_t mean = i - 5;  // after the source and the rectangle
     const std::string which = "argument " + std::to_string(i);
     const bool isMean = i >= 5 && mean < 3 && !before[i].IsNil();
     if (isMean && expected.meanHsv) {
@@ -257,13 +257,13 @@ class PluginTest::Watch {
     const std::size_t index = seen_++;
     if (index >= expected_.yields.size() || testing::Test::HasFailure()) return;
     if (index % stride_ != 0 && index + 1 != expected_.yields.size()) return;
-    const definition::Yield& yield = expected_.yields[index];
+    const model::Yield& yield = expected_.yields[index];
     EXPECT_EQ(test_.LastError(), expected_.code) << "during a yield";
     std::vector<std::size_t> alive;
     for (const auto& [number, picture] : LiveNewPictures(test_.host_)) {
       alive.push_back(number);
       if (number == expected_.result) {
-        definition::Yield progress = yield;
+        model::Yield progress = yield;
         if (number != yield.writing) progress.linesDone = 0;
         CheckProgress(index, progress, picture, Unwritten(number), expected_.made[number - 1]);
       } else {  // nobody but the plug-in sees it: what it holds is free
@@ -279,7 +279,7 @@ class PluginTest::Watch {
     return StoredPicture(made.form, made.width, made.height, host::kUnwritten);
   }
 
-  static void CheckProgress(std::size_t index, const definition::Yield& yield, const Picture& picture,
+  static void CheckProgress(std::size_t index, const model::Yield& yield, const Picture& picture,
                             const StoredPicture& before, const StoredPicture& after) {
     EXPECT_EQ(Progress(yield, before, after, FromHost(picture)), "")
         << "at yield " << index + 1 << ", with " << yield.linesDone << " lines done of picture " << yield.writing;

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "Definition.h"
+#include "Model.h"
 #include "host/Host.h"
 
 namespace support {
@@ -45,9 +45,9 @@ enum class Resized {
 
 /// One new picture that the host will make.
 struct NewPicture {
-  definition::Form form = definition::Form::BitmapContext;
+  model::Form form = model::Form::BitmapContext;
   host::Layout layout = {};
-  definition::Fault fault = definition::Fault::None;
+  model::Fault fault = model::Fault::None;
   unsigned variant = 0;  ///< see DefectsFor
   MissingRow missing = MissingRow::None;
   Resized resized = Resized::No;
@@ -55,29 +55,28 @@ struct NewPicture {
 
 /// What surrounds a call of a method.
 struct Setting {
-  std::optional<definition::StoredPicture> source;  ///< nothing: nil, or a method without a source
-  host::Layout layout = {};                         ///< of the source
-  unsigned variant = 0;                             ///< of the source's fault
-  std::vector<NewPicture> newPictures;              ///< in order; more are like the default
-  std::int64_t mostPixels = 1 << 17;                ///< for a larger new picture the host has no memory
+  std::optional<model::StoredPicture> source;  ///< nothing: nil, or a method without a source
+  host::Layout layout = {};                    ///< of the source
+  unsigned variant = 0;                        ///< of the source's fault
+  std::vector<NewPicture> newPictures;         ///< in order; more are like the default
+  std::int64_t mostPixels = 1 << 17;           ///< for a larger new picture the host has no memory
 };
 
 /// What the host makes in that setting, which must outlive them: as values, and as the host is told (host::NewPictures).
-definition::MakePicture NewValues(const Setting& setting);
+model::MakePicture NewValues(const Setting& setting);
 std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Setting& setting);
 
-/// A method with arguments, for the plug-in and for the definition.
+/// A method with arguments, for the plug-in and for the model.
 struct MethodCall {
   std::string name;
   bool hasSource = true;
-  std::vector<host::Value> arguments;  ///< behind the source
-  std::function<definition::Outcome(const definition::StoredPicture* source, const definition::MakePicture& make)>
-      define;
+  std::vector<host::Value> arguments;  ///< after the source
+  std::function<model::Outcome(const model::StoredPicture* source, const model::MakePicture& make)> define;
 };
 
-/// Compares what a call gave with the definition: the result, the values, and the source afterwards. `before` are the
+/// Compares what a call gave with the model: the result, the values, and the source afterwards. `before` are the
 /// arguments as they were passed, the source included.
-void CheckResults(const definition::Outcome& expected, const Setting& setting, const std::vector<host::Value>& before,
+void CheckResults(const model::Outcome& expected, const Setting& setting, const std::vector<host::Value>& before,
                   const Called& called);
 
 class PluginTest : public testing::Test {
@@ -89,7 +88,7 @@ class PluginTest : public testing::Test {
   /// caller's, and `lost` new pictures are left without an owner.
   Called Run(const std::string& name, const std::vector<host::Value>& arguments, int lost = 0);
 
-  /// Does the same and compares everything with the definition: result, code, values, the changed source, every
+  /// Does the same and compares everything with the model: result, code, values, the changed source, every
   /// yield, what is complete and what is untouched at each yield, and which new pictures exist then.
   void CheckCall(const MethodCall& call, const Setting& setting);
 

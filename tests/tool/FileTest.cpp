@@ -244,7 +244,7 @@ TEST_F(HostileFileTest, ClaimsOfHugeSizes) {
   ExpectRefused(Hostile(Claiming(0, 5)), "damaged");
 }
 
-// The decoder would write such a table behind its own.
+// The decoder would write such a table past the end of its own.
 const Bytes kOversizedTable = {0xFF, 0xC4, 0x00, 0x13, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
                                0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
@@ -258,11 +258,11 @@ TEST_F(HostileFileTest, OversizedTablesOfAJpeg) {
   const char* why = "a table has more than 256 codes";
   const std::size_t scan = Jpeg(OpaqueImage(19, 11)).size() - 40;
   ExpectRefused(Hostile(JpegWith(kOversizedTable, 2)), why);     // the first segment
-  ExpectRefused(Hostile(JpegWith(kOversizedTable, 20)), why);    // behind the first one
+  ExpectRefused(Hostile(JpegWith(kOversizedTable, 20)), why);    // after the first one
   ExpectRefused(Hostile(JpegWith(kOversizedTable, scan)), why);  // between scans
   Bytes padded = {0, 0};
   padded.insert(padded.end(), kOversizedTable.begin(), kOversizedTable.end());
-  ExpectRefused(Hostile(JpegWith(padded, 20)), why);  // behind bytes that belong to no segment
+  ExpectRefused(Hostile(JpegWith(padded, 20)), why);  // after bytes that belong to no segment
 }
 
 // What programs keep in a JPEG can look like anything.

@@ -243,9 +243,9 @@ TEST_F(PngDamageTest, DataThatMeanNothing) {
   EXPECT_EQ(reason(Small(8, 6).Chunk("tRNS", {1, 2})), "its transparency does not suit its colours");
   EXPECT_EQ(reason(Small().Chunk("CgBI", {})), "it has a part CgBI, which is unknown");
   EXPECT_EQ(reason(Maker().Chunk("tEXt", Bytes(20, 1))), "it does not begin with a header");
-  Maker behind = Small(8, 3);
-  behind.Chunk("PLTE", {1, 2, 3}).Chunk("IDAT", packed).Chunk("tRNS", {1}).Chunk("IEND", {});
-  EXPECT_EQ(Reason(behind.bytes), "it has colours behind its pixels");
+  Maker after = Small(8, 3);
+  after.Chunk("PLTE", {1, 2, 3}).Chunk("IDAT", packed).Chunk("tRNS", {1}).Chunk("IEND", {});
+  EXPECT_EQ(Reason(after.bytes), "it has colours after its pixels");
 }
 
 TEST_F(PngDamageTest, AnyBitOfWhatIsUsed) {

@@ -1,9 +1,9 @@
 // What the definitions of the methods have in common. Not for tests.
 #pragma once
 
-#include "Definition.h"
+#include "Model.h"
 
-namespace definition {
+namespace model {
 
 std::uint32_t Alpha(std::uint32_t pixel);
 std::uint32_t Red(std::uint32_t pixel);
@@ -64,4 +64,4 @@ class Pass {
 void FlipRotatePass(const StoredPicture& source, StoredPicture& result, bool flipH, bool flipV, int quarter,
                     Outcome& outcome, int yield, std::size_t writing);
 
-}  // namespace definition
+}  // namespace model

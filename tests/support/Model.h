@@ -15,7 +15,7 @@
 #include <set>
 #include <vector>
 
-namespace definition {
+namespace model {
 
 enum class Form {
   BitmapContext,  ///< words are 0xAARRGGBB, premultiplied
@@ -136,4 +136,4 @@ struct Hsv {
 Hsv HsvFromPixel(std::uint32_t pixel);
 std::uint32_t PixelFromHsv(const Hsv& hsv);
 
-}  // namespace definition
+}  // namespace model

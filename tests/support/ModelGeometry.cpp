@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "DefinitionParts.h"
+#include "ModelParts.h"
 
-namespace definition {
+namespace model {
 namespace {
 
 // A picture seen as lines: its rows, or its columns.
@@ -173,4 +173,4 @@ Outcome Trim(const StoredPicture* source, const Rectangle& area, std::uint32_t f
   return outcome;
 }
 
-}  // namespace definition
+}  // namespace model

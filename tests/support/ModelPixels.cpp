@@ -5,9 +5,9 @@
 #include <limits>
 #include <stdexcept>
 
-#include "DefinitionParts.h"
+#include "ModelParts.h"
 
-namespace definition {
+namespace model {
 
 std::uint32_t ReadPixel(Form form, std::uint32_t word) {
   if (form == Form::Buffer) {
@@ -145,4 +145,4 @@ void Pass::YieldAfterLine(int line, int pixels) {
   counter_ += pixels;
 }
 
-}  // namespace definition
+}  // namespace model

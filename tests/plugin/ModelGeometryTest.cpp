@@ -1,15 +1,15 @@
-// The geometric methods against their plain definition, on random pictures with random arguments.
+// The geometric methods against the reference model, on random pictures with random arguments.
 
 #include <cmath>
 
-#include "DefinitionTest.h"
+#include "ModelTest.h"
 
 namespace {
 
-using definition::MakePicture;
-using definition::Rectangle;
-using definition::StoredPicture;
 using host::Colour;
+using model::MakePicture;
+using model::Rectangle;
+using model::StoredPicture;
 using support::AnyDouble;
 using support::AnyInteger;
 using support::AwkwardAngle;
@@ -22,7 +22,7 @@ using support::RandomNear;
 using support::RandomYield;
 using support::Setting;
 
-class DefinitionGeometry : public support::PluginTest {};
+class ModelGeometry : public support::PluginTest {};
 
 int Width(const Setting& setting) {
   return setting.source ? setting.source->width : 0;
@@ -32,7 +32,7 @@ int Height(const Setting& setting) {
   return setting.source ? setting.source->height : 0;
 }
 
-TEST_F(DefinitionGeometry, FlipRotate) {
+TEST_F(ModelGeometry, FlipRotate) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const std::uint8_t flipH = support::AnyBooleanByte(random);
@@ -43,7 +43,7 @@ TEST_F(DefinitionGeometry, FlipRotate) {
                true,
                {host::BooleanByte{flipH}, host::BooleanByte{flipV}, rotation, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::FlipRotate(source, flipH, flipV, rotation, yield, make);
+                 return model::FlipRotate(source, flipH, flipV, rotation, yield, make);
                }},
               setting);
   });
@@ -73,32 +73,32 @@ MethodCall RandomShearCall(Random& random, const Setting& setting, const char* n
           }};
 }
 
-TEST_F(DefinitionGeometry, ShearHorizontal) {
+TEST_F(ModelGeometry, ShearHorizontal) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
-    CheckCall(RandomShearCall(random, setting, "ShearHorizontal", definition::ShearHorizontal), setting);
+    CheckCall(RandomShearCall(random, setting, "ShearHorizontal", model::ShearHorizontal), setting);
   });
 }
 
-TEST_F(DefinitionGeometry, ShearVertical) {
+TEST_F(ModelGeometry, ShearVertical) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
-    CheckCall(RandomShearCall(random, setting, "ShearVertical", definition::ShearVertical), setting);
+    CheckCall(RandomShearCall(random, setting, "ShearVertical", model::ShearVertical), setting);
   });
 }
 
 // Displacements by tenths and hundredths that add up to whole pixels, or to just less.
-TEST_F(DefinitionGeometry, ShearsByWholePixelsInAll) {
+TEST_F(ModelGeometry, ShearsByWholePixelsInAll) {
   Random random(1);
   const auto check = [&](int lines, double shear) {
     const int natural = static_cast<int>(std::lround(1 + lines * std::fabs(shear)));
     for (const bool isHorizontal : {true, false}) {
       Setting setting = support::RandomNewPictures(random);
-      for (support::NewPicture& plan : setting.newPictures) plan.fault = definition::Fault::None;
+      for (support::NewPicture& plan : setting.newPictures) plan.fault = model::Fault::None;
       setting.source = support::RandomPicture(random, support::RandomForm(random), isHorizontal ? 1 : lines,
                                               isHorizontal ? lines : 1);
       const int width = isHorizontal ? natural + 1 : lines, height = isHorizontal ? lines : natural + 1;
-      const auto define = isHorizontal ? definition::ShearHorizontal : definition::ShearVertical;
+      const auto define = isHorizontal ? model::ShearHorizontal : model::ShearVertical;
       CheckCall({isHorizontal ? "ShearHorizontal" : "ShearVertical",
                  true,
                  {width, height, shear, Colour{0x40306090}, 0},
@@ -121,7 +121,7 @@ TEST_F(DefinitionGeometry, ShearsByWholePixelsInAll) {
 
 // Sixteen columns together reach over as many rows as they can, in pictures that are higher than a block of rows and what is
 // fetched ahead of it.
-TEST_F(DefinitionGeometry, SteepShearsOfHighPictures) {
+TEST_F(ModelGeometry, SteepShearsOfHighPictures) {
   Random random(1);
   for (const double shear : {1.0, -1.0, 65535 / 65536.0, -65535 / 65536.0}) {
     for (const int width : {16, 37}) {
@@ -131,7 +131,7 @@ TEST_F(DefinitionGeometry, SteepShearsOfHighPictures) {
                  true,
                  {width, 240, shear, Colour{0x40306090}, 0},
                  [=](const StoredPicture* source, const MakePicture& make) {
-                   return definition::ShearVertical(source, width, 240, shear, 0x40306090, 0, make);
+                   return model::ShearVertical(source, width, 240, shear, 0x40306090, 0, make);
                  }},
                 setting);
     }
@@ -149,7 +149,7 @@ double RandomAngle(Random& random) {
   return 360 * Fraction(random);
 }
 
-TEST_F(DefinitionGeometry, FreeRotateByShear) {
+TEST_F(ModelGeometry, FreeRotateByShear) {
   ForEachCase(500, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const double rotation = RandomAngle(random);
@@ -159,13 +159,13 @@ TEST_F(DefinitionGeometry, FreeRotateByShear) {
                true,
                {rotation, Colour{frame}, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::FreeRotateByShear(source, rotation, frame, yield, make);
+                 return model::FreeRotateByShear(source, rotation, frame, yield, make);
                }},
               setting);
   });
 }
 
-TEST_F(DefinitionGeometry, Stretch) {
+TEST_F(ModelGeometry, Stretch) {
   ForEachCase(600, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const auto length = [&](int size) {
@@ -181,16 +181,16 @@ TEST_F(DefinitionGeometry, Stretch) {
                true,
                {width, height, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::Stretch(source, width, height, yield, make);
+                 return model::Stretch(source, width, height, yield, make);
                }},
               setting);
   });
 }
 
 // Higher than a band of rows, or so wide that a band has only a few.
-TEST_F(DefinitionGeometry, StretchInBands) {
+TEST_F(ModelGeometry, StretchInBands) {
   ForEachCase(24, [this](Random& random) {
-    const definition::Form form = support::RandomForm(random);
+    const model::Form form = support::RandomForm(random);
     const bool isWide = OneIn(random, 4);
     const int sourceWidth = isWide ? 4500 + random.Between(0, 900) : random.Between(60, 300);
     const int sourceHeight = isWide ? random.Between(60, 90) : random.Between(100, 400);
@@ -204,13 +204,13 @@ TEST_F(DefinitionGeometry, StretchInBands) {
                true,
                {width, height, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::Stretch(source, width, height, yield, make);
+                 return model::Stretch(source, width, height, yield, make);
                }},
               setting);
   });
 }
 
-TEST_F(DefinitionGeometry, Trim) {
+TEST_F(ModelGeometry, Trim) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle area = support::RandomRectangle(random, setting);
@@ -220,7 +220,7 @@ TEST_F(DefinitionGeometry, Trim) {
                true,
                {area.left, area.top, area.width, area.height, Colour{frame}, yield},
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::Trim(source, area, frame, yield, make);
+                 return model::Trim(source, area, frame, yield, make);
                }},
               setting);
   });

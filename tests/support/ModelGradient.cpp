@@ -1,8 +1,8 @@
 // Vertical gradients, and the texts of the error codes.
 
-#include "DefinitionParts.h"
+#include "ModelParts.h"
 
-namespace definition {
+namespace model {
 namespace {
 
 // One channel of colour P with weight tP and colour N with weight tN. Both products lose their fractions.
@@ -168,4 +168,4 @@ const char* ErrorMessage(int code) {
   }
 }
 
-}  // namespace definition
+}  // namespace model

@@ -1,10 +1,10 @@
-#include "DefinitionTest.h"
+#include "ModelTest.h"
 
 namespace support {
 
-using definition::Fault;
-using definition::Form;
-using definition::StoredPicture;
+using model::Fault;
+using model::Form;
+using model::StoredPicture;
 
 namespace {
 
@@ -66,7 +66,7 @@ std::int32_t RandomNear(Random& random, std::int32_t size) {
   return random.Between(-size - 3, 2 * size + 3);
 }
 
-definition::Rectangle RandomRectangle(Random& random, const Setting& setting) {
+model::Rectangle RandomRectangle(Random& random, const Setting& setting) {
   const int width = setting.source ? setting.source->width : 10;
   const int height = setting.source ? setting.source->height : 10;
   return {RandomNear(random, width), RandomNear(random, height), RandomNear(random, width), RandomNear(random, height)};

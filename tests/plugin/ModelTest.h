@@ -1,11 +1,11 @@
-// Random settings and arguments for the comparisons with the definition.
+// Random settings and arguments for the comparisons with the reference model.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "support/Cases.h"
-#include "support/Definition.h"
+#include "support/Model.h"
 #include "support/Pictures.h"
 #include "support/PluginTest.h"
 
@@ -20,7 +20,7 @@ std::int32_t RandomYield(Random& random, std::int32_t line);
 /// A position or size near 0 to `size`, or any integer.
 std::int32_t RandomNear(Random& random, std::int32_t size);
 /// A rectangle near a picture, or any.
-definition::Rectangle RandomRectangle(Random& random, const Setting& setting);
+model::Rectangle RandomRectangle(Random& random, const Setting& setting);
 /// Any colour, the opaque ones more often.
 std::uint32_t RandomColour(Random& random);
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "DefinitionParts.h"
+#include "ModelParts.h"
 
-namespace definition {
+namespace model {
 namespace {
 
 // The rectangle that is meant, both ends included.
@@ -278,4 +278,4 @@ Outcome AverageRgb(const StoredPicture* source, const Rectangle& selection, int 
   return outcome;
 }
 
-}  // namespace definition
+}  // namespace model

@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <limits>
 
-#include "DefinitionParts.h"
+#include "ModelParts.h"
 #include "ReferenceFunctions.h"
 
-namespace definition {
+namespace model {
 namespace {
 
 using Channels = std::array<std::uint32_t, 4>;  // alpha, red, green, blue
@@ -31,7 +31,7 @@ std::uint32_t Blend(const Channels& before, const Channels& current, std::uint32
   return Join(blended);
 }
 
-// The pixel behind the end of a line: the last pixel with weight f, the frame with the rest, by a shift.
+// The pixel after the end of a line: the last pixel with weight f, the frame with the rest, by a shift.
 std::uint32_t BlendEdge(const Channels& last, const Channels& frame, std::uint32_t f) {
   const bool opaqueFrame = frame[0] == 255;
   Channels blended;
@@ -254,4 +254,4 @@ Outcome FreeRotateByShear(const StoredPicture* source, double rotation, std::uin
   return outcome;
 }
 
-}  // namespace definition
+}  // namespace model

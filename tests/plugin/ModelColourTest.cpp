@@ -1,16 +1,16 @@
-// The colour methods, gradients and messages against their plain definition, on random pictures and arguments.
+// The colour methods, gradients and messages against the reference model, on random pictures and arguments.
 
-#include "DefinitionTest.h"
+#include "ModelTest.h"
 
 namespace {
 
-using definition::HsvChange;
-using definition::MakePicture;
-using definition::Rectangle;
-using definition::RgbChange;
-using definition::StoredPicture;
 using host::Colour;
 using host::Value;
+using model::HsvChange;
+using model::MakePicture;
+using model::Rectangle;
+using model::RgbChange;
+using model::StoredPicture;
 using support::AnyDouble;
 using support::AnyInteger;
 using support::ForEachCase;
@@ -20,7 +20,7 @@ using support::RandomColour;
 using support::RandomYield;
 using support::Setting;
 
-class DefinitionColour : public support::PluginTest {};
+class ModelColour : public support::PluginTest {};
 
 std::int32_t YieldFor(Random& random, const Setting& setting) {
   return RandomYield(random, setting.source ? setting.source->width : 1);
@@ -53,7 +53,7 @@ std::vector<Value> HsvArguments(const Rectangle& r, const HsvChange& change, int
           yield};
 }
 
-TEST_F(DefinitionColour, AdjustHSV) {
+TEST_F(ModelColour, AdjustHSV) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle r = support::RandomRectangle(random, setting);
@@ -61,13 +61,13 @@ TEST_F(DefinitionColour, AdjustHSV) {
     const int yield = YieldFor(random, setting);
     CheckCall({"AdjustHSV", true, HsvArguments(r, change, yield),
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::AdjustHsv(source, r, change, yield, make);
+                 return model::AdjustHsv(source, r, change, yield, make);
                }},
               setting);
   });
 }
 
-TEST_F(DefinitionColour, AdjustHSVInPlace) {
+TEST_F(ModelColour, AdjustHSVInPlace) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle r = support::RandomRectangle(random, setting);
@@ -75,7 +75,7 @@ TEST_F(DefinitionColour, AdjustHSVInPlace) {
     const int yield = YieldFor(random, setting);
     CheckCall({"AdjustHSV_InPlace", true, HsvArguments(r, change, yield),
                [=](const StoredPicture* source, const MakePicture&) {
-                 return definition::AdjustHsvInPlace(source, r, change, yield);
+                 return model::AdjustHsvInPlace(source, r, change, yield);
                }},
               setting);
   });
@@ -95,7 +95,7 @@ std::vector<Value> RgbArguments(const Rectangle& r, const RgbChange& change, int
   return {r.left, r.top, r.width, r.height, change.red, change.green, change.blue, yield};
 }
 
-TEST_F(DefinitionColour, AdjustRGB) {
+TEST_F(ModelColour, AdjustRGB) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle r = support::RandomRectangle(random, setting);
@@ -103,13 +103,13 @@ TEST_F(DefinitionColour, AdjustRGB) {
     const int yield = YieldFor(random, setting);
     CheckCall({"AdjustRGB", true, RgbArguments(r, change, yield),
                [=](const StoredPicture* source, const MakePicture& make) {
-                 return definition::AdjustRgb(source, r, change, yield, make);
+                 return model::AdjustRgb(source, r, change, yield, make);
                }},
               setting);
   });
 }
 
-TEST_F(DefinitionColour, AdjustRGBInPlace) {
+TEST_F(ModelColour, AdjustRGBInPlace) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle r = support::RandomRectangle(random, setting);
@@ -117,7 +117,7 @@ TEST_F(DefinitionColour, AdjustRGBInPlace) {
     const int yield = YieldFor(random, setting);
     CheckCall({"AdjustRGB_InPlace", true, RgbArguments(r, change, yield),
                [=](const StoredPicture* source, const MakePicture&) {
-                 return definition::AdjustRgbInPlace(source, r, change, yield);
+                 return model::AdjustRgbInPlace(source, r, change, yield);
                }},
               setting);
   });
@@ -132,31 +132,29 @@ std::vector<Value> MeanArguments(Random& random, const Rectangle& r, const Value
   return arguments;
 }
 
-TEST_F(DefinitionColour, GetAverageHSV) {
+TEST_F(ModelColour, GetAverageHSV) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle r = support::RandomRectangle(random, setting);
     const int yield = YieldFor(random, setting);
-    CheckCall(
-        {"GetAverageHSV", true, MeanArguments(random, r, -17.25, yield),
-         [=](const StoredPicture* source, const MakePicture&) { return definition::AverageHsv(source, r, yield); }},
-        setting);
+    CheckCall({"GetAverageHSV", true, MeanArguments(random, r, -17.25, yield),
+               [=](const StoredPicture* source, const MakePicture&) { return model::AverageHsv(source, r, yield); }},
+              setting);
   });
 }
 
-TEST_F(DefinitionColour, GetAverageRGB) {
+TEST_F(ModelColour, GetAverageRGB) {
   ForEachCase(700, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
     const Rectangle r = support::RandomRectangle(random, setting);
     const int yield = YieldFor(random, setting);
-    CheckCall(
-        {"GetAverageRGB", true, MeanArguments(random, r, 0x5A5A5A5A, yield),
-         [=](const StoredPicture* source, const MakePicture&) { return definition::AverageRgb(source, r, yield); }},
-        setting);
+    CheckCall({"GetAverageRGB", true, MeanArguments(random, r, 0x5A5A5A5A, yield),
+               [=](const StoredPicture* source, const MakePicture&) { return model::AverageRgb(source, r, yield); }},
+              setting);
   });
 }
 
-TEST_F(DefinitionColour, MakeGradient) {
+TEST_F(ModelColour, MakeGradient) {
   ForEachCase(500, [this](Random& random) {
     const int width = support::RandomNear(random, 60);
     const int height = support::RandomNear(random, 60);
@@ -167,13 +165,13 @@ TEST_F(DefinitionColour, MakeGradient) {
                false,
                {width, height, Colour{colour1}, Colour{colour2}, yield},
                [=](const StoredPicture*, const MakePicture& make) {
-                 return definition::MakeGradient(width, height, colour1, colour2, yield, make);
+                 return model::MakeGradient(width, height, colour1, colour2, yield, make);
                }},
               support::RandomNewPictures(random));
   });
 }
 
-TEST_F(DefinitionColour, MakeDoubleGradient) {
+TEST_F(ModelColour, MakeDoubleGradient) {
   ForEachCase(500, [this](Random& random) {
     const int width = support::RandomNear(random, 60);
     const int height = support::RandomNear(random, 60);
@@ -185,19 +183,19 @@ TEST_F(DefinitionColour, MakeDoubleGradient) {
                false,
                {width, height, Colour{colour1}, Colour{colour2}, Colour{colour3}, yield},
                [=](const StoredPicture*, const MakePicture& make) {
-                 return definition::MakeDoubleGradient(width, height, colour1, colour2, colour3, yield, make);
+                 return model::MakeDoubleGradient(width, height, colour1, colour2, colour3, yield, make);
                }},
               support::RandomNewPictures(random));
   });
 }
 
-TEST_F(DefinitionColour, GetErrorMessage) {
+TEST_F(ModelColour, GetErrorMessage) {
   for (int code = -60; code <= 120; ++code) {
-    EXPECT_EQ(host_.Call("GetErrorMessage", {code}).result.AsText(), definition::ErrorMessage(code)) << code;
+    EXPECT_EQ(host_.Call("GetErrorMessage", {code}).result.AsText(), model::ErrorMessage(code)) << code;
   }
   ForEachCase(100, [this](Random& random) {
     const int code = AnyInteger(random);
-    EXPECT_EQ(host_.Call("GetErrorMessage", {code}).result.AsText(), definition::ErrorMessage(code)) << code;
+    EXPECT_EQ(host_.Call("GetErrorMessage", {code}).result.AsText(), model::ErrorMessage(code)) << code;
   });
 }
 

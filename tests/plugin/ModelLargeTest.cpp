@@ -1,15 +1,15 @@
-// The methods against their plain definition on pictures that are too large for the cache, whose results the plug-in
+// The methods against the reference model on pictures that are too large for the cache, whose results the plug-in
 // writes past it.
 
 #include <algorithm>
 
-#include "DefinitionTest.h"
+#include "ModelTest.h"
 
 namespace {
 
-using definition::Form;
-using definition::MakePicture;
-using definition::StoredPicture;
+using model::Form;
+using model::MakePicture;
+using model::StoredPicture;
 using support::MethodCall;
 using support::NewPicture;
 using support::Setting;
@@ -24,7 +24,7 @@ constexpr std::uint32_t kFrame = 0x00204060;
 std::uint32_t WordAt(Form form, int x, int y) {
   const std::uint32_t mixed = static_cast<std::uint32_t>(x) * 0x9E3779B1u ^ static_cast<std::uint32_t>(y) * 0x85EBCA6Bu;
   const std::uint32_t alpha = x + y < 300 ? 0 : (x / 2 + y) % 700 < 40 ? mixed >> 24 : 255;
-  return definition::WritePixel(form, alpha << 24 | (mixed & 0xFFFFFF));
+  return model::WritePixel(form, alpha << 24 | (mixed & 0xFFFFFF));
 }
 
 // Sources and results in both forms.
@@ -63,7 +63,7 @@ TEST_P(LargePictures, FlipRotate) {
                true,
                {flipH, false, rotation, 0},
                [flip = flipH, turn = rotation](const StoredPicture* source, const MakePicture& make) {
-                 return definition::FlipRotate(source, flip, false, turn, 0, make);
+                 return model::FlipRotate(source, flip, false, turn, 0, make);
                }},
               pictures);
   }
@@ -111,8 +111,8 @@ TEST_P(LargePictures, EveryTurnToTheOtherForm) {
       const std::vector<std::uint32_t> row = result.StoredRow(y);
       for (int x = 0; x < columns; ++x) {
         const Place from = TurnedFrom(flipH, flipV, quarter, x, y);
-        const std::uint32_t pixel = definition::ReadPixel(form, WordAt(form, from.x, from.y));
-        ASSERT_EQ(row[static_cast<std::size_t>(x)], definition::WritePixel(other, pixel)) << x << ", " << y;
+        const std::uint32_t pixel = model::ReadPixel(form, WordAt(form, from.x, from.y));
+        ASSERT_EQ(row[static_cast<std::size_t>(x)], model::WritePixel(other, pixel)) << x << ", " << y;
       }
     }
   }
@@ -145,7 +145,7 @@ TEST_P(LargePictures, ShearVertical) {
              true,
              {kWidth, kHeight + 300, -0.3, host::Colour{kFrame}, 0},
              [](const StoredPicture* source, const MakePicture& make) {
-               return definition::ShearVertical(source, kWidth, kHeight + 300, -0.3, kFrame, 0, make);
+               return model::ShearVertical(source, kWidth, kHeight + 300, -0.3, kFrame, 0, make);
              }},
             Pictures());
 }
@@ -155,7 +155,7 @@ TEST_P(LargePictures, ShearHorizontal) {
              true,
              {kWidth + 300, kHeight, 0.3, host::Colour{kFrame}, 0},
              [](const StoredPicture* source, const MakePicture& make) {
-               return definition::ShearHorizontal(source, kWidth + 300, kHeight, 0.3, kFrame, 0, make);
+               return model::ShearHorizontal(source, kWidth + 300, kHeight, 0.3, kFrame, 0, make);
              }},
             Pictures());
 }
@@ -165,7 +165,7 @@ TEST_P(LargePictures, FreeRotateByShear) {
              true,
              {30.0, host::Colour{kFrame}, 0},
              [](const StoredPicture* source, const MakePicture& make) {
-               return definition::FreeRotateByShear(source, 30.0, kFrame, 0, make);
+               return model::FreeRotateByShear(source, 30.0, kFrame, 0, make);
              }},
             Pictures(kWidth * 3 / 4, kHeight * 3 / 4));
 }
@@ -175,7 +175,7 @@ TEST_P(LargePictures, Stretch) {
              true,
              {kWidth, kHeight, 0},
              [](const StoredPicture* source, const MakePicture& make) {
-               return definition::Stretch(source, kWidth, kHeight, 0, make);
+               return model::Stretch(source, kWidth, kHeight, 0, make);
              }},
             Pictures(700, 1900));
 }
@@ -185,7 +185,7 @@ TEST_P(LargePictures, AdjustRGB) {
              true,
              {3, 5, kWidth - 8, kHeight - 9, 20, -30, 255, 0},
              [](const StoredPicture* source, const MakePicture& make) {
-               return definition::AdjustRgb(source, {3, 5, kWidth - 8, kHeight - 9}, {20, -30, 255}, 0, make);
+               return model::AdjustRgb(source, {3, 5, kWidth - 8, kHeight - 9}, {20, -30, 255}, 0, make);
              }},
             Pictures());
 }
@@ -195,7 +195,7 @@ TEST_P(LargePictures, MakeGradient) {
              false,
              {kWidth, kHeight, host::Colour{kFrame}, host::Colour{0x40F08010}, 0},
              [](const StoredPicture*, const MakePicture& make) {
-               return definition::MakeGradient(kWidth, kHeight, kFrame, 0x40F08010, 0, make);
+               return model::MakeGradient(kWidth, kHeight, kFrame, 0x40F08010, 0, make);
              }},
             Pictures(1, 1));
 }
