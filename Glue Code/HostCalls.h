@@ -1,20 +1,22 @@
 // The host's services as plain functions.
 //
-// Each function finds its service on first use, keeps the address, and forwards the call. A service that the host lacks
-// is asked for again on every call, and until it is there the call does nothing and gives nil or 0.
+// Each function finds its service on first use, keeps the address, and forwards the call. A service
+// that the host lacks is asked for again on every call, and until it is there the call does nothing
+// and gives nil or 0.
 #pragma once
 
 #include "HostInterface.h"
 
-// A host may call with a stack that is aligned to 4 bytes only, where the 32-bit ABI of our compilers promises 16. Every
-// function whose address the host gets carries this word.
+// A host may call with a stack that is aligned to 4 bytes only, where the 32-bit ABI of our
+// compilers promises 16. Every function whose address the host gets carries this word.
 #if defined(__i386__)
 #define LMX_HOST_CALLABLE __attribute__((force_align_arg_pointer))
 #else
 #define LMX_HOST_CALLABLE
 #endif
 
-/// The host's resolver: nil until REALPluginMain stores it, then never changed. No service may be called before.
+/// The host's resolver: nil until REALPluginMain stores it, then never changed. No service may be
+/// called before.
 extern REALResolver gResolver;
 
 /// A new host text of `length` bytes, or nil. The caller owns it.
@@ -23,7 +25,8 @@ REALstringStruct* REALBuildString(const char* text, int length);
 /// Gives up one reference to the object.
 void REALUnlockObject(REALobjectStruct* object);
 
-/// Locks the picture's pixels and tells where they are. When the service is missing the description stays as it was.
+/// Locks the picture's pixels and tells where they are. When the service is missing the description
+/// stays as it was.
 void REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description);
 
 /// Ends one lock of REALLockPictureDescription.
@@ -38,8 +41,8 @@ void REALYieldToRB();
 /// The host's class of that name, or nil.
 REALclassRefStruct* REALGetClassRef(const char* name);
 
-/// A new object of the class with one reference, which the caller owns, and no constructor run yet; or nil. A nil class
-/// gives nil and the host is not asked.
+/// A new object of the class with one reference, which the caller owns, and no constructor run yet;
+/// or nil. A nil class gives nil and the host is not asked.
 REALobjectStruct* REALnewInstance(REALclassRefStruct* classRef);
 
 /// Makes the module's methods available to host programs. The record must stay where it is.

@@ -9,7 +9,8 @@ REALResolver gResolver = nullptr;
 
 namespace {
 
-// Whether the service is there; `slot` keeps its address from the first time that the host knows the name.
+// Whether the service is there; `slot` keeps its address from the first time that the host knows
+// the name.
 template <class Service>
 bool Find(Service*& slot, const char* entryName) {
   if (!slot) slot = reinterpret_cast<Service*>(gResolver(entryName));
@@ -80,7 +81,8 @@ void REALMessageBox(REALstringStruct* text) {
   if (Find(service, "RuntimeMsgBox")) service(text);
 }
 
-/// Called once by the host. A second call is a host that loaded the library twice into one process, which stops it.
+/// Called once by the host. A second call is a host that loaded the library twice into one process,
+/// which stops it.
 extern "C" __attribute__((visibility("default"))) LMX_HOST_CALLABLE void REALPluginMain(REALResolver resolver) {
   if (gResolver) StopLoadedTwice();
   gResolver = resolver;

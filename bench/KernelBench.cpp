@@ -1,4 +1,5 @@
-// Times every kernel at every level that this processor has, from the list of cases that the tests use.
+// Times every kernel at every level that this processor has, from the list of cases that the tests
+// use.
 #include <algorithm>
 #include <cstdio>
 #include <utility>
@@ -27,7 +28,8 @@ constexpr std::size_t kLengths[] = {16, 512, 1920};
 constexpr const char* kContents[] = {"opaque", "translucent"};
 constexpr double kBatchSeconds = 50e-6;
 
-// Arguments of ordinary use where MakeArguments looks for the edges, and runs that follow each other without a gap.
+// Arguments of ordinary use where MakeArguments looks for the edges, and runs that follow each
+// other without a gap.
 KernelArguments OrdinaryArguments(std::size_t n, Random& random) {
   KernelArguments arguments = MakeArguments(n, random);
   arguments.stride = n;

@@ -1,4 +1,5 @@
-// Times every method at every level of kernels, without yields and with them, on a small and a large picture.
+// Times every method at every level of kernels, without yields and with them, on a small and a
+// large picture.
 #include <unistd.h>
 
 #include <cstdio>

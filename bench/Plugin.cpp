@@ -20,7 +20,8 @@ PoolPicture& Picture(void* handle) {
   return *static_cast<PoolPicture*>(handle);
 }
 
-// ---- The services -------------------------------------------------------------------------------------------------
+// ---- The services
+// -------------------------------------------------------------------------------------------------
 
 void RegisterVersion(int) {}
 void Yield() {}
@@ -89,7 +90,8 @@ void* Resolve(const char* entryName) {
 
 }  // namespace
 
-// ---- The pool -----------------------------------------------------------------------------------------------------
+// ---- The pool
+// -------------------------------------------------------------------------------------------------
 
 PluginPool::PluginPool(host::Storage form) : storage(form) {
   if (gPool != nullptr) throw host::Error("one pool at a time");
@@ -106,7 +108,8 @@ PoolPicture* PluginPool::Make(int width, int height) {
   return picture;
 }
 
-// ---- Methods ------------------------------------------------------------------------------------------------------
+// ---- Methods
+// -------------------------------------------------------------------------------------------------
 
 MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers,
                        std::int32_t yield)

@@ -1,5 +1,6 @@
-// The plug-in under measurement: a built library, loaded into this process, and its methods called on pictures of a
-// pool, by their addresses. The services that it gets do what they must and nothing more.
+// The plug-in under measurement: a built library, loaded into this process, and its methods called
+// on pictures of a pool, by their addresses. The services that it gets do what they must and
+// nothing more.
 //
 // Several can be loaded, one for each level of kernels; they share the one pool that lives.
 #pragma once
@@ -16,7 +17,8 @@
 
 namespace bench {
 
-/// The pool from which methods get their pictures, and the form in which new ones come. One lives at a time.
+/// The pool from which methods get their pictures, and the form in which new ones come. One lives
+/// at a time.
 class PluginPool : public Pool {
  public:
   explicit PluginPool(host::Storage form);
@@ -33,8 +35,9 @@ class PluginPool : public Pool {
 /// A method with its arguments, to be called any number of times.
 class MethodCall {
  public:
-  /// Numbers serve for every type; a ByRef argument gets a place of its own and no number. `picture` and `yield` go where
-  /// the declaration has them. Throws host::Error if there are too many or too few.
+  /// Numbers serve for every type; a ByRef argument gets a place of its own and no number.
+  /// `picture` and `yield` go where the declaration has them. Throws host::Error if there are too
+  /// many or too few.
   MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers, std::int32_t yield);
   MethodCall(const MethodCall&) = delete;
   MethodCall& operator=(const MethodCall&) = delete;

@@ -1,5 +1,6 @@
-// Pictures that cost next to nothing, for measuring: their memory comes from blocks that were touched before, below
-// 4 GiB, and is used again for the next picture of that size. Nothing is checked.
+// Pictures that cost next to nothing, for measuring: their memory comes from blocks that were
+// touched before, below 4 GiB, and is used again for the next picture of that size. Nothing is
+// checked.
 #pragma once
 
 #include <array>
@@ -33,9 +34,11 @@ class Pool {
   Pool(const Pool&) = delete;
   Pool& operator=(const Pool&) = delete;
 
-  /// A picture without pixels as yet. Ends the process when all are used: somebody forgot to give them back.
+  /// A picture without pixels as yet. Ends the process when all are used: somebody forgot to give
+  /// them back.
   PoolPicture* Take();
-  /// Gives it memory, with whatever an earlier picture left there. Without memory its size is 0 x 0.
+  /// Gives it memory, with whatever an earlier picture left there. Without memory its size is
+  /// 0 x 0.
   void SetSize(PoolPicture& picture, host::Storage storage, int width, int height);
   void GiveBack(PoolPicture& picture);
   /// How many pictures have had no memory.

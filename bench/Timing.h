@@ -6,7 +6,8 @@
 
 namespace bench {
 
-/// Seconds of processor time that one repetition took, of all threads; what other processes took is not in it.
+/// Seconds of processor time that one repetition took, of all threads; what other processes took is
+/// not in it.
 struct Timing {
   double median = 0;
   double low = 0;   ///< a quarter of the repetitions was faster
@@ -16,8 +17,8 @@ struct Timing {
 /// The same of any figures, at least one.
 Timing Summary(std::vector<double> figures);
 
-/// How long to go on: until both `least` rounds and `seconds` are reached, but after one round no longer than `most`
-/// seconds.
+/// How long to go on: until both `least` rounds and `seconds` are reached, but after one round no
+/// longer than `most` seconds.
 struct Budget {
   int least = 5;
   double seconds = 0.15;
@@ -33,7 +34,8 @@ struct Work {
 /// Does all works once without looking, then round by round, each in its turn.
 std::vector<Timing> MeasureInTurn(const std::vector<Work>& works, const Budget& budget);
 
-/// Keeps the process on one of the cores that it may use: the last, which systems use least for their own work.
+/// Keeps the process on one of the cores that it may use: the last, which systems use least for
+/// their own work.
 void PinToOneCore();
 
 }  // namespace bench

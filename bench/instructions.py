@@ -9,10 +9,10 @@ import sys
 TOLERANCE = 0.05
 
 HEAD = """\
-# Instructions for each pixel of a picture of 320 x 1000, from the method's entry to its return, as Callgrind counts them in
-# the native build: without yields, and with a yield every 10000 pixels. scripts/instructions compares,
-# scripts/instructions --update writes anew. Counts hold for one version of the compiler and of the C library:
-# made with: {made_with}
+# Instructions for each pixel of a picture of 320 x 1000, from the method's entry to its return, as
+# Callgrind counts them in the native build: without yields, and with a yield every 10000 pixels.
+# scripts/instructions compares, scripts/instructions --update writes anew. Counts hold for one
+# version of the compiler and of the C library: made with: {made_with}
 #
 # level, picture, without yields, with yields, operation
 """

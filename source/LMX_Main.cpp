@@ -1,4 +1,5 @@
-// Start-up: the host's picture class, the host's version, and the module or the message that there is none.
+// Start-up: the host's picture class, the host's version, and the module or the message that there
+// is none.
 #include "LMX_Main.h"
 
 #include <algorithm>
@@ -17,8 +18,8 @@ namespace {
 
 constexpr double kOldestHostVersion = 2011.04;
 
-// With six decimals after a point, whatever the process's locale would have in the point's place. A version of very many
-// digits is cut.
+// With six decimals after a point, whatever the process's locale would have in the point's place. A
+// version of very many digits is cut.
 void ShowHostTooOld(double version) {
   constexpr int kMostShown = 199;
   constexpr int kDecimals = 6;

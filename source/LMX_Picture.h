@@ -1,8 +1,9 @@
-// A host picture on the stack of an operation: its pixels' geometry and addresses, the two conversions between stored
-// and working pixels, and the creation of new pictures.
+// A host picture on the stack of an operation: its pixels' geometry and addresses, the two
+// conversions between stored and working pixels, and the creation of new pictures.
 //
-// A wrapper is empty, holds a picture (whose description the host then keeps locked), or is locked (its pixels are
-// known). Everything that it took is given back when it goes, also when an exception of the host's passes.
+// A wrapper is empty, holds a picture (whose description the host then keeps locked), or is locked
+// (its pixels are known). Everything that it took is given back when it goes, also when an
+// exception of the host's passes.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,8 @@
 #include "HostCalls.h"
 #include "kernels/RunKernels.h"
 
-/// The host's `picture` class, of which new pictures are made. Stored at start-up; nil when the host does not know it.
+/// The host's `picture` class, of which new pictures are made. Stored at start-up; nil when the
+/// host does not know it.
 extern REALclassRefStruct* gPictureClassRef;
 
 class LMX_Picture {
@@ -33,8 +35,8 @@ class LMX_Picture {
   /// Empty.
   LMX_Picture() = default;
 
-  /// Holds an argument of a method: nil, or a picture of a type that is not usable, leaves the wrapper empty. The
-  /// object's reference stays the caller's.
+  /// Holds an argument of a method: nil, or a picture of a type that is not usable, leaves the
+  /// wrapper empty. The object's reference stays the caller's.
   explicit LMX_Picture(REALpictureStruct* handle) {
     if (handle) Hold(handle);
   }
@@ -44,11 +46,13 @@ class LMX_Picture {
   LMX_Picture(const LMX_Picture&) = delete;
   LMX_Picture& operator=(const LMX_Picture&) = delete;
 
-  /// Makes the pixels known. False when the wrapper is empty or locked already, or when there are no pixels to be had.
+  /// Makes the pixels known. False when the wrapper is empty or locked already, or when there are
+  /// no pixels to be had.
   bool Lock();
 
-  /// Gives back the lock, and the object's reference if it is owned; the wrapper is empty afterwards. Never throws: what
-  /// a host may throw here would leave the other wrappers of the call unreleased.
+  /// Gives back the lock, and the object's reference if it is owned; the wrapper is empty
+  /// afterwards. Never throws: what a host may throw here would leave the other wrappers of the
+  /// call unreleased.
   void Release() noexcept {
     if (!picture) return;
     FinishNonTemporalStores();
@@ -59,9 +63,9 @@ class LMX_Picture {
     if (unlockOnRelease) Quietly([=] { REALUnlockObject(reinterpret_cast<REALobjectStruct*>(released)); });
   }
 
-  /// Holds a new picture of the host's, of any content. `keep` says that the object goes to the caller of the method;
-  /// otherwise its reference is given up with the wrapper. Whether it worked shows in the Lock() that follows; the
-  /// result is always false. A size below 1 makes no picture.
+  /// Holds a new picture of the host's, of any content. `keep` says that the object goes to the
+  /// caller of the method; otherwise its reference is given up with the wrapper. Whether it worked
+  /// shows in the Lock() that follows; the result is always false. A size below 1 makes no picture.
   bool SetNewPicture(long width, long height, bool keep);
 
   /// The leftmost pixel of row r, 0 <= r < height; nil when a malformed buffer has no such row.
@@ -75,7 +79,8 @@ class LMX_Picture {
     return Address(reinterpret_cast<const std::uint32_t*>(Address(buffer->rowTable))[r]);
   }
 
-  /// Whether the pixels of every row can be used: they have 32 bits, and no row of a buffer is missing.
+  /// Whether the pixels of every row can be used: they have 32 bits, and no row of a buffer is
+  /// missing.
   bool HasEveryRow() const {
     if (bitsPerPixel != 32) return false;
     for (std::int32_t r = 0; buffer && r < height; ++r) {
@@ -138,8 +143,9 @@ class LMX_Picture {
   }
 };
 
-/// A walk along the rows of one or more neighbouring columns. Where the next row of a malformed buffer is missing, or
-/// beyond the last, the walk stays where it is; in a bitmap context it goes on.
+/// A walk along the rows of one or more neighbouring columns. Where the next row of a malformed
+/// buffer is missing, or beyond the last, the walk stays where it is; in a bitmap context it goes
+/// on.
 class ColumnWalk {
  public:
   enum Direction { kDown = 1, kUp = -1 };

@@ -1,7 +1,9 @@
-// Runs of a picture's pixels: n neighbouring pixels of one row, whichever way the picture stores them.
+// Runs of a picture's pixels: n neighbouring pixels of one row, whichever way the picture stores
+// them.
 //
-// Positions may lie outside the picture, partly or wholly: what is outside, or in a row that a malformed buffer lacks,
-// reads as 0 and ignores writes. So does a picture whose depth is not 32 bits. n may be 0.
+// Positions may lie outside the picture, partly or wholly: what is outside, or in a row that a
+// malformed buffer lacks, reads as 0 and ignores writes. So does a picture whose depth is not 32
+// bits. n may be 0.
 #pragma once
 
 #include <cstdint>
@@ -55,9 +57,10 @@ inline void WriteOnePixel(const PixelPosition& at, std::uint32_t working) {
 /// Writes the same stored pixel to n pixels of each of `rows` rows.
 void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t stored);
 
-/// Runs of pixels as a picture stores them, one above another, for kernels that take several at a time: `count` runs of n
-/// pixels, in rows from.y, from.y + step, ... Each lies in the picture, if that holds all of it, else in `scratch`, which has
-/// room for all of them: there it is a copy, with clear pixels for what is missing.
+/// Runs of pixels as a picture stores them, one above another, for kernels that take several at a
+/// time: `count` runs of n pixels, in rows from.y, from.y + step, ... Each lies in the picture, if
+/// that holds all of it, else in `scratch`, which has room for all of them: there it is a copy,
+/// with clear pixels for what is missing.
 void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count,
                 std::uint32_t* scratch, const std::uint8_t** runs);
 
@@ -65,8 +68,8 @@ void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, st
 void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                 const std::uint8_t** runs);
 
-/// Room for such runs: in the picture if that holds all of a run, else in `scratch`. PutRuns has to follow, which moves from
-/// there what belongs into the picture.
+/// Room for such runs: in the picture if that holds all of a run, else in `scratch`. PutRuns has to
+/// follow, which moves from there what belongs into the picture.
 void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs);
 void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
@@ -85,46 +88,49 @@ void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n)
 /// The same from right to left: the pixel at `to` becomes the last of the n pixels from `from` on.
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
 
-/// Makes columns x to x + n - 1 of another picture, 1 <= n <= kMostTurned, to rows of `pixels` pixels:
-/// what lies along the walk. The first becomes the row `to`, its neighbours follow in steps of
-/// `rowStep`, 1 or -1.
+/// Makes columns x to x + n - 1 of another picture, 1 <= n <= kMostTurned, to rows of `pixels`
+/// pixels: what lies along the walk. The first becomes the row `to`, its neighbours follow in steps
+/// of `rowStep`, 1 or -1.
 constexpr std::int32_t kMostTurned = 256;
 void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
                    std::int32_t pixels);
 
-/// Copies with an adjustment, or as colour negatives, of adjusted pixels unless `by` is nil. `to` may be the same place
-/// as `from`.
+/// Copies with an adjustment, or as colour negatives, of adjusted pixels unless `by` is nil. `to`
+/// may be the same place as `from`.
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by);
 void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment* by);
 
-/// Copies n pixels, each blended with the one before it: `before` is the one before the first, and `fraction` the weight
-/// of the one before, 0 to 65535. `to` is in another picture.
+/// Copies n pixels, each blended with the one before it: `before` is the one before the first, and
+/// `fraction` the weight of the one before, 0 to 65535. `to` is in another picture.
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction);
 
-/// Where the columns of a shear come from: pixel r of column c is the mix of the pixels r + down[c] and r + down[c] + 1 of
-/// its source, the first of which has the weight fraction[c] of 65535. The `down` of neighbours differ by 1 at most.
+/// Where the columns of a shear come from: pixel r of column c is the mix of the pixels r + down[c]
+/// and r + down[c] + 1 of its source, the first of which has the weight fraction[c] of 65535. The
+/// `down` of neighbours differ by 1 at most.
 constexpr std::int32_t kMostColumns = 16;
 struct ColumnShears {
   std::uint32_t down[kMostColumns];
   std::uint32_t fraction[kMostColumns];
 };
 
-/// Makes `rows` rows of n <= kMostColumns columns from those in another picture from `from` on. The pictures have all the
-/// pixels that it takes.
+/// Makes `rows` rows of n <= kMostColumns columns from those in another picture from `from` on. The
+/// pictures have all the pixels that it takes.
 void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::int32_t rows,
                   const ColumnShears& shears);
 
-/// Makes n working pixels, each the truncated mean of two neighbours of the 2 n pixels from `from` on, as it is when it was
-/// written in the form `through` and read again.
+/// Makes n working pixels, each the truncated mean of two neighbours of the 2 n pixels from `from`
+/// on, as it is when it was written in the form `through` and read again.
 void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, PixelForm through);
 
-/// Turns `lines` rows from `from` on, n pixels of each, into n runs of working pixels; both at most kTile.
+/// Turns `lines` rows from `from` on, n pixels of each, into n runs of working pixels; both at most
+/// kTile.
 constexpr std::int32_t kTile = 64;
 void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, std::uint8_t* const* columns);
 
-/// Turns n runs of `lines` pixels, which have the form of the picture, into pixels of `lines` rows from `to` on.
+/// Turns n runs of `lines` pixels, which have the form of the picture, into pixels of `lines` rows
+/// from `to` on.
 void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns);
 
 /// Turns n runs of `lines` pixels of a form into `lines` runs of working pixels.
@@ -135,12 +141,14 @@ void ColumnsToRows(std::uint8_t* const* rows, const std::uint8_t* const* columns
 void ReadRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* working,
               const std::uint8_t** runs);
 
-/// Box averages of runs of working pixels, as kernels make them (RunKernels.h): `count` boxes of at most kMostBoxRuns runs.
-/// `written` is the picture that holds whole rows of averages, if there is one.
+/// Box averages of runs of working pixels, as kernels make them (RunKernels.h): `count` boxes of at
+/// most kMostBoxRuns runs. `written` is the picture that holds whole rows of averages, if there is
+/// one.
 void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* const* runs, const BoxUnits& units,
                  std::int32_t count, std::int32_t n, const LMX_Picture* written = nullptr);
 
-/// An average of any number of such runs, at most kMostSums pixels long, which are added part by part.
+/// An average of any number of such runs, at most kMostSums pixels long, which are added part by
+/// part.
 class RunSums {
  public:
   static constexpr std::int32_t kMostSums = kTile;

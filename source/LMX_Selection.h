@@ -9,9 +9,10 @@
 
 /// Columns x0 to x1 and rows y0 to y1, both ends included.
 ///
-/// Rationale: the far end is start + size, not start + size - 1, so that a size of 0 still selects one line. Both ends
-/// are clamped into the picture: a selection outside it is pinned to the nearest edge, and only an end that comes before
-/// its start makes a selection invalid. Sums wrap in 32 bits.
+/// Rationale: the far end is start + size, not start + size - 1, so that a size of 0 still selects
+/// one line. Both ends are clamped into the picture: a selection outside it is pinned to the
+/// nearest edge, and only an end that comes before its start makes a selection invalid. Sums wrap
+/// in 32 bits.
 struct Selection {
   Selection(const LMX_Picture& picture, std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height)
       : x0(Clamped(left, picture.width)),
@@ -29,7 +30,8 @@ struct Selection {
   /// How many pixels are selected, in 32 bits.
   std::int32_t Count() const { return WrappedToInt(static_cast<std::int64_t>(Width()) * (y1 - y0 + 1)); }
 
-  /// A channel's sum over the selection, in 32 bits, divided by the count and truncated. 0 for a count that wrapped to 0.
+  /// A channel's sum over the selection, in 32 bits, divided by the count and truncated. 0 for a
+  /// count that wrapped to 0.
   std::int32_t Mean(std::uint32_t sum) const {
     const std::int64_t count = Count();
     return count == 0 ? 0 : WrappedToInt(static_cast<std::int32_t>(sum) / count);

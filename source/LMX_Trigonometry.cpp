@@ -24,8 +24,8 @@
 //
 // So every result errs by less than 256 * 2^-106 = 2^-98 of it before it is rounded to a double,
 // which is less than 2^-45 of that double's last place. It is rounded wrongly only if the true
-// value is as close as that to the middle between two doubles, which can be expected of one argument
-// in 2^44.
+// value is as close as that to the middle between two doubles, which can be expected of one
+// argument in 2^44.
 #include "LMX_Trigonometry.h"
 
 #include <cmath>

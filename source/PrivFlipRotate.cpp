@@ -1,6 +1,6 @@
-// Workers of flips and quarter turns. Rows that stay rows are copied one by one; columns that become rows are turned in
-// tiles, so that both pictures are walked by cache lines. Half turns and three-quarter turns
-// are flips and quarter turns under another name.
+// Workers of flips and quarter turns. Rows that stay rows are copied one by one; columns that
+// become rows are turned in tiles, so that both pictures are walked by cache lines. Half turns and
+// three-quarter turns are flips and quarter turns under another name.
 #include "PrivFlipRotate.h"
 
 #include <algorithm>
@@ -28,15 +28,16 @@ void CopyRows(const LMX_Picture& source, const LMX_Picture& result, Order column
   }
 }
 
-// Which source column and row order make the rows of a turned picture, and in which order the rows are made.
+// Which source column and row order make the rows of a turned picture, and in which order the rows
+// are made.
 struct Turn {
   Order columns;
   Order rows;
   Order resultRows;
 };
 
-// Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row `firstRow`; the rows of its
-// neighbours follow in steps of `rowStep`, 1 or -1.
+// Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row
+// `firstRow`; the rows of its neighbours follow in steps of `rowStep`, 1 or -1.
 void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
                  std::int32_t rowStep, std::int32_t lines, Order rows) {
   const ColumnWalk walk =

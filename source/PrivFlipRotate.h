@@ -1,14 +1,15 @@
 // Workers of flips and quarter turns: each copies a whole picture, exactly.
 //
-// Both pictures are locked, and the result has the source's size, swapped for 90 and 270 degrees. The name says what
-// happens first to last: mirrored left-right (H) or top-bottom (V) or both, then turned clockwise. The host may handle
-// events before a row of the result, once `yield` pixels have been written.
+// Both pictures are locked, and the result has the source's size, swapped for 90 and 270 degrees.
+// The name says what happens first to last: mirrored left-right (H) or top-bottom (V) or both, then
+// turned clockwise. The host may handle events before a row of the result, once `yield` pixels have
+// been written.
 #pragma once
 
 #include "LMX_Picture.h"
 
-/// A turned picture that nobody sees, made as it is read: a locked temporary picture holds a band of its rows at a time.
-/// Where rows are missing, it is made as a whole, and read where it is.
+/// A turned picture that nobody sees, made as it is read: a locked temporary picture holds a band
+/// of its rows at a time. Where rows are missing, it is made as a whole, and read where it is.
 class TurnedRows {
  public:
   /// `quarter` counts clockwise quarter turns, 0 to 3. Yields as the worker of that name does.

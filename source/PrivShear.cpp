@@ -1,12 +1,13 @@
 // Workers of the shears.
 //
-// A shear moves lines (rows, or columns) along themselves, each by one step more than its neighbour. Where a line lies
-// is a 16.16 position: its whole part places the line's pixels, its fraction f blends each of them with the one before,
-// with weights 65535 - f and f. Towards the frame, an opaque frame lends its alpha only, so that it does not tint the
-// image's edge. Across themselves lines are placed in whole pixels.
+// A shear moves lines (rows, or columns) along themselves, each by one step more than its
+// neighbour. Where a line lies is a 16.16 position: its whole part places the line's pixels, its
+// fraction f blends each of them with the one before, with weights 65535 - f and f. Towards the
+// frame, an opaque frame lends its alpha only, so that it does not tint the image's edge. Across
+// themselves lines are placed in whole pixels.
 //
-// Positions are computed in 64 bits, so that they hold for every size. A line that lies wholly before the result is all
-// frame.
+// Positions are computed in 64 bits, so that they hold for every size. A line that lies wholly
+// before the result is all frame.
 #include "PrivShear.h"
 
 #include <algorithm>
@@ -33,9 +34,9 @@ struct Frame {
   std::uint32_t stored;  // as the result stores it
 };
 
-// One line of the source in one line of the result: the image's pixels are `begin` to `end` - 1 there, and its pixel
-// `first` is the one at `begin`. Where the image is cut off at the start, its pixel before `first` takes the frame's
-// part in the blend.
+// One line of the source in one line of the result: the image's pixels are `begin` to `end` - 1
+// there, and its pixel `first` is the one at `begin`. Where the image is cut off at the start, its
+// pixel before `first` takes the frame's part in the blend.
 struct Line {
   std::int32_t begin = 0;
   std::int32_t end = 0;
@@ -70,7 +71,8 @@ struct Placement {
   std::int64_t offset;     // its 16.16 position along itself
   std::int32_t step;       // how much less the offset of each following line is
 
-  // That of a source line, of which only the pixels of a span are taken. What is before and after them is clear.
+  // That of a source line, of which only the pixels of a span are taken. What is before and after
+  // them is clear.
   Line LineOf(std::int32_t line, const LineSpan& span, std::int32_t resultLength) const {
     const std::int64_t moved = static_cast<std::int64_t>(line - firstLine) * step;
     Line at =
@@ -87,8 +89,9 @@ struct Placement {
   }
 };
 
-// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that is odd has the
-// extra pixel at the end. A positive shear leaves the last line displaced by one step, a negative one starts at 0.
+// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that
+// is odd has the extra pixel at the end. A positive shear leaves the last line displaced by one
+// step, a negative one starts at 0.
 Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
                 double shear) {
   if (std::isnan(shear)) shear = 0;
@@ -104,7 +107,8 @@ Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLeng
   return placement;
 }
 
-// The pixel after the image's last one, which shares it with the frame. It shifts where the others divide.
+// The pixel after the image's last one, which shares it with the frame. It shifts where the others
+// divide.
 std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame& frame) {
   const std::uint32_t beside = frame.Beside(last);
   const auto mix = [fraction](std::uint32_t image, std::uint32_t other) {
@@ -115,7 +119,7 @@ std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame&
       mix(LMX_Pixel::Green(last), LMX_Pixel::Green(beside)), mix(LMX_Pixel::Blue(last), LMX_Pixel::Blue(beside)));
 }
 
-// ------------------------------------------------------------------------------------------------------------- rows
+// -------------------------------------------------------------------------------------------- rows
 
 // Writes `written` of a row of the result.
 void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
@@ -140,7 +144,8 @@ bool IsSparse(const LMX_Picture& result, const Frame& frame) {
   return result.unlockOnRelease && frame.pixel == 0 && result.HasEveryRow() && result.HasRowsOfItsOwn();
 }
 
-// Of the source, rowOf(y) is the row in which row y is. `image` is where its image lies; it becomes that of the result.
+// Of the source, rowOf(y) is the row in which row y is. `image` is where its image lies; it becomes
+// that of the result.
 template <class RowOf>
 void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result, double shear,
                unsigned int frame_color, long yield, ImageRegion& image) {
@@ -165,7 +170,7 @@ void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result
   image = sheared;
 }
 
-// ---------------------------------------------------------------------------------------------------------- columns
+// ----------------------------------------------------------------------------------------- columns
 
 // The pixel at `y` of a line of the result; read(i) gives those of the source's line.
 template <class Read>
@@ -209,7 +214,8 @@ struct Strip {
 
 void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom);
 
-// Rows in which some columns are image and others are not, or meet it: each half of the columns for itself.
+// Rows in which some columns are image and others are not, or meet it: each half of the columns for
+// itself.
 void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
   constexpr std::int32_t kFew = 4;
   if (n > kFew) {
@@ -226,7 +232,8 @@ void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::in
 
 // Rows `top` to `bottom` - 1 of n columns of a strip.
 void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
-  // From `image` to `imageEnd` not all columns are frame, from `inside` to `insideEnd` all blend two pixels of the image.
+  // From `image` to `imageEnd` not all columns are frame, from `inside` to `insideEnd` all blend
+  // two pixels of the image.
   std::int32_t image = bottom, imageEnd = top, inside = top, insideEnd = bottom;
   for (const Line* line = strip.lines + first; line < strip.lines + first + n; ++line) {
     inside = std::max(inside, line->cut ? line->begin : line->begin + 1);
@@ -261,8 +268,9 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
   }
 }
 
-// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`. Rows that are near the
-// image in one column are read in all of them. What nobody wrote there comes out as far from the image again.
+// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`.
+// Rows that are near the image in one column are read in all of them. What nobody wrote there comes
+// out as far from the image again.
 LMX_NOINLINE void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
                                const Frame& frame, bool hasEveryRow) {
@@ -309,8 +317,9 @@ void ShearImageVertical(LMX_Picture& source, LMX_Picture& result, double shear, 
   const bool isSparse = IsSparse(result, frame);
   const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongColumns) : ImageRegion(result);
   const bool hasEveryRow = source.HasEveryRow() && result.HasEveryRow();
-  // Columns that are read together may read what nobody wrote beside the image. Of a temporary result that lacks rows, or
-  // whose rows overlap, everything is read again: its columns are made one by one.
+  // Columns that are read together may read what nobody wrote beside the image. Of a temporary
+  // result that lacks rows, or whose rows overlap, everything is read again: its columns are made
+  // one by one.
   const std::int32_t mostColumns = isTemporary && !isSparse ? 1 : kMostColumns;
   YieldPace pace(yield);
   for (std::int32_t x = 0; x < result.width;) {

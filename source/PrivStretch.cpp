@@ -2,11 +2,11 @@
 //
 // The row pass turns bands of rows into runs of columns, so that in both passes neighbouring lines
 // lie side by side and share their boxes. The temporary picture is nobody's business. As long as it
-// is a well-formed one, it holds working pixels, as they come back from its storage form: nothing is
-// converted twice. The column pass writes a result, in which only the columns may be touched that are
-// due at a yield:
-//   - without yields both passes go together: rows of the result are made from rows of the temporary
-//     picture that were just made, of which it keeps the last ones only;
+// is a well-formed one, it holds working pixels, as they come back from its storage form: nothing
+// is converted twice. The column pass writes a result, in which only the columns may be touched
+// that are due at a yield:
+//   - without yields both passes go together: rows of the result are made from rows of the
+//     temporary picture that were just made, of which it keeps the last ones only;
 //   - with yields, and columns that do not grow, both passes go together likewise, but into the
 //     temporary picture itself, whose rows are free by then. Its columns are written to the result
 //     when they are due;
@@ -30,7 +30,8 @@ bool IsPass(std::int32_t from, std::int32_t to) {
   return from >= 1 && to >= 1 && !IsBeyondStretch(from, to);
 }
 
-// The boxes of one direction, `to` of them. All products of a pixel, or a box, and its units are below 2^31.
+// The boxes of one direction, `to` of them. All products of a pixel, or a box, and its units are
+// below 2^31.
 class Boxes {
  public:
   Boxes(std::int32_t from, std::int32_t to)
@@ -38,7 +39,8 @@ class Boxes {
         ofPixel_((static_cast<std::uint32_t>(to) << 15) / static_cast<std::uint32_t>(from)),
         ofBox_(ofPixel_ * static_cast<std::uint32_t>(from) / static_cast<std::uint32_t>(to)) {}
 
-  /// The first pixel of a box, the units from there on, and how many pixels it takes to make the boxes before another one.
+  /// The first pixel of a box, the units from there on, and how many pixels it takes to make the
+  /// boxes before another one.
   std::int32_t First(std::int32_t box) const { return Signed(UnitsBefore(box) / ofPixel_); }
   BoxUnits From(std::int32_t box) const { return {ofPixel_, ofBox_, ofPixel_ - UnitsBefore(box) % ofPixel_}; }
   std::int32_t Needed(std::int32_t box) const { return Signed((UnitsBefore(box) + ofPixel_ - 1) / ofPixel_); }
@@ -58,8 +60,8 @@ class Boxes {
   std::uint32_t ofBox_;
 };
 
-// One average of any number of runs: runs(first, count) gives those of `count` pixels, at most kMostBoxRuns, one part after
-// another.
+// One average of any number of runs: runs(first, count) gives those of `count` pixels, at most
+// kMostBoxRuns, one part after another.
 template <class Runs>
 void AverageMany(const Boxes& boxes, std::int32_t box, const Runs& runs, std::uint8_t* to, PixelForm form,
                  std::int32_t n) {
@@ -77,9 +79,10 @@ void AverageMany(const Boxes& boxes, std::int32_t box, const Runs& runs, std::ui
   sums.Average(to, form, units.ofBox);
 }
 
-// --------------------------------------------------------------------------------------------------------------- rows
+// -------------------------------------------------------------------------------------------- rows
 
-// The columns of a band of rows, as runs of working pixels: those that are in use, read kTile at a time.
+// The columns of a band of rows, as runs of working pixels: those that are in use, read kTile at a
+// time.
 class BandColumns {
  public:
   BandColumns(const LMX_Picture& picture, std::int32_t y, std::int32_t lines)
@@ -216,12 +219,13 @@ class Strips {
   std::int32_t strips_;
 };
 
-// ------------------------------------------------------------------------------------------------------------- columns
+// ----------------------------------------------------------------------------------------- columns
 
 constexpr std::int32_t kMostRows = 64;      // that are made of columns at a time
 constexpr std::int32_t kMostTogether = 64;  // that are made together
 
-// Columns x to x + n - 1, n <= kMostTogether, of strips; and of a picture, in which rows may be missing.
+// Columns x to x + n - 1, n <= kMostTogether, of strips; and of a picture, in which rows may be
+// missing.
 class ColumnsOfStrips {
  public:
   ColumnsOfStrips(const Strips& strips, std::int32_t x, std::int32_t n) : strips_(strips), x_(x), n_(n) {}
@@ -286,7 +290,7 @@ LMX_NOINLINE void StretchColumns(Columns from, const Boxes& boxes, const LMX_Pic
   }
 }
 
-// ---------------------------------------------------------------------------------------------------------- both passes
+// ------------------------------------------------------------------------------------- both passes
 
 constexpr std::int32_t kKeptRows = 2 * kTile;  // of the temporary picture, while rows of the result are made of them
 
@@ -305,8 +309,8 @@ void ColumnPass(const Strips& from, const Boxes& boxes, const LMX_Picture& resul
   }
 }
 
-// Rows y to y + count - 1 of a result, from rows of the temporary picture, of which row r is kept in
-// row r % kept.Rows(). Without a result they take the place of rows that no later one needs.
+// Rows y to y + count - 1 of a result, from rows of the temporary picture, of which row r is kept
+// in row r % kept.Rows(). Without a result they take the place of rows that no later one needs.
 LMX_NOINLINE void AverageRows(const Strips& kept, const Boxes& boxes, const LMX_Picture* result, std::int32_t y,
                               std::int32_t count) {
   std::uint8_t *runs[kKeptRows], *to[kTile];

@@ -6,11 +6,12 @@
 /// Whether a length is beyond what a pass can make of another one: sizes in pixels, at least 1.
 bool IsBeyondStretch(std::int32_t from, std::int32_t to);
 
-/// Both passes, by way of a temporary picture, of which the host sees nothing but its yields. Nothing is made where sizes
-/// are beyond a pass.
+/// Both passes, by way of a temporary picture, of which the host sees nothing but its yields.
+/// Nothing is made where sizes are beyond a pass.
 void Priv_StretchThrough(LMX_Picture& temporary, LMX_Picture& source, LMX_Picture& result, long yield);
 
-/// One pass along the rows, into a temporary picture: the destination has the source's height and any width.
+/// One pass along the rows, into a temporary picture: the destination has the source's height and
+/// any width.
 void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield);
 
 /// One pass along the columns: the destination has the source's width and any height.

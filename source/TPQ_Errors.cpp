@@ -1,5 +1,6 @@
-// The last error code and its message. Errors never cross the boundary to the host as exceptions: a program asks for
-// them after the call. The texts are the vocabulary of a larger family of operations, of which LMX raises only some.
+// The last error code and its message. Errors never cross the boundary to the host as exceptions: a
+// program asks for them after the call. The texts are the vocabulary of a larger family of
+// operations, of which LMX raises only some.
 #include "TPQ_Errors.h"
 
 #include <cstring>

@@ -1,4 +1,5 @@
-// The outcome of the last operation, as a code that host programs read, and the texts that go with the codes.
+// The outcome of the last operation, as a code that host programs read, and the texts that go with
+// the codes.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +31,8 @@ enum LMX_ErrorCode : std::int32_t {
   kBrightnessOutOfBounds = 45,
 };
 
-/// The code of the last operation: assigned when it starts, and again when it fails later. Reading it changes nothing.
+/// The code of the last operation: assigned when it starts, and again when it fails later. Reading
+/// it changes nothing.
 extern std::int32_t gLMX_Error;
 
 /// Room for a diagnostic text, zero-terminated. No operation writes one.

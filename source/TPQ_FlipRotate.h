@@ -7,8 +7,9 @@
 LMX_HOST_CALLABLE REALpictureStruct* LMX_FlipRotate(REALpictureStruct* p, REALboolean flip_h, REALboolean flip_v,
                                                     int rotation, int yield);
 
-/// Locks the source; nil with error 4 when that fails. `quarter` counts clockwise quarter turns, 0 to 3. The flags are
-/// bytes: 0 is false, 1 is true. With any other quarter or flag the result is left as the host made it.
+/// Locks the source; nil with error 4 when that fails. `quarter` counts clockwise quarter turns, 0
+/// to 3. The flags are bytes: 0 is false, 1 is true. With any other quarter or flag the result is
+/// left as the host made it.
 REALpictureStruct* PrivFlipRotate_NonVector(REALpictureStruct* p, std::uint8_t flip_h, std::uint8_t flip_v, int quarter,
                                             int yield);
 

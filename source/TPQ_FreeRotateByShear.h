@@ -7,8 +7,8 @@
 LMX_HOST_CALLABLE REALpictureStruct* LMX_FreeRotateByShear_Frame(REALpictureStruct* p, double rotation,
                                                                  unsigned int frame_color, int yield);
 
-/// Turns `source` clockwise by `rotation` degrees, 0 to below 360, into a result just large enough; a NaN turns by
-/// nothing. What the image does not cover is `frame_color`, a host colour. Nil when a picture is not to be had; no
-/// error code says so.
+/// Turns `source` clockwise by `rotation` degrees, 0 to below 360, into a result just large enough;
+/// a NaN turns by nothing. What the image does not cover is `frame_color`, a host colour. Nil when
+/// a picture is not to be had; no error code says so.
 REALpictureStruct* PrivFreeRotateByShear_Frame_NonVector(REALpictureStruct* source, double rotation,
                                                          unsigned int frame_color, int yield);

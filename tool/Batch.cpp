@@ -29,8 +29,8 @@
 namespace tool {
 namespace {
 
-// A process that works on one picture, and writes what it has to tell into a pipe. The text is whole at the end of it:
-// pieces, each a letter and a text that ends in a zero.
+// A process that works on one picture, and writes what it has to tell into a pipe. The text is
+// whole at the end of it: pieces, each a letter and a text that ends in a zero.
 struct Worker {
   std::size_t index;
   pid_t process;
@@ -60,7 +60,8 @@ Told Unpacked(const std::string& packed) {
   return told;
 }
 
-// All of it in the process that was forked. It ends with the one that forked it, whatever ends that.
+// All of it in the process that was forked. It ends with the one that forked it, whatever ends
+// that.
 [[noreturn]] void Work(pid_t parent, const File& pipe, const std::function<Told()>& work) {
   RememberEnds(false);
   prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -121,7 +122,8 @@ class Batch {
     ++started_;
   }
 
-  // To what the workers write, until there is something or a moment has passed, in which a signal may have come.
+  // To what the workers write, until there is something or a moment has passed, in which a signal
+  // may have come.
   void Listen() {
     constexpr int kMoment = 100;
     std::vector<pollfd> files;

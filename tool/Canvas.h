@@ -30,7 +30,8 @@ class Canvas {
   /// Clear at first.
   Canvas(int width, int height);
 
-  /// Lays the shape over what is there, within the area and the canvas. A pixel gets the mean of several places in it.
+  /// Lays the shape over what is there, within the area and the canvas. A pixel gets the mean of
+  /// several places in it.
   void Draw(Area area, const Shader& shader);
   void Fill(Area area, Paint paint);
   /// Text in the small bitmap font, `scale` pixels to a dot, its top left corner at (x, y).

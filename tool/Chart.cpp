@@ -1,6 +1,7 @@
-// The chart is a card with soft edges on a clear ground. Text and four different corners show flips and turns, line
-// pairs, star and zone plate show resampling, the wheel and the bars show colours, the ramps show steps, and a window
-// in the card shows soft transparency. Its sides are odd and differ.
+// The chart is a card with soft edges on a clear ground. Text and four different corners show flips
+// and turns, line pairs, star and zone plate show resampling, the wheel and the bars show colours,
+// the ramps show steps, and a window in the card shows soft transparency. Its sides are odd and
+// differ.
 #include "Chart.h"
 
 #include <algorithm>
@@ -53,7 +54,8 @@ Paint Grey(double level) {
   return {channel, channel, channel, 1};
 }
 
-// A shape within a circle; the shader gets radius (0 to 1) and direction (0 to 1, clockwise from the right).
+// A shape within a circle; the shader gets radius (0 to 1) and direction (0 to 1, clockwise from
+// the right).
 template <class Shader>
 void DrawDisc(Canvas& canvas, int x, int y, int radius, Shader shader) {
   canvas.Draw({x - radius, y - radius, 2 * radius, 2 * radius}, [=](double px, double py) {

@@ -1,5 +1,5 @@
-// The command line as the user wrote it: words sorted into steps and options. What methods and arguments there are is
-// not known here.
+// The command line as the user wrote it: words sorted into steps and options. What methods and
+// arguments there are is not known here.
 //
 //   lmx [option...] METHOD [picture...] [name=value...] [+ METHOD [name=value...]]...
 #pragma once
@@ -46,7 +46,8 @@ struct CommandLine {
   bool version = false;
 };
 
-/// Throws UsageError for an unknown option, an option without its value, and a `+` with nothing on one side.
+/// Throws UsageError for an unknown option, an option without its value, and a `+` with nothing on
+/// one side.
 CommandLine ParseCommandLine(const std::vector<std::string>& words);
 
 }  // namespace tool

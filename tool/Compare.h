@@ -21,16 +21,17 @@ struct Difference {
   std::array<Largest, 4> channels;  ///< red, green, blue, alpha: the first of the largest differences
 };
 
-/// Of two pictures of one size. The colours of pixels that are clear in both do not count: nobody sees them.
+/// Of two pictures of one size. The colours of pixels that are clear in both do not count: nobody
+/// sees them.
 Difference Compare(const Image& a, const Image& b, int tolerance);
 
-/// Black where the pictures are the same; otherwise the difference of each colour, or that of alpha in grey where it is
-/// larger than those, multiplied so that the largest one is 255. Opaque.
+/// Black where the pictures are the same; otherwise the difference of each colour, or that of alpha
+/// in grey where it is larger than those, multiplied so that the largest one is 255. Opaque.
 Image PictureOfDifference(const Image& a, const Image& b, const Difference& difference);
 
-/// Tells about the two pictures of the command line on standard output and writes the picture of their difference, if
-/// it is wanted. Returns the exit status: 0 for equal pictures, 1 for others. Throws Trouble instead of what else goes
-/// wrong with files, UsageError, and Interrupted.
+/// Tells about the two pictures of the command line on standard output and writes the picture of
+/// their difference, if it is wanted. Returns the exit status: 0 for equal pictures, 1 for others.
+/// Throws Trouble instead of what else goes wrong with files, UsageError, and Interrupted.
 int ComparePictures(const CommandLine& line);
 
 }  // namespace tool

@@ -1,6 +1,6 @@
-// What the methods and their arguments mean, for people, and which arguments may be left out. One entry for every
-// method that the plug-in registers and for every argument of it; what can be called, and how, is not said here but
-// by the declarations.
+// What the methods and their arguments mean, for people, and which arguments may be left out. One
+// entry for every method that the plug-in registers and for every argument of it; what can be
+// called, and how, is not said here but by the declarations.
 #pragma once
 
 #include <cstdint>

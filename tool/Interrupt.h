@@ -12,8 +12,8 @@ namespace tool {
 /// size of files is told by the write that goes beyond it.
 void WatchSignals();
 bool InterruptRequested();
-/// In a process that has others to end first: every signal that asks for an end is then remembered as the first Ctrl-C
-/// is, and counts as one.
+/// In a process that has others to end first: every signal that asks for an end is then remembered
+/// as the first Ctrl-C is, and counts as one.
 void RememberEnds(bool all);
 /// Which signal it was that is remembered; 0: none.
 int RememberedEnd();

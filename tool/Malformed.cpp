@@ -15,9 +15,9 @@ class JpegScanner {
  public:
   explicit JpegScanner(const std::vector<unsigned char>& bytes) : bytes_(bytes) {}
 
-  // While one segment follows the other, what programs have put into theirs is skipped: it can look like anything.
-  // Where that ends, with the first scan or because the file is no longer what it should be, a decoder may find tables
-  // at any place that looks like one.
+  // While one segment follows the other, what programs have put into theirs is skipped: it can look
+  // like anything. Where that ends, with the first scan or because the file is no longer what it
+  // should be, a decoder may find tables at any place that looks like one.
   bool AllFit() const {
     std::size_t at = kStartOfImage;
     while (At(at) == kFill && IsSegment(At(at + 1))) {

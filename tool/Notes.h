@@ -13,7 +13,8 @@ namespace tool {
 std::vector<std::string> NotesOn(const Step& step, const std::vector<host::Value>& arguments,
                                  const host::Picture& picture);
 
-/// What a failure may come from: the numbers that the user gave and the method does not take, each with what it takes.
+/// What a failure may come from: the numbers that the user gave and the method does not take, each
+/// with what it takes.
 std::string OutOfRange(const Step& step);
 
 }  // namespace tool

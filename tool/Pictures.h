@@ -1,4 +1,5 @@
-// The command line that calls methods: reads the pictures, runs the plan on each, writes them and tells about it.
+// The command line that calls methods: reads the pictures, runs the plan on each, writes them and
+// tells about it.
 #pragma once
 
 #include "CommandLine.h"
@@ -6,7 +7,8 @@
 
 namespace tool {
 
-/// The plug-in is loaded. Throws UsageError before anything is read or written; Failure, Interrupted.
+/// The plug-in is loaded. Throws UsageError before anything is read or written; Failure,
+/// Interrupted.
 void RunMethods(host::Host& plugin, const CommandLine& line);
 
 }  // namespace tool

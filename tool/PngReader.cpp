@@ -28,7 +28,8 @@ std::uint32_t BigEndian(const unsigned char* bytes) {
   return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
-// The parts of a PNG, one after the other: a length and a type, in four bytes each, the data, and a checksum.
+// The parts of a PNG, one after the other: a length and a type, in four bytes each, the data, and a
+// checksum.
 class ChunkWalk {
  public:
   explicit ChunkWalk(const Bytes& png) : png_(png) {}
@@ -134,8 +135,8 @@ class Inflater {
   bool ended_ = false;
 };
 
-// Adds to each byte what its neighbours foretell: the byte of the same channel to the left, the one above, and the one
-// above to the left. `row` and `above` have kMargin zeros before them.
+// Adds to each byte what its neighbours foretell: the byte of the same channel to the left, the one
+// above, and the one above to the left. `row` and `above` have kMargin zeros before them.
 constexpr std::size_t kMargin = 8;
 
 int Paeth(int left, int above, int corner) {

@@ -22,9 +22,9 @@ struct PngHeader {
 /// Throws Failure, naming the path, for a file whose parts do not lie within it.
 PngHeader HeaderOfPng(const std::string& path, const std::vector<unsigned char>& file);
 
-/// Samples of 16 bits lose their lower half. Throws Failure for a file that is not whole, or whose checksums are wrong:
-/// those of the pixels and of all parts that the picture depends on. `tick` gets how many rows of how many are done,
-/// once a row, and may leave by an exception.
+/// Samples of 16 bits lose their lower half. Throws Failure for a file that is not whole, or whose
+/// checksums are wrong: those of the pixels and of all parts that the picture depends on. `tick`
+/// gets how many rows of how many are done, once a row, and may leave by an exception.
 Image DecodePng(const std::string& path, const std::vector<unsigned char>& file,
                 const std::function<void(int, int)>& tick);
 

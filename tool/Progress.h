@@ -64,8 +64,8 @@ class FileProgress {
 
   FileProgress(const char* doing, std::string path, std::int64_t pixels);
 
-  /// So much of all is done, or so many bytes of a number that is not known. Throws Interrupted on Ctrl-C, naming the
-  /// file.
+  /// So much of all is done, or so many bytes of a number that is not known. Throws Interrupted on
+  /// Ctrl-C, naming the file.
   void Reached(std::int64_t done, std::int64_t all);
   void Reached(std::int64_t bytes);
 

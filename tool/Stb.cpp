@@ -1,5 +1,5 @@
-// The code of stb_image and stb_image_write, with allocators that know what their callers can bear. lmx uses it for JPEG;
-// PNG is for the tests, which read and write it by other code than lmx does.
+// The code of stb_image and stb_image_write, with allocators that know what their callers can bear.
+// lmx uses it for JPEG; PNG is for the tests, which read and write it by other code than lmx does.
 #include <cstdlib>
 #include <new>
 #include <set>

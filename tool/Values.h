@@ -1,4 +1,5 @@
-// Values of the host's language as text: what users write, and what people, scripts and programs read.
+// Values of the host's language as text: what users write, and what people, scripts and programs
+// read.
 #pragma once
 
 #include <string>
@@ -12,8 +13,8 @@ namespace tool {
 ///   integer  -2147483648 to 2147483647
 ///   double   1, -0.5, 1e3, inf, nan
 ///   boolean  true, false, yes, no, 1, 0
-///   color    #rrggbb, #rgb, &cRRGGBB, &cRRGGBBTT, &hTTRRGGBB; TT is the transparency, 00 opaque and ff clear.
-///            #rrggbbxx is refused: the web means alpha by it
+///   color    #rrggbb, #rgb, &cRRGGBB, &cRRGGBBTT, &hTTRRGGBB; TT is the transparency, 00 opaque
+///            and ff clear. #rrggbbxx is refused: the web means alpha by it
 /// Upper and lower case are the same. Throws UsageError saying what is expected.
 host::Value ParseValue(host::Type type, const std::string& text);
 

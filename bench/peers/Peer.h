@@ -1,8 +1,9 @@
-// Other libraries that do the same work, or what comes closest. Each gets the same picture, as words 0xAARRGGBB in the
-// machine's byte order, premultiplied, and gives one piece of work for every operation that it has.
+// Other libraries that do the same work, or what comes closest. Each gets the same picture, as
+// words 0xAARRGGBB in the machine's byte order, premultiplied, and gives one piece of work for
+// every operation that it has.
 //
-// A work starts from buffers that were touched before. Libraries that allocate their results get memory back that was
-// touched as well, because the program never returns any to the system.
+// A work starts from buffers that were touched before. Libraries that allocate their results get
+// memory back that was touched as well, because the program never returns any to the system.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// Times the operations of the plug-in beside the same work done by other libraries, each pair in turn in one run.
+// Times the operations of the plug-in beside the same work done by other libraries, each pair in
+// turn in one run.
 #include <malloc.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// Puts a level's kernels into the table. Included after them, and after the three forms that they are made for.
+// Puts a level's kernels into the table. Included after them, and after the three forms that they
+// are made for.
 #pragma once
 
 namespace {

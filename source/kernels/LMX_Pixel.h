@@ -1,14 +1,15 @@
-// One pixel: what reading, writing, adjusting and blending mean. These functions say what every pixel operation
-// is; the kernels apply them to runs.
+// One pixel: what reading, writing, adjusting and blending mean. These functions say what every
+// pixel operation is; the kernels apply them to runs.
 //
-// A working pixel is 0xAARRGGBB with straight alpha: 255 opaque, 0 transparent. A stored pixel is four bytes in one of
-// two forms:
+// A working pixel is 0xAARRGGBB with straight alpha: 255 opaque, 0 transparent. A stored pixel is
+// four bytes in one of two forms:
 //   context  alpha, red, green, blue in memory, colours premultiplied by alpha;
-//   buffer   a little-endian word 0xTTRRGGBB, straight colours, T a transparency from 0 (opaque) to 127 (clear).
+//   buffer   a little-endian word 0xTTRRGGBB, straight colours, T a transparency from 0 (opaque) to
+//            127 (clear).
 // All arithmetic is on integers, and every division truncates.
 //
-// The functions are expanded wherever they are used: a copy that was compiled for one instruction set must never be the
-// one that the linker keeps for everybody.
+// The functions are expanded wherever they are used: a copy that was compiled for one instruction
+// set must never be the one that the linker keeps for everybody.
 #pragma once
 
 #include <stdint.h>
@@ -46,7 +47,7 @@ struct HSVSums {
 };
 
 struct LMX_Pixel {
-  // -------------------------------------------------------------------------------------------------------- channels
+  // -------------------------------------------------------------------------------------- channels
 
   LMX_ALWAYS_INLINE static uint32_t Alpha(uint32_t pixel) { return pixel >> 24; }
   LMX_ALWAYS_INLINE static uint32_t Red(uint32_t pixel) { return pixel >> 16 & 0xFF; }
@@ -57,9 +58,10 @@ struct LMX_Pixel {
     return alpha << 24 | red << 16 | green << 8 | blue;
   }
 
-  // ---------------------------------------------------------------------------------------------------- stored pixels
+  // --------------------------------------------------------------------------------- stored pixels
 
-  /// The colours of a stored pixel above its alpha come out above 255 and carry into their neighbour. That is wanted.
+  /// The colours of a stored pixel above its alpha come out above 255 and carry into their
+  /// neighbour. That is wanted.
   LMX_ALWAYS_INLINE static uint32_t ReadContext(const uint8_t* stored) {
     const uint32_t alpha = stored[0];
     if (alpha == 0) return 0;
@@ -76,7 +78,8 @@ struct LMX_Pixel {
     stored[3] = static_cast<uint8_t>(Blue(pixel) * alpha / 255);
   }
 
-  /// A transparency above 127, which no well-formed picture has, wraps around in the byte of the alpha.
+  /// A transparency above 127, which no well-formed picture has, wraps around in the byte of the
+  /// alpha.
   LMX_ALWAYS_INLINE static uint32_t ReadBuffer(const uint8_t* stored) {
     uint32_t word;
     memcpy(&word, stored, sizeof word);
@@ -99,10 +102,11 @@ struct LMX_Pixel {
   }
   LMX_ALWAYS_INLINE static void Store(uint8_t* working, uint32_t pixel) { memcpy(working, &pixel, sizeof pixel); }
 
-  // -------------------------------------------------------------------------------------------------------------- HSV
+  // ------------------------------------------------------------------------------------------- HSV
 
-  /// Hue 0 to 6143 in 1/1024 of a sector of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a grey; saturation 0 to
-  /// 1024; value, the largest channel, and alpha 0 to 255. Red wins a tie, then green.
+  /// Hue 0 to 6143 in 1/1024 of a sector of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a
+  /// grey; saturation 0 to 1024; value, the largest channel, and alpha 0 to 255. Red wins a tie,
+  /// then green.
   LMX_ALWAYS_INLINE static void RGBToHSV_1024(unsigned long pixel, long& hue, long& saturation, long& value,
                                               long& alpha) {
     const uint32_t word = static_cast<uint32_t>(pixel);
@@ -127,9 +131,10 @@ struct LMX_Pixel {
     if (hue < 0) hue += 6144;
   }
 
-  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside the six sectors gives black,
-  /// unless the saturation is 0, which ignores it. The division that tells the sector truncates, so that hues from -1023
-  /// to -1 continue the first one downwards. Truncation may lower a channel by a step or two; it is not corrected.
+  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside the six
+  /// sectors gives black, unless the saturation is 0, which ignores it. The division that tells the
+  /// sector truncates, so that hues from -1023 to -1 continue the first one downwards. Truncation
+  /// may lower a channel by a step or two; it is not corrected.
   LMX_ALWAYS_INLINE static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
     const uint32_t a = static_cast<uint32_t>(alpha);
     const uint32_t v = static_cast<uint32_t>(value);
@@ -157,7 +162,8 @@ struct LMX_Pixel {
     }
   }
 
-  /// Alpha stays. The saturation ends at 1023, so a fully saturated colour loses a unit even when nothing is scaled.
+  /// Alpha stays. The saturation ends at 1023, so a fully saturated colour loses a unit even when
+  /// nothing is scaled.
   LMX_ALWAYS_INLINE static uint32_t AdjustHSV(uint32_t pixel, const HSVAdjustment& by) {
     long hue, saturation, value, alpha;
     RGBToHSV_1024(pixel, hue, saturation, value, alpha);
@@ -169,7 +175,7 @@ struct LMX_Pixel {
     return HSVToRGB_1024(hue, saturation, value, alpha);
   }
 
-  // ------------------------------------------------------------------------------------------------- other operations
+  // ------------------------------------------------------------------------------ other operations
 
   /// Alpha stays; each colour is clamped to 0 to 255.
   LMX_ALWAYS_INLINE static uint32_t AdjustRGB(uint32_t pixel, const RGBAdjustment& by) {
@@ -180,14 +186,14 @@ struct LMX_Pixel {
   /// The colour negative, fully transparent.
   LMX_ALWAYS_INLINE static uint32_t Negative(uint32_t pixel) { return ~pixel & 0xFFFFFF; }
 
-  /// The mix of a pixel with the one before it in its line. `fraction` is the weight of the one before, 0 to 65535; the
-  /// pixel's own is the rest to 65535.
+  /// The mix of a pixel with the one before it in its line. `fraction` is the weight of the one
+  /// before, 0 to 65535; the pixel's own is the rest to 65535.
   LMX_ALWAYS_INLINE static uint32_t Blend(uint32_t pixel, uint32_t before, uint32_t fraction) {
     return Pack(BlendChannel(Alpha(pixel), Alpha(before), fraction), BlendChannel(Red(pixel), Red(before), fraction),
                 BlendChannel(Green(pixel), Green(before), fraction), BlendChannel(Blue(pixel), Blue(before), fraction));
   }
 
-  // -------------------------------------------------------------------------------------------------------- box filter
+  // ------------------------------------------------------------------------------------ box filter
 
   /// Adds `units` times each channel to the four sums of a box.
   LMX_ALWAYS_INLINE static void AddToBox(uint32_t* sums, uint32_t pixel, uint32_t units) {
@@ -202,7 +208,7 @@ struct LMX_Pixel {
     return Pack(sums[0] / units, sums[1] / units, sums[2] / units, sums[3] / units);
   }
 
-  // ------------------------------------------------------------------------------------------------------------- sums
+  // ------------------------------------------------------------------------------------------ sums
 
   LMX_ALWAYS_INLINE static void AddRGB(RGBSums* sums, uint32_t pixel) {
     sums->red += Red(pixel);

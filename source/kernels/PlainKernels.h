@@ -1,7 +1,9 @@
-// The plain kernels: each is the functions of LMX_Pixel.h, applied n times. They are what the wide kernels have to equal,
-// and what these use themselves for pixels that their arithmetic does not cover.
+// The plain kernels: each is the functions of LMX_Pixel.h, applied n times. They are what the wide
+// kernels have to equal, and what these use themselves for pixels that their arithmetic does not
+// cover.
 //
-// Everything lives in an anonymous namespace and is expanded where it is used, so that no two levels share a function.
+// Everything lives in an anonymous namespace and is expanded where it is used, so that no two
+// levels share a function.
 #pragma once
 
 #include "RunKernels.h"
@@ -9,7 +11,7 @@
 namespace {
 namespace plain {
 
-// --------------------------------------------------------------------------------------------------------------- forms
+// ------------------------------------------------------------------------------------------- forms
 
 struct ContextForm {
   static constexpr PixelForm kForm = kContextForm;
@@ -43,7 +45,7 @@ LMX_ALWAYS_INLINE void Write(uint8_t* to, uint32_t pixel) {
   }
 }
 
-// ---------------------------------------------------------------------------------------------------- pixel after pixel
+// ------------------------------------------------------------------------------- pixel after pixel
 
 // Reads, changes and writes n pixels.
 template <class From, class To, class Change>
@@ -92,10 +94,10 @@ LMX_ALWAYS_INLINE void Blend(uint8_t* to, const uint8_t* from, uint32_t before, 
   }
 }
 
-// ------------------------------------------------------------------------------------------------------------- columns
+// ----------------------------------------------------------------------------------------- columns
 
-// One row of columns that are blended along themselves: from column c on, n of them. It comes from `from[down[c]]` and the
-// run after that.
+// One row of columns that are blended along themselves: from column c on, n of them. It comes from
+// `from[down[c]]` and the run after that.
 template <class From, class To>
 LMX_ALWAYS_INLINE void BlendRow(uint8_t* to, const uint8_t* const* from, const uint32_t* down, const uint32_t* fraction,
                                 size_t c, size_t n) {
@@ -126,7 +128,7 @@ LMX_ALWAYS_INLINE void Transpose(uint8_t* const* to, const uint8_t* const* from,
   TransposePart<From, To>(to, from, rows, columns, 0, 0);
 }
 
-// ---------------------------------------------------------------------------------------------------------------- sums
+// -------------------------------------------------------------------------------------------- sums
 
 template <class Form>
 LMX_ALWAYS_INLINE void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
@@ -138,7 +140,7 @@ LMX_ALWAYS_INLINE void SumHSV(HSVSums* sums, const uint8_t* stored, size_t n) {
   for (size_t i = 0; i < n; ++i) LMX_Pixel::AddHSV(sums, Read<Form>(stored + 4 * i));
 }
 
-// --------------------------------------------------------------------------------------------------------------- boxes
+// ------------------------------------------------------------------------------------------- boxes
 
 template <class To>
 LMX_ALWAYS_INLINE void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units, size_t count,

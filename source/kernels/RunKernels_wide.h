@@ -1,4 +1,5 @@
-// The wide kernels, for any width of register: a unit per level includes its Vector header, and then this one.
+// The wide kernels, for any width of register: a unit per level includes its Vector header, and
+// then this one.
 #pragma once
 
 #include "WideBoxes.h"

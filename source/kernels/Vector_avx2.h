@@ -142,7 +142,8 @@ struct Vector {
     return Words<first, second, third, fourth, 4 + first, 4 + second, 4 + third, 4 + fourth>(a);
   }
 
-  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and UnpackHigh8 put its channels.
+  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and
+  // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
     return Words<half, half, half, half, 2 + half, 2 + half, 2 + half, 2 + half>(a);

@@ -1,4 +1,5 @@
-// Sixteen pixels in a register: the operations from which the wide kernels are made, in AVX-512 (F and BW).
+// Sixteen pixels in a register: the operations from which the wide kernels are made, in AVX-512 (F
+// and BW).
 //
 // Lanes of 16 and 32 bits; unpacking and packing keep to their group of 128 bits.
 #pragma once
@@ -142,7 +143,8 @@ struct Vector {
     return Words<first, second, third, fourth, 4 + first, 4 + second, 4 + third, 4 + fourth>(a);
   }
 
-  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and UnpackHigh8 put its channels.
+  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and
+  // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
     return Words<half, half, half, half, 2 + half, 2 + half, 2 + half, 2 + half>(a);
@@ -206,7 +208,8 @@ struct Vector {
     return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_add_epi64(quarter, _mm_srli_si128(quarter, 8))));
   }
 
-  // Transposes a square of kPixels x kPixels pixels: first the 4 x 4 pixels in each group of 128 bits, then the groups.
+  // Transposes a square of kPixels x kPixels pixels: first the 4 x 4 pixels in each group of 128
+  // bits, then the groups.
   LMX_ALWAYS_INLINE static void Transpose(Reg* r) {
     Reg columns[16];  // columns[i + k] has, in its groups, the columns k, 4 + k, 8 + k, 12 + k of the rows i to i + 3
     for (int i = 0; i < 16; i += 4) {

@@ -16,7 +16,8 @@ struct Vector {
   LMX_ALWAYS_INLINE static Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { _mm_storeu_si128(static_cast<__m128i*>(p), a); }
 
-  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written; it counts as 0.
+  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written;
+  // it counts as 0.
   LMX_ALWAYS_INLINE static Reg LoadFirst(const void* p, size_t n) {
     if (n == kPixels) return Load(p);
     const uint8_t* const from = static_cast<const uint8_t*>(p);
@@ -137,7 +138,8 @@ struct Vector {
     return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, i), i);
   }
 
-  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and UnpackHigh8 put its channels.
+  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and
+  // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
     return Spread16 < half ? 0xF5 : 0xA0 > (_mm_unpacklo_epi32(a, a));

@@ -5,10 +5,11 @@
 
 namespace {
 
-// ------------------------------------------------------------------------------------------------ averages of two runs
+// ---------------------------------------------------------------------------- averages of two runs
 
-// A box of exactly 32768 units. The quotient of a first + b last is a + (b - a) last / 32768, rounded down: the high half
-// of the signed product of 2 (b - a), -510 to 510, and `last`, 1 to 32767.
+// A box of exactly 32768 units. The quotient of a first + b last is a + (b - a) last / 32768,
+// rounded down: the high half of the signed product of 2 (b - a), -510 to 510, and `last`, 1 to
+// 32767.
 class WholeMix {
  public:
   explicit WholeMix(const Box& box) : last_(Vector::Set16(box.last)) {}
@@ -26,12 +27,13 @@ class WholeMix {
   Reg last_;
 };
 
-// A box of U units, 32704 to 32768: the smaller channel and d w / U, where d is the distance, 0 to 255, and w the weight of
-// the larger channel, 1 to U - 1. With G = w 2^32 / U + e, the sum floor(d G / 2^16) + 1 lies above
-// 2^16 (d w / U) - 0.01 and at most 0.01 + 1 above it, since |e| < 2. A quotient that is not whole is 1 / U, at least 2 /
-// 2^16, below the next one; so the sum's upper half is the quotient. G takes two halves: d times the upper one has 32 bits,
-// and the upper half of d times the lower one, plus 1, is carried into its lower half. What belongs to the second run is the
-// first one's complement: both add up to 2^32 - 1.
+// A box of U units, 32704 to 32768: the smaller channel and d w / U, where d is the distance, 0 to
+// 255, and w the weight of the larger channel, 1 to U - 1. With G = w 2^32 / U + e, the sum floor(d
+// G / 2^16) + 1 lies above 2^16 (d w / U) - 0.01 and at most 0.01 + 1 above it, since |e| < 2. A
+// quotient that is not whole is 1 / U, at least 2 / 2^16, below the next one; so the sum's upper
+// half is the quotient. G takes two halves: d times the upper one has 32 bits, and the upper half
+// of d times the lower one, plus 1, is carried into its lower half. What belongs to the second run
+// is the first one's complement: both add up to 2^32 - 1.
 class Mix {
  public:
   // What w 2^17 lacks to w 2^32 / U, for each w, in 1/65536; at most 2^24 + 2^16.
@@ -58,14 +60,15 @@ class Mix {
   Reg low_;
 };
 
-// ----------------------------------------------------------------------------------------------- averages of more runs
+// --------------------------------------------------------------------------- averages of more runs
 
 // A quarter of a register of pixels in 32-bit lanes, four times.
 struct Quarters {
   Reg of[4];
 };
 
-// a times its weight plus b times its weight, in each channel; `weights` are pairs of signed 16-bit numbers.
+// a times its weight plus b times its weight, in each channel; `weights` are pairs of signed 16-bit
+// numbers.
 LMX_ALWAYS_INLINE Quarters WeightedBytes(Reg a, Reg b, Reg weights) {
   const Reg low = Vector::Interleave8Low(a, b), high = Vector::Interleave8High(a, b);
   return {{Vector::MulAddPairs16(Vector::UnpackLow8(low), weights),
@@ -93,9 +96,9 @@ LMX_ALWAYS_INLINE Channels SumRuns(const uint8_t* const* runs, size_t count, siz
   return sums;
 }
 
-// A box of three runs or more, of U = 32768 - e units, e at most kMostMissing. With a sum of H 32768 + L, which is
-// H U + (H e + L), the quotient is H, 0 to 255, and one more where H e + L reaches U; twice U it cannot reach, and with e
-// added, 255 e + 32767 + e, it stays in 16 bits.
+// A box of three runs or more, of U = 32768 - e units, e at most kMostMissing. With a sum of H
+// 32768 + L, which is H U + (H e + L), the quotient is H, 0 to 255, and one more where H e + L
+// reaches U; twice U it cannot reach, and with e added, 255 e + 32767 + e, it stays in 16 bits.
 class Average {
  public:
   Average(const Box& box, const BoxUnits& units)
@@ -127,14 +130,15 @@ class Average {
   Reg missing_;
 };
 
-// --------------------------------------------------------------------------------------------------------------- runs
+// -------------------------------------------------------------------------------------------- runs
 
 // Working pixels of a whole register.
 struct AllColumns {
   LMX_ALWAYS_INLINE static Reg Load(const uint8_t* p) { return Vector::Load(p); }
 };
 
-// Of n columns, 1 to kWide. The others read as opaque, so that they do not keep a register from being opaque.
+// Of n columns, 1 to kWide. The others read as opaque, so that they do not keep a register from
+// being opaque.
 class FirstColumns {
  public:
   LMX_ALWAYS_INLINE explicit FirstColumns(size_t n) : n_(n) {
@@ -260,7 +264,7 @@ void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units
   MakeBoxes(to, runs, *units, count, Runs<To, Stores>(n));
 }
 
-// ---------------------------------------------------------------------------------------------------- averages in steps
+// ------------------------------------------------------------------------------- averages in steps
 
 // Calls step(i, pixels) for every register of n pixels, the last one in part.
 template <class Step>
@@ -284,8 +288,8 @@ void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32
   });
 }
 
-// With M = ceil(2^40 / units), sum M >> 40 is sum / units for every sum below 2^23, since M units - 2^40 < 2^15. M has 26
-// bits.
+// With M = ceil(2^40 / units), sum M >> 40 is sum / units for every sum below 2^23, since M
+// units - 2^40 < 2^15. M has 26 bits.
 template <class To>
 void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
   const Reg factor = Vector::Set32(static_cast<uint32_t>(((1ull << 40) + units - 1) / units));
@@ -301,7 +305,7 @@ void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
   });
 }
 
-// --------------------------------------------------------------------------------------------------------------- halves
+// ------------------------------------------------------------------------------------------ halves
 
 // Written in a form, and read again.
 template <class Form>

@@ -5,7 +5,7 @@
 
 namespace {
 
-// --------------------------------------------------------------------------------------------------------------- HSV
+// --------------------------------------------------------------------------------------------- HSV
 
 // One channel of pixels in 32-bit lanes, `shift` bits up in each.
 template <int shift>
@@ -20,11 +20,12 @@ LMX_ALWAYS_INLINE Reg Channel16(Reg first, Reg second) {
   return Vector::Pack32(Channel<shift>(first), Channel<shift>(second));
 }
 
-// n 1024 / d, truncated, for 0 <= n <= d <= 255: long division in 16-bit lanes. Where d is 0 the result means nothing.
+// n 1024 / d, truncated, for 0 <= n <= d <= 255: long division in 16-bit lanes. Where d is 0 the
+// result means nothing.
 //
-// A lane holds 64 times the rest, and in the six bits below it the quotient as far as it is known. Taking 64 d - 1 away
-// subtracts the divisor and puts a 1 into the quotient; both are then doubled together. The lane is even before each
-// step, and so never equal to what is taken away.
+// A lane holds 64 times the rest, and in the six bits below it the quotient as far as it is known.
+// Taking 64 d - 1 away subtracts the divisor and puts a 1 into the quotient; both are then doubled
+// together. The lane is even before each step, and so never equal to what is taken away.
 LMX_ALWAYS_INLINE Reg Divide1024(Reg n, Reg d) {
   const Reg taken = Vector::Sub16(Vector::Left16<6>(d), Vector::Set16(1));
   const Reg digits = Vector::Set16(63);
@@ -115,7 +116,8 @@ LMX_ALWAYS_INLINE Colours ToRGB(const HSV& in) {
           Select(isIn(3, 4), in.value, Select(isIn(2, 5), tq, p))};
 }
 
-// Of adjustments by no more than a turn: hues stay within a turn of the circle, and wrap into it once.
+// Of adjustments by no more than a turn: hues stay within a turn of the circle, and wrap into it
+// once.
 class HSVChange {
  public:
   static constexpr size_t kRegs = 2;
@@ -153,7 +155,7 @@ void AdjustHSV(uint8_t* to, const uint8_t* from, const HSVAdjustment* by, size_t
   plain::AdjustHSV<From, To>(to, from, by, n);
 }
 
-// ----------------------------------------------------------------------------------------------------- RGB, negative
+// ----------------------------------------------------------------------------------- RGB, negative
 
 class RGBChange {
  public:
@@ -194,7 +196,7 @@ void Negative(uint8_t* to, const uint8_t* from, size_t n) {
   Transform<From, To, Temporal>(to, from, NegativeChange(), n);
 }
 
-// -------------------------------------------------------------------------------------------------------------- sums
+// -------------------------------------------------------------------------------------------- sums
 
 class WideRGBSums {
  public:
@@ -226,11 +228,12 @@ void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   wide.AddTo(sums);
 }
 
-// The sum of saturations depends on the order of its terms in its last bits only. While it stays between two powers of
-// two, B and 2 B, every term is rounded to a multiple of B / 2^52 when it is added, whatever the sum: (v + B) - B rounds
-// a term like that, and rounded terms add up exactly in any order. For the rounding to depend on the sum, a term would
-// have to lie halfway between two multiples. From a sum of 256 to one of 2^45 none does: (max - min) / max, with a max
-// of at most 255, is further than its own rounding error from every halfway point.
+// The sum of saturations depends on the order of its terms in its last bits only. While it stays
+// between two powers of two, B and 2 B, every term is rounded to a multiple of B / 2^52 when it is
+// added, whatever the sum: (v + B) - B rounds a term like that, and rounded terms add up exactly in
+// any order. For the rounding to depend on the sum, a term would have to lie halfway between two
+// multiples. From a sum of 256 to one of 2^45 none does: (max - min) / max, with a max of at most
+// 255, is further than its own rounding error from every halfway point.
 constexpr double kFirstWideSum = 256;
 constexpr size_t kSumBlock = 256;  // pixels; each adds at most 1
 

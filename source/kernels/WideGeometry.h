@@ -12,10 +12,11 @@ void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
                   [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA { pixels.Store(stored + 4 * i, words); });
 }
 
-// ------------------------------------------------------------------------------------------------------------ blends
+// ------------------------------------------------------------------------------------------ blends
 
-// Two pixels' mix is the smaller channel and a part of their distance: min + |a - b| w / W, truncated, where w is the
-// weight of the larger one and W that of both. The distances in 16-bit lanes, and where the second is the larger one.
+// Two pixels' mix is the smaller channel and a part of their distance: min + |a - b| w / W,
+// truncated, where w is the weight of the larger one and W that of both. The distances in 16-bit
+// lanes, and where the second is the larger one.
 struct Distances {
   Distances(Reg first, Reg second) : min(Vector::Min8(first, second)) {
     of = Unpack(Vector::Sub8(Vector::Max8(first, second), min));
@@ -40,8 +41,8 @@ struct Distances {
   Channels secondIsLarger;
 };
 
-// The weights of a blend add up to 65535. With H and L the halves of distance times weight, the quotient is H, and one
-// more where L + H reaches 65535.
+// The weights of a blend add up to 65535. With H and L the halves of distance times weight, the
+// quotient is H, and one more where L + H reaches 65535.
 class BlendPart {
  public:
   explicit BlendPart(uint32_t fraction) : ofFirst_(Vector::Set16(65535 - fraction)) {}
@@ -58,9 +59,10 @@ class BlendPart {
   Reg ofFirst_;
 };
 
-// The pixels of one register at `from`, each blended with the one before it. `last` is a register of working pixels of
-// which the last is the one before `from`; then it is that of these. `isFirst` says that no stored pixel lies before
-// `from`. False, and nothing done, when a pixel takes the plain path.
+// The pixels of one register at `from`, each blended with the one before it. `last` is a register
+// of working pixels of which the last is the one before `from`; then it is that of these. `isFirst`
+// says that no stored pixel lies before `from`. False, and nothing done, when a pixel takes the
+// plain path.
 template <class From, class To>
 struct Blending {
   static constexpr bool kOpaqueAsStored = false;
@@ -113,9 +115,10 @@ void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
   });
 }
 
-// ------------------------------------------------------------------------------------------------- columns of a shear
+// ------------------------------------------------------------------------------ columns of a shear
 
-// Neighbouring columns on their way down: each row is blended with the one above it, which stays at hand.
+// Neighbouring columns on their way down: each row is blended with the one above it, which stays at
+// hand.
 template <class From, class To>
 class ColumnBlending {
  public:
@@ -126,7 +129,8 @@ class ColumnBlending {
         above_(above),
         straightAbove_(above) {}
 
-  // The mix of the next row with the one above it; false when a pixel of either takes the plain path.
+  // The mix of the next row with the one above it; false when a pixel of either takes the plain
+  // path.
   LMX_ALWAYS_INLINE bool Next(Reg row, Reg* out) {
     const Reg above = above_;
     above_ = row;
@@ -164,8 +168,8 @@ LMX_ALWAYS_INLINE void Fetch(const uint8_t* run, size_t n) {
   __builtin_prefetch(run + 4 * n - 1, isWritten);
 }
 
-// Neighbouring columns, at most a register of them. They are displaced by a few rows against each other: a row of the
-// sheared picture has lanes from each of those.
+// Neighbouring columns, at most a register of them. They are displaced by a few rows against each
+// other: a row of the sheared picture has lanes from each of those.
 struct SlantedColumns {
   SlantedColumns(const uint32_t* down, size_t columns) : n(columns), least(down[0]), idle(Vector::OnesFrom(n)) {
     uint32_t most = least;

@@ -1,9 +1,9 @@
-// A register of pixels: what the wide kernels share. Conversions between stored and working pixels, and the loop that
-// takes a run through them.
+// A register of pixels: what the wide kernels share. Conversions between stored and working pixels,
+// and the loop that takes a run through them.
 //
-// Included after a Vector header. Everything lives in an anonymous namespace, so that no two levels share a function.
-// What does not fill a register is the first part of one. What the fast arithmetic does not cover goes through the plain
-// kernels.
+// Included after a Vector header. Everything lives in an anonymous namespace, so that no two levels
+// share a function. What does not fill a register is the first part of one. What the fast
+// arithmetic does not cover goes through the plain kernels.
 #pragma once
 
 #include "PlainKernels.h"
@@ -35,8 +35,9 @@ LMX_ALWAYS_INLINE Reg Divide255(Reg x) {
   return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
 }
 
-// How registers of results are stored. Non-temporal stores want aligned addresses: a kernel makes the head of a run, its
-// first pixels, with ordinary stores, and stores whole registers from there on.
+// How registers of results are stored. Non-temporal stores want aligned addresses: a kernel makes
+// the head of a run, its first pixels, with ordinary stores, and stores whole registers from there
+// on.
 struct Temporal {
   LMX_ALWAYS_INLINE static size_t Head(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Store(p, a); }
@@ -51,7 +52,8 @@ struct NonTemporal {
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Stream(p, a); }
 };
 
-// The pixels of one step of a kernel: kRegs whole registers, or the first `count` pixels of as many.
+// The pixels of one step of a kernel: kRegs whole registers, or the first `count` pixels of as
+// many.
 template <class Stores, size_t kRegs>
 struct WholeRegisters {
   static constexpr size_t count = kRegs * kWide;
@@ -98,14 +100,16 @@ LMX_ALWAYS_INLINE void InSteps(const uint8_t* to, size_t n, const Step& step) {
   first(i, n);
 }
 
-// ------------------------------------------------------------------------------------------------ bitmap-context form
+// ----------------------------------------------------------------------------- bitmap-context form
 
-// Quotients by alpha. With Q = 255 65536 / a and W = (255 65536 + 254) / a, divided in single precision and truncated,
+// Quotients by alpha. With Q = 255 65536 / a and W = (255 65536 + 254) / a, divided in single
+// precision and truncated,
 //   k 255 / a, truncated, is k W >> 16, for every alpha a of 1 to 255 and every k of 0 to a.
-// W is at least Q: where Q is no integer, the dividend reaches the next one, and rounding never goes below an integer
-// that fits into the 24 bits of a single-precision number. W exceeds Q by no more than 255 / a: by 254 / a, and by half a
-// unit in the last place, which is at most 1 / a. So k W / 65536 exceeds k 255 / a by no more than 255 / 65536 < 1 / a,
-// the least by which a quotient by a can lie below an integer. It follows as well that
+// W is at least Q: where Q is no integer, the dividend reaches the next one, and rounding never
+// goes below an integer that fits into the 24 bits of a single-precision number. W exceeds Q by no
+// more than 255 / a: by 254 / a, and by half a unit in the last place, which is at most 1 / a. So k
+// W / 65536 exceeds k 255 / a by no more than 255 / 65536 < 1 / a, the least by which a quotient by
+// a can lie below an integer. It follows as well that
 //   where k > a, k W >> 16 is above 255, and below 65536;
 //   k W mod 65536 is at most 255 where a divides 255 k, and at least 65536 / a where it does not.
 // Of alpha 0, W is 0. The tests AllChannelsAndAlphas walk all pairs of k and a.
@@ -114,8 +118,8 @@ LMX_ALWAYS_INLINE Reg QuotientsByAlpha(Reg alpha) {
   return Vector::AndNot(clear, Vector::DivideSingle(255 * 65536 + 254, Vector::Sub32(alpha, clear)));
 }
 
-// Stored pixels, alpha lowest, to straight channels; the alpha channels become 255, or 0. Channels above their alpha come
-// out above 255, except for alpha 0, where all become 0.
+// Stored pixels, alpha lowest, to straight channels; the alpha channels become 255, or 0. Channels
+// above their alpha come out above 255, except for alpha 0, where all become 0.
 LMX_ALWAYS_INLINE Channels Straighten(Reg stored, Reg alpha) {
   const Reg quotients = QuotientsByAlpha(alpha);
   const Channels k = Unpack(stored);
@@ -167,7 +171,7 @@ struct ContextForm {
   }
 };
 
-// ------------------------------------------------------------------------------------------------------- buffer form
+// ------------------------------------------------------------------------------------- buffer form
 
 struct BufferForm {
   static constexpr PixelForm kForm = kBufferForm;
@@ -186,15 +190,15 @@ struct BufferForm {
   }
 };
 
-// The form of working pixels, so that reading and writing are transformations, too. No register of them is refused, so
-// that none is ever read alone.
+// The form of working pixels, so that reading and writing are transformations, too. No register of
+// them is refused, so that none is ever read alone.
 struct WorkingForm {
   static constexpr PixelForm kForm = kWorkingForm;
   LMX_ALWAYS_INLINE static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
   LMX_ALWAYS_INLINE static Reg Write(Reg working) { return working; }
 };
 
-// -------------------------------------------------------------------------------------------------------- conversions
+// ------------------------------------------------------------------------------------- conversions
 
 // From one form to another, through working pixels.
 template <class From, class To>
@@ -219,7 +223,8 @@ struct Conversion<ContextForm, ContextForm> {
     if (!Vector::IsZero(Vector::SubSaturated8(in, Vector::SpreadLowest8(alpha)))) return false;
     const Reg quotients = QuotientsByAlpha(alpha);
     const auto lessRemainder = [](Reg k, Reg fraction) {
-      // The remainder of 255 k / a is the upper half of k W mod 65536 times a: 0 where a divides 255 k, above 0 elsewhere.
+      // The remainder of 255 k / a is the upper half of k W mod 65536 times a: 0 where a divides
+      // 255 k, above 0 elsewhere.
       const Reg remainder = Vector::MulHigh16(Vector::MulLow16(k, fraction), Vector::Spread16<0x00>(k));
       return Vector::Sub16(k, Vector::Add16(Vector::Set16(1), Vector::Equal16(remainder, Vector::Zero())));
     };
@@ -259,7 +264,8 @@ void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   });
 }
 
-// Converts a square's rows; false when a pixel takes the plain path. Opaque context pixels take one test for all.
+// Converts a square's rows; false when a pixel takes the plain path. Opaque context pixels take one
+// test for all.
 template <class From, class To>
 LMX_ALWAYS_INLINE bool ConvertSquare(Reg* square) {
   if constexpr (Conversion<From, To>::kOpaqueStays) {
@@ -310,7 +316,8 @@ __attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* 
   for (size_t i = 0; i < columns; ++i) Vector::StoreFirst(to[c + i] + 4 * r, rows, square[i]);
 }
 
-// By blocks of a line of the cache in both directions; what comes kRowsAhead later is fetched on the way.
+// By blocks of a line of the cache in both directions; what comes kRowsAhead later is fetched on
+// the way.
 template <class From, class To>
 void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead, size_t columns) {
   constexpr size_t kLine = 16;
@@ -341,7 +348,8 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
   }
 }
 
-// Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and to one pixel.
+// Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and
+// to one pixel.
 template <class From, class To, class Stores, class Change>
 LMX_ALWAYS_INLINE void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
   InSteps<Stores, Change::kRegs>(to, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {

@@ -1,6 +1,6 @@
-// What the plug-in and ImageMagick both do must come out alike: exact flips, quarter turns, trims, enlargements by whole
-// numbers and sums with a colour; reductions by whole numbers but for the rounding. On opaque pictures, in both storage
-// forms. Skipped where ImageMagick is not installed.
+// What the plug-in and ImageMagick both do must come out alike: exact flips, quarter turns, trims,
+// enlargements by whole numbers and sums with a colour; reductions by whole numbers but for the
+// rounding. On opaque pictures, in both storage forms. Skipped where ImageMagick is not installed.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -49,7 +49,8 @@ class Compare : public support::PluginTest {
     return {called.result.Width(), called.result.Height(), called.result.Straight()};
   }
 
-  // Both storage forms against ImageMagick. Each channel may be up to `below` lower than there, and never higher.
+  // Both storage forms against ImageMagick. Each channel may be up to `below` lower than there, and
+  // never higher.
   void ExpectAlike(const Image& image, const std::string& method, const std::vector<Value>& arguments,
                    const std::string& operations, int below = 0) {
     const Image expected = magick_.Transform(image, operations);
@@ -116,7 +117,8 @@ TEST_F(Compare, EnlargementsByWholeNumbersRepeatPixels) {
   ExpectAlike(image, "Stretch", {13, 63, 0}, "-sample '13x63!'");
 }
 
-// One pass truncates where ImageMagick rounds to the nearest, so a channel may be one lower; after two passes, two.
+// One pass truncates where ImageMagick rounds to the nearest, so a channel may be one lower; after
+// two passes, two.
 TEST_F(Compare, ReductionsByWholeNumbersAreMeans) {
   const Image image = MakeImage(60, 48);
   ExpectAlike(image, "Stretch", {30, 48, 0}, "-filter box -resize '30x48!'", 1);

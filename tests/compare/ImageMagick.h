@@ -23,7 +23,8 @@ class ImageMagick {
   bool IsInstalled() const { return !program_.empty(); }
   const std::string& Program() const { return program_; }
 
-  /// What `operations` (as the program's options) make of an image. Throws std::runtime_error when the program fails.
+  /// What `operations` (as the program's options) make of an image. Throws std::runtime_error when
+  /// the program fails.
   Image Transform(const Image& image, const std::string& operations) const;
 
   /// The mean of each of red, green and blue, 0 to 255.

@@ -1,5 +1,5 @@
-// A process that lacks a bitmap context function, LMX_MISSING ("all": every one): pictures of that form cannot be locked,
-// buffers work as ever.
+// A process that lacks a bitmap context function, LMX_MISSING ("all": every one): pictures of that
+// form cannot be locked, buffers work as ever.
 #include <dlfcn.h>
 
 #include <string>

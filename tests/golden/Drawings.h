@@ -1,4 +1,5 @@
-// Small pictures drawn by arithmetic on integers, the same everywhere. The hashes depend on every bit of them.
+// Small pictures drawn by arithmetic on integers, the same everywhere. The hashes depend on every
+// bit of them.
 #pragma once
 
 #include "support/Model.h"

@@ -1,4 +1,5 @@
-// The calls whose whole results are kept as hashes, and their results by the plug-in and by the reference model.
+// The calls whose whole results are kept as hashes, and their results by the plug-in and by the
+// reference model.
 #pragma once
 
 #include <string>
@@ -19,8 +20,8 @@ struct Case {
 /// All of them, method by method.
 std::vector<Case> Cases();
 
-/// What a case gives, in one line: code, number of yields, and the picture's size and hash or the averages (doubles as
-/// their bits). By the plug-in that the host has loaded, and by the model.
+/// What a case gives, in one line: code, number of yields, and the picture's size and hash or the
+/// averages (doubles as their bits). By the plug-in that the host has loaded, and by the model.
 std::string ResultOfPlugin(host::Host& host, const Case& c);
 std::string ResultByModel(const Case& c);
 

@@ -1,4 +1,5 @@
-// Writes the file of hashes to standard output, unless the plug-in and the reference model disagree anywhere.
+// Writes the file of hashes to standard output, unless the plug-in and the reference model disagree
+// anywhere.
 #include <cstdio>
 #include <exception>
 

@@ -1,5 +1,6 @@
-// Whole results against their hashes in hashes.txt, which are the same for every ABI, compiler and instruction set, and
-// against the reference model, so that a hash is never the plug-in's word alone. scripts/golden writes the file anew.
+// Whole results against their hashes in hashes.txt, which are the same for every ABI, compiler and
+// instruction set, and against the reference model, so that a hash is never the plug-in's word
+// alone. scripts/golden writes the file anew.
 #include <gtest/gtest.h>
 
 #include <map>

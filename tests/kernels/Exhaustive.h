@@ -37,8 +37,8 @@ inline const std::uint8_t* Bytes(const Pixels& run) {
   return reinterpret_cast<const std::uint8_t*>(run.data());
 }
 
-/// Collects the pixels of a domain into runs, and compares what every level makes of a run with the plain arithmetic of its
-/// pixels: apply(kernels, out, in), define(pixel).
+/// Collects the pixels of a domain into runs, and compares what every level makes of a run with the
+/// plain arithmetic of its pixels: apply(kernels, out, in), define(pixel).
 template <class Apply, class Define>
 class Domain {
  public:

@@ -1,5 +1,5 @@
-// The kernels of every level over whole domains, against plain arithmetic that shares nothing with the product: stored
-// pixels and adjustments.
+// The kernels of every level over whole domains, against plain arithmetic that shares nothing with
+// the product: stored pixels and adjustments.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -12,7 +12,8 @@ namespace {
 
 using model::Form;
 
-// Every channel value with every alpha, in all three places: once beside random channels, once beside well-formed ones.
+// Every channel value with every alpha, in all three places: once beside random channels, once
+// beside well-formed ones.
 template <class Domain>
 void AddChannelsAndAlphas(Domain& domain) {
   Random random(1);
@@ -97,7 +98,7 @@ TEST(AllChannelsAndAlphas, Negative) {
   AddChannelsAndAlphas(domain);
 }
 
-// ---------------------------------------------------------------------------------------------------------------- HSV
+// --------------------------------------------------------------------------------------------- HSV
 
 class AllColours : public testing::TestWithParam<HSVAdjustment> {};
 
@@ -125,7 +126,8 @@ INSTANTIATE_TEST_SUITE_P(SomeAdjustments, AllColours,
                            return "Number" + std::to_string(adjustment.index);
                          });
 
-// Few colours, but every shift, and many by more than a turn, which do not come back into the circle.
+// Few colours, but every shift, and many by more than a turn, which do not come back into the
+// circle.
 TEST(AllShifts, AdjustHSV) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels colours;
@@ -154,7 +156,7 @@ TEST(AllShifts, AdjustHSV) {
   }
 }
 
-// ---------------------------------------------------------------------------------------------------------------- RGB
+// --------------------------------------------------------------------------------------------- RGB
 
 TEST(AllChannelsAndDeltas, AdjustRGB) {
   const std::vector<NamedKernels> levels = LevelsHere();

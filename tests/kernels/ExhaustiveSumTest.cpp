@@ -1,5 +1,5 @@
-// The kernels of every level over whole domains, against plain arithmetic that shares nothing with the product: blends,
-// averages and sums.
+// The kernels of every level over whole domains, against plain arithmetic that shares nothing with
+// the product: blends, averages and sums.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace {
 
-// -------------------------------------------------------------------------------------------------------------- blends
+// ------------------------------------------------------------------------------------------ blends
 
 std::vector<std::uint32_t> ManyFractions() {
   std::vector<std::uint32_t> fractions = {0, 1, 2, 3, 65532, 65533, 65534, 65535};
@@ -25,7 +25,8 @@ std::vector<std::uint32_t> ManyFractions() {
   return fractions;
 }
 
-// What a kernel makes of pairs of pixels: each second pixel of the run follows the one that it is blended with.
+// What a kernel makes of pairs of pixels: each second pixel of the run follows the one that it is
+// blended with.
 void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels, const Pixels& before,
                 std::uint32_t fraction, Pixels* actual) {
   Pixels pairs, blended(2 * pixels.size());
@@ -34,8 +35,8 @@ void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels,
   for (std::size_t i = 0; i < pixels.size(); ++i) (*actual)[i] = blended[2 * i + 1];
 }
 
-// Every channel with every channel before it: pixel i has i % 256 in its channels, the one before i / 256, in places
-// that change with the fraction. Opaque pixels, which buffers keep as they are.
+// Every channel with every channel before it: pixel i has i % 256 in its channels, the one before
+// i / 256, in places that change with the fraction. Opaque pixels, which buffers keep as they are.
 TEST(AllChannelsAndChannelsBefore, Blend) {
   const std::vector<NamedKernels> levels = LevelsHere();
   for (const std::uint32_t fraction : ManyFractions()) {
@@ -54,7 +55,8 @@ TEST(AllChannelsAndChannelsBefore, Blend) {
   }
 }
 
-// Every alpha with every alpha before it, without a colour: in a context the alpha alone, in the lowest byte.
+// Every alpha with every alpha before it, without a colour: in a context the alpha alone, in the
+// lowest byte.
 TEST(AllAlphasAndAlphasBefore, Blend) {
   const std::vector<NamedKernels> levels = LevelsHere();
   for (const std::uint32_t fraction : ManyFractions()) {
@@ -92,7 +94,7 @@ TEST(AllFractions, Blend) {
   }
 }
 
-// --------------------------------------------------------------------------------------------------------------- boxes
+// ------------------------------------------------------------------------------------------- boxes
 
 // Opaque pixels of a buffer.
 Pixels Opaque(const Pixels& channels) {
@@ -114,7 +116,8 @@ Pixels Working(Pixels opaque) {
   return opaque;
 }
 
-// All distances of two channels with all weights, of units at which the arithmetic changes and of some others.
+// All distances of two channels with all weights, of units at which the arithmetic changes and of
+// some others.
 TEST(AllDistancesAndWeights, BoxOfTwo) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels first, second;
@@ -159,7 +162,8 @@ TEST(AllUnitsOfManyRuns, BoxesOfOneColour) {
   }
 }
 
-// An average may go where a run was that no later box has: one for another, if a box takes no less than a run has.
+// An average may go where a run was that no later box has: one for another, if a box takes no less
+// than a run has.
 TEST(Boxes, MayTakeThePlaceOfTheirRuns) {
   constexpr std::size_t kRuns = 20, kMost = 100;
   Random random(3);
@@ -186,8 +190,8 @@ TEST(Boxes, MayTakeThePlaceOfTheirRuns) {
   }
 }
 
-// All units of a box: a colour of which everything was taken is the highest sum that still gives it, with one unit of the
-// next darker one it is the lowest that gives the darker one.
+// All units of a box: a colour of which everything was taken is the highest sum that still gives
+// it, with one unit of the next darker one it is the lowest that gives the darker one.
 TEST(AllUnits, AverageBoxes) {
   const std::vector<NamedKernels> levels = LevelsHere();
   const Pixels colours = EveryChannel();
@@ -229,9 +233,10 @@ TEST(AllPairsOfChannels, Halve) {
   }
 }
 
-// ---------------------------------------------------------------------------------------------------------------- sums
+// -------------------------------------------------------------------------------------------- sums
 
-// Every pair of a maximum and a minimum, in all places of the channels, one after the other into one sum.
+// Every pair of a maximum and a minimum, in all places of the channels, one after the other into
+// one sum.
 TEST(AllMaximaAndMinima, SumHSV) {
   Pixels pixels;
   for (std::uint32_t max = 0; max < 256; ++max) {

@@ -379,7 +379,7 @@ KernelCase SumHSVCase(const std::string& name) {
           }};
 }
 
-// ---------------------------------------------------------------------------------------------------------------- list
+// -------------------------------------------------------------------------------------------- list
 
 // A form as a type, so that a lambda can have it as a template argument.
 template <PixelForm form>

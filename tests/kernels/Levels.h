@@ -12,8 +12,9 @@ struct Level {
   bool (*runsHere)();
 };
 
-/// Lowest first; each is installed on top of those before it. Variants count as levels of their own:
-/// a level's non-temporal stores (_nt), and AVX-512 where it is emulated for processors without it.
+/// Lowest first; each is installed on top of those before it. Variants count as levels of their
+/// own: a level's non-temporal stores (_nt), and AVX-512 where it is emulated for processors
+/// without it.
 const std::vector<Level>& Levels();
 
 /// The names of all levels.

@@ -1,5 +1,5 @@
-// Kernels that write several rows, which lie at no constant distance: what holds for one of them need not hold for the
-// next. All are aligned for any register but one, which begins a pixel later.
+// Kernels that write several rows, which lie at no constant distance: what holds for one of them
+// need not hold for the next. All are aligned for any register but one, which begins a pixel later.
 #include <gtest/gtest.h>
 
 #include <cstdint>

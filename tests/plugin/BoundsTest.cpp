@@ -1,5 +1,5 @@
-// Sizes at, one below and one above every constant that bounds a tile, a band, an array or a threshold; and that no such
-// constant of the sources lacks them.
+// Sizes at, one below and one above every constant that bounds a tile, a band, an array or a
+// threshold; and that no such constant of the sources lacks them.
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -22,7 +22,7 @@ using support::Size;
 using support::Variant;
 using support::Variants;
 
-// ---------------------------------------------------------------------------------------------------------- the sources
+// ------------------------------------------------------------------------------------- the sources
 
 struct Found {
   std::string file, name, value;
@@ -100,7 +100,7 @@ TEST(BoundsOfTheSources, AreFoundInEveryForm) {
   EXPECT_EQ(found[2].name + " " + found[2].value, "tile 12");
 }
 
-// ------------------------------------------------------------------------------------------------------------ the sizes
+// --------------------------------------------------------------------------------------- the sizes
 
 class BoundsTest : public support::PluginTest {
  protected:

@@ -1,5 +1,6 @@
-// LMX_AdjustHSV and LMX_AdjustHSV_InPlace: pixels worked out by hand. (Hue h in 1/1024 of 60 degrees, saturation s of
-// 1024, value v; p = (1024 - s) v / 1024, t = (1048576 - (1024 - f) s) v / 1048576 with the fraction f of the sector.)
+// LMX_AdjustHSV and LMX_AdjustHSV_InPlace: pixels worked out by hand. (Hue h in 1/1024 of 60
+// degrees, saturation s of 1024, value v; p = (1024 - s) v / 1024, t = (1048576 - (1024 - f) s)
+// v / 1048576 with the fraction f of the sector.)
 #include <limits>
 
 #include "ColourFixture.h"
@@ -22,7 +23,7 @@ class ColourAdjustHSV : public ColourTest {
   }
 };
 
-// ----------------------------------------------------------------------------------------------------------------- hue
+// --------------------------------------------------------------------------------------------- hue
 
 TEST_F(ColourAdjustHSV, SixtyDegreesTurnRedIntoYellow) {
   EXPECT_EQ(Adjust(0xFF0000, {60, 1, 1}), 0xFFFF00u);
@@ -52,7 +53,7 @@ TEST_F(ColourAdjustHSV, ShiftIsRoundedDown) {
   EXPECT_EQ(Adjust(0xFFFE00, {0.05, 1, 1}), 0xFFFD00u);
 }
 
-// ---------------------------------------------------------------------------------------------------------- saturation
+// -------------------------------------------------------------------------------------- saturation
 
 TEST_F(ColourAdjustHSV, SaturationFactorBelowOneGivesGreyOfTheValue) {
   EXPECT_EQ(Adjust(0xC86432, {0, 0.9, 1}), 0xC8C8C8u);
@@ -60,7 +61,8 @@ TEST_F(ColourAdjustHSV, SaturationFactorBelowOneGivesGreyOfTheValue) {
   EXPECT_EQ(Adjust(0xC86432, {0, 0.9, 2}), 0xFFFFFFu);
 }
 
-// h 512, s 512: doubled and cut to 1023; p = 200 / 1024, t = (1048576 - 512 x 1023) x 200 / 1048576 = 100.1
+// h 512, s 512: doubled and cut to 1023; p = 200 / 1024, t = (1048576 - 512 x 1023) x 200 / 1048576
+// = 100.1
 TEST_F(ColourAdjustHSV, SaturationFactorIsCutToAWholeNumber) {
   EXPECT_EQ(Adjust(0xC89664, {0, 2, 1}), 0xC86400u);
   EXPECT_EQ(Adjust(0xC89664, {0, 2.5, 1}), 0xC86400u);
@@ -78,14 +80,15 @@ TEST_F(ColourAdjustHSV, GreatestFactorsStayInRange) {
   EXPECT_EQ(Adjust(0x010101, {0, 999, 254.9}), 0xFEFEFEu);
 }
 
-// ---------------------------------------------------------------------------------------------------------- brightness
+// -------------------------------------------------------------------------------------- brightness
 
 TEST_F(ColourAdjustHSV, BrightnessFactorBelowOneGivesBlack) {
   EXPECT_EQ(Adjust(0xC86432, {0, 1, 0.99}), 0x000000u);
   EXPECT_EQ(Adjust(0xFFFFFF, {0, 1, 0}), 0x000000u);
 }
 
-// (100, 50, 25): h 341, s 768, v 200: p = 256 x 200 / 1024 = 50, t = (1048576 - 683 x 768) x 200 / 1048576 = 99.95
+// (100, 50, 25): h 341, s 768, v 200: p = 256 x 200 / 1024 = 50,
+// t = (1048576 - 683 x 768) x 200 / 1048576 = 99.95
 TEST_F(ColourAdjustHSV, BrightnessTwoDoublesTheValue) {
   EXPECT_EQ(Adjust(0x643219, {0, 1, 2}), 0xC86332u);
   EXPECT_EQ(Adjust(0x404040, {0, 1, 2.9}), 0x808080u);
@@ -101,7 +104,7 @@ TEST_F(ColourAdjustHSV, FactorsOfOneMayLowerAChannel) {
   EXPECT_EQ(Adjust(0x0A0907, {0, 1, 1}), 0x0A0807u);
 }
 
-// --------------------------------------------------------------------------------------------------------------- alpha
+// ------------------------------------------------------------------------------------------- alpha
 
 TEST_F(ColourAdjustHSV, AlphaIsKept) {
   EXPECT_EQ(AdjustHSV(kBuffer, 0x40FF0000, {60, 1, 1}), 0x40FFFF00u);
@@ -117,7 +120,7 @@ TEST_F(ColourAdjustHSV, ClearPixelsStayClear) {
   EXPECT_EQ(AdjustHSV(kContext, 0x00FF0000, {60, 999, 999}), 0x00000000u);
 }
 
-// ----------------------------------------------------------------------------------------------------------------- NaN
+// --------------------------------------------------------------------------------------------- NaN
 
 TEST_F(ColourAdjustHSV, NaNFactorActsAsZero) {
   EXPECT_EQ(Adjust(0xC86432, {0, kNaN, 1}), 0xC8C8C8u);
@@ -132,7 +135,7 @@ TEST_F(ColourAdjustHSV, NaNHueBlackensWhatKeepsASaturation) {
   EXPECT_EQ(Adjust(0x00FF00, {-kNaN, 1, 1}), 0x000000u);
 }
 
-// --------------------------------------------------------------------------------------------- outside the selection
+// --------------------------------------------------------------------------- outside the selection
 
 const Words kHalfTransparent = {0x80640000, 0x80640000, 0x80640000, 0x80640000};
 
@@ -170,7 +173,7 @@ TEST_F(ColourAdjustHSV, CopyLeavesTheSourceAlone) {
   EXPECT_NE(called.result, source);
 }
 
-// ------------------------------------------------------------------------------------------------------------ negative
+// ---------------------------------------------------------------------------------------- negative
 
 TEST_F(ColourAdjustHSV, NegativeOfABufferIsInvertedAndClear) {
   EXPECT_EQ(AdjustHSV(kBuffer, 0x00FF0000, {60, 1, 1}, true), 0x7F0000FFu);
@@ -218,7 +221,7 @@ TEST_F(ColourAdjustHSV, AnyByteButZeroIsNegative) {
   EXPECT_EQ(AdjustHSV(kBuffer, 0x00FF0000, {60, 1, 1}, host::BooleanByte{0}), 0x00FFFF00u);
 }
 
-// --------------------------------------------------------------------------------------------------------------- depth
+// ------------------------------------------------------------------------------------------- depth
 
 Picture OfDepth(int bits) {
   host::PictureShape shape = {3, 2, kContext};

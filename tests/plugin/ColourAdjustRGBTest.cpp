@@ -68,7 +68,7 @@ TEST_F(ColourAdjustRGB, ColourAboveItsAlphaCarriesIntoTheNeighbour) {
   EXPECT_EQ(AdjustRGB(kContext, 0x80000081, {0, -1, 255}), 0x80000080u);
 }
 
-// --------------------------------------------------------------------------------------------- outside the selection
+// --------------------------------------------------------------------------- outside the selection
 
 // Words that both conversions change.
 const Words kUnstable = {0x80640000, 0x80640000, 0x80640000, 0x80640000, 0x80640000, 0x80640000};
@@ -120,7 +120,7 @@ TEST_F(ColourAdjustRGB, StorageFormsOfSourceAndResultMayDiffer) {
       (Words{0x7F7F7F00, 0x7F7F0000}));
 }
 
-// --------------------------------------------------------------------------------------------------------------- depth
+// ------------------------------------------------------------------------------------------- depth
 
 TEST_F(ColourAdjustRGB, SourceOfAnotherDepthReadsAsClearBlack) {
   host::PictureShape shape = {3, 2, kContext};

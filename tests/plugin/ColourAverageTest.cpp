@@ -1,4 +1,5 @@
-// LMX_GetAverageHSV and LMX_GetAverageRGB: exact results, sums that wrap, and results that the caller leaves out.
+// LMX_GetAverageHSV and LMX_GetAverageRGB: exact results, sums that wrap, and results that the
+// caller leaves out.
 #include <cmath>
 #include <limits>
 
@@ -45,7 +46,7 @@ class ColourAverage : public ColourTest {
   }
 };
 
-// ----------------------------------------------------------------------------------------------------------------- HSV
+// --------------------------------------------------------------------------------------------- HSV
 
 TEST_F(ColourAverage, HSVOfPureColours) {
   constexpr double kFull = 0.99609375;  // 255 / 256
@@ -113,7 +114,7 @@ TEST_F(ColourAverage, HSVCountsTranslucentPixelsWithTheirStraightColour) {
   EXPECT_EQ(Bits(AverageHSV(MakePicture(kContext, 1, {0x0000FF00}))), Bits({-1, 0, 0}));
 }
 
-// ----------------------------------------------------------------------------------------------------------------- RGB
+// --------------------------------------------------------------------------------------------- RGB
 
 TEST_F(ColourAverage, RGBIsTruncated) {
   EXPECT_EQ(AverageRGB(MakePicture(kBuffer, 2, {0xFF0001, 0x000002})), (RGBMeans{127, 0, 1}));
@@ -150,7 +151,7 @@ TEST_F(ColourAverage, LongRowsAreMeasuredExactly) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------ sums that wrap
+// ---------------------------------------------------------------------------------- sums that wrap
 
 // 8,421,504 = 32896 x 256 pixels of 255 give 2,147,483,520, which 32 bits still hold.
 TEST_F(ColourAverage, GreatestSumThatFits) {
@@ -169,7 +170,7 @@ TEST_F(ColourAverage, SumBeyondWraps) {
   EXPECT_EQ(Bits(AverageHSV(OneRowRepeated(1684301, 5, 0xFFFF0000))), Bits({-1, 1, 0.99609375}));
 }
 
-// --------------------------------------------------------------------------------------------------------------- depth
+// ------------------------------------------------------------------------------------------- depth
 
 TEST_F(ColourAverage, PictureOfAnotherDepthMeasuresAsBlack) {
   host::PictureShape shape = {3, 2, kContext};
@@ -178,7 +179,7 @@ TEST_F(ColourAverage, PictureOfAnotherDepthMeasuresAsBlack) {
   EXPECT_EQ(AverageHSV(Picture(shape)), (HSVMeans{-1, 0, 0}));
 }
 
-// ------------------------------------------------------------------------------------------------------- left-out results
+// -------------------------------------------------------------------------------- left-out results
 
 TEST_F(ColourAverage, ResultsCanBeLeftOut) {
   const Picture picture = MakePicture(kBuffer, 1, {0x00404080});

@@ -65,7 +65,7 @@ class ColourErrors : public ColourTest {
   }
 };
 
-// ----------------------------------------------------------------------------------------------------- HSV adjustment
+// ---------------------------------------------------------------------------------- HSV adjustment
 
 // All that can be wrong is wrong; then one thing after the other is right.
 TEST_F(ColourErrors, OfTheHSVAdjustmentComeInOrder) {
@@ -102,7 +102,7 @@ TEST_F(ColourErrors, FactorsGoFromZeroToBelowThousand) {
   }
 }
 
-// ----------------------------------------------------------------------------------------------------- RGB adjustment
+// ---------------------------------------------------------------------------------- RGB adjustment
 
 TEST_F(ColourErrors, OfTheRGBAdjustmentComeInOrder) {
   EXPECT_EQ(RGBCode(Trouble::Nil, kInvalid, {256, 256, 256}), 2);
@@ -130,7 +130,7 @@ TEST_F(ColourErrors, DeltasGoFromMinus255To255) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------------ averages
+// ---------------------------------------------------------------------------------------- averages
 
 TEST_F(ColourErrors, OfTheAveragesComeInOrder) {
   EXPECT_EQ(AverageCode(Picture(), kInvalid), 2);
@@ -151,7 +151,7 @@ TEST_F(ColourErrors, OfAPictureOfUnusableTypeAreAsOfOneThatCannotBeLocked) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------------- general
+// ----------------------------------------------------------------------------------------- general
 
 TEST_F(ColourErrors, OfArgumentsAreFoundBeforeTheSourceIsLocked) {
   for (const char* method : {"AdjustHSV", "AdjustHSV_InPlace"}) {
@@ -191,7 +191,7 @@ TEST_F(ColourErrors, AreClearedByTheNextSuccess) {
   }
 }
 
-// ---------------------------------------------------------------------------------------------------- without pixels
+// ---------------------------------------------------------------------------------- without pixels
 
 // A selection of such a picture is valid, at column or row -1.
 TEST_F(ColourErrors, OfPicturesWithoutPixels) {

@@ -1,5 +1,5 @@
-// What the tests of the colour methods share: small pictures, the methods with their declared arguments, and single
-// pixels taken through both forms of an adjustment.
+// What the tests of the colour methods share: small pictures, the methods with their declared
+// arguments, and single pixels taken through both forms of an adjustment.
 #pragma once
 
 #include <array>
@@ -68,7 +68,8 @@ class ColourTest : public support::PluginTest {
     return arguments;
   }
 
-  /// The stored pixels of a successful copy in the source's storage form, unless another one is set.
+  /// The stored pixels of a successful copy in the source's storage form, unless another one is
+  /// set.
   Words Copy(const std::string& method, const std::vector<Value>& arguments) {
     const Called called = Run(method, arguments);
     EXPECT_EQ(called.code, 0) << method;

@@ -1,4 +1,5 @@
-// The selection of the colour methods, which all six share: which pixels of a picture of 5 x 4 it holds.
+// The selection of the colour methods, which all six share: which pixels of a picture of 5 x 4 it
+// holds.
 #include <climits>
 #include <ostream>
 

@@ -1,4 +1,5 @@
-// When the colour methods hand control to the host: how often, and what is done by then. Pictures are 10 pixels wide.
+// When the colour methods hand control to the host: how often, and what is done by then. Pictures
+// are 10 pixels wide.
 #include "ColourFixture.h"
 
 namespace {
@@ -13,7 +14,8 @@ class ColourYield : public ColourTest {
  protected:
   static Picture Source(int height) { return MakePlain(Storage::Buffer, kWidth, height, kBefore); }
 
-  // At each yield, the last row (from 1) that is not as it was; a failure if a row is changed partly.
+  // At each yield, the last row (from 1) that is not as it was; a failure if a row is changed
+  // partly.
   Rows RowsAtYields(const std::string& method, const std::vector<Value>& arguments, bool inPlace) {
     Rows rows;
     const std::uint32_t before = inPlace ? kBefore : host::kUnwritten;
@@ -120,7 +122,8 @@ TEST_F(ColourYield, OfAveragesCountsTheSelectedPixels) {
   }
 }
 
-// What the host draws during a yield into rows that come later is seen; into earlier ones, it is not.
+// What the host draws during a yield into rows that come later is seen; into earlier ones, it is
+// not.
 TEST_F(ColourYield, OfAveragesIsBetweenTheRows) {
   for (const char* method : {"GetAverageHSV", "GetAverageRGB"}) {
     const bool hsv = std::string(method) == "GetAverageHSV";

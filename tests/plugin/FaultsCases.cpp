@@ -160,7 +160,7 @@ std::vector<std::string> Sequence(const MethodCase& method, const Ran& ran) {
   return sequence;
 }
 
-// -------------------------------------------------------------------------------------------------------------- calls
+// ------------------------------------------------------------------------------------------- calls
 
 void FaultsTest::Restart(const host::Options& options) {
   host_.reset();

@@ -1,5 +1,5 @@
-// Every method of the plug-in with arguments that lead through all of its passes, with what it asks of the host and what
-// becomes of it when the host does not deliver.
+// Every method of the plug-in with arguments that lead through all of its passes, with what it asks
+// of the host and what becomes of it when the host does not deliver.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -103,8 +103,8 @@ class FaultsTest : public testing::Test {
   /// Goes on with a new host and a plug-in that has just been loaded.
   void Restart(const host::Options& options = {});
 
-  /// Calls the method; `inject` is run before, when all counts are 0, and its faults end with the call. The code that
-  /// was there before is 2.
+  /// Calls the method; `inject` is run before, when all counts are 0, and its faults end with the
+  /// call. The code that was there before is 2.
   Ran Run(const MethodCase& method, const Forms& forms, const Inject& inject = nullptr, int yield = kEveryLine);
   Ran Run(const MethodCase& method, const host::Picture& source, const Inject& inject = nullptr,
           int yield = kEveryLine);

@@ -1,4 +1,5 @@
-// What every method asks of the host when nothing goes wrong: which services, in which order, how often.
+// What every method asks of the host when nothing goes wrong: which services, in which order, how
+// often.
 #include <climits>
 
 #include "FaultsCases.h"

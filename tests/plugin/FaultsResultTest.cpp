@@ -1,4 +1,5 @@
-// New pictures that are not what the plug-in asked for, of every kind, for every method and each of its new pictures.
+// New pictures that are not what the plug-in asked for, of every kind, for every method and each of
+// its new pictures.
 #include <algorithm>
 #include <climits>
 
@@ -130,7 +131,8 @@ class FaultsResult : public FaultsTest {
     }
   }
 
-  // A picture that is refused is abandoned; a result is never given up, a temporary that could be held always is.
+  // A picture that is refused is abandoned; a result is never given up, a temporary that could be
+  // held always is.
   static void CheckReferences(const MethodCase& method, std::size_t made, const Kind& kind, const Failure& expected,
                               const Ran& ran) {
     const bool result = method.made[made] == Role::Result;
@@ -161,8 +163,8 @@ TEST_F(FaultsResult, EveryNewPictureIsOfEveryKind) {
   }
 }
 
-// Yields count the lines of the result that the host made, and the pixels that these have. (Of methods that make a result
-// only; for the others' new pictures there is no such number.)
+// Yields count the lines of the result that the host made, and the pixels that these have. (Of
+// methods that make a result only; for the others' new pictures there is no such number.)
 TEST_F(FaultsResult, YieldsCountThePixelsThatTheHostMade) {
   ForEveryMethod([this](const MethodCase& method, const Forms& forms) {
     if (method.made.size() != 1) return;
@@ -182,7 +184,8 @@ TEST_F(FaultsResult, YieldsCountThePixelsThatTheHostMade) {
   });
 }
 
-// Methods that put every pixel of the source somewhere, into a larger result and into a smaller one.
+// Methods that put every pixel of the source somewhere, into a larger result and into a smaller
+// one.
 TEST_F(FaultsResult, WhatTheSourceLacksIsClear) {
   ForEveryMethod([this](const MethodCase& method, const Forms& forms) {
     const bool isTurn = method.name == "FlipRotate" && method.arguments[2] == host::Value(90);

@@ -1,5 +1,6 @@
-// Every service call of every method fails, or throws: one at a time, at every position. The method ends as its rules
-// say, no lock or reference is lost that the rules do not give up, and the next call works.
+// Every service call of every method fails, or throws: one at a time, at every position. The method
+// ends as its rules say, no lock or reference is lost that the rules do not give up, and the next
+// call works.
 #include <algorithm>
 
 #include "FaultsCases.h"
@@ -107,7 +108,8 @@ class FaultsServices : public FaultsTest {
     ExpectAbandoned(ran.leaks, left, service == Service::LoadObjectMethod);
   }
 
-  // What a call holds when an exception leaves a pass goes as at its end: temporary pictures, the result, the source.
+  // What a call holds when an exception leaves a pass goes as at its end: temporary pictures, the
+  // result, the source.
   static void ExpectReleases(const MethodCase& method, const Ran& ran) {
     const std::vector<std::string> sequence = Sequence(method, ran);
     const auto isLock = [](const std::string& step) { return step.rfind("lock ", 0) == 0; };
@@ -174,7 +176,7 @@ TEST_F(FaultsServices, EachConstructorThrows) {
   });
 }
 
-// ------------------------------------------------------------------------------------------------- services that lack
+// ------------------------------------------------------------------------------ services that lack
 
 class FaultsWithheld : public FaultsTest {
  protected:

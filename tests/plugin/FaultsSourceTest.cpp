@@ -1,5 +1,5 @@
-// Sources that are not what they should be, of every kind, for every method: no crash, the code that the method's rules
-// say, and no pixel outside the picture read or written.
+// Sources that are not what they should be, of every kind, for every method: no crash, the code
+// that the method's rules say, and no pixel outside the picture read or written.
 #include <algorithm>
 #include <climits>
 
@@ -97,7 +97,8 @@ std::vector<Kind> LaidOut() {
   return kinds;
 }
 
-// Rows that coincide, overlap, or are missing: what a method makes of them depends on the order of its reads.
+// Rows that coincide, overlap, or are missing: what a method makes of them depends on the order of
+// its reads.
 std::vector<Kind> Tangled() {
   std::vector<Kind> kinds;
   for (const int bytes : {0, 4, 5, 27}) {

@@ -1,5 +1,5 @@
-// What the host program may do while a method yields: leave by an exception, ask for the code, call other methods, or the
-// same one on the same picture.
+// What the host program may do while a method yields: leave by an exception, ask for the code, call
+// other methods, or the same one on the same picture.
 #include <stdexcept>
 
 #include "FaultsCases.h"
@@ -84,7 +84,8 @@ TEST_F(FaultsYield, PicturesStayLocked) {
       }
       int locked = 0;
       for (const host::LiveObject& object : host_->LiveObjects()) locked += object.locks;
-      // Free rotation never holds more than the picture it reads, the one it writes, and the source.
+      // Free rotation never holds more than the picture it reads, the one it writes, and the
+      // source.
       const int most = (method.hasSource ? 1 : 0) + (method.made.size() > 1 ? 2 : method.MakesResult() ? 1 : 0);
       EXPECT_LE(locked, most);
       EXPECT_GE(locked, (method.hasSource ? 1 : 0) + (method.MakesResult() ? 1 : 0));
@@ -95,7 +96,7 @@ TEST_F(FaultsYield, PicturesStayLocked) {
   });
 }
 
-// ------------------------------------------------------------------------------------------------------- nested calls
+// ------------------------------------------------------------------------------------ nested calls
 
 TEST_F(FaultsYield, EveryMethodRunsInsideEveryOther) {
   const Forms forms = kAllForms[1];
@@ -194,7 +195,7 @@ TEST_F(FaultsYield, CallsNestDeeply) {
   ExpectClean(method, forms, ran);
 }
 
-// ------------------------------------------------------------------------------------------------------------- stacks
+// ------------------------------------------------------------------------------------------ stacks
 
 TEST_F(FaultsYield, EveryMethodRunsOnAnyStack) {
   ForEveryMethod([this](const MethodCase& method, const Forms& forms) {

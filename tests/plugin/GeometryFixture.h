@@ -1,4 +1,5 @@
-// The fixture of the geometric methods' tests: every test runs with sources and results of both storage forms.
+// The fixture of the geometric methods' tests: every test runs with sources and results of both
+// storage forms.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
-// LMX_FlipRotate: where every pixel goes, which angles count as which quarter, and what storing does to a pixel.
+// LMX_FlipRotate: where every pixel goes, which angles count as which quarter, and what storing
+// does to a pixel.
 
 #include <climits>
 

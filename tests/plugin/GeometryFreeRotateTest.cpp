@@ -1,4 +1,5 @@
-// LMX_FreeRotateByShear: exact quarters, the size of the result, the sense of the turn, and sizes that it refuses.
+// LMX_FreeRotateByShear: exact quarters, the size of the result, the sense of the turn, and sizes
+// that it refuses.
 
 #include <climits>
 #include <cmath>
@@ -38,7 +39,8 @@ TEST_P(GeometryFreeRotate, EveryPassRunsAtZeroToo) {
   // The turn and three shears, the last of which is stored in the result.
   const Called called =
       Rotate(GetParam().source == kContext ? StoredSource(1, 1, {0x80640000}) : StoredSource(1, 1, {0x3FC70000}), 0.0);
-  // A context keeps red 99, 98, 97, 96 of alpha 128, or 100, 99, 98, 97 of alpha 129; a buffer loses nothing more.
+  // A context keeps red 99, 98, 97, 96 of alpha 128, or 100, 99, 98, 97 of alpha 129; a buffer
+  // loses nothing more.
   const std::uint32_t context = GetParam().source == kContext ? 0x80600000 : 0x81610000;
   ExpectStored(called, 1, 1, {ByForm(context, 0x3FC70000)});
   EXPECT_EQ(host_.Calls(host::Service::NewInstance), 4);
@@ -61,7 +63,8 @@ TEST_P(GeometryFreeRotate, TheResultIsTheBoxRoundTheTurnedRectangle) {
 }
 
 TEST_P(GeometryFreeRotate, ThePiOfTheSizeIsALittleShort) {
-  // 10.000000007 x 4.000000017; the width is measured round a full turn of 6.28318, which takes more than that away.
+  // 10.000000007 x 4.000000017; the width is measured round a full turn of 6.28318, which takes
+  // more than that away.
   ExpectSize(1e-7, 10, 5);
 }
 
@@ -148,7 +151,8 @@ TEST_P(GeometryFreeRotate, TheFrameColourHasNoEffect) {
 }
 
 TEST_P(GeometryFreeRotate, EdgesFadeIntoClearBlack) {
-  // Every colour of a white picture's edge is its alpha, or a little less by rounding; none is brighter.
+  // Every colour of a white picture's edge is its alpha, or a little less by rounding; none is
+  // brighter.
   const Called called = Rotate(Source(9, 9, Words(81, 0xFFFFFFFF)), 20);
   ASSERT_FALSE(called.result.IsNil());
   int between = 0;
@@ -213,7 +217,8 @@ TEST_P(GeometryFreeRotate, LinesThatTheSizesCannotHoldAreRefused) {
   ExpectPixels(Rotate(Source(1, 32767, Words(32767, 0xFF010203)), 0.0), 1, 32767, Words(32767, 0xFF010203));
   ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 90.0), 1, 32767, Words(32767, 0xFF010203));
   ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 0.0), 32767, 1, Words(32767, 0xFF010203));
-  // Of a line that is as long as that, a displacement by 1/65536 is too much: by tan(d / 2) of a row, by sin(d) of a column.
+  // Of a line that is as long as that, a displacement by 1/65536 is too much: by tan(d / 2) of a
+  // row, by sin(d) of a column.
   EXPECT_FALSE(Rotate(Picture({32767, 1, GetParam().source}), 0.0017).result.IsNil());
   ExpectFailure(Rotate(Picture({32767, 1, GetParam().source}), 0.0018), 0);
   EXPECT_FALSE(Rotate(Picture({1, 32767, GetParam().source}), 0.0008).result.IsNil());

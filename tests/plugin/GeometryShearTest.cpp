@@ -1,7 +1,7 @@
 // LMX_ShearHorizontal and LMX_ShearVertical: placement, edges and frames worked out by hand.
 //
-// Every picture here is written as the horizontal shear sees it; the vertical one gets it with rows and columns
-// exchanged, and must give the exchanged result.
+// Every picture here is written as the horizontal shear sees it; the vertical one gets it with rows
+// and columns exchanged, and must give the exchanged result.
 
 #include <climits>
 #include <cmath>
@@ -36,7 +36,8 @@ class GeometryShear : public Geometry {
           Stored(GetParam().result, Numbers(expected)));
   }
 
-  // The alphas of one sheared column of opaque white pixels in a result one pixel wide; each row is one value.
+  // The alphas of one sheared column of opaque white pixels in a result one pixel wide; each row is
+  // one value.
   void CheckAlphas(int height, double shear, const std::vector<std::uint32_t>& alphas) {
     Words expected;
     for (std::uint32_t alpha : alphas) expected.push_back(White(alpha));
@@ -86,7 +87,8 @@ TEST_P(GeometryShear, NegativeLeavesTheFirstLine) {
 }
 
 TEST_P(GeometryShear, CroppedLinesStillCountForTheOffset) {
-  // The natural width is 3 + 4; rows 1 and 2 of 4 are kept, displaced by 3 and 2; 2 of 7 columns are cut on each side.
+  // The natural width is 3 + 4; rows 1 and 2 of 4 are kept, displaced by 3 and 2; 2 of 7 columns
+  // are cut on each side.
   CheckNumbers(3, 4, 1.0, 3, 2, {0, 4, 5, 7, 8, 9});
 }
 
@@ -125,7 +127,8 @@ TEST_P(GeometryShear, ATranslucentFrameBlendsIntoTheEdges) {
          ByForm(0xBE005E5E, 0x20007F7F)});
 }
 
-// The largest fraction: the first pixel is all frame, the pixel after the last one all but a 65536th of it.
+// The largest fraction: the first pixel is all frame, the pixel after the last one all but a
+// 65536th of it.
 TEST_P(GeometryShear, TheLargestFractionStillBlendsBothEdges) {
   const double kLargest = 65535 / 65536.0;
   const Words red = {Stored(GetParam().source, kRed)};
@@ -174,7 +177,8 @@ TEST_P(GeometryShear, TheStepIsRoundedDown) {
   Check(1, 2, {white[0], white[0]}, -1.0 / 3, kClearFrame, 2, 2, {White(255), White(0), White(169), White(85)});
 }
 
-// A line and its displacement are 60000.9999 pixels long, of which 60000 are counted: 29998 are cut off at the start.
+// A line and its displacement are 60000.9999 pixels long, of which 60000 are counted: 29998 are cut
+// off at the start.
 TEST_P(GeometryShear, LengthsAreRoundedDown) {
   CheckNumbers(60000, 1, -0.9999, 3, 1, {29999, 30000, 30001});
 }

@@ -1,4 +1,5 @@
-// LMX_Stretch: averages worked out by hand, limits of sizes, and what is left when a picture is missing.
+// LMX_Stretch: averages worked out by hand, limits of sizes, and what is left when a picture is
+// missing.
 
 #include <climits>
 
@@ -22,7 +23,8 @@ class GeometryStretch : public Geometry {
 INSTANTIATE_FOR_FORMS(GeometryStretch);
 
 TEST_P(GeometryStretch, ThreeBecomeTwo) {
-  // (30 * 21845 + 60 * 10922) / 32767 and (60 * 10923 + 90 * 21844) / 32767, without their fractions.
+  // (30 * 21845 + 60 * 10922) / 32767 and (60 * 10923 + 90 * 21844) / 32767, without their
+  // fractions.
   ExpectPixels(Stretch(Source(3, 1, Reds({30, 60, 90})), 2, 1), 2, 1, Reds({39, 79}));
   ExpectPixels(Stretch(Source(1, 3, Reds({30, 60, 90})), 1, 2), 1, 2, Reds({39, 79}));
 }
@@ -74,7 +76,8 @@ TEST_P(GeometryStretch, UniformStaysUniform) {
 }
 
 TEST_P(GeometryStretch, ClearAndOpaqueMixByAlpha) {
-  // Alpha 127 and red 127; as a premultiplied word the red is 63, and what is read from that is 126.
+  // Alpha 127 and red 127; as a premultiplied word the red is 63, and what is read from that is
+  // 126.
   const Called called = Stretch(Source(2, 1, {0xFFFF0000, 0}), 1, 1);
   ExpectStored(called, 1, 1, {ByForm(0x7F3E0000, 0x407F0000)});
 }

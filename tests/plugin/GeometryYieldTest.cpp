@@ -1,4 +1,5 @@
-// When the geometric methods yield, by hand: a count of pixels since the last yield, tested before every line.
+// When the geometric methods yield, by hand: a count of pixels since the last yield, tested before
+// every line.
 
 #include <algorithm>
 #include <climits>
@@ -154,7 +155,8 @@ TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
   EXPECT_EQ(seen, expected);
 }
 
-// Windows stay alive: a temporary picture is made ahead of its yields, but not by more than 2^18 pixels.
+// Windows stay alive: a temporary picture is made ahead of its yields, but not by more than 2^18
+// pixels.
 TEST_P(GeometryYield, FindsATemporaryPictureNotFarAhead) {
   constexpr int kWidth = 6000, kHeight = 100;
   int yields = 0, furthest = 0;

@@ -81,7 +81,7 @@ class Gradient : public support::PluginTest {
   }
 };
 
-// --------------------------------------------------------------------------------------------------------- two colours
+// ------------------------------------------------------------------------------------- two colours
 
 TEST_F(Gradient, OfHeightOneIsClearWhateverTheColours) {
   EXPECT_EQ(SimpleRows(Storage::BitmapContext, 1, kRed, kBlue), (Words{0}));
@@ -89,19 +89,22 @@ TEST_F(Gradient, OfHeightOneIsClearWhateverTheColours) {
 }
 
 TEST_F(Gradient, OfHeightTwoIsTheTwoColours) {
-  // alpha 255 - 0x40 = 191; 128 x 191 / 255 = 95.9, 191 / 255 = 0.7; transparency 127 - 191 / 2 = 32
+  // alpha 255 - 0x40 = 191; 128 x 191 / 255 = 95.9, 191 / 255 = 0.7; transparency
+  // 127 - 191 / 2 = 32
   EXPECT_EQ(SimpleRows(Storage::BitmapContext, 2, 0x40FF8001, 0x00102030), (Words{0xBFBF5F00, 0xFF102030}));
   EXPECT_EQ(SimpleRows(Storage::Buffer, 2, 0x40FF8001, 0x00102030), (Words{0x20FF8001, 0x00102030}));
 }
 
-// Each half of 255 is 127.5: the lower colour's is cut to 127 and the sum, 254.5, to 254. The colour is then 127.
+// Each half of 255 is 127.5: the lower colour's is cut to 127 and the sum, 254.5, to 254. The
+// colour is then 127.
 TEST_F(Gradient, HalfwayRowIsCutTwiceInEveryChannelAlphaIncluded) {
   EXPECT_EQ(SimpleRows(Storage::BitmapContext, 3, kRed, 0), (Words{0xFFFF0000, 0xFE7E0000, 0xFF000000}));
   EXPECT_EQ(SimpleRows(Storage::Buffer, 3, kRed, 0), (Words{0x00FF0000, 0x007F0000, 0x00000000}));
   EXPECT_EQ(SimpleRows(Storage::Buffer, 3, 0x00FFFFFF, 0x00FFFFFF), (Words{0x00FFFFFF, 0x00FEFEFE, 0x00FFFFFF}));
 }
 
-// In row 1, 29 x 0.1 = 2.9 is cut to 2, and with 1 x 0.9 the sum is cut to 2, where 3.8 would give 3.
+// In row 1, 29 x 0.1 = 2.9 is cut to 2, and with 1 x 0.9 the sum is cut to 2, where 3.8 would give
+// 3.
 TEST_F(Gradient, LowerColoursPartIsCutBeforeTheSum) {
   EXPECT_EQ(SimpleRows(Storage::Buffer, 11, 1, 29), (Words{1, 2, 5, 8, 11, 14, 17, 20, 23, 26, 29}));
 }
@@ -112,7 +115,8 @@ TEST_F(Gradient, ExactPartsAreNotCut) {
 }
 
 TEST_F(Gradient, EveryChannelGoesItsOwnWay) {
-  // alpha 255 to 127: 222, 190, 158; red 200 to 0; green 100 throughout; blue 0 to 255: 63, 127, 191
+  // alpha 255 to 127: 222, 190, 158; red 200 to 0; green 100 throughout; blue 0 to 255: 63, 127,
+  // 191
   EXPECT_EQ(SimpleRows(Storage::Buffer, 5, 0x00C86400, 0x800064FF),
             (Words{0x00C86400, 0x1096643F, 0x2064647F, 0x303264BF, 0x400064FF}));
   EXPECT_EQ(SimpleRows(Storage::BitmapContext, 5, 0x00C86400, 0x800064FF),
@@ -137,7 +141,7 @@ TEST_F(Gradient, RowsAreOneColourAtAnyWidth) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------- three colours
+// ----------------------------------------------------------------------------------- three colours
 
 TEST_F(Gradient, DoubleOfHeightOneOrTwoIsClear) {
   EXPECT_EQ(DoubleRows(Storage::BitmapContext, 1, kRed, kBlue, 0), (Words{0}));
@@ -169,7 +173,7 @@ TEST_F(Gradient, DoubleBlendsBothSections) {
             (Words{0, 0x7F3F0000, 0xFFFF0000, 0xFFFF0000, 0xFFAA0000, 0xFF550000, 0xFF000000}));
 }
 
-// ---------------------------------------------------------------------------------------------------------------- size
+// -------------------------------------------------------------------------------------------- size
 
 // The picture that the host makes need not have the size that it was asked for.
 TEST_F(Gradient, FillsThePictureThatThereIs) {
@@ -188,7 +192,7 @@ TEST_F(Gradient, PictureOfAnotherDepthStaysAsItIs) {
   EXPECT_TRUE(called.result.TakeSnapshot() == Picture(called.result.Shape()).TakeSnapshot());
 }
 
-// -------------------------------------------------------------------------------------------------------------- errors
+// ------------------------------------------------------------------------------------------ errors
 
 TEST_F(Gradient, HeightIsTestedBeforeWidth) {
   struct {
@@ -235,9 +239,10 @@ TEST_F(Gradient, SuccessClearsAnEarlierCode) {
   EXPECT_EQ(MakeDouble(3, 2, kRed, kBlue, 0).code, 0);
 }
 
-// -------------------------------------------------------------------------------------------------------------- yields
+// ------------------------------------------------------------------------------------------ yields
 
-// After a row the count is tested first and grows then, so a row's own pixels count from the next row on.
+// After a row the count is tested first and grows then, so a row's own pixels count from the next
+// row on.
 TEST_F(Gradient, YieldsAfterARowOnceTheEarlierOnesReachThePace) {
   EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 4, kRed, kBlue, 1); }), (std::vector<int>{2, 3, 4}));
   EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 4, kRed, kBlue, 10); }), (std::vector<int>{2, 3, 4}));

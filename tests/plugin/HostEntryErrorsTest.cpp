@@ -85,7 +85,7 @@ TEST_F(HostEntryErrors, BelongToTheLastOperation) {
   }
 }
 
-// ------------------------------------------------------------------------------------------ a host without the class
+// ------------------------------------------------------------------------ a host without the class
 
 struct NoClassCase {
   const char* method;

@@ -1,5 +1,5 @@
-// What happens when the host loads the plug-in: which services it asks for, in which order, and what it does on hosts
-// that are too old or lack a service.
+// What happens when the host loads the plug-in: which services it asks for, in which order, and
+// what it does on hosts that are too old or lack a service.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -58,7 +58,7 @@ TEST(HostEntryLoad, AsksOnlyForWhatItNeedsThen) {
   }
 }
 
-// ----------------------------------------------------------------------------------------------------------- versions
+// ---------------------------------------------------------------------------------------- versions
 
 TEST(HostEntryLoad, WorksFromTheFirstVersionOn) {
   const double first = 2011.04;
@@ -108,8 +108,8 @@ TEST(HostEntryLoad, TheMessageHasTheseWords) {
                                       "Real Studio version: 2011.030000"}));
 }
 
-// A locale of the process whose decimal mark is another one. It is made on the spot, by localedef with the character maps
-// of the package `locales`: a machine need not have any locale besides C.
+// A locale of the process whose decimal mark is another one. It is made on the spot, by localedef
+// with the character maps of the package `locales`: a machine need not have any locale besides C.
 class Locale {
  public:
   explicit Locale(const std::string& mark) : folder_(testing::TempDir() + "lmx-locale-XXXXXX") {
@@ -181,7 +181,7 @@ TEST(HostEntryLoad, TheMessageHasAPointInEveryLocale) {
   }
 }
 
-// -------------------------------------------------------------------------------------------------- services that lack
+// ------------------------------------------------------------------------------ services that lack
 
 TEST(HostEntryLoad, NeedsToBeToldTheVersion) {
   host::Host host;
@@ -233,7 +233,7 @@ TEST(HostEntryLoad, DoesWithoutServicesThatItDoesNotNeedThen) {
   EXPECT_EQ(host.Methods().size(), 16u);
 }
 
-// ------------------------------------------------------------------------------------------------------- loaded twice
+// ------------------------------------------------------------------------------------ loaded twice
 
 TEST(HostEntryLoadDeathTest, ASecondStartStopsTheProcess) {
   EXPECT_EXIT(
@@ -266,7 +266,7 @@ TEST(HostEntryLoadDeathTest, ASecondStartAsksForNothing) {
       testing::ExitedWithCode(kNothing), "Plugin loaded twice");
 }
 
-// ------------------------------------------------------------------------------------------------------ stack alignment
+// --------------------------------------------------------------------------------- stack alignment
 
 // The host that is too old makes the plug-in format a number, which takes vector registers.
 TEST(HostEntryLoad, StartsOnAnyStack) {

@@ -1,4 +1,5 @@
-// The colour methods, gradients and messages against the reference model, on random pictures and arguments.
+// The colour methods, gradients and messages against the reference model, on random pictures and
+// arguments.
 
 #include "ModelTest.h"
 

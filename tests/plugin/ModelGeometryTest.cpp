@@ -119,8 +119,8 @@ TEST_F(ModelGeometry, ShearsByWholePixelsInAll) {
   }
 }
 
-// Sixteen columns together reach over as many rows as they can, in pictures that are higher than a block of rows and what is
-// fetched ahead of it.
+// Sixteen columns together reach over as many rows as they can, in pictures that are higher than a
+// block of rows and what is fetched ahead of it.
 TEST_F(ModelGeometry, SteepShearsOfHighPictures) {
   Random random(1);
   for (const double shear : {1.0, -1.0, 65535 / 65536.0, -65535 / 65536.0}) {

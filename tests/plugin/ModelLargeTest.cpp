@@ -1,5 +1,5 @@
-// The methods against the reference model on pictures that are too large for the cache, whose results the plug-in
-// writes past it.
+// The methods against the reference model on pictures that are too large for the cache, whose
+// results the plug-in writes past it.
 
 #include <algorithm>
 
@@ -82,8 +82,8 @@ Place TurnedFrom(bool flipH, bool flipV, int quarter, int x, int y) {
   return {flipH ? kWidth - 1 - at.x : at.x, flipV ? kHeight - 1 - at.y : at.y};
 }
 
-// The sixteen turns into a result of the other form, half of them from each form. Some rows are compared; at every yield,
-// the last row that is due, and the first one that is not.
+// The sixteen turns into a result of the other form, half of them from each form. Some rows are
+// compared; at every yield, the last row that is due, and the first one that is not.
 TEST_P(LargePictures, EveryTurnToTheOtherForm) {
   constexpr int kYield = 149705;  // inside of tiles, whichever way the result lies
   const Form form = GetParam(), other = form == Form::Buffer ? Form::BitmapContext : Form::Buffer;
@@ -118,7 +118,8 @@ TEST_P(LargePictures, EveryTurnToTheOtherForm) {
   }
 }
 
-// The same pixels as without a yield, and at each yield of the second pass no column but those that are due.
+// The same pixels as without a yield, and at each yield of the second pass no column but those that
+// are due.
 TEST_P(LargePictures, StretchWithYields) {
   constexpr int kYield = 1000000, kSourceWidth = 700, kSourceHeight = 1900;
   const host::Picture source = support::ToHost(*Pictures(kSourceWidth, kSourceHeight).source, {});

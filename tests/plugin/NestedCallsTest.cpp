@@ -1,5 +1,5 @@
-// Calls from inside a yield of another call, to any depth: both must give what the reference model gives, also where they
-// share a picture, and where an exception leaves some of them.
+// Calls from inside a yield of another call, to any depth: both must give what the reference model
+// gives, also where they share a picture, and where an exception leaves some of them.
 #include <algorithm>
 #include <map>
 #include <stdexcept>
@@ -90,8 +90,8 @@ class NestedCalls : public testing::Test {
     for (const host::LiveObject& leak : host_.Leaks()) EXPECT_EQ(leak.locks, 0);
   }
 
-  // Calls a method on a picture of the host and compares everything with the reference model. What it yields to may call
-  // this again.
+  // Calls a method on a picture of the host and compares everything with the reference model. What
+  // it yields to may call this again.
   void Check(const Method& method, const std::vector<Value>& arguments, Setting setting, Picture source,
              const AtYield& atYield = nullptr) {
     SCOPED_TRACE(method.name);
@@ -181,7 +181,7 @@ class NestedCalls : public testing::Test {
   int code_ = 0;
 };
 
-// -------------------------------------------------------------------------------------------------------------- pairs
+// ------------------------------------------------------------------------------------------- pairs
 
 TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
   for (const Method* outer : PictureMethods()) {
@@ -258,7 +258,7 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
   }
 }
 
-// ---------------------------------------------------------------------------------------------------- shared pictures
+// --------------------------------------------------------------------------------- shared pictures
 
 TEST_F(NestedCalls, CallsInsideReadTheSameSource) {
   for (const Method* outer : PictureMethods()) {
@@ -296,7 +296,8 @@ TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
   }
 }
 
-// Lines of the result that are done stay as the inner call left them; the others are made afterwards.
+// Lines of the result that are done stay as the inner call left them; the others are made
+// afterwards.
 TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
   const std::vector<Value> change = {0, 0, 100, 100, 40, -50, 60, 0};
   for (const Method* outer : PictureMethods()) {
@@ -338,9 +339,10 @@ TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
   }
 }
 
-// -------------------------------------------------------------------------------------------------------------- depth
+// ------------------------------------------------------------------------------------------- depth
 
-// Chains of random calls, each inside a yield of the one before. At the end of some an exception leaves a few of them.
+// Chains of random calls, each inside a yield of the one before. At the end of some an exception
+// leaves a few of them.
 class NestedChains : public NestedCalls {
  protected:
   void Nest(Random& random, int depth, bool leaves) {

@@ -1,5 +1,6 @@
-// Every method with every two of: the picture's size, the pace of yields, and how the source, the temporary pictures and
-// the result lie in memory; compared with the reference model. Bugs live where two of these meet.
+// Every method with every two of: the picture's size, the pace of yields, and how the source, the
+// temporary pictures and the result lie in memory; compared with the reference model. Bugs live
+// where two of these meet.
 #include <climits>
 
 #include "MethodVariants.h"
@@ -19,8 +20,9 @@ using support::Size;
 using support::Variant;
 using support::Variants;
 
-// Small; a bit more than a tile; wider or taller than every tile, band and array of the plug-in; and more than 3 x 2^20
-// pixels, so that the result is written by non-temporal stores. None fills registers or tiles.
+// Small; a bit more than a tile; wider or taller than every tile, band and array of the plug-in;
+// and more than 3 x 2^20 pixels, so that the result is written by non-temporal stores. None fills
+// registers or tiles.
 enum SizeClass { kSmall, kTiles, kWide, kTall, kLarge, kSizeClasses };
 constexpr Size kSizes[kSizeClasses] = {{23, 17}, {83, 71}, {4501, 67}, {67, 1101}, {1801, 1787}};
 static_assert(1801 * 1787 > 3 << 20);
@@ -61,7 +63,7 @@ constexpr Storage kStorages[] = {
     {"a buffer without its last row", Form::Buffer, false, MissingRow::Last},
 };
 
-// ------------------------------------------------------------------------------------------------------------- the rows
+// ---------------------------------------------------------------------------------------- the rows
 
 struct Combination {
   int variant, size, pace, source, temporary, result;
@@ -74,8 +76,8 @@ const std::vector<int>& Counts() {
   return counts;
 }
 
-// Where two things are odd, one may hide the other: a way that is fast, or that of a yield, is not open then. So every
-// method also meets one thing at a time.
+// Where two things are odd, one may hide the other: a way that is fast, or that of a yield, is not
+// open then. So every method also meets one thing at a time.
 std::vector<std::vector<int>> WantedRows() {
   std::vector<std::vector<int>> rows;
   for (int variant = 0; variant < Counts()[0]; ++variant) {
@@ -130,7 +132,7 @@ TEST(CoveringArray, HasEveryPair) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------------ the calls
+// --------------------------------------------------------------------------------------- the calls
 
 host::Layout LayoutOf(const Storage& storage) {
   host::Layout layout;

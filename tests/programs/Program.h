@@ -28,7 +28,8 @@ class Program {
   /// `photo` is what a program of this name, or one that opens a picture, gets; each gets its own.
   Program(host::Host& plugin, const host::PictureShape& photo);
 
-  /// Takes a program, and returns what is wrong with it: "line 3: ..."; lines count from `firstLine`.
+  /// Takes a program, and returns what is wrong with it: "line 3: ..."; lines count from
+  /// `firstLine`.
   std::vector<std::string> Check(const std::vector<std::string>& lines, int firstLine = 1);
 
   /// The methods that were called with success so far.

@@ -1,5 +1,5 @@
-// The host's side in miniature: a resolver, every service as a function that records its call, and pictures in both
-// storage forms of which a test chooses every word.
+// The host's side in miniature: a resolver, every service as a function that records its call, and
+// pictures in both storage forms of which a test chooses every word.
 #pragma once
 
 #include <cstddef>
@@ -93,7 +93,8 @@ class Context {
   host::GuardedMemory memory_;
 };
 
-/// A host buffer of which every row lies between inaccessible pages, and so do record and row table.
+/// A host buffer of which every row lies between inaccessible pages, and so do record and row
+/// table.
 class Buffer {
  public:
   Buffer(std::int32_t width, std::int32_t height);

@@ -1,5 +1,5 @@
-// The layer of host calls, function by function: the name that each asks for, what it passes on, and what it gives while
-// the host lacks the service.
+// The layer of host calls, function by function: the name that each asks for, what it passes on,
+// and what it gives while the host lacks the service.
 #include "HostCalls.h"
 
 #include <gtest/gtest.h>

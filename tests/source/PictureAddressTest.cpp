@@ -14,7 +14,7 @@ class AddressTest : public testing::Test {
   void SetUp() override { fake::Reset(); }
 };
 
-// --------------------------------------------------------------------------------------------------------------- rows
+// -------------------------------------------------------------------------------------------- rows
 
 TEST_F(AddressTest, RowsOfAContextFollowEachOther) {
   fake::Context context(5, 3, 23);
@@ -69,7 +69,7 @@ TEST_F(AddressTest, ABufferWithoutRecordOrTableHasNoRows) {
   EXPECT_EQ(picture.RowAddress(2), nullptr);
 }
 
-// ------------------------------------------------------------------------------------------------------------ columns
+// ----------------------------------------------------------------------------------------- columns
 
 std::int32_t RowBelow(const LMX_Picture& picture, std::int32_t row) {
   ColumnWalk walk(picture, row);
@@ -156,7 +156,7 @@ TEST_F(AddressTest, AWalkTakesManySteps) {
   EXPECT_EQ(skip.Row(), 3);
 }
 
-// ------------------------------------------------------------------------------------------------------------- pixels
+// ------------------------------------------------------------------------------------------ pixels
 
 using Bytes = std::array<std::uint8_t, 4>;
 

@@ -1,4 +1,5 @@
-// New pictures of the wrapper: the steps of their creation, where each can fail, and who owns what then.
+// New pictures of the wrapper: the steps of their creation, where each can fail, and who owns what
+// then.
 #include <gtest/gtest.h>
 
 #include <climits>

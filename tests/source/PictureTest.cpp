@@ -138,7 +138,7 @@ TEST_F(PictureTest, SwallowsWhatTheUnlockOfAnotherTypeThrows) {
   EXPECT_EQ(fake::TheHost().calls, kLockedAndUnlocked);
 }
 
-// ------------------------------------------------------------------------------------------------------------ locking
+// ----------------------------------------------------------------------------------------- locking
 
 TEST_F(PictureTest, LocksABuffer) {
   fake::Buffer buffer(5, 3);
@@ -280,7 +280,7 @@ TEST_F(PictureTest, LocksOnlyOnce) {
   EXPECT_EQ(picture.buffer, &buffer.Record());
 }
 
-// ---------------------------------------------------------------------------------------------------------- releasing
+// --------------------------------------------------------------------------------------- releasing
 
 TEST_F(PictureTest, ForgetsAllWhenReleased) {
   fake::Context context(5, 3);

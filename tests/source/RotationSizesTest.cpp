@@ -19,8 +19,8 @@ class RotationSizes : public testing::Test {
     fake::TheHost().newPicture = nullptr;
   }
 
-  // Whether the plug-in begins to rotate a picture of that size: it asks for a temporary picture, which this host refuses.
-  // So no pixel is touched, and the one that there is stands for all.
+  // Whether the plug-in begins to rotate a picture of that size: it asks for a temporary picture,
+  // which this host refuses. So no pixel is touched, and the one that there is stands for all.
   static bool IsTaken(std::int64_t width, std::int64_t height, double degrees) {
     std::uint32_t pixel = 0;
     CGContext context = {static_cast<std::size_t>(width), static_cast<std::size_t>(height), 32,
@@ -56,8 +56,8 @@ TEST_F(RotationSizes, EachSideAlone) {
   EXPECT_FALSE(IsTaken(10, 32768, 0));
 }
 
-// The rule in real numbers. Steps are cut to 1/65536 and pi has six digits, so that it is one pixel off at most; the sides
-// that are asked about stay clear of the bound by two.
+// The rule in real numbers. Steps are cut to 1/65536 and pi has six digits, so that it is one pixel
+// off at most; the sides that are asked about stay clear of the bound by two.
 TEST_F(RotationSizes, BothShearedSidesDecide) {
   constexpr double kBound = 32767;
   int taken = 0, refused = 0;

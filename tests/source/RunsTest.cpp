@@ -1,5 +1,5 @@
-// Runs of pixels against what they mean pixel by pixel: inside both pictures, reaching over any of their edges, beside
-// them, longer than what is taken at a time, and in rows that a picture lacks.
+// Runs of pixels against what they mean pixel by pixel: inside both pictures, reaching over any of
+// their edges, beside them, longer than what is taken at a time, and in rows that a picture lacks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -81,7 +81,8 @@ struct Places {
 };
 
 using Operation = std::function<void(const Places&)>;
-// The i-th working pixel that is written, from those of the source's row, of which 0 is the first that is read.
+// The i-th working pixel that is written, from those of the source's row, of which 0 is the first
+// that is read.
 using Meaning = std::function<std::uint32_t(const std::function<std::uint32_t(std::int32_t)>& read, std::int32_t i,
                                             std::int32_t n)>;
 
@@ -204,8 +205,8 @@ TEST_F(RunsTest, Halves) {
   }
 }
 
-// Rows of a picture as runs of its columns, wherever they lie; and runs as columns of another one, or as rows of working
-// pixels.
+// Rows of a picture as runs of its columns, wherever they lie; and runs as columns of another one,
+// or as rows of working pixels.
 TEST_F(RunsTest, ColumnsAreRuns) {
   Random random(5);
   std::uint32_t pixels[kTile][kTile], turned[kTile][kTile];
@@ -239,8 +240,8 @@ TEST_F(RunsTest, ColumnsAreRuns) {
   }
 }
 
-// Columns of one picture become rows of another, in both directions: of pictures that hold all of them, of positions over
-// any edge, and where rows are missing, so that the walk stays.
+// Columns of one picture become rows of another, in both directions: of pictures that hold all of
+// them, of positions over any edge, and where rows are missing, so that the walk stays.
 TEST_F(RunsTest, ColumnsBecomeRows) {
   constexpr std::int32_t kLong = 150;  // more than two of the pieces in which runs go
   Random random(6);
@@ -355,11 +356,12 @@ TEST_F(RunsTest, SumsWhatIsInside) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------ several at a time
+// ------------------------------------------------------------------------------- several at a time
 
 constexpr std::int32_t kRun = 7;
 
-// Calls check(picture, x) for pictures of both forms, with any of their rows missing, and runs over any of their edges.
+// Calls check(picture, x) for pictures of both forms, with any of their rows missing, and runs over
+// any of their edges.
 void ForGroups(const std::function<void(const TestPicture&, std::int32_t x)>& check) {
   Random random(3);
   for (const bool isBuffer : {false, true}) {

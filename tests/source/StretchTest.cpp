@@ -1,5 +1,5 @@
-// The passes of a stretch between pictures that a host may have made of any size or without rows, with kernels that look
-// at what they are asked for.
+// The passes of a stretch between pictures that a host may have made of any size or without rows,
+// with kernels that look at what they are asked for.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -143,8 +143,8 @@ class StretchTest : public testing::Test {
   }
 };
 
-// The temporary picture is wider, narrower, higher or lower than asked for, by one or by half, or lacks a row, as may the
-// others.
+// The temporary picture is wider, narrower, higher or lower than asked for, by one or by half, or
+// lacks a row, as may the others.
 TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
   Random random(1);
   for (int i = 0; i < 250 && !HasFailure(); ++i) {
@@ -167,8 +167,8 @@ TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
   }
 }
 
-// Boxes of as many runs as a kernel takes, of some less and more, in both directions: of 29.7 to 32.7 runs, some of which
-// begin and end within one.
+// Boxes of as many runs as a kernel takes, of some less and more, in both directions: of 29.7 to
+// 32.7 runs, some of which begin and end within one.
 TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
   for (const std::int32_t k : {1, 2, 5}) {
     for (std::int32_t whole = 29; whole <= 32; ++whole) {
@@ -181,7 +181,8 @@ TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
   }
 }
 
-// Wider than the strips and sums of columns, with boxes of more runs than a kernel takes, and of fewer.
+// Wider than the strips and sums of columns, with boxes of more runs than a kernel takes, and of
+// fewer.
 TEST_F(StretchTest, MakesWidePicturesInStrips) {
   for (const std::int32_t width : {511, 512, 513, 1023, 1025}) {
     for (const std::int32_t height : {71, 5}) {

@@ -151,8 +151,8 @@ TEST(Trigonometry, TheArgumentsOfRotations) {
   });
 }
 
-// The bound that LMX_Trigonometry.cpp derives. Results show only errors above 2^-70, since few values are
-// that close to the middle between two doubles.
+// The bound that LMX_Trigonometry.cpp derives. Results show only errors above 2^-70, since few
+// values are that close to the middle between two doubles.
 TEST(Trigonometry, ErrorsBeforeRounding) {
   using namespace unrounded;
   static constexpr double kBound = 0x1p-98;

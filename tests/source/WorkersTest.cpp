@@ -1,5 +1,5 @@
-// Workers called directly, where no entry point leads: results that nobody asks for, arguments that entry points never
-// pass, and the sixteen names of the turns.
+// Workers called directly, where no entry point leads: results that nobody asks for, arguments that
+// entry points never pass, and the sixteen names of the turns.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -54,7 +54,7 @@ void Number(fake::Buffer& buffer, std::int32_t width, std::int32_t height) {
   }
 }
 
-// -------------------------------------------------------------------------------------------------------------- turns
+// ------------------------------------------------------------------------------------------- turns
 
 // Which source pixel of W x H a worker puts at (x, y).
 struct Turn {
@@ -139,7 +139,8 @@ TEST_F(WorkersTest, ResultsWithoutRowsAreLeftAlone) {
   }
 }
 
-// A host may make a result of another size. Pixels are counted and placed in what it made; what the source lacks is clear.
+// A host may make a result of another size. Pixels are counted and placed in what it made; what the
+// source lacks is clear.
 TEST_F(WorkersTest, EveryTurnFillsAResultOfAnySize) {
   constexpr std::uint32_t kOpaque = 0xFF000000;
   fake::Context sourceContext(W, H);
@@ -170,7 +171,8 @@ TEST_F(WorkersTest, EveryTurnFillsAResultOfAnySize) {
   }
 }
 
-// Leaves out the first and the last row, which stay where they are, for whoever reaches beyond the others.
+// Leaves out the first and the last row, which stay where they are, for whoever reaches beyond the
+// others.
 void HideOuterRows(fake::Buffer& picture) {
   picture.Record().rowTable += 4;
   picture.Record().height -= 2;
@@ -180,7 +182,8 @@ void HideOuterRows(fake::Context& picture) {
   picture.context.height -= 2;
 }
 
-// A result that is longer than the source has rows, by one pixel after a whole tile: what it finds there.
+// A result that is longer than the source has rows, by one pixel after a whole tile: what it finds
+// there.
 template <class Picture>
 void CheckTurnBeyondTheSource(std::uint32_t opaque, const std::function<std::uint32_t(std::uint32_t last)>& beyond) {
   constexpr int kRows = 65;
@@ -230,20 +233,22 @@ TEST_F(WorkersTest, TurnsLeaveOutMissingRowsOfTheResult) {
   }
 }
 
-// ---------------------------------------------------------------------------------------------- steps of a rotation
+// ----------------------------------------------------------------------------- steps of a rotation
 
 struct Sizes {
   std::int32_t width;
   std::int32_t height;
 };
 
-// What a host may make of a picture: one that lacks a row, or all of whose rows are the same memory.
+// What a host may make of a picture: one that lacks a row, or all of whose rows are the same
+// memory.
 struct Oddity {
   std::int32_t missingRow = -1;
   bool isOneRow = false;
 };
 
-// A locked picture of opaque pixels of one colour, so that whoever reads what nobody wrote shows it.
+// A locked picture of opaque pixels of one colour, so that whoever reads what nobody wrote shows
+// it.
 struct Stale {
   Stale(const Sizes& size, bool isTemporary, const Oddity& odd)
       : buffer(size.width, size.height),
@@ -307,7 +312,8 @@ std::pair<std::vector<std::uint32_t>, std::size_t> Rotated(const RotationSteps& 
   return {words, fake::TheHost().calls.size()};
 }
 
-// Whatever the sizes of the temporary pictures are, and where rows of any picture are missing or coincide.
+// Whatever the sizes of the temporary pictures are, and where rows of any picture are missing or
+// coincide.
 TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
   Random random(1);
   for (int i = 0; i < 200; ++i) {
@@ -336,7 +342,7 @@ TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------------------ passes
+// ------------------------------------------------------------------------------------------ passes
 
 TEST_F(WorkersTest, PassesThatAreBeyondReachAreNotMade) {
   constexpr std::int32_t kTooLong = 32769;  // for one pixel
@@ -349,7 +355,7 @@ TEST_F(WorkersTest, PassesThatAreBeyondReachAreNotMade) {
   EXPECT_EQ(one.Word(0, 0), 0xFF123456u);
 }
 
-// ----------------------------------------------------------------------------------------------------------- averages
+// ---------------------------------------------------------------------------------------- averages
 
 TEST_F(WorkersTest, AveragesLeaveOutWhatNobodyAskedFor) {
   fake::Buffer buffer(1, 1);
@@ -410,7 +416,7 @@ TEST_F(WorkersTest, AveragesStoreHueFirstAndBrightnessLast) {
   EXPECT_EQ(shared, 255);
 }
 
-// ---------------------------------------------------------------------------------------------------------- gradients
+// --------------------------------------------------------------------------------------- gradients
 
 TEST_F(WorkersTest, GradientsFillThePictureWhateverTheSizeGiven) {
   for (const int given : {0, 1, 100}) {
@@ -432,7 +438,7 @@ TEST_F(WorkersTest, GradientsFillThePictureWhateverTheSizeGiven) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------- called by the entries
+// --------------------------------------------------------------------------- called by the entries
 
 TEST_F(WorkersTest, BodiesLockTheirSource) {
   REALpictureStruct unusable = {"source", 9, nullptr};
@@ -523,7 +529,8 @@ TEST_F(WorkersTest, AVerticalShearStaysBeforeAMissingRowOfTheResult) {
   }
 }
 
-// The entry points turn by 0 to 3 quarters; no worker is for others, and only 1 and 3 exchange width and height.
+// The entry points turn by 0 to 3 quarters; no worker is for others, and only 1 and 3 exchange
+// width and height.
 TEST_F(WorkersTest, OtherQuarterTurnsPaintNothing) {
   fake::Buffer sourceBuffer(W, H);
   Number(sourceBuffer, W, H);
@@ -559,9 +566,10 @@ TEST_F(WorkersTest, FlagsAreExactlyFalseOrTrue) {
   }
 }
 
-// -------------------------------------------------------------------------------------------------------- adjustments
+// ------------------------------------------------------------------------------------- adjustments
 
-// Every word of a row of opaque red after an adjustment in place; rows are long enough for any kernel.
+// Every word of a row of opaque red after an adjustment in place; rows are long enough for any
+// kernel.
 std::uint32_t AdjustedRed(double hue, double saturation, double brightness) {
   constexpr std::int32_t kWidth = 70;
   fake::Buffer buffer(kWidth, 1);
@@ -583,12 +591,13 @@ TEST_F(WorkersTest, NegativeFactorsActAsZero) {
   }
 }
 
-// The entry points refuse a turn and more. A hue wraps once; what is still outside the sectors is black, and the first
-// sector goes on below 0.
+// The entry points refuse a turn and more. A hue wraps once; what is still outside the sectors is
+// black, and the first sector goes on below 0.
 TEST_F(WorkersTest, HuesWrapOnce) {
   EXPECT_EQ(AdjustedRed(-360, 1, 1), 0x00FF0000u);
   EXPECT_EQ(AdjustedRed(360, 1, 1), 0x00FF0000u);
-  // floor(-365 x 1024 / 60) = -6230, with a turn -86: t = (1048576 - 1110 x 1023) x 255 / 1048576 = -21.1, 0xFF...EB
+  // floor(-365 x 1024 / 60) = -6230, with a turn -86: t = (1048576 - 1110 x 1023) x 255 / 1048576 =
+  // -21.1, 0xFF...EB
   EXPECT_EQ(AdjustedRed(-365, 1, 1), 0x00FFEB00u);
   EXPECT_EQ(AdjustedRed(-500, 1, 1), 0x00000000u);
   EXPECT_EQ(AdjustedRed(800, 1, 1), 0x00000000u);

@@ -85,7 +85,8 @@ TEST_F(YieldPaceTest, ComesBeforeALine) {
   });
 }
 
-// Lines of a picture that nobody sees are done ahead; their yields come for each of them, as if they were done one by one.
+// Lines of a picture that nobody sees are done ahead; their yields come for each of them, as if
+// they were done one by one.
 TEST_F(YieldPaceTest, ComesOnceForEveryLineOfABandThatIsDone) {
   ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
     const std::size_t expected = Expected(Order::kYieldThenCountThenLine, yield, pixelsPerLine).size();

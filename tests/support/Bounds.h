@@ -1,5 +1,6 @@
-// The constants of the plug-in that bound a tile, a band, an array or a threshold, each with sizes at it, one below and one
-// above. A test compares this list with the sources: a constant that is new or has another value belongs here.
+// The constants of the plug-in that bound a tile, a band, an array or a threshold, each with sizes
+// at it, one below and one above. A test compares this list with the sources: a constant that is
+// new or has another value belongs here.
 #pragma once
 
 #include <string>

@@ -1,6 +1,8 @@
-// Random cases of a test: seeded, so that they are the same everywhere, and each can be run again alone.
+// Random cases of a test: seeded, so that they are the same everywhere, and each can be run again
+// alone.
 //
-//   LMX_CASE=<seed>   only this case (with --gtest_filter for the test); a failure or a crash prints it
+//   LMX_CASE=<seed>   only this case (with --gtest_filter for the test); a failure or a crash
+//                     prints it
 //   LMX_CASES=<n>     n times as many cases
 #pragma once
 
@@ -20,8 +22,8 @@ void ForEachCase(int count, const std::function<void(Random& random)>& body);
 std::int32_t AnyInteger(Random& random);
 /// A power of 2 up to that of `most`, or its neighbour; at least 1.
 std::int32_t NearPowerOfTwo(Random& random, std::int32_t most);
-/// A number of -1 to 1, or next to that, at which a rounded one decides: k/65536 near 0, 1/2 and 1, tenths, and the
-/// doubles next to these.
+/// A number of -1 to 1, or next to that, at which a rounded one decides: k/65536 near 0, 1/2 and 1,
+/// tenths, and the doubles next to these.
 double ExactShear(Random& random);
 /// The same for degrees: k/65536 near the multiples of 45, tenths, and the doubles next to these.
 double ExactAngle(Random& random);

@@ -37,8 +37,8 @@ std::set<Pair> PairsWith(const Row& row, const Choice& choice) {
   return pairs;
 }
 
-// A row that begins with a pair which no row has; then each factor makes the choice that adds most pairs of that kind, of
-// equal ones the choice that was made least often.
+// A row that begins with a pair which no row has; then each factor makes the choice that adds most
+// pairs of that kind, of equal ones the choice that was made least often.
 Row GreedyRow(const std::vector<int>& counts, const std::set<Pair>& missing, std::map<Choice, int>& uses) {
   Row row(counts.size(), kOpen);
   const auto [first, second] = *missing.begin();

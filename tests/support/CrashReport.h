@@ -8,7 +8,8 @@
 
 namespace support {
 
-/// While one lives, a crash writes the place that was set last. Then whoever was responsible before has its turn.
+/// While one lives, a crash writes the place that was set last. Then whoever was responsible before
+/// has its turn.
 class CrashReport {
  public:
   CrashReport();

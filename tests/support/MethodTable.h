@@ -1,4 +1,5 @@
-// The sixteen methods as tables of tests and fuzzers have them: what they take, and their definitions.
+// The sixteen methods as tables of tests and fuzzers have them: what they take, and their
+// definitions.
 #pragma once
 
 #include <string>
@@ -12,7 +13,8 @@ namespace support {
 struct Method {
   const char* name;
   bool hasSource;
-  /// One letter for each argument after the source: integer, double, boolean, colour; I and D are ByRef.
+  /// One letter for each argument after the source: integer, double, boolean, colour; I and D are
+  /// ByRef.
   const char* types;
   /// Which of its new pictures is returned, counted from 1; 0: none.
   std::size_t result;

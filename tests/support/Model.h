@@ -1,9 +1,9 @@
-// What every method of the plug-in does, written as plainly as possible: one pixel at a time, on values, without a
-// host, runs of pixels, or any line of the plug-in's own. Tests compare the plug-in with it, so it is slow on purpose
-// and obvious first of all.
+// What every method of the plug-in does, written as plainly as possible: one pixel at a time, on
+// values, without a host, runs of pixels, or any line of the plug-in's own. Tests compare the
+// plug-in with it, so it is slow on purpose and obvious first of all.
 //
-// A method is a function from its arguments to an Outcome: the code, every picture that it makes, the moments at which
-// it yields and how far it is by then.
+// A method is a function from its arguments to an Outcome: the code, every picture that it makes,
+// the moments at which it yields and how far it is by then.
 #pragma once
 
 #include <array>
@@ -55,7 +55,8 @@ struct StoredPicture {
   std::size_t Index(int x, int y) const;
 };
 
-/// What the host makes when it is asked for its nth new picture (from 1) of a size of at least 1 x 1.
+/// What the host makes when it is asked for its nth new picture (from 1) of a size of at least
+/// 1 x 1.
 using MakePicture = std::function<StoredPicture(std::size_t number, int width, int height)>;
 
 /// The order in which a pass completes its lines.
@@ -127,7 +128,8 @@ Outcome MakeDoubleGradient(int width, int height, std::uint32_t colour1, std::ui
 /// The text of an error code.
 const char* ErrorMessage(int code);
 
-// Hue in 1/1024 of a sixth of the circle (-1: none), saturation 0 to 1024, value and alpha 0 to 255.
+// Hue in 1/1024 of a sixth of the circle (-1: none), saturation 0 to 1024, value and alpha 0 to
+// 255.
 
 struct Hsv {
   std::int32_t hue, saturation, value, alpha;

@@ -90,7 +90,8 @@ void FlipRotatePass(const StoredPicture& source, StoredPicture& result, bool fli
   for (int line = 0; line < result.height; ++line) {
     pass.BeforeLine(line, result.width);
     const int y = bottomUp ? result.height - 1 - line : line;
-    // A turned row is a column of the mirrored picture: y from the left going up, or y from the right going down.
+    // A turned row is a column of the mirrored picture: y from the left going up, or y from the
+    // right going down.
     const int mirroredColumn = quarter == 1 ? y : W - 1 - y;
     const int column = flipH ? W - 1 - mirroredColumn : mirroredColumn;
     for (int x = 0; x < result.width; ++x) {

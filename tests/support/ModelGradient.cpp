@@ -5,7 +5,8 @@
 namespace model {
 namespace {
 
-// One channel of colour P with weight tP and colour N with weight tN. Both products lose their fractions.
+// One channel of colour P with weight tP and colour N with weight tN. Both products lose their
+// fractions.
 std::uint32_t BlendChannel(std::uint32_t P, double tP, std::uint32_t N, double tN) {
   const std::int32_t next = IntegerPart(N * tN);
   const std::int32_t blended = IntegerPart(next + P * tP);
@@ -18,7 +19,8 @@ std::uint32_t BlendColours(std::uint32_t P, double tP, std::uint32_t N, double t
               BlendChannel(Green(P), tP, Green(N), tN), BlendChannel(Blue(P), tP, Blue(N), tN));
 }
 
-// Rows from `first` to `end` - 1: colour P in the first, N in the last one. A single row divides 0 by 0.
+// Rows from `first` to `end` - 1: colour P in the first, N in the last one. A single row divides 0
+// by 0.
 void Section(StoredPicture& picture, int first, int end, std::uint32_t P, std::uint32_t N, Pass& pass) {
   const double d = end - 1 - first;
   for (int y = first; y < end; ++y) {

@@ -17,8 +17,8 @@ std::int32_t WrappingSum(std::int32_t a, std::int32_t b);
 /// The integer part. What is no number, or does not fit, gives the most negative integer.
 std::int32_t IntegerPart(double value);
 
-/// A walk along a column from one row on, down (a step of 1) or up (-1). In a buffer it ends at the last row, and before
-/// a missing one; in a bitmap context it goes on.
+/// A walk along a column from one row on, down (a step of 1) or up (-1). In a buffer it ends at the
+/// last row, and before a missing one; in a bitmap context it goes on.
 class ColumnWalk {
  public:
   ColumnWalk(const StoredPicture& picture, int row, int step);
@@ -33,12 +33,15 @@ class ColumnWalk {
 /// An Outcome that only has a code.
 Outcome Failure(int code);
 
-/// Asks for a new picture that the caller gets. Returns nil if it cannot be locked or a size is below 1.
+/// Asks for a new picture that the caller gets. Returns nil if it cannot be locked or a size is
+/// below 1.
 StoredPicture* MakeResult(Outcome& outcome, int width, int height, const MakePicture& make);
-/// Asks for a new picture that is given up at the end of the pass that reads it. Returns nil likewise.
+/// Asks for a new picture that is given up at the end of the pass that reads it. Returns nil
+/// likewise.
 StoredPicture* MakeTemporary(Outcome& outcome, int width, int height, const MakePicture& make);
 
-/// One pass over a picture: its place in the chain, and its own count of pixels since the last yield.
+/// One pass over a picture: its place in the chain, and its own count of pixels since the last
+/// yield.
 class Pass {
  public:
   Pass(Outcome& outcome, int yield, std::size_t writing, Order order, std::vector<std::size_t> alive)

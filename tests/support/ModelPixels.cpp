@@ -18,7 +18,8 @@ std::uint32_t ReadPixel(Form form, std::uint32_t word) {
   const std::uint32_t alpha = word >> 24;
   if (alpha == 0) return 0;
   if (alpha == 255) return word;
-  // A colour above alpha gives more than 255 and carries into its neighbour; the sum wraps in 32 bits.
+  // A colour above alpha gives more than 255 and carries into its neighbour; the sum wraps in 32
+  // bits.
   return (alpha << 24) + ((Red(word) * 255 / alpha) << 16) + ((Green(word) * 255 / alpha) << 8) +
          Blue(word) * 255 / alpha;
 }

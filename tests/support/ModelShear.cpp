@@ -31,7 +31,8 @@ std::uint32_t Blend(const Channels& before, const Channels& current, std::uint32
   return Join(blended);
 }
 
-// The pixel after the end of a line: the last pixel with weight f, the frame with the rest, by a shift.
+// The pixel after the end of a line: the last pixel with weight f, the frame with the rest, by a
+// shift.
 std::uint32_t BlendEdge(const Channels& last, const Channels& frame, std::uint32_t f) {
   const bool opaqueFrame = frame[0] == 255;
   Channels blended;
@@ -187,7 +188,8 @@ Size TurnedSize(Size size, double d, double theta) {
   return {IntegerPart(std::ceil(2 * R * reference::Cosine(A1))), IntegerPart(std::ceil(reference::Sine(A2) * (2 * R)))};
 }
 
-// The length of the lines of a sheared picture, or nothing where a 32-bit integer cannot hold what it is made from.
+// The length of the lines of a sheared picture, or nothing where a 32-bit integer cannot hold what
+// it is made from.
 std::optional<int> ShearedLength(int length, int lines, double shear) {
   const std::int64_t k = std::abs(std::int64_t{IntegerPart(shear * 65536.0)});
   const std::int64_t sum = std::int64_t{length} * 65536 + 65535 + k * lines;

@@ -13,16 +13,18 @@ namespace support {
 host::Storage StorageOf(model::Form form);
 model::Form FormOf(host::Storage storage);
 
-/// Anything a picture may hold: opaque, proper, any bytes (colours above alpha, transparencies above 127), opaque with
-/// translucent stretches, or clear with colours left in it.
+/// Anything a picture may hold: opaque, proper, any bytes (colours above alpha, transparencies
+/// above 127), opaque with translucent stretches, or clear with colours left in it.
 model::StoredPicture RandomPicture(Random& random, model::Form form, int width, int height);
-/// The same with a random form and size: mostly small, some of a row's or column's shape, a few empty.
+/// The same with a random form and size: mostly small, some of a row's or column's shape, a few
+/// empty.
 model::StoredPicture RandomPicture(Random& random);
 model::Form RandomForm(Random& random);
 /// Padded rows, scattered rows, or neither.
 host::Layout RandomLayout(Random& random, model::Form form);
 
-/// How a picture with that fault is described to the host. There is more than one way; `variant` picks.
+/// How a picture with that fault is described to the host. There is more than one way; `variant`
+/// picks.
 host::Defects DefectsFor(model::Fault fault, model::Form form, unsigned variant);
 
 host::Picture ToHost(const model::StoredPicture& picture, const host::Layout& layout, unsigned variant = 0);

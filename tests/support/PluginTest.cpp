@@ -238,7 +238,8 @@ Called PluginTest::Run(const std::string& name, const std::vector<Value>& argume
   return called;
 }
 
-// Looks at the pictures at every yield, or, where that would be many pixels, at every nth and the last.
+// Looks at the pictures at every yield, or, where that would be many pixels, at every nth and the
+// last.
 class PluginTest::Watch {
  public:
   Watch(PluginTest& test, const Outcome& expected, const Picture& source, const std::optional<StoredPicture>& before)

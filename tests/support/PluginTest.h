@@ -1,4 +1,5 @@
-// The fixture of tests of the built plug-in: a host that has loaded it, and calls whose books are checked.
+// The fixture of tests of the built plug-in: a host that has loaded it, and calls whose books are
+// checked.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -30,7 +31,8 @@ enum class MissingRow { None, First, Inner, Last };
 /// The rows that a picture of a height lacks then.
 std::set<int> MissingRows(MissingRow missing, int height);
 
-/// A size that differs from the one that was asked for in one thing; halves are rounded up, and nothing is below 1.
+/// A size that differs from the one that was asked for in one thing; halves are rounded up, and
+/// nothing is below 1.
 enum class Resized {
   No,
   WiderByOne,
@@ -62,7 +64,8 @@ struct Setting {
   std::int64_t mostPixels = 1 << 17;           ///< for a larger new picture the host has no memory
 };
 
-/// What the host makes in that setting, which must outlive them: as values, and as the host is told (host::NewPictures).
+/// What the host makes in that setting, which must outlive them: as values, and as the host is told
+/// (host::NewPictures).
 model::MakePicture NewValues(const Setting& setting);
 std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Setting& setting);
 
@@ -74,8 +77,8 @@ struct MethodCall {
   std::function<model::Outcome(const model::StoredPicture* source, const model::MakePicture& make)> define;
 };
 
-/// Compares what a call gave with the model: the result, the values, and the source afterwards. `before` are the
-/// arguments as they were passed, the source included.
+/// Compares what a call gave with the model: the result, the values, and the source afterwards.
+/// `before` are the arguments as they were passed, the source included.
 void CheckResults(const model::Outcome& expected, const Setting& setting, const std::vector<host::Value>& before,
                   const Called& called);
 
@@ -83,13 +86,14 @@ class PluginTest : public testing::Test {
  protected:
   PluginTest() { host_.Load(LibraryPath()); }
 
-  /// Calls a method and checks what holds for every call: no lock is left, padding is intact, every picture argument is
-  /// untouched (but by methods that work in place), references are as before, the result has exactly one, the
-  /// caller's, and `lost` new pictures are left without an owner.
+  /// Calls a method and checks what holds for every call: no lock is left, padding is intact, every
+  /// picture argument is untouched (but by methods that work in place), references are as before,
+  /// the result has exactly one, the caller's, and `lost` new pictures are left without an owner.
   Called Run(const std::string& name, const std::vector<host::Value>& arguments, int lost = 0);
 
-  /// Does the same and compares everything with the model: result, code, values, the changed source, every
-  /// yield, what is complete and what is untouched at each yield, and which new pictures exist then.
+  /// Does the same and compares everything with the model: result, code, values, the changed
+  /// source, every yield, what is complete and what is untouched at each yield, and which new
+  /// pictures exist then.
   void CheckCall(const MethodCall& call, const Setting& setting);
 
   int LastError() { return host_.Call("GetLastError", {}).result.AsInteger(); }
@@ -100,7 +104,8 @@ class PluginTest : public testing::Test {
   class Watch;
 };
 
-/// The new pictures that exist, with the number in the order in which the host made them since ResetCounts (from 1).
+/// The new pictures that exist, with the number in the order in which the host made them since
+/// ResetCounts (from 1).
 std::vector<std::pair<std::size_t, host::Picture>> LiveNewPictures(const host::Host& host);
 
 }  // namespace support

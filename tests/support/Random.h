@@ -1,4 +1,5 @@
-// Random numbers that are the same everywhere: a seed in a failure's text brings the same case back.
+// Random numbers that are the same everywhere: a seed in a failure's text brings the same case
+// back.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +9,8 @@
 class Random {
  public:
   explicit Random(std::uint64_t seed) : state_(seed) {}
-  /// Makes the numbers from the bytes as long as they last, a choice of up to 256 from a single one, and from there on
-  /// as with seed 0. The bytes stay the caller's.
+  /// Makes the numbers from the bytes as long as they last, a choice of up to 256 from a single
+  /// one, and from there on as with seed 0. The bytes stay the caller's.
   Random(const std::uint8_t* bytes, std::size_t size) : state_(0), bytes_(bytes), left_(size) {}
 
   std::uint64_t Next() {

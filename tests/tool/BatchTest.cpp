@@ -1,5 +1,5 @@
-// Several pictures at once: which file each result gets, what is told, and that one failure or signal leaves the rest
-// in order.
+// Several pictures at once: which file each result gets, what is told, and that one failure or
+// signal leaves the rest in order.
 #include "tool/Batch.h"
 
 #include <gtest/gtest.h>
@@ -184,7 +184,8 @@ TEST_F(BatchTest, ATerminalShowsOneLine) {
   EXPECT_EQ(ended.error.substr(ended.error.size() - 4), "\r\x1b[K");
 }
 
-// The worker for a.png waits for a reader of its output, so that the signal finds the batch half done.
+// The worker for a.png waits for a reader of its output, so that the signal finds the batch half
+// done.
 TEST_F(BatchTest, SignalsStopAllWorkAndLeaveWhatIsDone) {
   for (const int end : {SIGINT, SIGTERM, SIGHUP}) {
     ASSERT_EQ(mkfifo(Path("out/a.png").c_str(), 0600), 0);
@@ -269,7 +270,8 @@ TEST_F(BatchTest, AProcessThatEndsBadlyIsAFailure) {
   EXPECT_EQ(out.str(), "fine");
 }
 
-// The worker ends, and its temporary file goes, with the process that started it, even when that cannot do anything.
+// The worker ends, and its temporary file goes, with the process that started it, even when that
+// cannot do anything.
 TEST_F(BatchTest, NoWorkerOrFileOutlivesTheBatch) {
   for (const int end : {SIGTERM, SIGKILL}) {
     const int status = InChild([&] {

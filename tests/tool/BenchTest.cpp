@@ -25,7 +25,8 @@ const std::vector<std::string> kSome = {"flip horizontal", "turn 90",     "shear
                                         "stretch 1/2",     "trim border", "HSV in place",       "RGB",
                                         "average RGB",     "average HSV", "gradient",           "double gradient"};
 
-// The operations of lines that match, whose first group is the name; failures for lines that do not.
+// The operations of lines that match, whose first group is the name; failures for lines that do
+// not.
 std::set<std::string> OperationsIn(const std::vector<std::string>& lines, const std::regex& shape) {
   std::set<std::string> names;
   for (const std::string& line : lines) {

@@ -1,4 +1,5 @@
-// Calls of methods on picture files: what arrives at the plug-in, what comes out, and what is told about it.
+// Calls of methods on picture files: what arrives at the plug-in, what comes out, and what is told
+// about it.
 #include <gtest/gtest.h>
 
 #include <regex>

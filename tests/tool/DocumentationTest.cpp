@@ -1,4 +1,5 @@
-// The documentation and the declarations are about the same methods and arguments, and nothing else.
+// The documentation and the declarations are about the same methods and arguments, and nothing
+// else.
 #include "tool/Documentation.h"
 
 #include <gtest/gtest.h>

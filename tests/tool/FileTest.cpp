@@ -96,8 +96,8 @@ TEST_F(HostileFileTest, PngWithDamagedPixels) {
   ExpectRefused(Hostile(bytes), "damaged");
 }
 
-// Its reader leaves the pixels as it finds them, which must not be whatever the process had there before. glibc fills fresh
-// memory as this variable says.
+// Its reader leaves the pixels as it finds them, which must not be whatever the process had there
+// before. glibc fills fresh memory as this variable says.
 TEST_F(HostileFileTest, AJpegWithoutAScanIsTheSamePictureEveryTime) {
   constexpr unsigned char kScan[] = {0xFF, 0xDA}, kEnd[] = {0xFF, 0xD9};
   Bytes bytes = Jpeg(OpaqueImage(400, 300));
@@ -136,7 +136,8 @@ Bytes OneChannelPng(unsigned char side, unsigned char colourType, unsigned char 
   return bytes;
 }
 
-// Bits of a deflate stream. Codes come with their highest bit first, everything else with the lowest.
+// Bits of a deflate stream. Codes come with their highest bit first, everything else with the
+// lowest.
 class Packed {
  public:
   Packed& Bits(unsigned value, int count) {
@@ -158,8 +159,8 @@ class Packed {
   int used_ = 0;
 };
 
-// The last seven bytes are copied from a distance of 0, that is, from themselves. With the filters of its 15 rows an
-// interlaced picture of 8 x 8 pixels has 79 bytes.
+// The last seven bytes are copied from a distance of 0, that is, from themselves. With the filters
+// of its 15 rows an interlaced picture of 8 x 8 pixels has 79 bytes.
 TEST_F(HostileFileTest, APngWhosePixelsAreMissingIsRefused) {
   Packed packed;
   packed.Bits(1, 1).Bits(1, 2);                          // one block, with the codes that are always the same

@@ -1,5 +1,5 @@
-// Ctrl-C and what a terminal shows. The signal is pending when lmx starts, so it arrives at a known point: before the
-// method is called, and noticed at the method's first yield.
+// Ctrl-C and what a terminal shows. The signal is pending when lmx starts, so it arrives at a known
+// point: before the method is called, and noticed at the method's first yield.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
