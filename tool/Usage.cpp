@@ -25,23 +25,26 @@ const std::vector<Command>& Commands() {
 }
 
 const std::vector<std::string>& Paragraphs() {
-  static const std::vector<std::string> table = {
+  static const std::string files =
       "A picture is a PNG or JPEG file (one with a = in its name: ./a=b.png), and so is the result, by the end of its "
-      "name; - is standard input and standard output, where the result is a PNG and values go to standard error.",
+      "name; - is standard input and standard output, where the result is a PNG and values go to standard error.";
+  static const std::string batches =
       "Several pictures go into a folder, under their names: -o folder/, which is made if it is missing; or each to a "
       "name of its own: -o '{name}-small.{ext}', where {name} is the picture's name and {ext} what it ends in. If some "
-      "fail, the others are done all the same, and the failures are listed at the end.",
+      "fail, the others are done all the same, and the failures are listed at the end.";
+  static const std::string photos =
       "Photos are read upright, as EXIF data say that they were taken; the result has none. Pictures of up to " +
-          std::to_string(kMaxPixels) + " pixels are read, from files of up to 256 MiB.",
+      std::to_string(kMaxPixels) + " pixels are read, from files of up to 256 MiB.";
+  static const std::string names =
       "Methods and arguments have the names of their declarations; LMX_ may be left out, and upper and lower case are "
-      "the same. Most arguments may be left out: `lmx help METHOD` says what they are then.",
+      "the same. Most arguments may be left out: `lmx help METHOD` says what they are then.";
+  static const std::string colours =
       "Colours are #rrggbb or #rgb; or as programs have them, &cRRGGBB, &cRRGGBBTT or &hTTRRGGBB, TT from 00 (opaque) "
-      "to "
-      "FF (clear), in quotes for the shell. #rrggbbxx is refused, because the web means alpha by it.",
+      "to FF (clear), in quotes for the shell. #rrggbbxx is refused, because the web means alpha by it.";
+  static const std::string differences =
       "`lmx compare` exits with 0 if the pictures are the same, with 1 if they differ, and with 2 if it cannot tell. "
-      "Pixels "
-      "that are clear in both are the same.",
-  };
+      "Pixels that are clear in both are the same.";
+  static const std::vector<std::string> table = {files, batches, photos, names, colours, differences};
   return table;
 }
 
