@@ -17,6 +17,8 @@ bool Find(Service*& slot, const char* entryName) {
   return slot != nullptr;
 }
 
+// Rationale: the text is fixed to the letter, line number included, so that whoever reads reports
+// of crashes knows the case by it. It does not move with the sources.
 [[noreturn]] void StopLoadedTwice() {
   std::fprintf(stderr, "Assertion failed: (%s), function %s, file %s, line %d.\n",
                "!gResolver && \"Plugin loaded twice?\"", "REALPluginMain", "Glue Code/PluginMain", 1922);

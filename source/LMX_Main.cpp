@@ -19,7 +19,8 @@ namespace {
 constexpr double kOldestHostVersion = 2011.04;
 
 // With six decimals after a point, whatever the process's locale would have in the point's place. A
-// version of very many digits is cut.
+// version of very many digits is cut. Rationale: the misspelt word stays, since users and those who
+// help them know the message as it is.
 void ShowHostTooOld(double version) {
   constexpr int kMostShown = 199;
   constexpr int kDecimals = 6;

@@ -65,7 +65,9 @@ class LMX_Picture {
 
   /// Holds a new picture of the host's, of any content. `keep` says that the object goes to the
   /// caller of the method; otherwise its reference is given up with the wrapper. Whether it worked
-  /// shows in the Lock() that follows; the result is always false. A size below 1 makes no picture.
+  /// shows in the Lock() that follows. A size below 1 makes no picture. Rationale: the result is
+  /// always false, and nobody looks at it. A picture that could not be made cannot be locked, so
+  /// one question is enough.
   bool SetNewPicture(long width, long height, bool keep);
 
   /// The leftmost pixel of row r, 0 <= r < height; nil when a malformed buffer has no such row.

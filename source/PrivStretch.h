@@ -11,7 +11,8 @@ bool IsBeyondStretch(std::int32_t from, std::int32_t to);
 void Priv_StretchThrough(LMX_Picture& temporary, LMX_Picture& source, LMX_Picture& result, long yield);
 
 /// One pass along the rows, into a temporary picture: the destination has the source's height and
-/// any width.
+/// any width. Rationale: both passes are spelled "Stetch" on purpose; debuggers and crash reports
+/// show them by these names.
 void Priv_StetchHorizontal(LMX_Picture& source, LMX_Picture& destination, long yield);
 
 /// One pass along the columns: the destination has the source's width and any height.
