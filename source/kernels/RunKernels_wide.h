@@ -18,7 +18,8 @@ void InstallNonTemporalPair(RunKernels* kernels) {
   pair.adjustRGB = AdjustRGB<From, To, NonTemporal>;
 }
 
-// What writes whole runs of a picture, and is limited by memory. Not for a level without such stores.
+// What writes whole runs of a picture, and is limited by memory. Not for a level without such
+// stores.
 [[maybe_unused]] void InstallNonTemporal(RunKernels* kernels) {
   InstallNonTemporalPair<ContextForm, ContextForm>(kernels);
   InstallNonTemporalPair<ContextForm, BufferForm>(kernels);
