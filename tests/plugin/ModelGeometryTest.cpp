@@ -165,6 +165,12 @@ TEST_F(ModelGeometry, FreeRotateByShear) {
   });
 }
 
+MethodCall StretchCall(int width, int height, int yield) {
+  return {"Stretch", true, {width, height, yield}, [=](const StoredPicture* source, const MakePicture& make) {
+            return model::Stretch(source, width, height, yield, make);
+          }};
+}
+
 TEST_F(ModelGeometry, Stretch) {
   ForEachCase(600, [this](Random& random) {
     const Setting setting = support::RandomSetting(random);
@@ -177,13 +183,7 @@ TEST_F(ModelGeometry, Stretch) {
     const int width = length(Width(setting));
     const int height = length(Height(setting));
     const int yield = RandomYield(random, OneIn(random, 2) ? width % 5000 : height % 5000);
-    CheckCall({"Stretch",
-               true,
-               {width, height, yield},
-               [=](const StoredPicture* source, const MakePicture& make) {
-                 return model::Stretch(source, width, height, yield, make);
-               }},
-              setting);
+    CheckCall(StretchCall(width, height, yield), setting);
   });
 }
 
@@ -200,13 +200,7 @@ TEST_F(ModelGeometry, StretchInBands) {
     const int width = isWide ? 4200 + random.Between(0, 900) : random.Between(1, 2 * sourceWidth);
     const int height = random.Between(1, 2 * sourceHeight);
     const int yield = OneIn(random, 3) ? 0 : random.Between(1, 12) * height;
-    CheckCall({"Stretch",
-               true,
-               {width, height, yield},
-               [=](const StoredPicture* source, const MakePicture& make) {
-                 return model::Stretch(source, width, height, yield, make);
-               }},
-              setting);
+    CheckCall(StretchCall(width, height, yield), setting);
   });
 }
 

@@ -109,6 +109,14 @@ const std::vector<Combination>& Combinations() {
   return combinations;
 }
 
+TEST(Variants, HaveEveryMethodThatTouchesPixels) {
+  std::set<std::string> tried;
+  for (const Variant& variant : Variants()) tried.insert(variant.method);
+  for (const support::Method& method : support::Methods()) {
+    EXPECT_EQ(tried.count(method.name), method.define ? 1u : 0u) << method.name;
+  }
+}
+
 TEST(CoveringArray, HasEveryPair) {
   for (const std::vector<int>& counts : {Counts(), {2, 2}, {1, 1, 1}, {3, 1, 7, 2}}) {
     const std::vector<std::vector<int>> first =

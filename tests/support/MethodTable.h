@@ -1,5 +1,5 @@
-// The sixteen methods as tables of tests and fuzzers have them: what they take, and their
-// definitions.
+// The sixteen methods as tables of tests and fuzzers have them: what they take, and the
+// reference model of each.
 #pragma once
 
 #include <string>
