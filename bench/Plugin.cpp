@@ -111,31 +111,35 @@ PoolPicture* PluginPool::Make(int width, int height) {
 // ---- Methods
 // -------------------------------------------------------------------------------------------------
 
-MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers,
+MethodCall::MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<host::Value>& arguments,
                        std::int32_t yield)
     : method_(method) {
   std::size_t next = 0;
-  const auto number = [&] {
-    if (next == numbers.size()) throw host::Error(method.name + " needs more arguments");
-    return numbers[next++];
-  };
   std::size_t places = 0;
   for (const host::Parameter& parameter : method.parameters) {
+    if (parameter.type == host::Type::Picture) {
+      native_.AddPointer(picture);
+      continue;
+    }
+    if (host::SameName(parameter.name, "yield")) {
+      native_.AddInteger(yield);
+      continue;
+    }
+    if (next == arguments.size()) throw host::Error(method.name + " needs more arguments");
+    const host::Value& argument = arguments[next++];
     if (parameter.byRef) {
       native_.AddPointer(&results_.at(places++));
-    } else if (parameter.type == host::Type::Picture) {
-      native_.AddPointer(picture);
-    } else if (host::SameName(parameter.name, "yield")) {
-      native_.AddInteger(yield);
     } else if (parameter.type == host::Type::Double) {
-      native_.AddDouble(number());
+      native_.AddDouble(argument.AsDouble());
     } else if (parameter.type == host::Type::Integer) {
-      native_.AddInteger(static_cast<std::int32_t>(number()));
+      native_.AddInteger(argument.AsInteger());
+    } else if (parameter.type == host::Type::Boolean) {
+      native_.AddWord(argument.AsBooleanByte());
     } else {
-      native_.AddWord(static_cast<std::uint32_t>(number()));
+      native_.AddWord(argument.AsColour().value);
     }
   }
-  if (next != numbers.size()) throw host::Error(method.name + " takes fewer arguments");
+  if (next != arguments.size()) throw host::Error(method.name + " takes fewer arguments");
 }
 
 PoolPicture* MethodCall::operator()() const {

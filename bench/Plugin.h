@@ -14,6 +14,7 @@
 #include "host/Declaration.h"
 #include "host/Library.h"
 #include "host/NativeCall.h"
+#include "host/Value.h"
 
 namespace bench {
 
@@ -35,10 +36,11 @@ class PluginPool : public Pool {
 /// A method with its arguments, to be called any number of times.
 class MethodCall {
  public:
-  /// Numbers serve for every type; a ByRef argument gets a place of its own and no number.
-  /// `picture` and `yield` go where the declaration has them. Throws host::Error if there are too
-  /// many or too few.
-  MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<double>& numbers, std::int32_t yield);
+  /// `picture` and `yield` go where the declaration has them, the others in their order; a ByRef
+  /// argument gets a place of its own. Throws host::Error if there are too many or too few, or of
+  /// another type.
+  MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<host::Value>& arguments,
+             std::int32_t yield);
   MethodCall(const MethodCall&) = delete;
   MethodCall& operator=(const MethodCall&) = delete;
 

@@ -1,5 +1,6 @@
 #include "Workbench.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <sstream>
@@ -8,6 +9,17 @@
 #include "host/Value.h"
 
 namespace bench {
+
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> operations = [] {
+    std::vector<Operation> measured = support::Operations();
+    const auto isOdd = [](const Operation& operation) { return !operation.measured; };
+    measured.erase(std::remove_if(measured.begin(), measured.end(), isOdd), measured.end());
+    return measured;
+  }();
+  return operations;
+}
+
 std::vector<std::unique_ptr<Plugin>> LoadLevels(const std::string& folder) {
   std::vector<std::unique_ptr<Plugin>> plugins;
   std::istringstream names(LMX_LEVELS);
@@ -41,8 +53,10 @@ Timing Workbench::Memcpy(const Budget& budget) {
 }
 
 Work Workbench::Call(const Plugin& plugin, const Operation& operation, std::int32_t yield) {
-  const std::vector<double> arguments = operation.arguments(source_->width, source_->height);
-  PoolPicture* const picture = operation.inPlace ? copy_ : source_;
+  constexpr host::Colour kClear = {0xFF000000};
+  const support::Size size = {source_->width, source_->height};
+  const std::vector<host::Value> arguments = operation.arguments(size, operation.ResultOf(size), kClear);
+  PoolPicture* const picture = support::WorksInPlace(operation.method) ? copy_ : source_;
   auto call = std::make_shared<MethodCall>(plugin.Method(operation.method), picture, arguments, yield);
   const int shortages = pool_.Shortages();
   Copy()();

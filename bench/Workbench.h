@@ -7,11 +7,16 @@
 #include <vector>
 
 #include "Contents.h"
-#include "Operations.h"
 #include "Plugin.h"
 #include "Timing.h"
+#include "support/Operations.h"
 
 namespace bench {
+
+using support::Operation;
+
+/// The operations that are measured.
+const std::vector<Operation>& Operations();
 
 /// What programs pass as `yield`: their windows stay alive.
 constexpr std::int32_t kUsualYield = 10000;

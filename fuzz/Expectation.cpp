@@ -43,7 +43,7 @@ class Model {
 
  private:
   Outcome Define(const Setting& setting) const {
-    return method_.define(setting.source ? &*setting.source : nullptr, arguments_, support::NewValues(setting));
+    return method_.byModel(setting.source ? &*setting.source : nullptr, arguments_, support::NewValues(setting));
   }
 
   // Whether the arguments let the method come that far: then it cannot but fail if that is refused.
@@ -83,7 +83,9 @@ class Model {
   }
 
   // The stretch's result, made before its temporary picture, is abandoned when that throws.
-  std::size_t ResultsBefore(std::size_t number) const { return method_.result != 0 && method_.result < number ? 1 : 0; }
+  std::size_t ResultsBefore(std::size_t number) const {
+    return method_.Result() != 0 && method_.Result() < number ? 1 : 0;
+  }
 
   // An exception of `thrower` while a new picture is made; `like` is a service that leaves as much
   // when it throws.
@@ -98,7 +100,7 @@ class Model {
     if (service == Service::YieldToRB) {
       if (fault_.at >= clean_.yields.size()) return Clean();
       const std::vector<std::size_t>& alive = clean_.yields[fault_.at].alive;
-      const auto results = std::count(alive.begin(), alive.end(), method_.result);
+      const auto results = std::count(alive.begin(), alive.end(), method_.Result());
       return {{}, service, fault_.at + std::size_t{1}, static_cast<std::size_t>(results)};
     }
     if (!Makes(service)) return Clean();  // releases are done all the same
@@ -129,7 +131,7 @@ class Model {
   std::size_t HeldTemporaries() const {
     std::size_t held = 0;
     for (std::size_t i = 0; i < clean_.made.size(); ++i) {
-      if (i + 1 != method_.result && clean_.made[i].fault != Fault::UnusableType) ++held;
+      if (i + 1 != method_.Result() && clean_.made[i].fault != Fault::UnusableType) ++held;
     }
     return held;
   }

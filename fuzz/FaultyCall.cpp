@@ -196,7 +196,7 @@ class FaultyCall {
     Require(code_ == 0, "the code of a method that an exception left is not that of its arguments");
     if (*thrower_ == Service::YieldToRB) Require(yields_ == expected.yieldsDone, "a yield after one that threw");
     if (!method_.InPlace() || *thrower_ != Service::YieldToRB) return;
-    const model::Outcome whole = method_.define(&*setting_.source, arguments_, nullptr);
+    const model::Outcome whole = method_.byModel(&*setting_.source, arguments_, nullptr);
     StoredPicture partly = *setting_.source;
     const auto rows = static_cast<std::size_t>(whole.yields[expected.yieldsDone - 1].linesDone);
     const auto done = static_cast<std::ptrdiff_t>(rows * static_cast<std::size_t>(partly.width));
@@ -273,7 +273,7 @@ std::optional<Service> LoadThrower(const FaultInput& fault, bool recent) {
 }  // namespace
 
 std::optional<int> CheckCallIn(host::Host& host, const MethodInput& input) {
-  if (MethodOf(input).define != nullptr) return FaultyCall(host, input).Check();
+  if (MethodOf(input).byModel) return FaultyCall(host, input).Check();
   if (*MethodOf(input).types != '\0') CheckMessage(host, input);
   return CheckLastError(host);
 }

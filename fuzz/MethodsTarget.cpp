@@ -13,13 +13,8 @@ class CleanCall : public support::PluginTest {
  public:
   void Check(const MethodInput& input) {
     const Method& method = MethodOf(input);
-    const std::vector<host::Value> arguments = Arguments(input);
     const support::Setting setting = SettingOf(input);
-    CheckCall({method.name, method.hasSource, arguments,
-               [&](const model::StoredPicture* source, const model::MakePicture& make) {
-                 return method.define(source, arguments, make);
-               }},
-              setting);
+    CheckCall({method, Arguments(input)}, setting);
   }
 
  private:
@@ -49,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (fuzz::ConcernsLoading(input)) {
     fuzz::CheckLoad(input);
   } else if (fuzz::KindOf(input.fault) == fuzz::FaultKind::None && !fuzz::HasDefects(input) &&
-             fuzz::MethodOf(input).define != nullptr) {
+             fuzz::MethodOf(input).byModel) {
     fuzz::CleanCall().Check(input);
   } else {
     fuzz::CheckFaultyCall(input);

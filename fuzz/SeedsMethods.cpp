@@ -153,7 +153,7 @@ class Collection {
 
   void AddWrongPictures(const MethodInput& usual) {
     for (int wrong = kWrong; wrong < kWrong + 12; ++wrong) {
-      for (std::size_t which = 0; which <= MethodOf(usual).result; ++which) {
+      for (std::size_t which = 0; which <= MethodOf(usual).Result(); ++which) {
         for (const int form : {0, 1}) {
           MethodInput input = usual;
           PictureInput& picture = which == 0 ? input.sourcePicture : input.newPictures[which - 1];

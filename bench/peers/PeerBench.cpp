@@ -64,7 +64,8 @@ class PeerBench {
       if (!options_.Wants("peer", peer.name) || (translucent && !peer.knowsAlpha)) continue;
       for (const PeerWork& work : peer.prepare(source.Picture())) {
         const Operation& operation = Operations()[IndexOf(work)];
-        if (!options_.Wants("operation", operation.name) || (translucent && !operation.takesPicture)) continue;
+        const bool hasSource = plugin_.Method(operation.method).parameters[0].type == host::Type::Picture;
+        if (!options_.Wants("operation", operation.name) || (translucent && !hasSource)) continue;
         // A copy before each, so that both find their source equally warm.
         const Timing copy = workbench.Memcpy({budget_.least, 0});
         const Work call = workbench.Call(plugin_, operation, 0);

@@ -8,12 +8,7 @@ namespace golden {
 using host::Colour;
 using host::Value;
 using model::Form;
-using model::HsvChange;
-using model::MakePicture;
-using model::Outcome;
-using model::Rectangle;
-using model::RgbChange;
-using model::StoredPicture;
+using support::Arguments;
 
 namespace {
 
@@ -23,14 +18,20 @@ constexpr int kHeight = 17;
 // A method with one list of arguments.
 struct Call {
   std::string name;  // method and arguments
-  support::MethodCall method;
+  support::MethodCall call;
 };
 
-using Model = std::function<Outcome(const StoredPicture*, const MakePicture&)>;
+class Calls {
+ public:
+  // The last argument is the yield, which has no part in the name.
+  void Add(const std::string& method, const std::string& name, const Arguments& arguments) {
+    calls_.push_back({method + ":" + name, {method, arguments}});
+  }
+  const std::vector<Call>& All() const { return calls_; }
 
-Call Make(const std::string& method, const std::string& name, std::vector<Value> arguments, Model define) {
-  return {method + ":" + name, {method, true, std::move(arguments), std::move(define)}};
-}
+ private:
+  std::vector<Call> calls_;
+};
 
 std::string Words(std::initializer_list<double> numbers) {
   std::string text;
@@ -42,21 +43,24 @@ std::string Words(std::initializer_list<double> numbers) {
   return text;
 }
 
-void AddFlipsAndTurns(std::vector<Call>& calls) {
+std::string Hex(std::uint32_t colour) {
+  char text[16];
+  std::snprintf(text, sizeof text, ",%08x", static_cast<unsigned>(colour));
+  return text;
+}
+
+void AddFlipsAndTurns(Calls& calls) {
   for (const int rotation : {0, 90, 180, 270}) {
     for (const bool flipH : {false, true}) {
       for (const bool flipV : {false, true}) {
         const std::string name = std::to_string(rotation) + (flipH ? "h" : "") + (flipV ? "v" : "");
-        calls.push_back(Make("FlipRotate", name, {flipH, flipV, rotation, 50},
-                             [=](const StoredPicture* source, const MakePicture& make) {
-                               return model::FlipRotate(source, flipH, flipV, rotation, 50, make);
-                             }));
+        calls.Add("FlipRotate", name, {flipH, flipV, rotation, 50});
       }
     }
   }
 }
 
-void AddShears(std::vector<Call>& calls) {
+void AddShears(Calls& calls) {
   struct {
     int width, height;
     double shear;
@@ -65,123 +69,87 @@ void AddShears(std::vector<Call>& calls) {
                      {40, 40, 1.0, 0x00102030},   {9, 11, -1.0, 0x40FFFFFF}, {23, 17, 0.0, 0x00FFFFFF},
                      {25, 19, 0.0123, 0xFF000000}};
   for (const auto& c : cases) {
-    char frame[16];
-    std::snprintf(frame, sizeof frame, ",%08x", static_cast<unsigned>(c.frame));
-    const std::string name = Words({1.0 * c.width, 1.0 * c.height, c.shear}) + frame;
-    const std::vector<Value> arguments = {c.width, c.height, c.shear, Colour{c.frame}, 70};
-    calls.push_back(Make("ShearHorizontal", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return model::ShearHorizontal(source, c.width, c.height, c.shear, c.frame, 70, make);
-    }));
-    calls.push_back(Make("ShearVertical", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return model::ShearVertical(source, c.width, c.height, c.shear, c.frame, 70, make);
-    }));
+    const std::string name = Words({1.0 * c.width, 1.0 * c.height, c.shear}) + Hex(c.frame);
+    for (const char* method : {"ShearHorizontal", "ShearVertical"}) {
+      calls.Add(method, name, {c.width, c.height, c.shear, Colour{c.frame}, 70});
+    }
   }
 }
 
-void AddFreeRotations(std::vector<Call>& calls) {
+void AddFreeRotations(Calls& calls) {
   for (const double angle : {0.0, 1.5, 30.0, 44.999, 45.0, 90.0, 133.3, 200.0, 271.0, 359.9}) {
-    calls.push_back(Make("FreeRotateByShear", Words({angle}), {angle, Colour{0x00FFFFFF}, 100},
-                         [=](const StoredPicture* source, const MakePicture& make) {
-                           return model::FreeRotateByShear(source, angle, 0x00FFFFFF, 100, make);
-                         }));
+    calls.Add("FreeRotateByShear", Words({angle}), {angle, Colour{0x00FFFFFF}, 100});
   }
 }
 
-void AddStretches(std::vector<Call>& calls) {
-  struct {
-    int width, height;
-  } const cases[] = {{23, 17}, {1, 1}, {46, 34}, {11, 8}, {7, 40}, {50, 5}, {24, 16}, {69, 51}};
-  for (const auto& c : cases) {
-    calls.push_back(Make("Stretch", Words({1.0 * c.width, 1.0 * c.height}), {c.width, c.height, 60},
-                         [=](const StoredPicture* source, const MakePicture& make) {
-                           return model::Stretch(source, c.width, c.height, 60, make);
-                         }));
+void AddStretches(Calls& calls) {
+  for (const auto& [width, height] : {std::pair(23, 17), std::pair(1, 1), std::pair(46, 34), std::pair(11, 8),
+                                      std::pair(7, 40), std::pair(50, 5), std::pair(24, 16), std::pair(69, 51)}) {
+    calls.Add("Stretch", Words({1.0 * width, 1.0 * height}), {width, height, 60});
   }
 }
+
+struct Rectangle {
+  int left, top, width, height;
+};
 
 std::string Words(const Rectangle& r) {
   return Words({1.0 * r.left, 1.0 * r.top, 1.0 * r.width, 1.0 * r.height});
 }
 
-void AddTrims(std::vector<Call>& calls) {
+void AddTrims(Calls& calls) {
   for (const Rectangle r :
        {Rectangle{0, 0, 23, 17}, Rectangle{3, 2, 10, 12}, Rectangle{-4, 5, 40, 20}, Rectangle{50, 0, 3, 3}}) {
-    calls.push_back(Make("Trim", Words(r), {r.left, r.top, r.width, r.height, Colour{0x00A0B0C0}, 10},
-                         [=](const StoredPicture* source, const MakePicture& make) {
-                           return model::Trim(source, r, 0x00A0B0C0, 10, make);
-                         }));
+    calls.Add("Trim", Words(r), {r.left, r.top, r.width, r.height, Colour{0x00A0B0C0}, 10});
   }
 }
 
 constexpr Rectangle kSelections[] = {{0, 0, 23, 17}, {4, 3, 9, 8}, {20, -5, 40, 10}};
 
-void AddHsvCalls(std::vector<Call>& calls) {
-  const HsvChange changes[] = {{60, 1, 1, false},    {-133.7, 2, 1, false}, {10, 3, 2, false},
-                               {0, 0.5, 1.5, false}, {359.9, 999, 1, true}, {-1, 1, 0, false}};
+void AddHsvCalls(Calls& calls) {
+  struct {
+    double hue, saturation, brightness;
+    bool negative;
+  } const changes[] = {{60, 1, 1, false},    {-133.7, 2, 1, false}, {10, 3, 2, false},
+                       {0, 0.5, 1.5, false}, {359.9, 999, 1, true}, {-1, 1, 0, false}};
   for (std::size_t i = 0; i < std::size(changes); ++i) {
-    const HsvChange change = changes[i];
+    const auto& c = changes[i];
     const Rectangle r = kSelections[i % 3];
-    const std::string name =
-        Words(r) + ";" +
-        Words({change.hueDegrees, change.saturationFactor, change.brightnessFactor, change.negative ? 1.0 : 0.0});
-    const std::vector<Value> arguments = {
-        r.left,          r.top, r.width, r.height, change.hueDegrees, change.saturationFactor, change.brightnessFactor,
-        change.negative, 40};
-    calls.push_back(Make("AdjustHSV", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return model::AdjustHsv(source, r, change, 40, make);
-    }));
-    calls.push_back(Make("AdjustHSV_InPlace", name, arguments, [=](const StoredPicture* source, const MakePicture&) {
-      return model::AdjustHsvInPlace(source, r, change, 40);
-    }));
+    const std::string name = Words(r) + ";" + Words({c.hue, c.saturation, c.brightness, c.negative ? 1.0 : 0.0});
+    for (const char* method : {"AdjustHSV", "AdjustHSV_InPlace"}) {
+      calls.Add(method, name, {r.left, r.top, r.width, r.height, c.hue, c.saturation, c.brightness, c.negative, 40});
+    }
   }
 }
 
-void AddRgbCalls(std::vector<Call>& calls) {
-  const RgbChange changes[] = {{10, -20, 30}, {255, 0, -255}, {-1, 1, 0}};
+void AddRgbCalls(Calls& calls) {
+  struct {
+    int red, green, blue;
+  } const changes[] = {{10, -20, 30}, {255, 0, -255}, {-1, 1, 0}};
   for (std::size_t i = 0; i < std::size(changes); ++i) {
-    const RgbChange change = changes[i];
+    const auto& c = changes[i];
     const Rectangle r = kSelections[i];
-    const std::string name = Words(r) + ";" + Words({1.0 * change.red, 1.0 * change.green, 1.0 * change.blue});
-    const std::vector<Value> arguments = {r.left, r.top, r.width, r.height, change.red, change.green, change.blue, 40};
-    calls.push_back(Make("AdjustRGB", name, arguments, [=](const StoredPicture* source, const MakePicture& make) {
-      return model::AdjustRgb(source, r, change, 40, make);
-    }));
-    calls.push_back(Make("AdjustRGB_InPlace", name, arguments, [=](const StoredPicture* source, const MakePicture&) {
-      return model::AdjustRgbInPlace(source, r, change, 40);
-    }));
+    const std::string name = Words(r) + ";" + Words({1.0 * c.red, 1.0 * c.green, 1.0 * c.blue});
+    for (const char* method : {"AdjustRGB", "AdjustRGB_InPlace"}) {
+      calls.Add(method, name, {r.left, r.top, r.width, r.height, c.red, c.green, c.blue, 40});
+    }
   }
 }
 
-void AddAverages(std::vector<Call>& calls) {
+void AddAverages(Calls& calls) {
   for (const Rectangle r : kSelections) {
-    calls.push_back(
-        Make("GetAverageHSV", Words(r), {r.left, r.top, r.width, r.height, 0.0, 0.0, 0.0, 40},
-             [=](const StoredPicture* source, const MakePicture&) { return model::AverageHsv(source, r, 40); }));
-    calls.push_back(
-        Make("GetAverageRGB", Words(r), {r.left, r.top, r.width, r.height, 0, 0, 0, 40},
-             [=](const StoredPicture* source, const MakePicture&) { return model::AverageRgb(source, r, 40); }));
+    calls.Add("GetAverageHSV", Words(r), {r.left, r.top, r.width, r.height, 0.0, 0.0, 0.0, 40});
+    calls.Add("GetAverageRGB", Words(r), {r.left, r.top, r.width, r.height, 0, 0, 0, 40});
   }
 }
 
-void AddGradients(std::vector<Call>& calls) {
+void AddGradients(Calls& calls) {
   const std::uint32_t colours[][3] = {{0x00FF0000, 0x000000FF, 0x0000FF00}, {0xFF102030, 0x00FEDCBA, 0x40000000}};
-  for (const auto& k : colours) {
+  for (const auto& [first, second, third] : colours) {
     for (const int height : {1, 2, 3, 5, 16, 101}) {
-      char name[40];
-      std::snprintf(name, sizeof name, "5,%d,%08x,%08x", height, static_cast<unsigned>(k[0]),
-                    static_cast<unsigned>(k[1]));
-      const std::uint32_t first = k[0], second = k[1], third = k[2];
-      Call simple = Make("MakeGradient", name, {5, height, Colour{first}, Colour{second}, 12},
-                         [=](const StoredPicture*, const MakePicture& make) {
-                           return model::MakeGradient(5, height, first, second, 12, make);
-                         });
-      Call twofold = Make("MakeDoubleGradient", name, {5, height, Colour{first}, Colour{second}, Colour{third}, 12},
-                          [=](const StoredPicture*, const MakePicture& make) {
-                            return model::MakeDoubleGradient(5, height, first, second, third, 12, make);
-                          });
-      simple.method.hasSource = twofold.method.hasSource = false;
-      calls.push_back(std::move(simple));
-      calls.push_back(std::move(twofold));
+      const std::string name = "5," + std::to_string(height) + Hex(first) + Hex(second);
+      calls.Add("MakeGradient", name, {5, height, Colour{first}, Colour{second}, 12});
+      calls.Add("MakeDoubleGradient", name, {5, height, Colour{first}, Colour{second}, Colour{third}, 12});
     }
   }
 }
@@ -209,7 +177,7 @@ const char* NameOf(Form form) {
 }  // namespace
 
 std::vector<Case> Cases() {
-  std::vector<Call> calls;
+  Calls calls;
   AddHsvCalls(calls);
   AddRgbCalls(calls);
   AddAverages(calls);
@@ -220,16 +188,16 @@ std::vector<Case> Cases() {
   AddTrims(calls);
   AddGradients(calls);
   std::vector<Case> cases;
-  for (const Call& call : calls) {
-    if (!call.method.hasSource) {
+  for (const auto& [name, call] : calls.All()) {
+    if (!call.method->hasSource) {
       for (const Form form : {Form::BitmapContext, Form::Buffer}) {
-        cases.push_back({call.name + ":" + NameOf(form), call.method, std::nullopt, form});
+        cases.push_back({name + ":" + NameOf(form), call, std::nullopt, form});
       }
       continue;
     }
     for (const Pictures& p : kPictures) {
       const std::string pictures = std::string(NameOf(p.subject)) + "-" + NameOf(p.source) + "-" + NameOf(p.made);
-      cases.push_back({call.name + ":" + pictures, call.method, Draw(p.subject, p.source, kWidth, kHeight), p.made});
+      cases.push_back({name + ":" + pictures, call, Draw(p.subject, p.source, kWidth, kHeight), p.made});
     }
   }
   return cases;

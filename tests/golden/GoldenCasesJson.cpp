@@ -39,7 +39,7 @@ void Write(const golden::Case& c) {
   std::string arguments;
   for (const host::Value& value : c.call.arguments) arguments += (arguments.empty() ? "" : ",") + TextOf(value);
   std::printf("{\"name\":\"%s\",\"method\":\"%s\",\"newPictures\":\"%s\",\"arguments\":[%s],\"source\":%s}\n",
-              c.name.c_str(), c.call.name.c_str(), NameOf(c.newPictures), arguments.c_str(),
+              c.name.c_str(), c.call.method->name, NameOf(c.newPictures), arguments.c_str(),
               c.source ? TextOf(*c.source).c_str() : "null");
 }
 

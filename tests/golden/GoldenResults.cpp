@@ -83,14 +83,14 @@ std::string ResultOfPlugin(host::Host& host, const Case& c) {
     source = support::ToHost(*c.source, {});
     arguments.insert(arguments.begin(), Value(source));
   }
-  const host::Outcome outcome = host.Call(c.call.name, arguments);
+  const host::Outcome outcome = host.Call(c.call.method->name, arguments);
   const int code = host.Call("GetLastError", {}).result.AsInteger();
   const auto yields = static_cast<std::size_t>(host.Calls(host::Service::YieldToRB));
-  return TextOf(code, yields, TextOf(outcome, *host.FindMethod(c.call.name), source));
+  return TextOf(code, yields, TextOf(outcome, *host.FindMethod(c.call.method->name), source));
 }
 
 std::string ResultByModel(const Case& c) {
-  const Outcome outcome = c.call.define(c.source ? &*c.source : nullptr, [&](std::size_t, int width, int height) {
+  const Outcome outcome = c.call.ByModel(c.source, [&](std::size_t, int width, int height) {
     return StoredPicture(c.newPictures, width, height, host::kUnwritten);
   });
   const std::string result = outcome.meanHsv       ? TextOf(*outcome.meanHsv)

@@ -1,7 +1,6 @@
 // Every method on pictures of a few very long rows or columns, compared with the reference model to
 // the last pixel and yield.
 #include "support/Cases.h"
-#include "support/MethodTable.h"
 #include "support/Pictures.h"
 #include "support/PluginTest.h"
 
@@ -25,22 +24,13 @@ class LongLines : public support::PluginTest, public testing::WithParamInterface
  protected:
   void Check(const std::string& name, std::vector<Value> arguments, int yield = 0) {
     SCOPED_TRACE(name);
-    const support::Method* method = nullptr;
-    for (const support::Method& each : support::Methods()) {
-      if (each.name == "LMX_" + name) method = &each;
-    }
-    ASSERT_NE(method, nullptr);
     arguments.emplace_back(yield);
     support::Setting setting;
     setting.mostPixels = 1 << 23;
     setting.newPictures.assign(4, support::NewPicture{GetParam().form, {}, model::Fault::None, 0});
     Random random(static_cast<std::uint64_t>(W()));
-    if (method->hasSource) setting.source = support::RandomPicture(random, GetParam().form, W(), H());
-    CheckCall({method->name, method->hasSource, arguments,
-               [&](const model::StoredPicture* source, const model::MakePicture& make) {
-                 return method->define(source, arguments, make);
-               }},
-              setting);
+    if (support::FindMethod(name).hasSource) setting.source = support::RandomPicture(random, GetParam().form, W(), H());
+    CheckCall({name, arguments}, setting);
   }
 
   static int W() { return GetParam().width; }

@@ -5,22 +5,18 @@
 #include <regex>
 #include <sstream>
 
-#include "MethodVariants.h"
-#include "ModelTest.h"
 #include "support/Bounds.h"
+#include "support/Pictures.h"
+#include "support/PluginTest.h"
 
 namespace {
 
 using host::Colour;
-using model::Form;
-using model::MakePicture;
-using model::StoredPicture;
 using support::LengthsAt;
 using support::LengthsAtBounds;
+using support::Operation;
 using support::Setting;
 using support::Size;
-using support::Variant;
-using support::Variants;
 
 // ------------------------------------------------------------------------------------- the sources
 
@@ -105,12 +101,14 @@ TEST(BoundsOfTheSources, AreFoundInEveryForm) {
 class BoundsTest : public support::PluginTest {
  protected:
   // Forms and contents that change from call to call.
-  void Check(const Variant& variant, Size size, int yield) {
+  void Check(const Operation& operation, Size size) {
     Setting setting = NextSetting();
-    if (support::MethodOf(variant).hasSource) SetSource(setting, variant.source(size));
-    SCOPED_TRACE(testing::Message() << variant.name << ", " << size.width << " x " << size.height << ", yield "
+    const support::Method& method = support::FindMethod(operation.method);
+    if (method.hasSource) SetSource(setting, operation.SourceOf(size));
+    const int yield = NextYield(method.ByColumns() ? size.height : size.width);
+    SCOPED_TRACE(testing::Message() << operation.name << ", " << size.width << " x " << size.height << ", yield "
                                     << yield);
-    CheckCall(support::CallOf(variant, size, kFrame, yield), setting);
+    CheckCall({operation, size, kFrame, yield}, setting);
   }
 
   void CheckStretch(Size from, Size to, int yield) {
@@ -118,13 +116,7 @@ class BoundsTest : public support::PluginTest {
     SetSource(setting, from);
     SCOPED_TRACE(testing::Message() << from.width << " x " << from.height << " to " << to.width << " x " << to.height
                                     << ", yield " << yield);
-    CheckCall({"Stretch",
-               true,
-               {to.width, to.height, yield},
-               [=](const StoredPicture* source, const MakePicture& make) {
-                 return model::Stretch(source, to.width, to.height, yield, make);
-               }},
-              setting);
+    CheckCall({"Stretch", {to.width, to.height, yield}}, setting);
   }
 
   // No yields, one at every line, or after a few lines of that length.
@@ -155,10 +147,10 @@ class BoundsTest : public support::PluginTest {
 constexpr int kFew = 5;  // pixels, across a length
 
 TEST_F(BoundsTest, LengthsOfEveryMethod) {
-  for (const Variant& variant : Variants()) {
+  for (const Operation& operation : support::Operations()) {
     for (const int length : LengthsAtBounds()) {
       for (const Size size : {Size{length, kFew}, Size{kFew, length}}) {
-        Check(variant, size, NextYield(variant.byColumns ? size.height : size.width));
+        Check(operation, size);
         if (HasFailure()) return;
       }
     }
@@ -212,10 +204,8 @@ TEST_F(LargeBounds, BandsOfSoManyPixels) {
     const int height = width > 1 << 17 ? 3 : 70;
     CheckStretch({width, height}, {width, height - 1}, 0);
     CheckStretch({width / 2, height}, {width, height + 1}, 5 * height);
-    for (const char* name : {"FreeRotateOnItsSide", "QuarterTurn"}) {
-      for (const Variant& variant : Variants()) {
-        if (variant.name == std::string(name) && height > 3) Check(variant, {width / 3, height}, NextYield(width / 3));
-      }
+    for (const char* name : {"rotate 75", "turn 90"}) {
+      if (height > 3) Check(support::OperationNamed(name), {width / 3, height});
     }
     if (HasFailure()) return;
   }
@@ -225,9 +215,8 @@ TEST_F(LargeBounds, ResultsThatLeaveTheCache) {
   for (const int pixels : LengthsAt("kCachedPixels")) {
     int height = 1000;
     while (pixels % height != 0) ++height;
-    for (const Variant& variant : Variants()) {
-      const std::string name = variant.name;
-      if (name == "Mirror" || name == "MakeGradient") Check(variant, {pixels / height, height}, NextYield(height));
+    for (const char* name : {"flip horizontal", "gradient"}) {
+      Check(support::OperationNamed(name), {pixels / height, height});
     }
   }
 }

@@ -3,14 +3,13 @@
 
 #include <algorithm>
 
-#include "ModelTest.h"
+#include "support/Pictures.h"
+#include "support/PluginTest.h"
 
 namespace {
 
 using model::Form;
-using model::MakePicture;
 using model::StoredPicture;
-using support::MethodCall;
 using support::NewPicture;
 using support::Setting;
 
@@ -59,13 +58,7 @@ INSTANTIATE_TEST_SUITE_P(Forms, LargePictures, testing::Values(Form::BitmapConte
 TEST_P(LargePictures, FlipRotate) {
   const Setting pictures = Pictures();
   for (const auto& [flipH, rotation] : {std::pair(false, 0), std::pair(true, 0), std::pair(false, 90)}) {
-    CheckCall({"FlipRotate",
-               true,
-               {flipH, false, rotation, 0},
-               [flip = flipH, turn = rotation](const StoredPicture* source, const MakePicture& make) {
-                 return model::FlipRotate(source, flip, false, turn, 0, make);
-               }},
-              pictures);
+    CheckCall({"FlipRotate", {flipH, false, rotation, 0}}, pictures);
   }
 }
 
@@ -142,63 +135,27 @@ TEST_P(LargePictures, StretchWithYields) {
 }
 
 TEST_P(LargePictures, ShearVertical) {
-  CheckCall({"ShearVertical",
-             true,
-             {kWidth, kHeight + 300, -0.3, host::Colour{kFrame}, 0},
-             [](const StoredPicture* source, const MakePicture& make) {
-               return model::ShearVertical(source, kWidth, kHeight + 300, -0.3, kFrame, 0, make);
-             }},
-            Pictures());
+  CheckCall({"ShearVertical", {kWidth, kHeight + 300, -0.3, host::Colour{kFrame}, 0}}, Pictures());
 }
 
 TEST_P(LargePictures, ShearHorizontal) {
-  CheckCall({"ShearHorizontal",
-             true,
-             {kWidth + 300, kHeight, 0.3, host::Colour{kFrame}, 0},
-             [](const StoredPicture* source, const MakePicture& make) {
-               return model::ShearHorizontal(source, kWidth + 300, kHeight, 0.3, kFrame, 0, make);
-             }},
-            Pictures());
+  CheckCall({"ShearHorizontal", {kWidth + 300, kHeight, 0.3, host::Colour{kFrame}, 0}}, Pictures());
 }
 
 TEST_P(LargePictures, FreeRotateByShear) {
-  CheckCall({"FreeRotateByShear",
-             true,
-             {30.0, host::Colour{kFrame}, 0},
-             [](const StoredPicture* source, const MakePicture& make) {
-               return model::FreeRotateByShear(source, 30.0, kFrame, 0, make);
-             }},
-            Pictures(kWidth * 3 / 4, kHeight * 3 / 4));
+  CheckCall({"FreeRotateByShear", {30.0, host::Colour{kFrame}, 0}}, Pictures(kWidth * 3 / 4, kHeight * 3 / 4));
 }
 
 TEST_P(LargePictures, Stretch) {
-  CheckCall({"Stretch",
-             true,
-             {kWidth, kHeight, 0},
-             [](const StoredPicture* source, const MakePicture& make) {
-               return model::Stretch(source, kWidth, kHeight, 0, make);
-             }},
-            Pictures(700, 1900));
+  CheckCall({"Stretch", {kWidth, kHeight, 0}}, Pictures(700, 1900));
 }
 
 TEST_P(LargePictures, AdjustRGB) {
-  CheckCall({"AdjustRGB",
-             true,
-             {3, 5, kWidth - 8, kHeight - 9, 20, -30, 255, 0},
-             [](const StoredPicture* source, const MakePicture& make) {
-               return model::AdjustRgb(source, {3, 5, kWidth - 8, kHeight - 9}, {20, -30, 255}, 0, make);
-             }},
-            Pictures());
+  CheckCall({"AdjustRGB", {3, 5, kWidth - 8, kHeight - 9, 20, -30, 255, 0}}, Pictures());
 }
 
 TEST_P(LargePictures, MakeGradient) {
-  CheckCall({"MakeGradient",
-             false,
-             {kWidth, kHeight, host::Colour{kFrame}, host::Colour{0x40F08010}, 0},
-             [](const StoredPicture*, const MakePicture& make) {
-               return model::MakeGradient(kWidth, kHeight, kFrame, 0x40F08010, 0, make);
-             }},
-            Pictures(1, 1));
+  CheckCall({"MakeGradient", {kWidth, kHeight, host::Colour{kFrame}, host::Colour{0x40F08010}, 0}}, Pictures(1, 1));
 }
 
 }  // namespace

@@ -1,81 +1,100 @@
-#include "ModelTest.h"
+// Every method against the reference model, on random pictures with random arguments.
 
-namespace support {
+#include <cmath>
 
-using model::Fault;
-using model::Form;
-using model::StoredPicture;
+#include "support/Cases.h"
+#include "support/Pictures.h"
+#include "support/RandomArguments.h"
+#include "support/RandomSettings.h"
 
 namespace {
 
-Fault RandomFault(Random& random) {
-  if (!OneIn(random, 25)) return Fault::None;
-  return OneIn(random, 2) ? Fault::NoPixels : Fault::UnusableType;
+using host::Colour;
+using support::ForEachCase;
+using support::Method;
+using support::OneIn;
+using support::Setting;
+
+class Model : public support::PluginTest {};
+class RandomCalls : public support::PluginTest, public testing::WithParamInterface<Method> {};
+
+INSTANTIATE_TEST_SUITE_P(Model, RandomCalls, testing::ValuesIn(support::ModelledMethods()),
+                         [](const auto& method) { return std::string(method.param.name); });
+
+TEST_P(RandomCalls, AreAsTheModelSays) {
+  const Method& method = GetParam();
+  ForEachCase(700, [&](Random& random) {
+    const Setting setting = method.hasSource ? support::RandomSetting(random) : support::RandomNewPictures(random);
+    const support::Size source =
+        setting.source ? support::Size{setting.source->width, setting.source->height} : support::Size{10, 10};
+    CheckCall({method, method.random(random, source)}, setting);
+  });
 }
 
-void TakeRowsAway(Random& random, StoredPicture& picture) {
-  for (int y = 0; y < picture.height; ++y) {
-    if (!OneIn(random, 8)) continue;
-    picture.missingRows.insert(y);
-    for (int x = 0; x < picture.width; ++x) picture.Word(x, y) = host::kUnwritten;
+// Displacements by tenths and hundredths that add up to whole pixels, or to just less.
+TEST_F(Model, ShearsByWholePixelsInAll) {
+  Random random(1);
+  const auto check = [&](int lines, double shear) {
+    const int natural = static_cast<int>(std::lround(1 + lines * std::fabs(shear)));
+    for (const bool isHorizontal : {true, false}) {
+      Setting setting = support::RandomNewPictures(random);
+      for (support::NewPicture& plan : setting.newPictures) plan.fault = model::Fault::None;
+      setting.source = support::RandomPicture(random, support::RandomForm(random), isHorizontal ? 1 : lines,
+                                              isHorizontal ? lines : 1);
+      const int width = isHorizontal ? natural + 1 : lines, height = isHorizontal ? lines : natural + 1;
+      CheckCall({isHorizontal ? "ShearHorizontal" : "ShearVertical", {width, height, shear, Colour{0x40306090}, 0}},
+                setting);
+    }
+  };
+  for (const int parts : {10, 100}) {
+    for (int step = 1; step < parts; ++step) {
+      for (int lines = 1; lines <= 30; ++lines) {
+        if (step * lines % parts != 0) continue;
+        check(lines, 1.0 * step / parts);
+        check(lines, -1.0 * step / parts);
+      }
+    }
   }
+}
+
+// Sixteen columns together reach over as many rows as they can, in pictures that are higher than a
+// block of rows and what is fetched ahead of it.
+TEST_F(Model, SteepShearsOfHighPictures) {
+  Random random(1);
+  for (const double shear : {1.0, -1.0, 65535 / 65536.0, -65535 / 65536.0}) {
+    for (const int width : {16, 37}) {
+      Setting setting;
+      setting.source = support::RandomPicture(random, support::RandomForm(random), width, 190);
+      CheckCall({"ShearVertical", {width, 240, shear, Colour{0x40306090}, 0}}, setting);
+    }
+  }
+}
+
+// Higher than a band of rows, or so wide that a band has only a few.
+TEST_F(Model, StretchInBands) {
+  ForEachCase(24, [this](Random& random) {
+    const model::Form form = support::RandomForm(random);
+    const bool isWide = OneIn(random, 4);
+    const int sourceWidth = isWide ? 4500 + random.Between(0, 900) : random.Between(60, 300);
+    const int sourceHeight = isWide ? random.Between(60, 90) : random.Between(100, 400);
+    Setting setting = support::RandomNewPictures(random);
+    setting.source = support::RandomPicture(random, form, sourceWidth, sourceHeight);
+    setting.layout = support::RandomLayout(random, form);
+    const int width = isWide ? 4200 + random.Between(0, 900) : random.Between(1, 2 * sourceWidth);
+    const int height = random.Between(1, 2 * sourceHeight);
+    const int yield = OneIn(random, 3) ? 0 : random.Between(1, 12) * height;
+    CheckCall({"Stretch", {width, height, yield}}, setting);
+  });
+}
+
+TEST_F(Model, GetErrorMessage) {
+  for (int code = -60; code <= 120; ++code) {
+    EXPECT_EQ(host_.Call("GetErrorMessage", {code}).result.AsText(), model::ErrorMessage(code)) << code;
+  }
+  ForEachCase(100, [this](Random& random) {
+    const int code = support::AnyInteger(random);
+    EXPECT_EQ(host_.Call("GetErrorMessage", {code}).result.AsText(), model::ErrorMessage(code)) << code;
+  });
 }
 
 }  // namespace
-
-Setting RandomNewPictures(Random& random) {
-  constexpr std::size_t kMostNewPictures = 4;
-  Setting setting;
-  for (std::size_t i = 0; i < kMostNewPictures; ++i) {
-    NewPicture plan;
-    plan.form = RandomForm(random);
-    plan.layout = RandomLayout(random, plan.form);
-    plan.fault = RandomFault(random);
-    plan.variant = random.Below(4);
-    setting.newPictures.push_back(plan);
-  }
-  return setting;
-}
-
-Setting RandomSetting(Random& random) {
-  Setting setting = RandomNewPictures(random);
-  if (OneIn(random, 40)) return setting;
-  setting.source = RandomPicture(random);
-  setting.layout = RandomLayout(random, setting.source->form);
-  setting.variant = random.Below(4);
-  setting.source->fault = RandomFault(random);
-  if (setting.source->words.empty()) setting.variant = 0;  // without pixels an empty context lacks nothing
-  if (setting.source->form == Form::Buffer) {
-    // Without pixels it is a picture of 0 x 0, which can be locked.
-    if (setting.source->fault == Fault::NoPixels) setting.source = StoredPicture(Form::Buffer, 0, 0);
-    if (setting.source->fault == Fault::None && OneIn(random, 15)) TakeRowsAway(random, *setting.source);
-  }
-  return setting;
-}
-
-std::int32_t RandomYield(Random& random, std::int32_t line) {
-  if (OneIn(random, 5)) return AnyInteger(random);
-  if (OneIn(random, 4)) return 0;
-  if (OneIn(random, 3)) return 1;
-  return random.Between(1, 4) * line + random.Between(-1, 1);
-}
-
-std::int32_t RandomNear(Random& random, std::int32_t size) {
-  if (OneIn(random, 6)) return AnyInteger(random);
-  if (OneIn(random, 2)) return random.Between(0, size);
-  return random.Between(-size - 3, 2 * size + 3);
-}
-
-model::Rectangle RandomRectangle(Random& random, const Setting& setting) {
-  const int width = setting.source ? setting.source->width : 10;
-  const int height = setting.source ? setting.source->height : 10;
-  return {RandomNear(random, width), RandomNear(random, height), RandomNear(random, width), RandomNear(random, height)};
-}
-
-std::uint32_t RandomColour(Random& random) {
-  const std::uint32_t colour = random.Word();
-  if (OneIn(random, 2)) return colour & 0xFFFFFF;
-  return OneIn(random, 4) ? colour | 0xFF000000 : colour;
-}
-
-}  // namespace support

@@ -4,8 +4,10 @@
 #include <map>
 #include <stdexcept>
 
-#include "ModelTest.h"
-#include "support/MethodTable.h"
+#include "support/Cases.h"
+#include "support/Pictures.h"
+#include "support/RandomArguments.h"
+#include "support/RandomSettings.h"
 
 namespace {
 
@@ -34,7 +36,7 @@ class Interrupted : public std::runtime_error {
 std::vector<const Method*> PictureMethods() {
   std::vector<const Method*> methods;
   for (const Method& method : support::Methods()) {
-    if (method.define != nullptr) methods.push_back(&method);
+    if (method.byModel) methods.push_back(&method);
   }
   return methods;
 }
@@ -96,7 +98,7 @@ class NestedCalls : public testing::Test {
              const AtYield& atYield = nullptr) {
     SCOPED_TRACE(method.name);
     if (source && !setting.source) setting.source = FromHost(source);
-    const Outcome expected = method.define(setting.source ? &*setting.source : nullptr, arguments, NewValues(setting));
+    const Outcome expected = method.byModel(setting.source ? &*setting.source : nullptr, arguments, NewValues(setting));
     std::vector<Value> passed = arguments;
     if (method.hasSource) passed.insert(passed.begin(), Value(source));
     const int locksBefore = source ? source.Locks() : 0;
@@ -280,7 +282,7 @@ TEST_F(NestedCalls, CallsInsideReadTheSameSource) {
 TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
   for (const Method* outer : PictureMethods()) {
     for (const Method* inner : PictureMethods()) {
-      if (outer->result == 0 || !inner->hasSource || inner->InPlace()) continue;
+      if (outer->Result() == 0 || !inner->hasSource || inner->InPlace()) continue;
       for (const Form form : kForms) {
         SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
         host_.ResetCounts();
@@ -301,13 +303,13 @@ TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
 TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
   const std::vector<Value> change = {0, 0, 100, 100, 40, -50, 60, 0};
   for (const Method* outer : PictureMethods()) {
-    if (outer->result != 1 || std::string(outer->name) == "LMX_Stretch") continue;
+    if (outer->Result() != 1 || std::string(outer->name) == "LMX_Stretch") continue;
     for (const Form form : kForms) {
       SCOPED_TRACE(outer->name);
       Random random(2);
       const StoredPicture source = support::RandomPicture(random, form, kWidth, kHeight);
       Setting setting = NewPicturesOf(form);
-      const Outcome plain = outer->define(outer->hasSource ? &source : nullptr, EveryLine(*outer), NewValues(setting));
+      const Outcome plain = outer->byModel(outer->hasSource ? &source : nullptr, EveryLine(*outer), NewValues(setting));
       if (plain.yields.empty()) continue;
       const model::Yield& yield = plain.yields[plain.yields.size() / 2];
       const StoredPicture& made = plain.made[0];

@@ -2,23 +2,24 @@
 // temporary pictures and the result lie in memory; compared with the reference model. Bugs live
 // where two of these meet.
 #include <climits>
+#include <map>
 
-#include "MethodVariants.h"
-#include "ModelTest.h"
+#include "support/Cases.h"
 #include "support/CoveringArray.h"
+#include "support/Pictures.h"
+#include "support/PluginTest.h"
 
 namespace {
 
 using host::Colour;
 using model::Form;
 using model::StoredPicture;
-using support::CallOf;
 using support::MissingRow;
 using support::NewPicture;
+using support::Operation;
+using support::Operations;
 using support::Setting;
 using support::Size;
-using support::Variant;
-using support::Variants;
 
 // Small; a bit more than a tile; wider or taller than every tile, band and array of the plug-in;
 // and more than 3 x 2^20 pixels, so that the result is written by non-temporal stores. None fills
@@ -66,13 +67,13 @@ constexpr Storage kStorages[] = {
 // ---------------------------------------------------------------------------------------- the rows
 
 struct Combination {
-  int variant, size, pace, source, temporary, result;
+  int operation, size, pace, source, temporary, result;
 };
 
 const std::vector<int>& Counts() {
   static const int kKinds = static_cast<int>(std::size(kStorages));
   static const std::vector<int> counts = {
-      static_cast<int>(Variants().size()), kSizeClasses, kPaces, kKinds, kKinds, kKinds};
+      static_cast<int>(Operations().size()), kSizeClasses, kPaces, kKinds, kKinds, kKinds};
   return counts;
 }
 
@@ -80,16 +81,16 @@ const std::vector<int>& Counts() {
 // open then. So every method also meets one thing at a time.
 std::vector<std::vector<int>> WantedRows() {
   std::vector<std::vector<int>> rows;
-  for (int variant = 0; variant < Counts()[0]; ++variant) {
+  for (int operation = 0; operation < Counts()[0]; ++operation) {
     // A large result in another form than that of the source, with yields.
-    const int source = variant % 3;
-    const int result = source == kContext ? (variant % 2 == 0 ? kBuffer : kScattered) : kContext;
-    rows.push_back({variant, kLarge, kInsideABand, source, variant / 2 % 3, result});
+    const int source = operation % 3;
+    const int result = source == kContext ? (operation % 2 == 0 ? kBuffer : kScattered) : kContext;
+    rows.push_back({operation, kLarge, kInsideABand, source, operation / 2 % 3, result});
     // One row that is missing in one picture.
     for (const std::size_t picture : {std::size_t{3}, std::size_t{4}, std::size_t{5}}) {
       for (int kind = kScattered + 1; kind < Counts()[picture]; ++kind) {
         for (const int pace : {kNoYield, kAFewLines}) {
-          rows.push_back({variant, kTiles, pace, kBuffer, variant % 2, kBuffer});
+          rows.push_back({operation, kTiles, pace, kBuffer, operation % 2, kBuffer});
           rows.back()[picture] = kind;
         }
       }
@@ -109,11 +110,12 @@ const std::vector<Combination>& Combinations() {
   return combinations;
 }
 
-TEST(Variants, HaveEveryMethodThatTouchesPixels) {
-  std::set<std::string> tried;
-  for (const Variant& variant : Variants()) tried.insert(variant.method);
+TEST(Operations, HaveEveryMethodThatTouchesPixels) {
+  std::map<std::string, bool> measured;
+  for (const Operation& operation : Operations()) measured[operation.method] |= operation.measured;
   for (const support::Method& method : support::Methods()) {
-    EXPECT_EQ(tried.count(method.name), method.define ? 1u : 0u) << method.name;
+    EXPECT_EQ(measured.count(method.name), method.byModel ? 1u : 0u) << method.name;
+    EXPECT_EQ(measured[method.name], method.byModel != nullptr) << method.name << " is not measured";
   }
 }
 
@@ -174,7 +176,7 @@ class PairsTest : public support::PluginTest, public testing::WithParamInterface
     int number = 0;
     for (const Combination& combination : Combinations()) {
       ++number;
-      if (combination.variant != static_cast<int>(GetParam()) || (combination.size == kLarge) != large) continue;
+      if (combination.operation != static_cast<int>(GetParam()) || (combination.size == kLarge) != large) continue;
       SCOPED_TRACE(Text(combination));
       Check(combination, number);
       if (HasFailure()) return;
@@ -191,31 +193,31 @@ class PairsTest : public support::PluginTest, public testing::WithParamInterface
 
   void Check(const Combination& c, int number) {
     static constexpr Colour kFrames[] = {{0x00204060}, {0xFF000000}, {0x50FF8010}};
-    const Variant& variant = Variants()[static_cast<std::size_t>(c.variant)];
-    const support::Method& method = support::MethodOf(variant);
+    const Operation& operation = Operations()[static_cast<std::size_t>(c.operation)];
+    const support::Method& method = support::FindMethod(operation.method);
     const Size size = kSizes[c.size];
     Random random(static_cast<std::uint64_t>(number));
     Setting setting;
     setting.mostPixels = 1 << 24;
     setting.newPictures.assign(4, NewPictureOf(kStorages[c.temporary]));
-    if (method.result > 0) setting.newPictures[method.result - 1] = NewPictureOf(kStorages[c.result]);
+    if (method.Result() > 0) setting.newPictures[method.Result() - 1] = NewPictureOf(kStorages[c.result]);
     if (method.hasSource) {
-      setting.source = SourceOf(kStorages[c.source], variant.source(size), random);
+      setting.source = SourceOf(kStorages[c.source], operation.SourceOf(size), random);
       setting.layout = LayoutOf(kStorages[c.source]);
     }
-    const int yield = YieldOf(c.pace, variant.byColumns ? size.height : size.width);
-    CheckCall(CallOf(variant, size, kFrames[number % 3], yield), setting);
+    const int yield = YieldOf(c.pace, method.ByColumns() ? size.height : size.width);
+    CheckCall({operation, size, kFrames[number % 3], yield}, setting);
   }
 };
 
-std::string NameOf(const testing::TestParamInfo<std::size_t>& variant) {
-  return Variants()[variant.param].name;
+std::string NameOf(const testing::TestParamInfo<std::size_t>& operation) {
+  return support::TestName(Operations()[operation.param].name);
 }
 
 class Pairs : public PairsTest {};
 class LargePairs : public PairsTest {};
-INSTANTIATE_TEST_SUITE_P(Methods, Pairs, testing::Range(std::size_t{0}, Variants().size()), NameOf);
-INSTANTIATE_TEST_SUITE_P(Methods, LargePairs, testing::Range(std::size_t{0}, Variants().size()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Methods, Pairs, testing::Range(std::size_t{0}, Operations().size()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Methods, LargePairs, testing::Range(std::size_t{0}, Operations().size()), NameOf);
 
 TEST_P(Pairs, AreAsTheModelSays) {
   CheckCombinations(false);

@@ -3,19 +3,19 @@
 // and asks the host for the same in the same order.
 #include <map>
 
-#include "MethodVariants.h"
-#include "ModelTest.h"
+#include "support/Cases.h"
+#include "support/Pictures.h"
+#include "support/PluginTest.h"
 
 namespace {
 
 using host::Colour;
 using model::Form;
 using support::NewPicture;
+using support::Operation;
 using support::Resized;
 using support::Setting;
 using support::Size;
-using support::Variant;
-using support::Variants;
 
 struct Change {
   const char* name;
@@ -30,7 +30,7 @@ constexpr Change kChanges[] = {
 constexpr Colour kFrame = {0x30204060};
 constexpr Size kSizes[] = {{23, 17}, {72, 75}};
 
-class ResizedTest : public support::PluginTest, public testing::WithParamInterface<std::size_t> {
+class ResizedTest : public support::PluginTest, public testing::WithParamInterface<Operation> {
  protected:
   // The services that the last call has asked for, but for yields, each with its object's place
   // among all objects.
@@ -46,34 +46,32 @@ class ResizedTest : public support::PluginTest, public testing::WithParamInterfa
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Methods, ResizedTest, testing::Range(std::size_t{0}, Variants().size()),
-                         [](const testing::TestParamInfo<std::size_t>& variant) {
-                           return std::string(Variants()[variant.param].name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Methods, ResizedTest, testing::ValuesIn(support::Operations()),
+                         [](const auto& operation) { return support::TestName(operation.param.name); });
 
 TEST_P(ResizedTest, NewPicturesOfAnotherSize) {
-  const Variant& variant = Variants()[GetParam()];
-  const support::Method& method = support::MethodOf(variant);
-  const std::size_t made = std::string(method.name) == "LMX_Stretch" ? 2 : method.result;
+  const Operation& operation = GetParam();
+  const support::Method& method = support::FindMethod(operation.method);
+  const std::size_t made = std::string(method.made).size();
   Random random(1);
   for (const Size size : kSizes) {
     for (const Form form : {Form::BitmapContext, Form::Buffer}) {
-      const Size source = variant.source(size);
+      const Size source = operation.SourceOf(size);
       const model::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
       Setting setting;
       if (method.hasSource) setting.source = picture;
       setting.newPictures.assign(4, NewPicture{});
       for (NewPicture& plan : setting.newPictures) plan.form = form;
-      CheckCall(support::CallOf(variant, size, kFrame, 0), setting);
+      CheckCall({operation, size, kFrame, 0}, setting);
       const std::vector<std::string> services = Services();
       for (std::size_t number = 1; number <= made; ++number) {
         for (const Change& change : kChanges) {
-          for (const int yield : {0, 1, 2 * (variant.byColumns ? size.height : size.width)}) {
+          for (const int yield : {0, 1, 2 * (method.ByColumns() ? size.height : size.width)}) {
             SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", new picture " << number << " "
                                             << change.name << ", yield " << yield);
             Setting changed = setting;
             changed.newPictures[number - 1].resized = change.resized;
-            CheckCall(support::CallOf(variant, size, kFrame, yield), changed);
+            CheckCall({operation, size, kFrame, yield}, changed);
             EXPECT_EQ(Services(), services);
             if (HasFailure()) return;
           }

@@ -1,6 +1,7 @@
 #include "Cases.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -42,6 +43,12 @@ void ForEachCase(int count, const std::function<void(Random& random)>& body) {
   Random seeds(Hash(test));
   const int cases = Multiplied(count);
   for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) RunCase(test, seeds.Next(), body);
+}
+
+std::string TestName(std::string name) {
+  const auto isOther = [](unsigned char c) { return std::isalnum(c) == 0; };
+  std::replace_if(name.begin(), name.end(), isOther, '_');
+  return name;
 }
 
 std::int32_t AnyInteger(Random& random) {

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "Random.h"
 
@@ -17,6 +18,9 @@ namespace support {
 
 /// Calls body(random) once for each case, until one fails.
 void ForEachCase(int count, const std::function<void(Random& random)>& body);
+
+/// A name with nothing but letters, digits and underscores, as parameters of tests need it.
+std::string TestName(std::string name);
 
 /// Any integer, the awkward ones more often.
 std::int32_t AnyInteger(Random& random);

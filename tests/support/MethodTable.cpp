@@ -1,100 +1,130 @@
 #include "MethodTable.h"
 
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+#include <tuple>
+#include <type_traits>
+
+#include "RandomArguments.h"
+
 namespace support {
 namespace {
 
 using model::MakePicture;
 using model::Outcome;
-using model::Rectangle;
 using model::StoredPicture;
-using Arguments = std::vector<host::Value>;
 
-Rectangle RectangleOf(const Arguments& a) {
-  return {a[0].AsInteger(), a[1].AsInteger(), a[2].AsInteger(), a[3].AsInteger()};
-}
+// Takes what the model wants to know from a call, one parameter after the other. The model is not
+// told what ByRef arguments hold.
+class Call {
+ public:
+  Call(const StoredPicture* source, const Arguments& arguments, const MakePicture& make, const char* types)
+      : source_(source), make_(make) {
+    for (const host::Value& argument : arguments) {
+      if (std::isupper(static_cast<unsigned char>(*types++)) == 0) values_.push_back(argument);
+    }
+  }
 
-model::HsvChange HsvChangeOf(const Arguments& a) {
-  return {a[4].AsDouble(), a[5].AsDouble(), a[6].AsDouble(), a[7].AsBooleanByte()};
-}
+  template <class T>
+  T Take() {
+    if constexpr (std::is_same_v<T, const StoredPicture*>) {
+      return source_;
+    } else if constexpr (std::is_same_v<T, MakePicture>) {
+      return make_;
+    } else if constexpr (std::is_same_v<T, model::Rectangle>) {
+      return {Take<int>(), Take<int>(), Take<int>(), Take<int>()};
+    } else if constexpr (std::is_same_v<T, model::HsvChange>) {
+      return {Take<double>(), Take<double>(), Take<double>(), Take<std::uint8_t>()};
+    } else if constexpr (std::is_same_v<T, model::RgbChange>) {
+      return {Take<int>(), Take<int>(), Take<int>()};
+    } else if constexpr (std::is_same_v<T, int>) {
+      return Next().AsInteger();
+    } else if constexpr (std::is_same_v<T, double>) {
+      return Next().AsDouble();
+    } else if constexpr (std::is_same_v<T, std::uint8_t>) {
+      return Next().AsBooleanByte();
+    } else {
+      static_assert(std::is_same_v<T, std::uint32_t>, "a parameter that no argument gives");
+      return Next().AsColour().value;
+    }
+  }
 
-model::RgbChange RgbChangeOf(const Arguments& a) {
-  return {a[4].AsInteger(), a[5].AsInteger(), a[6].AsInteger()};
-}
+ private:
+  const host::Value& Next() { return values_.at(next_++); }
 
-Outcome AdjustHsv(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::AdjustHsv(source, RectangleOf(a), HsvChangeOf(a), a[8].AsInteger(), make);
-}
-Outcome AdjustHsvInPlace(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return model::AdjustHsvInPlace(source, RectangleOf(a), HsvChangeOf(a), a[8].AsInteger());
-}
-Outcome AverageHsv(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return model::AverageHsv(source, RectangleOf(a), a[7].AsInteger());
-}
-Outcome AdjustRgb(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::AdjustRgb(source, RectangleOf(a), RgbChangeOf(a), a[7].AsInteger(), make);
-}
-Outcome AdjustRgbInPlace(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return model::AdjustRgbInPlace(source, RectangleOf(a), RgbChangeOf(a), a[7].AsInteger());
-}
-Outcome AverageRgb(const StoredPicture* source, const Arguments& a, const MakePicture&) {
-  return model::AverageRgb(source, RectangleOf(a), a[7].AsInteger());
-}
-Outcome FlipRotate(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::FlipRotate(source, a[0].AsBooleanByte(), a[1].AsBooleanByte(), a[2].AsInteger(), a[3].AsInteger(),
-                           make);
-}
-Outcome FreeRotateByShear(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::FreeRotateByShear(source, a[0].AsDouble(), a[1].AsColour().value, a[2].AsInteger(), make);
-}
-Outcome MakeGradient(const StoredPicture*, const Arguments& a, const MakePicture& make) {
-  return model::MakeGradient(a[0].AsInteger(), a[1].AsInteger(), a[2].AsColour().value, a[3].AsColour().value,
-                             a[4].AsInteger(), make);
-}
-Outcome MakeDoubleGradient(const StoredPicture*, const Arguments& a, const MakePicture& make) {
-  return model::MakeDoubleGradient(a[0].AsInteger(), a[1].AsInteger(), a[2].AsColour().value, a[3].AsColour().value,
-                                   a[4].AsColour().value, a[5].AsInteger(), make);
-}
-Outcome ShearHorizontal(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::ShearHorizontal(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsDouble(), a[3].AsColour().value,
-                                a[4].AsInteger(), make);
-}
-Outcome ShearVertical(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::ShearVertical(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsDouble(), a[3].AsColour().value,
-                              a[4].AsInteger(), make);
-}
-Outcome Stretch(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::Stretch(source, a[0].AsInteger(), a[1].AsInteger(), a[2].AsInteger(), make);
-}
-Outcome Trim(const StoredPicture* source, const Arguments& a, const MakePicture& make) {
-  return model::Trim(source, RectangleOf(a), a[4].AsColour().value, a[5].AsInteger(), make);
+  const StoredPicture* source_;
+  const MakePicture& make_;
+  Arguments values_;
+  std::size_t next_ = 0;
+};
+
+template <class... Parameters>
+Method Row(const char* name, const char* types, const char* made, Outcome (*byModel)(Parameters...),
+           Arguments (*random)(Random& random, Size source)) {
+  constexpr bool kHasSource = (std::is_same_v<Parameters, const StoredPicture*> || ...);
+  return {name,
+          kHasSource,
+          types,
+          made,
+          [=](const StoredPicture* source, const Arguments& arguments, const MakePicture& make) {
+            Call call(source, arguments, make, types);
+            // Braces, so that they are taken in this order.
+            return std::apply(byModel,
+                              std::tuple<std::decay_t<Parameters>...>{call.Take<std::decay_t<Parameters>>()...});
+          },
+          random};
 }
 
 }  // namespace
 
-bool Method::InPlace() const {
-  return std::string(name).find("_InPlace") != std::string::npos;
+bool Method::ByColumns() const {
+  return std::string(made).find('c') != std::string::npos;
+}
+
+std::size_t Method::Result() const {
+  return std::string(made).find_first_of("rc") + 1;  // npos + 1 is 0
 }
 
 const std::vector<Method>& Methods() {
   static const std::vector<Method> methods = {
-      {"LMX_GetLastError", false, "", 0, nullptr},
-      {"LMX_GetErrorMessage", false, "i", 0, nullptr},
-      {"LMX_AdjustHSV", true, "iiiidddbi", 1, AdjustHsv},
-      {"LMX_AdjustHSV_InPlace", true, "iiiidddbi", 0, AdjustHsvInPlace},
-      {"LMX_GetAverageHSV", true, "iiiiDDDi", 0, AverageHsv},
-      {"LMX_AdjustRGB", true, "iiiiiiii", 1, AdjustRgb},
-      {"LMX_AdjustRGB_InPlace", true, "iiiiiiii", 0, AdjustRgbInPlace},
-      {"LMX_GetAverageRGB", true, "iiiiIIIi", 0, AverageRgb},
-      {"LMX_FlipRotate", true, "bbii", 1, FlipRotate},
-      {"LMX_FreeRotateByShear", true, "dci", 4, FreeRotateByShear},
-      {"LMX_MakeGradient", false, "iicci", 1, MakeGradient},
-      {"LMX_MakeDoubleGradient", false, "iiccci", 1, MakeDoubleGradient},
-      {"LMX_ShearHorizontal", true, "iidci", 1, ShearHorizontal},
-      {"LMX_ShearVertical", true, "iidci", 1, ShearVertical},
-      {"LMX_Stretch", true, "iii", 1, Stretch},
-      {"LMX_Trim", true, "iiiici", 1, Trim},
+      {"LMX_GetLastError", false, "", "", nullptr, nullptr},
+      {"LMX_GetErrorMessage", false, "i", "", nullptr, nullptr},
+      Row("LMX_AdjustHSV", "iiiidddbi", "r", model::AdjustHsv, RandomAdjustHSV),
+      Row("LMX_AdjustHSV_InPlace", "iiiidddbi", "", model::AdjustHsvInPlace, RandomAdjustHSV),
+      Row("LMX_GetAverageHSV", "iiiiDDDi", "", model::AverageHsv, RandomAverageHSV),
+      Row("LMX_AdjustRGB", "iiiiiiii", "r", model::AdjustRgb, RandomAdjustRGB),
+      Row("LMX_AdjustRGB_InPlace", "iiiiiiii", "", model::AdjustRgbInPlace, RandomAdjustRGB),
+      Row("LMX_GetAverageRGB", "iiiiIIIi", "", model::AverageRgb, RandomAverageRGB),
+      Row("LMX_FlipRotate", "bbii", "r", model::FlipRotate, RandomFlipRotate),
+      Row("LMX_FreeRotateByShear", "dci", "tttr", model::FreeRotateByShear, RandomFreeRotate),
+      Row("LMX_MakeGradient", "iicci", "r", model::MakeGradient, RandomGradient),
+      Row("LMX_MakeDoubleGradient", "iiccci", "r", model::MakeDoubleGradient, RandomDoubleGradient),
+      Row("LMX_ShearHorizontal", "iidci", "r", model::ShearHorizontal, RandomShear),
+      Row("LMX_ShearVertical", "iidci", "c", model::ShearVertical, RandomShear),
+      Row("LMX_Stretch", "iii", "ct", model::Stretch, RandomStretch),
+      Row("LMX_Trim", "iiiici", "r", model::Trim, RandomTrim),
   };
   return methods;
+}
+
+const std::vector<Method>& ModelledMethods() {
+  static const std::vector<Method> methods = [] {
+    std::vector<Method> modelled;
+    for (const Method& method : Methods()) {
+      if (method.byModel) modelled.push_back(method);
+    }
+    return modelled;
+  }();
+  return methods;
+}
+
+const Method& FindMethod(const std::string& name) {
+  const auto found = std::find_if(Methods().begin(), Methods().end(), [&](const Method& method) {
+    return method.name == name || method.name == "LMX_" + name;
+  });
+  if (found == Methods().end()) throw std::logic_error("no method is called " + name);
+  return *found;
 }
 
 }  // namespace support

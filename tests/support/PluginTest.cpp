@@ -27,11 +27,6 @@ constexpr std::size_t kMostLookedAt = 100000;
 // A process has room for a limited number of separate pieces of memory.
 constexpr int kMostScatteredRows = 2000;
 
-bool WorksInPlace(const std::string& name) {
-  static const std::string kSuffix = "InPlace";
-  return name.size() > kSuffix.size() && name.compare(name.size() - kSuffix.size(), kSuffix.size(), kSuffix) == 0;
-}
-
 NewPicture Planned(const Setting& setting, std::size_t number, int width, int height) {
   NewPicture plan = number <= setting.newPictures.size() ? setting.newPictures[number - 1] : NewPicture{};
   if (std::int64_t{width} * height > setting.mostPixels && plan.fault == Fault::None) {
@@ -40,10 +35,6 @@ NewPicture Planned(const Setting& setting, std::size_t number, int width, int he
   }
   return plan;
 }
-
-struct Size {
-  int width, height;
-};
 
 Size SizeOf(Resized resized, Size asked) {
   const auto [width, height] = asked;
@@ -186,6 +177,11 @@ void CheckResults(const Outcome& expected, const Setting& setting, const std::ve
   }
 }
 
+MethodCall::MethodCall(const Operation& operation, Size result, host::Colour colour, int yield)
+    : MethodCall(operation.method, operation.arguments(operation.SourceOf(result), result, colour)) {
+  arguments.emplace_back(yield);
+}
+
 std::string LibraryPath() {
   const char* other = std::getenv("LMX_LIBRARY");
   return other == nullptr ? LMX_LIBRARY_FILE : other;
@@ -225,7 +221,7 @@ Called PluginTest::Run(const std::string& name, const std::vector<Value>& argume
     EXPECT_EQ(picture.PluginReferences(), 0) << name;
     EXPECT_EQ(picture.Locks(), 0) << name;
     EXPECT_TRUE(picture.PaddingIntact()) << name << " wrote between the source's rows";
-    EXPECT_TRUE(WorksInPlace(name) || snapshot == picture.TakeSnapshot()) << name << " wrote to the source";
+    EXPECT_TRUE(FindMethod(name).InPlace() || snapshot == picture.TakeSnapshot()) << name << " wrote to the source";
   }
   if (called.result) {
     EXPECT_EQ(called.result.References(), 1) << name;
@@ -296,16 +292,16 @@ class PluginTest::Watch {
 
 void PluginTest::CheckCall(const MethodCall& call, const Setting& setting) {
   host_.newPictures.change = NewShapes(setting);
-  const Outcome expected = call.define(setting.source ? &*setting.source : nullptr, NewValues(setting));
+  const Outcome expected = call.ByModel(setting.source, NewValues(setting));
 
   Picture source;
   if (setting.source) source = ToHost(*setting.source, setting.layout, setting.variant);
-  std::vector<Value> arguments = call.arguments;
-  if (call.hasSource) arguments.insert(arguments.begin(), Value(source));
+  Arguments arguments = call.arguments;
+  if (call.method->hasSource) arguments.insert(arguments.begin(), Value(source));
   Called called;
   {
     const Watch watch(*this, expected, source, setting.source);
-    called = Run(call.name, arguments, expected.lost);
+    called = Run(call.method->name, arguments, expected.lost);
   }
   host_.newPictures.change = nullptr;
 

@@ -6,10 +6,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "MethodTable.h"
 #include "Model.h"
 #include "host/Host.h"
 
@@ -71,10 +74,17 @@ std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Sett
 
 /// A method with arguments, for the plug-in and for the model.
 struct MethodCall {
-  std::string name;
-  bool hasSource = true;
-  std::vector<host::Value> arguments;  ///< after the source
-  std::function<model::Outcome(const model::StoredPicture* source, const model::MakePicture& make)> define;
+  MethodCall(const Method& called, Arguments values) : method(&called), arguments(std::move(values)) {}
+  MethodCall(const std::string& name, Arguments values) : MethodCall(FindMethod(name), std::move(values)) {}
+  /// An operation on a source that gives a result of about that size.
+  MethodCall(const Operation& operation, Size result, host::Colour colour, int yield);
+
+  model::Outcome ByModel(const std::optional<model::StoredPicture>& source, const model::MakePicture& make) const {
+    return method->byModel(source ? &*source : nullptr, arguments, make);
+  }
+
+  const Method* method;
+  Arguments arguments;  ///< after the source
 };
 
 /// Compares what a call gave with the model: the result, the values, and the source afterwards.
