@@ -86,13 +86,18 @@ Host::~Host() {
 
 void Host::Load(const std::string& path) {
   state_->library.Load(path);
+  Start(reinterpret_cast<REALPluginMainFunction*>(state_->library.Symbol(kEntry)));
+}
+
+void Host::Start(REALPluginMainFunction* entry) {
+  state_->entry = entry;
   CallPluginMainAgain();
 }
 
 void Host::CallPluginMainAgain() {
-  const auto entry = reinterpret_cast<REALPluginMainFunction*>(state_->library.Symbol(kEntry));
+  if (state_->entry == nullptr) throw Error("no plug-in has been started");
   Table().ProtectAll();
-  entry(&Resolve);
+  state_->entry(&Resolve);
   state_->ThrowNewComplaints();
 }
 

@@ -88,7 +88,10 @@ class Host {
   /// variables. Throws host::Error if it cannot be loaded or lacks the entry, host::Misuse for
   /// complaints.
   void Load(const std::string& path);
-  /// Calls REALPluginMain once more, as no host should.
+  /// Calls the entry of a plug-in that is linked into the program, with the same checks. The host
+  /// has nothing to unload then, and variables are as the program has left them.
+  void Start(REALPluginMainFunction* entry);
+  /// Calls the entry once more, as no host should.
   void CallPluginMainAgain();
   /// Whether the library at this path is in the process; after a Host is gone, it should not be.
   static bool IsLoaded(const std::string& path);

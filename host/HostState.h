@@ -36,6 +36,7 @@ struct HostState {
   Host& host;
   const Options options;
   Library library;
+  REALPluginMainFunction* entry = nullptr;  ///< of the plug-in, once it has been started
 
   const REALmoduleDefinition* module = nullptr;
   std::vector<Method> methods;

@@ -38,8 +38,8 @@ struct Layout {
   bool scattered = false;
   Flush flush = Flush::End;
   /// Pixels that nobody has written are 0 instead of kUnwritten, and take no memory, so that a
-  /// picture may have as many bytes of pixels as there are addresses. Without padding, and not
-  /// scattered.
+  /// picture may have as many bytes of pixels as there are addresses. Without padding, not
+  /// scattered, and the rows follow one another or coincide.
   bool sparse = false;
 };
 
@@ -57,9 +57,9 @@ struct Defects {
   /// Contexts: the depth reported and laid out; the words of a picture of another depth cannot be
   /// read as pixels.
   int bitsPerPixel = 32;
-  /// Contexts: reported instead of the width in bytes plus padding; may be 0 (all rows coincide),
-  /// negative (rows lie upwards in memory) or less than a row. The memory is laid out to suit, so
-  /// following it never leaves it.
+  /// The distance from row to row instead of the width in bytes plus padding; may be 0 (all rows
+  /// coincide), negative (rows lie upwards in memory) or less than a row. The memory is laid out to
+  /// suit, so following it never leaves it.
   std::optional<std::int32_t> bytesPerRow;
   /// Buffers: the record's row table address is nil.
   bool nilRowTable = false;

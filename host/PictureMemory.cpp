@@ -25,12 +25,14 @@ void CheckShape(const PictureShape& shape) {
   if (shape.layout.padding < 0) throw Error("a picture's padding is negative");
   if (shape.layout.scattered && !buffer) throw Error("only the rows of a buffer can be scattered");
   if (shape.layout.scattered && shape.layout.padding != 0) throw Error("scattered rows have no padding");
-  if (shape.layout.sparse && (shape.layout.scattered || shape.layout.padding != 0 || defects.bytesPerRow)) {
+  if (shape.layout.sparse &&
+      (shape.layout.scattered || shape.layout.padding != 0 || defects.bytesPerRow.value_or(0) != 0)) {
     throw Error("the rows of a sparse picture follow one another without a gap");
   }
-  if (buffer && (defects.nilPixels || defects.bitsPerPixel != 32 || defects.bytesPerRow)) {
-    throw Error("a buffer has no pixel address, depth or distance of rows of its own");
+  if (buffer && (defects.nilPixels || defects.bitsPerPixel != 32)) {
+    throw Error("a buffer has no pixel address or depth of its own");
   }
+  if (shape.layout.scattered && defects.bytesPerRow) throw Error("scattered rows have no distance");
   if (!buffer && (defects.nilRowTable || !defects.nilRows.empty())) throw Error("a bitmap context has no row table");
   if (defects.bitsPerPixel < 1 || defects.bitsPerPixel > 128) throw Error("a picture's depth is out of range");
   for (int row : defects.nilRows) {

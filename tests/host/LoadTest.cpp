@@ -86,6 +86,16 @@ TEST(Load, EntryCanBeCalledAgain) {
   EXPECT_EQ(host.PluginVersions().size(), 2u);
 }
 
+TEST(Load, ALinkedEntryIsStartedWithTheSameChecks) {
+  Host host;
+  const auto entry = [](REALResolver resolver) {
+    reinterpret_cast<HostRegisterPluginVersion*>(resolver("RegisterPluginVersion"))(9);
+  };
+  EXPECT_THROW(host.Start(entry), Misuse);
+  EXPECT_THROW(host.CallPluginMainAgain(), Misuse);
+  EXPECT_EQ(host.PluginVersions(), (std::vector<int>{9, 9}));
+}
+
 TEST(Load, OldHostsGetTheirVersion) {
   Options options;
   options.version = odd::VersionFor(odd::kWrongFlags);

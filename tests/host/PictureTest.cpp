@@ -31,9 +31,10 @@ std::vector<PictureShape> Layouts() {
     shapes.push_back({7, 5, Storage::Buffer, {0, true, flush}, {}});
   }
   for (int distance : {0, -28, -40, 12}) {
-    PictureShape shape{7, 5, Storage::BitmapContext};
-    shape.defects.bytesPerRow = distance;
-    shapes.push_back(shape);
+    for (Storage storage : {Storage::BitmapContext, Storage::Buffer}) {
+      shapes.push_back({7, 5, storage});
+      shapes.back().defects.bytesPerRow = distance;
+    }
   }
   return shapes;
 }
@@ -123,6 +124,8 @@ TEST(Picture, RefusesContradictions) {
   EXPECT_THROW(make(Storage::Buffer, [](PictureShape& s) { s.layout.padding = -1; }), Error);
   EXPECT_THROW(make(Storage::Buffer, [](PictureShape& s) { s.layout = {4, true, Flush::End}; }), Error);
   EXPECT_THROW(make(Storage::Buffer, [](PictureShape& s) { s.defects.bitsPerPixel = 16; }), Error);
+  const auto scatter = [](PictureShape& s) { s.layout.scattered = true, s.defects.bytesPerRow = 0; };
+  EXPECT_THROW(make(Storage::Buffer, scatter), Error);
   EXPECT_THROW(make(Storage::Buffer, [](PictureShape& s) { s.defects.nilRows = {3}; }), Error);
   EXPECT_THROW(make(Storage::BitmapContext, [](PictureShape& s) { s.defects.nilRowTable = true; }), Error);
 }
