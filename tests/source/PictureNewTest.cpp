@@ -41,20 +41,6 @@ class NewPictureTest : public testing::Test {
   fake::Buffer old_{5, 4};
 };
 
-TEST_F(NewPictureTest, IsMadeInOrder) {
-  LMX_Picture picture;
-  EXPECT_FALSE(picture.SetNewPicture(3, 2, true));
-  EXPECT_EQ(HostCalls(), kCreated);
-  EXPECT_EQ(picture.picture, fresh_.Handle());
-  EXPECT_EQ(picture.description.pictureType, kPictureTypeBitmapContext);
-  EXPECT_FALSE(picture.locked);
-  EXPECT_EQ(picture.width, 0);
-  EXPECT_EQ(picture.data, nullptr);
-  ASSERT_TRUE(picture.Lock());
-  EXPECT_EQ(picture.width, 3);
-  EXPECT_EQ(picture.height, 2);
-}
-
 TEST_F(NewPictureTest, ThatIsKeptStaysTheCallers) {
   {
     LMX_Picture picture;
@@ -137,53 +123,6 @@ TEST_F(NewPictureTest, NeedsTheClass) {
   EXPECT_EQ(HostCalls(), Calls());
   EXPECT_EQ(picture.picture, nullptr);
   EXPECT_FALSE(picture.Lock());
-}
-
-TEST_F(NewPictureTest, NeedsAnObject) {
-  fake::TheHost().newPicture = nullptr;
-  {
-    LMX_Picture picture;
-    EXPECT_FALSE(picture.SetNewPicture(3, 2, false));
-    EXPECT_FALSE(picture.Lock());
-  }
-  EXPECT_EQ(HostCalls(), Calls({"CreateInstance(picture class)"}));
-}
-
-TEST_F(NewPictureTest, WithoutConstructorIsAbandoned) {
-  fake::TheHost().hasConstructor = false;
-  {
-    LMX_Picture picture;
-    EXPECT_FALSE(picture.SetNewPicture(3, 2, false));
-    EXPECT_EQ(picture.picture, nullptr);
-    EXPECT_FALSE(picture.Lock());
-  }
-  EXPECT_EQ(HostCalls(), Calls(kCreated.begin(), kCreated.begin() + 2));
-}
-
-TEST_F(NewPictureTest, OfAnotherTypeIsAbandoned) {
-  fresh_.picture.type = 9;
-  {
-    LMX_Picture picture;
-    EXPECT_FALSE(picture.SetNewPicture(3, 2, false));
-    EXPECT_EQ(picture.picture, nullptr);
-    EXPECT_FALSE(picture.Lock());
-  }
-  EXPECT_EQ(HostCalls(), CreatedAnd({"unlockPictureDescription(new)"}));
-}
-
-TEST_F(NewPictureTest, IsAbandonedByWhatTheHostThrowsMeanwhile) {
-  for (const char* service : {"CreateInstance", "REALLoadObjectMethod", "Constructor", "lockPictureDescription"}) {
-    SCOPED_TRACE(service);
-    fake::TheHost().calls.clear();
-    fake::TheHost().throwing = {service};
-    {
-      LMX_Picture picture;
-      EXPECT_THROW(picture.SetNewPicture(3, 2, false), fake::Thrown);
-      EXPECT_EQ(picture.picture, nullptr);
-    }
-    ASSERT_FALSE(HostCalls().empty());
-    EXPECT_EQ(HostCalls().back().rfind(service, 0), 0u) << "nothing follows what threw, but " << HostCalls().back();
-  }
 }
 
 TEST_F(NewPictureTest, SizesArriveUnchanged) {

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -119,23 +118,6 @@ TEST_F(PictureTest, LetsGoOfOtherTypesAtOnce) {
     }
     EXPECT_EQ(fake::TheHost().calls, kLockedAndUnlocked);
   }
-}
-
-TEST_F(PictureTest, PassesOnWhatALockThrows) {
-  REALpictureStruct handle = {"picture", 8, nullptr};
-  fake::TheHost().throwing = {"lockPictureDescription"};
-  EXPECT_THROW(LMX_Picture{&handle}, fake::Thrown);
-  EXPECT_EQ(fake::TheHost().calls, kLocked);
-}
-
-TEST_F(PictureTest, SwallowsWhatTheUnlockOfAnotherTypeThrows) {
-  REALpictureStruct handle = {"picture", 9, nullptr};
-  fake::TheHost().throwing = {"unlockPictureDescription"};
-  EXPECT_NO_THROW({
-    LMX_Picture picture(&handle);
-    EXPECT_EQ(picture.picture, nullptr);
-  });
-  EXPECT_EQ(fake::TheHost().calls, kLockedAndUnlocked);
 }
 
 // ----------------------------------------------------------------------------------------- locking
@@ -297,27 +279,6 @@ TEST_F(PictureTest, ForgetsAllWhenReleased) {
     EXPECT_EQ(fake::TheHost().calls, kLockedAndUnlocked);
     EXPECT_FALSE(picture.Lock());
   }
-}
-
-TEST_F(PictureTest, GivesUpTheReferenceThatItOwns) {
-  fake::Context context(5, 3);
-  {
-    LMX_Picture picture(context.Handle());
-    picture.unlockOnRelease = true;
-  }
-  const Calls expected = {"lockPictureDescription(picture)", "unlockPictureDescription(picture)",
-                          "REALUnlockObject(picture)"};
-  EXPECT_EQ(fake::TheHost().calls, expected);
-}
-
-TEST_F(PictureTest, IsReleasedWhenAnExceptionPasses) {
-  fake::Context context(5, 3);
-  const auto fail = [&] {
-    LMX_Picture picture(context.Handle());
-    if (picture.Lock()) throw std::runtime_error("while locked");
-  };
-  EXPECT_THROW(fail(), std::runtime_error);
-  EXPECT_EQ(fake::TheHost().calls, kLockedAndUnlocked);
 }
 
 TEST_F(PictureTest, IsReleasedWhateverTheHostThrows) {
