@@ -4,168 +4,154 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "FakeHost.h"
+#include "host/HostState.h"
 
 namespace {
 
-using Calls = std::vector<std::string>;
+using host::ObjectTable;
+using host::Service;
 
-REALpictureStruct gPicture = {"p", 11, &gPicture};
-REALstringStruct gString;
-REALclassRefStruct gClass = {"some class"};
-REALmoduleDefinition gModule = {10, "a module", nullptr, 0, {}};
+REALmoduleDefinition gModule = {kPluginInterfaceVersion, "a module", nullptr, 0, {}};
 
-struct ServiceCase {
-  const char* entryName;
-  std::string logged;                 // by the fake host
-  std::string answer;                 // of the host
-  std::string withoutIt;              // while the host lacks the service
-  std::function<std::string()> call;  // gives the function's result as a text
-};
-
-std::string Answer(const void* got, const void* expected) {
-  return got == nullptr ? "nil" : got == expected ? "the host's" : "another";
+std::string TextOf(const void* handle) {
+  return handle == nullptr ? "nil" : ObjectTable::Instance().Find(handle)->text;
 }
 
-const std::vector<ServiceCase>& Cases() {
-  static const std::vector<ServiceCase> cases = {
-      {"REALBuildString", "REALBuildString(3)", "the host's", "nil",
-       [] { return Answer(REALBuildString("abcdef", 3), &gString); }},
-      {"REALUnlockObject", "REALUnlockObject(p)", "", "",
-       [] {
-         REALUnlockObject(fake::AsObject(&gPicture));
-         return "";
+// A text of which the plug-in owns a reference.
+template <class Handle>
+Handle* NewText(const char* text) {
+  host::Object& object = ObjectTable::Instance().Add(host::Object::Kind::String, text);
+  object.references = 1;
+  return static_cast<Handle*>(object.handle);
+}
+
+class HostCallsTest : public testing::Test {
+ protected:
+  struct Case {
+    Service service;
+    std::string answer;     // of the host
+    std::string withoutIt;  // while the host lacks the service
+    std::function<std::string()> call;
+  };
+
+  HostCallsTest() { gResolver = host::Resolve; }
+
+  // In an order in which nobody needs the service of a later one.
+  const std::vector<Case> cases_ = {
+      {Service::BuildString, "abc", "nil", [] { return TextOf(REALBuildString("abcdef", 3)); }},
+      {Service::MessageBox, "a text", "",
+       [this] {
+         host_.messageBoxes = {""};
+         REALMessageBox(NewText<REALstringStruct>("a text"));
+         return host_.messageBoxes.back();
        }},
-      {"lockPictureDescription", "lockPictureDescription(p)", "11 the host's", "5 nil",
+      {Service::UnlockObject, "gone", "there",
        [] {
+         auto* const object = NewText<REALobjectStruct>("another");
+         REALUnlockObject(object);
+         return ObjectTable::Instance().Find(object) == nullptr ? "gone" : "there";
+       }},
+      {Service::LockPictureDescription, "10 not nil, 1", "5 nil, 0",
+       [] {
+         const host::Picture picture({3, 2, host::Storage::Buffer});
          REALpictureDescription description = {5, nullptr, {}};
-         REALLockPictureDescription(&gPicture, &description);
-         return std::to_string(description.pictureType) + " " + Answer(description.pictureData, &gPicture);
+         REALLockPictureDescription(picture.Handle(), &description);
+         return std::to_string(description.pictureType) +
+                (description.pictureData == nullptr ? " nil, " : " not nil, ") + std::to_string(picture.Locks());
        }},
-      {"unlockPictureDescription", "unlockPictureDescription(p)", "", "",
+      {Service::UnlockPictureDescription, "0", "1",
        [] {
-         REALUnlockPictureDescription(&gPicture);
-         return "";
+         const host::Picture picture({3, 2, host::Storage::Buffer});
+         REALpictureDescription description;
+         REALLockPictureDescription(picture.Handle(), &description);
+         REALUnlockPictureDescription(picture.Handle());
+         return std::to_string(picture.Locks());
        }},
-      {"REALGetRBVersion", "REALGetRBVersion()", "2024.250000", "0.000000",
-       [] { return std::to_string(REALGetRBVersion()); }},
-      {"REALYieldToRB", "REALYieldToRB()", "", "",
-       [] {
+      {Service::GetRBVersion, "2024.250000", "0.000000", [] { return std::to_string(REALGetRBVersion()); }},
+      {Service::YieldToRB, "yielded", "",
+       [this] {
+         std::string text;
+         host_.onYield = [&] { text = "yielded"; };
          REALYieldToRB();
-         return "";
+         return text;
        }},
-      {"pluginObjectType", "pluginObjectType(some name)", "the host's", "nil",
-       [] { return Answer(REALGetClassRef("some name"), &gClass); }},
-      {"CreateInstance", "CreateInstance(some class)", "the host's", "nil",
-       [] { return Answer(REALnewInstance(&gClass), &gPicture); }},
-      {"PluginRegisterModule", "PluginRegisterModule(a module)", "", "",
+      {Service::GetClassRef, "picture", "nil", [] { return TextOf(REALGetClassRef("picture")); }},
+      {Service::NewInstance, "a picture", "nil",
        [] {
-         REALRegisterModule(&gModule);
-         return "";
+         const void* const object = REALnewInstance(REALGetClassRef("picture"));
+         return ObjectTable::Instance().FindPicture(object) == nullptr ? "nil" : "a picture";
        }},
-      {"REALLoadObjectMethod", "REALLoadObjectMethod(p, Some(declaration))", "not nil", "nil",
+      {Service::LoadObjectMethod, "not nil", "nil",
        [] {
-         void* method = REALLoadObjectMethod(fake::AsObject(&gPicture), "Some(declaration)");
+         const host::Picture picture({3, 2});
+         auto* const object = reinterpret_cast<REALobjectStruct*>(picture.Handle());
+         const void* method = REALLoadObjectMethod(object, "Constructor(width as integer, height as integer)");
          return method == nullptr ? "nil" : "not nil";
        }},
-      {"RuntimeMsgBox", "RuntimeMsgBox(a text)", "", "",
-       [] {
-         gString.text = "a text";
-         REALMessageBox(&gString);
-         return "";
+      {Service::RegisterModule, "a module", "nil",
+       [this] {
+         REALRegisterModule(&gModule);
+         return host_.Module() == nullptr ? "nil" : host_.Module()->name;
        }},
   };
-  return cases;
-}
 
-void GiveAnswers() {
-  fake::Reset();
-  fake::TheHost().version = 2024.25;
-  fake::TheHost().pictureClass = &gClass;
-  fake::TheHost().newPicture = &gPicture;
-  fake::TheHost().string = &gString;
-}
+  host::Host host_{{2024.25, {}, true, true}};
+};
 
-TEST(HostCallsTest, PassOnArgumentsAndResults) {
-  for (const ServiceCase& service : Cases()) {
-    SCOPED_TRACE(service.entryName);
-    GiveAnswers();
+TEST_F(HostCallsTest, PassOnArgumentsAndResults) {
+  for (const Case& service : cases_) {
+    SCOPED_TRACE(host::EntryName(service.service));
+    host_.ClearComplaints();
     EXPECT_EQ(service.call(), service.answer);
-    EXPECT_EQ(fake::TheHost().calls, Calls({service.logged}));
+    EXPECT_EQ(host_.Calls(service.service), 1);
+    if (service.service == Service::RegisterModule) continue;  // a module without methods
+    EXPECT_EQ(host_.Complaints(), std::vector<std::string>());
   }
 }
 
-TEST(HostCallsTest, PassOnTexts) {
-  GiveAnswers();
-  REALBuildString("with a \0 inside", 15);
-  EXPECT_EQ(gString.text, std::string("with a \0 inside", 15));
-  REALBuildString("nothing of this", 0);
-  EXPECT_EQ(gString.text, "");
+TEST_F(HostCallsTest, PassOnTexts) {
+  EXPECT_EQ(TextOf(REALBuildString("with a \0 inside", 15)), std::string("with a \0 inside", 15));
+  EXPECT_EQ(TextOf(REALBuildString("nothing of this", 0)), "");
 }
 
-TEST(HostCallsTest, PassOnWhatTheHostThrows) {
-  for (const ServiceCase& service : Cases()) {
-    SCOPED_TRACE(service.entryName);
-    GiveAnswers();
-    fake::TheHost().throwing = {service.entryName};
-    EXPECT_THROW(service.call(), fake::Thrown);
+TEST_F(HostCallsTest, PassOnWhatTheHostThrows) {
+  for (const Case& service : cases_) {
+    host_.ResetCounts();
+    host_.ThrowAt(service.service, 1);
+    EXPECT_THROW(service.call(), host::Thrown) << host::EntryName(service.service);
+    host_.ClearFaults();
   }
 }
 
-TEST(HostCallsTest, NoObjectIsMadeOfANilClass) {
-  GiveAnswers();
-  EXPECT_EQ(REALnewInstance(nullptr), nullptr);
-  EXPECT_TRUE(fake::TheHost().calls.empty());
-  EXPECT_TRUE(fake::TheHost().lookups.empty());
-}
-
-// What a process sees in which no service has been called yet.
-void ExpectLookupsUntilFound() {
-  GiveAnswers();
-  for (const ServiceCase& service : Cases()) {
-    SCOPED_TRACE(service.entryName);
-    fake::TheHost().calls.clear();
-    fake::TheHost().lookups.clear();
-    fake::TheHost().missing = {service.entryName};
-    for (int call = 1; call <= 3; ++call) {
-      EXPECT_EQ(service.call(), service.withoutIt);
-      EXPECT_EQ(fake::TheHost().lookups, Calls(static_cast<std::size_t>(call), service.entryName));
-      EXPECT_TRUE(fake::TheHost().calls.empty());
-    }
-    fake::TheHost().missing = {};
-    for (int call = 1; call <= 3; ++call) {
-      EXPECT_EQ(service.call(), service.answer);
-      EXPECT_EQ(fake::TheHost().lookups, Calls(4, service.entryName)) << "found once, it is kept";
-    }
-    EXPECT_EQ(fake::TheHost().calls, Calls(3, service.logged));
-  }
-}
-
-TEST(HostCallsDeathTest, AMissingServiceIsAskedForUntilItIsFound) {
+// In a process in which no service has been called yet.
+TEST_F(HostCallsTest, AMissingServiceIsAskedForUntilItIsFound) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";  // which starts a fresh process
-  EXPECT_EXIT(
-      {
-        ExpectLookupsUntilFound();
-        std::exit(testing::Test::HasFailure() ? 1 : 0);
-      },
-      testing::ExitedWithCode(0), "");
-}
-
-TEST(HostCallsDeathTest, AnObjectOfANilClassNeedsNoLookup) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(
-      {
-        GiveAnswers();
-        const bool made = REALnewInstance(nullptr) != nullptr;
-        std::exit(made || !fake::TheHost().lookups.empty() ? 1 : 0);
-      },
-      testing::ExitedWithCode(0), "");
+  const auto expectLookups = [this] {
+    EXPECT_EQ(REALnewInstance(nullptr), nullptr);
+    EXPECT_EQ(host_.Lookups(Service::NewInstance), 0) << "for a class that is nil";
+    for (const Case& service : cases_) {
+      SCOPED_TRACE(host::EntryName(service.service));
+      host_.Withhold(service.service);
+      for (int call = 1; call <= 3; ++call) {
+        EXPECT_EQ(service.call(), service.withoutIt);
+        EXPECT_EQ(host_.Lookups(service.service), call);
+        EXPECT_EQ(host_.Calls(service.service), 0);
+      }
+      host_.ClearFaults();
+      for (int call = 1; call <= 3; ++call) {
+        EXPECT_EQ(service.call(), service.answer);
+        EXPECT_EQ(host_.Lookups(service.service), 4) << "found once, it is kept";
+        EXPECT_EQ(host_.Calls(service.service), call);
+      }
+    }
+    std::exit(testing::Test::HasFailure() ? 1 : 0);
+  };
+  EXPECT_EXIT(expectLookups(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

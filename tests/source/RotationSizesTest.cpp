@@ -3,42 +3,32 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <string>
 
-#include "FakeHost.h"
+#include "LinkedTest.h"
 #include "TPQ_FreeRotateByShear.h"
 
 namespace {
 
-class RotationSizes : public testing::Test {
+class RotationSizes : public LinkedTest {
  protected:
-  void SetUp() override {
-    fake::StartPlugin();
-    fake::TheHost().newPicture = nullptr;
-  }
-
   // Whether the plug-in begins to rotate a picture of that size: it asks for a temporary picture,
-  // which this host refuses. So no pixel is touched, and the one that there is stands for all.
-  static bool IsTaken(std::int64_t width, std::int64_t height, double degrees) {
-    std::uint32_t pixel = 0;
-    CGContext context = {static_cast<std::size_t>(width), static_cast<std::size_t>(height), 32,
-                         static_cast<std::size_t>(width) * 4, &pixel};
-    REALpictureStruct picture = {"source", kPictureTypeBitmapContext, &context};
-    fake::TheHost().calls.clear();
-    EXPECT_EQ(PrivFreeRotateByShear_Frame_NonVector(&picture, degrees, 0, 0), nullptr);
-    for (const std::string& call : fake::TheHost().calls) {
-      if (call.rfind("CreateInstance", 0) == 0) return true;
-    }
-    return false;
+  // which this host refuses. So no pixel is touched, and one row stands for all.
+  bool IsTaken(int width, int height, double degrees) {
+    host::PictureShape shape = Context(width, height);
+    shape.layout.sparse = true;
+    shape.defects.bytesPerRow = 0;
+    const host::Picture source(shape);
+    host_.ResetCounts();
+    host_.FailAt(host::Service::NewInstance, 1);
+    EXPECT_EQ(PrivFreeRotateByShear_Frame_NonVector(source.Handle(), degrees, 0, 0), nullptr);
+    return host_.Calls(host::Service::NewInstance) > 0;
   }
 };
 
 TEST_F(RotationSizes, LargestSquares) {
   const struct {
     double degrees;
-    std::int64_t side;
+    int side;
   } kSquares[] = {{0, 32767}, {30, 20053}, {45, 16383}};
   for (const auto& square : kSquares) {
     for (const double quarter : {0.0, 90.0, 180.0, 270.0}) {
@@ -64,8 +54,8 @@ TEST_F(RotationSizes, BothShearedSidesDecide) {
   for (double degrees = 0.5; degrees < 360; degrees += 7.25) {
     const double quarters = std::floor((degrees + 45) / 90);
     const double rest = (degrees - 90 * quarters) * 3.14159265358979 / 180;
-    for (std::int64_t width = 1; width < 34000; width += 1987) {
-      for (std::int64_t height = 1; height < 34000; height += 2011) {
+    for (int width = 1; width < 34000; width += 1987) {
+      for (int height = 1; height < 34000; height += 2011) {
         const bool onItsSide = static_cast<int>(quarters) % 2 == 1;
         const double w = static_cast<double>(onItsSide ? height : width);
         const double h = static_cast<double>(onItsSide ? width : height);

@@ -6,12 +6,11 @@
 #include <cstdint>
 #include <functional>
 #include <iterator>
-#include <memory>
 #include <new>
 #include <vector>
 
-#include "FakeHost.h"
 #include "LMX_Runs.h"
+#include "LinkedTest.h"
 #include "support/Random.h"
 
 namespace {
@@ -19,58 +18,45 @@ namespace {
 constexpr std::int32_t kWidth = 1300;  // more than two of the pieces in which runs go that are not inside
 constexpr std::int32_t kHeight = 3;
 
+// Buffers can do without rows: those of which `missing` has the bit, modulo 32.
+host::PictureShape ShapeOf(bool isBuffer, std::int32_t width, std::int32_t height, unsigned missing) {
+  std::vector<int> rows;
+  for (std::int32_t y = 0; y < height; ++y) {
+    if ((missing >> y % 32 & 1) != 0) rows.push_back(y);
+  }
+  return isBuffer ? Buffer(width, height, WithoutRows(rows)) : Context(width, height);
+}
+
 // A picture of either form, with any pixels that a host may give it.
-class TestPicture {
- public:
-  TestPicture(bool isBuffer, Random& random, std::int32_t width = kWidth, std::int32_t height = kHeight)
-      : width_(width), height_(height) {
-    if (isBuffer) {
-      buffer_ = std::make_unique<fake::Buffer>(width, height);
-    } else {
-      context_ = std::make_unique<fake::Context>(width, height);
-    }
-    wrapper = std::make_unique<LMX_Picture>(isBuffer ? buffer_->Handle() : context_->Handle());
-    EXPECT_TRUE(wrapper->Lock());
-    for (std::int32_t y = 0; y < height_; ++y) {
-      for (std::int32_t x = 0; x < width_; ++x) {
+struct TestPicture : LockedPicture {
+  TestPicture(bool isBuffer, Random& random, std::int32_t width = kWidth, std::int32_t height = kHeight,
+              unsigned missing = 0)
+      : LockedPicture(ShapeOf(isBuffer, width, height, missing)) {
+    for (std::int32_t y = 0; y < height; ++y) {
+      for (std::int32_t x = 0; x < width; ++x) {
         const std::uint32_t alpha = random.Below(3) == 0 ? random.Below(256) : 255;
-        wrapper->WritePixel(wrapper->RowAddress(y) + 4 * x, alpha << 24 | (random.Word() & 0xFFFFFF));
+        wrapper.WritePixel(picture.PixelAddress(x, y), alpha << 24 | (random.Word() & 0xFFFFFF));
       }
     }
   }
 
-  /// Only a buffer can do without rows.
-  void TakeRowsAway(unsigned mask) {
-    for (std::int32_t y = 0; y < height_; ++y) {
-      if ((mask >> y % 32 & 1) != 0) buffer_->MakeRowNil(y);
-    }
-  }
-
   bool Holds(std::int32_t x, std::int32_t y) const {
-    return x >= 0 && x < width_ && y >= 0 && y < height_ && wrapper->RowAddress(y) != nullptr;
+    return x >= 0 && x < wrapper.width && y >= 0 && y < wrapper.height && wrapper.RowAddress(y) != nullptr;
   }
 
   /// The working pixel there, clear where the picture holds none.
   std::uint32_t Read(std::int32_t x, std::int32_t y) const {
-    return Holds(x, y) ? wrapper->ReadPixel(wrapper->RowAddress(y) + 4 * x) : 0;
+    return Holds(x, y) ? wrapper.ReadPixel(wrapper.RowAddress(y) + 4 * x) : 0;
   }
 
+  /// Of a picture that holds every row.
   std::vector<std::uint8_t> Bytes() const {
     std::vector<std::uint8_t> bytes;
-    for (std::int32_t y = 0; y < height_; ++y) {
-      bytes.insert(bytes.end(), wrapper->RowAddress(y), wrapper->RowAddress(y) + 4 * width_);
+    for (std::int32_t y = 0; y < wrapper.height; ++y) {
+      bytes.insert(bytes.end(), wrapper.RowAddress(y), wrapper.RowAddress(y) + 4 * wrapper.width);
     }
     return bytes;
   }
-
- private:
-  std::int32_t width_;
-  std::int32_t height_;
-  std::unique_ptr<fake::Buffer> buffer_;
-  std::unique_ptr<fake::Context> context_;
-
- public:
-  std::unique_ptr<LMX_Picture> wrapper;  // goes first, and unlocks one of them
 };
 
 // Where a run is read and written.
@@ -86,10 +72,8 @@ using Operation = std::function<void(const Places&)>;
 using Meaning = std::function<std::uint32_t(const std::function<std::uint32_t(std::int32_t)>& read, std::int32_t i,
                                             std::int32_t n)>;
 
-class RunsTest : public testing::Test {
+class RunsTest : public LinkedTest {
  protected:
-  void SetUp() override { fake::StartPlugin(); }
-
   static void Check(const Operation& operation, const Meaning& meaning) {
     Random random(1);
     for (const int forms : {0, 1, 2, 3}) {
@@ -101,8 +85,8 @@ class RunsTest : public testing::Test {
           const bool isInside = trial < 2;  // both runs, if there is room for them
           CheckOnce(
               operation, meaning, source, result,
-              {{*result.wrapper, isInside ? std::max(0, std::min(toX, kWidth - n)) : toX, isInside ? 1 : toY},
-               {*source.wrapper, isInside ? std::max(0, std::min(fromX, kWidth - n)) : fromX, isInside ? 2 : fromY},
+              {{result.wrapper, isInside ? std::max(0, std::min(toX, kWidth - n)) : toX, isInside ? 1 : toY},
+               {source.wrapper, isInside ? std::max(0, std::min(fromX, kWidth - n)) : fromX, isInside ? 2 : fromY},
                n});
           if (HasFailure()) return;
         }
@@ -217,24 +201,24 @@ TEST_F(RunsTest, ColumnsAreRuns) {
     const std::int32_t n = random.Between(1, kTile), lines = random.Between(1, kHeight);
     const std::int32_t x = random.OneOf({0, -3, 7, kWidth - n, kWidth - 5}), y = random.Between(-1, 1);
     SCOPED_TRACE(testing::Message() << n << " columns of " << lines << " from (" << x << ", " << y << ")");
-    ReadColumns({*source.wrapper, x, y}, n, lines, columns);
+    ReadColumns({source.wrapper, x, y}, n, lines, columns);
     for (std::int32_t i = 0; i < n; ++i) {
       for (std::int32_t j = 0; j < lines; ++j) ASSERT_EQ(pixels[i][j], source.Read(x + i, y + j)) << i << ", " << j;
     }
     std::vector<std::uint8_t> expected = result.Bytes();
     for (std::int32_t i = 0; i < n; ++i) {
       for (std::int32_t j = 0; j < lines; ++j) {
-        result.wrapper->WritePixel(columns[i] + 4 * j, pixels[i][j]);
+        result.wrapper.WritePixel(columns[i] + 4 * j, pixels[i][j]);
         if (!result.Holds(x + i, y + j)) continue;
         std::copy_n(columns[i] + 4 * j, 4, &expected[static_cast<std::size_t>(4 * ((y + j) * kWidth + x + i))]);
       }
     }
-    WriteColumns({*result.wrapper, x, y}, n, lines, columns);
+    WriteColumns({result.wrapper, x, y}, n, lines, columns);
     ASSERT_TRUE(result.Bytes() == expected);
-    ColumnsToRows(rows, columns, FormOf(*result.wrapper), n, lines);
+    ColumnsToRows(rows, columns, FormOf(result.wrapper), n, lines);
     for (std::int32_t i = 0; i < n; ++i) {
       for (std::int32_t j = 0; j < lines; ++j) {
-        ASSERT_EQ(turned[j][i], result.wrapper->ReadPixel(columns[i] + 4 * j)) << i << ", " << j;
+        ASSERT_EQ(turned[j][i], result.wrapper.ReadPixel(columns[i] + 4 * j)) << i << ", " << j;
       }
     }
   }
@@ -247,14 +231,15 @@ TEST_F(RunsTest, ColumnsBecomeRows) {
   Random random(6);
   for (int trial = 0; trial < 100; ++trial) {
     const bool isBuffer = trial % 2 != 0;
-    TestPicture source(isBuffer, random, 300, kLong), result(trial / 2 % 2 != 0, random, kLong, 300);
     const bool isInside = trial / 4 % 2 != 0;
-    if (isBuffer && !isInside) source.TakeRowsAway(random.Word() & random.Word() & random.Word());
+    const unsigned missing = isBuffer && !isInside ? random.Word() & random.Word() & random.Word() : 0;
+    const TestPicture source(isBuffer, random, 300, kLong, missing);
+    const TestPicture result(trial / 2 % 2 != 0, random, kLong, 300);
     const std::int32_t n = random.OneOf({1, 7, 16, 64, 65, 256}), pixels = isInside ? kLong : random.Between(1, kLong);
     const std::int32_t x = isInside ? 300 - n : random.Between(-20, 300), toX = isInside ? 0 : random.Between(-90, 90);
     const std::int32_t rowStep = random.OneOf({1, -1}), y = rowStep < 0 ? 299 : isInside ? 0 : random.Between(-9, 99);
     const auto direction = random.OneOf({ColumnWalk::kDown, ColumnWalk::kUp});
-    const ColumnWalk walk(*source.wrapper, direction == ColumnWalk::kDown ? 0 : kLong - 1, direction);
+    const ColumnWalk walk(source.wrapper, direction == ColumnWalk::kDown ? 0 : kLong - 1, direction);
     SCOPED_TRACE(testing::Message() << n << " columns of " << pixels << " from " << x << " to (" << toX << ", " << y
                                     << "), steps " << direction << " and " << rowStep);
     std::vector<std::uint8_t> expected = result.Bytes();
@@ -263,11 +248,11 @@ TEST_F(RunsTest, ColumnsBecomeRows) {
       for (std::int32_t j = 0; j < n; ++j) {
         const std::int32_t row = y + j * rowStep;
         if (!result.Holds(toX + i, row)) continue;
-        result.wrapper->WritePixel(&expected[static_cast<std::size_t>(4 * (row * kLong + toX + i))],
-                                   source.Read(x + j, along.Row()));
+        result.wrapper.WritePixel(&expected[static_cast<std::size_t>(4 * (row * kLong + toX + i))],
+                                  source.Read(x + j, along.Row()));
       }
     }
-    TransposeRuns({*result.wrapper, toX, y}, rowStep, walk, x, n, pixels);
+    TransposeRuns({result.wrapper, toX, y}, rowStep, walk, x, n, pixels);
     ASSERT_TRUE(result.Bytes() == expected);
   }
 }
@@ -296,10 +281,10 @@ TEST_F(RunsTest, ColumnsAreBlendedWithWhatIsAbove) {
         const std::int32_t above = y + r + static_cast<std::int32_t>(shears.down[c]);
         const std::uint32_t blended =
             LMX_Pixel::Blend(source.Read(x + c, above + 1), source.Read(x + c, above), shears.fraction[c]);
-        result.wrapper->WritePixel(&expected[static_cast<std::size_t>(4 * ((toY + r) * kWide + toX + c))], blended);
+        result.wrapper.WritePixel(&expected[static_cast<std::size_t>(4 * ((toY + r) * kWide + toX + c))], blended);
       }
     }
-    BlendColumns({*result.wrapper, toX, toY}, {*source.wrapper, x, y}, n, rows, shears);
+    BlendColumns({result.wrapper, toX, toY}, {source.wrapper, x, y}, n, rows, shears);
     ASSERT_TRUE(result.Bytes() == expected);
   }
 }
@@ -343,8 +328,8 @@ TEST_F(RunsTest, SumsWhatIsInside) {
           LMX_Pixel::AddRGB(&expectedRgb, picture.Read(i, y));
           LMX_Pixel::AddHSV(&expectedHsv, picture.Read(i, y));
         }
-        SumRun({*picture.wrapper, x, y}, kCount, &rgb);
-        SumRun({*picture.wrapper, x, y}, kCount, &hsv);
+        SumRun({picture.wrapper, x, y}, kCount, &rgb);
+        SumRun({picture.wrapper, x, y}, kCount, &hsv);
         for (const auto channel : {&RGBSums::red, &RGBSums::green, &RGBSums::blue}) {
           EXPECT_EQ(rgb.*channel, expectedRgb.*channel);
           EXPECT_EQ(hsv.rgb.*channel, expectedHsv.rgb.*channel);
@@ -368,9 +353,7 @@ void ForGroups(const std::function<void(const TestPicture&, std::int32_t x)>& ch
     for (unsigned missing = 0; missing < (isBuffer ? 1u << kHeight : 1u); ++missing) {
       for (const std::int32_t x : {-kRun - 1, -3, 0, 20, kWidth - kRun, kWidth - 4, kWidth}) {
         SCOPED_TRACE(testing::Message() << "from " << x << ", buffer " << isBuffer << ", missing " << missing);
-        TestPicture picture(isBuffer, random);
-        picture.TakeRowsAway(missing);
-        check(picture, x);
+        check(TestPicture(isBuffer, random, kWidth, kHeight, missing), x);
       }
     }
   }
@@ -404,7 +387,7 @@ Rows RowsOf(ColumnWalk walk) {
 void ExpectRuns(const TestPicture& picture, std::int32_t x, const Rows& rows, const std::uint8_t* const* runs) {
   for (std::int32_t i = 0; i < kCount; ++i) {
     for (std::int32_t j = 0; j < kRun; ++j) {
-      EXPECT_EQ(picture.wrapper->ReadPixel(runs[i] + 4 * j), picture.Read(x + j, rows[static_cast<std::size_t>(i)]))
+      EXPECT_EQ(picture.wrapper.ReadPixel(runs[i] + 4 * j), picture.Read(x + j, rows[static_cast<std::size_t>(i)]))
           << "run " << i << ", pixel " << j;
     }
   }
@@ -416,10 +399,10 @@ TEST_F(RunsTest, FindsGroups) {
     const std::uint8_t* runs[kCount];
     for (const std::int32_t step : {1, -1}) {
       const Rows rows = RowsInSteps(step);
-      StoredRuns({*picture.wrapper, x, rows[0]}, step, kRun, kCount, scratch, runs);
+      StoredRuns({picture.wrapper, x, rows[0]}, step, kRun, kCount, scratch, runs);
       ExpectRuns(picture, x, rows, runs);
 
-      ColumnWalk walk = WalkFor(*picture.wrapper, step);
+      ColumnWalk walk = WalkFor(picture.wrapper, step);
       const Rows walked = RowsOf(walk);
       std::int32_t done = 0;
       for (const std::int32_t count : kGroups) {
@@ -466,7 +449,7 @@ TEST_F(RunsTest, FillsGroups) {
   ForGroups([](const TestPicture& picture, std::int32_t x) {
     const std::vector<std::uint32_t> before = PixelsOf(picture);
     constexpr std::uint32_t kPixel = 0xFF123456;
-    FillRuns({*picture.wrapper, x, -1}, kRun, kHeight, StoredPixel(*picture.wrapper, kPixel));  // all rows but the last
+    FillRuns({picture.wrapper, x, -1}, kRun, kHeight, StoredPixel(picture.wrapper, kPixel));  // all rows but the last
     for (std::int32_t row = 0; row < kHeight; ++row) {
       for (std::int32_t column = 0; column < kWidth; ++column) {
         const bool isIn = row < kHeight - 1 && column >= x && column < x + kRun && picture.Holds(column, row);
@@ -484,19 +467,19 @@ TEST_F(RunsTest, WritesGroups) {
     for (const std::int32_t step : {1, -1}) {
       std::vector<std::uint32_t> before = PixelsOf(picture);
       const Rows rows = RowsInSteps(step);
-      const PixelPosition at = {*picture.wrapper, x, rows[0]};
+      const PixelPosition at = {picture.wrapper, x, rows[0]};
       RoomForRuns(at, step, kRun, kCount, scratch, runs);
-      WriteRuns(*picture.wrapper, 0, kCount, runs);
+      WriteRuns(picture.wrapper, 0, kCount, runs);
       PutRuns(at, step, kRun, kCount, scratch, runs);
       ExpectWritten(picture, before, x, rows);
 
       before = PixelsOf(picture);
-      ColumnWalk walk = WalkFor(*picture.wrapper, step);
+      ColumnWalk walk = WalkFor(picture.wrapper, step);
       const Rows walked = RowsOf(walk);
       std::int32_t done = 0;
       for (const std::int32_t count : kGroups) {
         RoomForRuns(walk, x, kRun, count, scratch, runs);
-        WriteRuns(*picture.wrapper, done, count, runs);
+        WriteRuns(picture.wrapper, done, count, runs);
         PutRuns(walk, x, kRun, count, scratch, runs);
         done += count;
       }

@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include "FakeHost.h"
 #include "LMX_Runs.h"
+#include "LinkedTest.h"
 #include "PrivStretch.h"
 #include "support/Random.h"
 
@@ -59,81 +58,50 @@ struct Size {
   std::int32_t height;
 };
 
-// A locked picture of either form, every row of a buffer between inaccessible pages.
-class Made {
- public:
-  Made(const Size& size, bool isBuffer, std::int32_t missingRow = -1) : size_(size) {
-    if (isBuffer) {
-      buffer_ = std::make_unique<fake::Buffer>(size.width, size.height);
-      if (missingRow >= 0) buffer_->MakeRowNil(missingRow);
-    } else {
-      context_ = std::make_unique<fake::Context>(size.width, size.height);
-    }
-    picture = std::make_unique<LMX_Picture>(isBuffer ? buffer_->Handle() : context_->Handle());
-    EXPECT_TRUE(picture->Lock());
-  }
-
-  void Fill(Random random) {
-    for (std::int32_t y = 0; y < size_.height; ++y) {
-      std::uint8_t* const row = buffer_ ? buffer_->Row(y) : context_->Pixel(0, y);
-      for (std::int32_t x = 0; x < size_.width; ++x) {
-        picture->WritePixel(row + 4 * x, random.Word() | (random.Below(4) == 0 ? 0 : 0xFF000000));
-      }
-    }
-  }
-
-  std::vector<std::uint32_t> Words() const {
-    std::vector<std::uint32_t> words;
-    for (std::int32_t y = 0; y < size_.height; ++y) {
-      for (std::int32_t x = 0; x < size_.width; ++x)
-        words.push_back(buffer_ ? buffer_->Word(x, y) : context_->Word(x, y));
-    }
-    return words;
-  }
-
- private:
-  const Size size_;
-  std::unique_ptr<fake::Buffer> buffer_;
-  std::unique_ptr<fake::Context> context_;
-
- public:
-  std::unique_ptr<LMX_Picture> picture;  // goes first, and unlocks one of them
-};
-
 struct Stretch {
   Size source;
   Size temporary;
   Size result;
   int forms = 0;  // a bit for each of the three: whether it is a buffer
-  std::int32_t missingRows[3] = {-1, -1, -1};
+  std::vector<int> missingRows[3];
   long yield = 0;
 };
 
 // What the result holds then, and how often the host was called.
 using Outcome = std::pair<std::vector<std::uint32_t>, std::size_t>;
 
-Outcome Stretched(const Stretch& stretch, bool isTogether) {
-  const auto make = [&](const Size& size, int which) {
-    return Made(size, (stretch.forms >> which & 1) != 0, stretch.missingRows[which]);
-  };
-  Made source = make(stretch.source, 0), temporary = make(stretch.temporary, 1), result = make(stretch.result, 2);
-  source.Fill(Random(1));
-  result.Fill(Random(2));
-  fake::TheHost().calls.clear();
-  if (isTogether) {
-    Priv_StretchThrough(*temporary.picture, *source.picture, *result.picture, stretch.yield);
-  } else {
-    Priv_StetchHorizontal(*source.picture, *temporary.picture, stretch.yield);
-    Priv_StetchVertical(*temporary.picture, *result.picture, stretch.yield);
+void Fill(const LockedPicture& locked, Random random) {
+  for (std::int32_t y = 0; y < locked.wrapper.height; ++y) {
+    for (std::int32_t x = 0; x < locked.wrapper.width; ++x) {
+      locked.wrapper.WritePixel(locked.picture.PixelAddress(x, y),
+                                random.Word() | (random.Below(4) == 0 ? 0 : 0xFF000000));
+    }
   }
-  return {result.Words(), fake::TheHost().calls.size()};
 }
 
-class StretchTest : public testing::Test {
+class StretchTest : public LinkedTest {
  protected:
-  void SetUp() override { fake::StartPlugin(); }
+  Outcome Stretched(const Stretch& stretch, bool isTogether) {
+    const auto shape = [&](const Size& size, int which) {
+      return (stretch.forms >> which & 1) == 0
+                 ? Context(size.width, size.height)
+                 : Buffer(size.width, size.height, WithoutRows(stretch.missingRows[which]));
+    };
+    LockedPicture source(shape(stretch.source, 0)), temporary(shape(stretch.temporary, 1)),
+        result(shape(stretch.result, 2));
+    Fill(source, Random(1));
+    Fill(result, Random(2));
+    host_.ResetCounts();
+    if (isTogether) {
+      Priv_StretchThrough(temporary.wrapper, source.wrapper, result.wrapper, stretch.yield);
+    } else {
+      Priv_StetchHorizontal(source.wrapper, temporary.wrapper, stretch.yield);
+      Priv_StetchVertical(temporary.wrapper, result.wrapper, stretch.yield);
+    }
+    return {result.picture.StoredPixels(), host_.Log().size()};
+  }
 
-  static void ExpectBothPasses(const Stretch& stretch) {
+  void ExpectBothPasses(const Stretch& stretch) {
     const StrictKernels strict;
     SCOPED_TRACE(testing::Message() << stretch.source.width << " x " << stretch.source.height << " by way of "
                                     << stretch.temporary.width << " x " << stretch.temporary.height << " to "
@@ -160,7 +128,7 @@ TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
     const std::int32_t heights[] = {stretch.source.height, stretch.temporary.height, stretch.result.height};
     for (int k = 0; k < 3; ++k) {
       const std::int32_t rows[] = {0, heights[k] / 2, heights[k] - 1};
-      if (random.Below(6) == 0) stretch.missingRows[k] = random.OneOf(rows);
+      if (random.Below(6) == 0) stretch.missingRows[k] = {random.OneOf(rows)};
     }
     stretch.yield = random.Below(2) == 0 ? 0 : random.Between(1, 3 * stretch.result.height);
     ExpectBothPasses(stretch);
@@ -174,8 +142,8 @@ TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
     for (std::int32_t whole = 29; whole <= 32; ++whole) {
       for (const long yield : {0L, 7L}) {
         const std::int32_t few = 10 * k, many = few * whole + 7 * k;
-        ExpectBothPasses({{many, 5}, {few, 5}, {few, 3}, 7, {-1, -1, -1}, yield});
-        ExpectBothPasses({{5, many}, {3, many}, {3, few}, 0, {-1, -1, -1}, yield});
+        ExpectBothPasses({{many, 5}, {few, 5}, {few, 3}, 7, {}, yield});
+        ExpectBothPasses({{5, many}, {3, many}, {3, few}, 0, {}, yield});
       }
     }
   }
@@ -187,8 +155,8 @@ TEST_F(StretchTest, MakesWidePicturesInStrips) {
   for (const std::int32_t width : {511, 512, 513, 1023, 1025}) {
     for (const std::int32_t height : {71, 5}) {
       for (const long yield : {0L, 2L, 900L, 100000L}) {
-        ExpectBothPasses({{width + 1, height}, {width, height}, {width, 2}, 0, {-1, -1, -1}, yield});
-        ExpectBothPasses({{width / 2, height}, {width, height}, {width, height + 3}, 6, {-1, -1, -1}, yield});
+        ExpectBothPasses({{width + 1, height}, {width, height}, {width, 2}, 0, {}, yield});
+        ExpectBothPasses({{width / 2, height}, {width, height}, {width, height + 3}, 6, {}, yield});
       }
     }
   }

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "FakeHost.h"
+#include "LinkedTest.h"
 
 namespace {
 
@@ -38,11 +38,10 @@ Yields Expected(Order order, long yield, std::int32_t pixelsPerLine) {
   return yields;
 }
 
-class YieldPaceTest : public testing::Test {
+class YieldPaceTest : public LinkedTest {
  protected:
-  void SetUp() override {
-    fake::Reset();
-    fake::TheHost().onYield = [this] { yields_.push_back(done_); };
+  YieldPaceTest() {
+    host_.onYield = [this] { yields_.push_back(done_); };
   }
 
   // Runs a worker's loop over kLines lines; `lines` does some of them and says how many.
@@ -169,9 +168,10 @@ TEST_F(YieldPaceTest, LinesWithoutPixelsDoNotCount) {
 TEST_F(YieldPaceTest, StartsAnewBeforeTheHostIsCalled) {
   YieldPace pace(10);
   pace.Count(1, 10);
-  fake::TheHost().throwing = {"REALYieldToRB"};
-  EXPECT_THROW(pace.YieldIfDue(), fake::Thrown);
-  EXPECT_NO_THROW(pace.YieldIfDue());
+  host_.ThrowAt(host::Service::YieldToRB, 1);
+  EXPECT_THROW(pace.YieldIfDue(), host::Thrown);
+  pace.YieldIfDue();
+  EXPECT_EQ(host_.Calls(host::Service::YieldToRB), 1);
 }
 
 }  // namespace
