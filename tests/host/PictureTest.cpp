@@ -126,6 +126,8 @@ TEST(Picture, RefusesContradictions) {
   EXPECT_THROW(make(Storage::Buffer, [](PictureShape& s) { s.defects.bitsPerPixel = 16; }), Error);
   const auto scatter = [](PictureShape& s) { s.layout.scattered = true, s.defects.bytesPerRow = 0; };
   EXPECT_THROW(make(Storage::Buffer, scatter), Error);
+  const auto spread = [](PictureShape& s) { s.layout.sparse = true, s.defects.bytesPerRow = 20; };
+  EXPECT_THROW(make(Storage::BitmapContext, spread), Error);
   EXPECT_THROW(make(Storage::Buffer, [](PictureShape& s) { s.defects.nilRows = {3}; }), Error);
   EXPECT_THROW(make(Storage::BitmapContext, [](PictureShape& s) { s.defects.nilRowTable = true; }), Error);
 }
