@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "host/Host.h"
+#include "tests/support/Thrown.h"
 
 namespace {
 
@@ -91,12 +92,10 @@ TEST_F(Call, RefusesWhatTheDeclarationDoesNotAllow) {
 }
 
 TEST_F(Call, ErrorNamesTheArgument) {
-  try {
-    host_.Call("New", {1, 2.5});
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_STREQ(error.what(), "Odd_New: argument height as integer got a value of another type");
-  }
+  EXPECT_EQ(ThrownBy<Error>([&] {
+              host_.Call("New", {1, 2.5});
+            }),
+            "Odd_New: argument height as integer got a value of another type");
 }
 
 TEST_F(Call, StackIsMisalignedInTurn) {

@@ -2,6 +2,7 @@
 
 #include "host/Declaration.h"
 #include "host/Value.h"
+#include "tests/support/Thrown.h"
 
 namespace {
 
@@ -77,12 +78,8 @@ TEST(Declaration, RefusesWhatIsNone) {
 }
 
 TEST(Declaration, ErrorTellsThePlace) {
-  try {
-    ParseDeclaration("Do(a as integer b)");
-    FAIL();
-  } catch (const host::Error& error) {
-    EXPECT_STREQ(error.what(), "malformed declaration \"Do(a as integer b)\": expected `)` at character 17");
-  }
+  EXPECT_EQ(ThrownBy<host::Error>([] { ParseDeclaration("Do(a as integer b)"); }),
+            "malformed declaration \"Do(a as integer b)\": expected `)` at character 17");
 }
 
 }  // namespace

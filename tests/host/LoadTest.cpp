@@ -4,6 +4,7 @@
 
 #include "OddPlugin.h"
 #include "host/Host.h"
+#include "tests/support/Thrown.h"
 
 namespace {
 
@@ -77,12 +78,7 @@ TEST(Load, LibraryThatStaysIsLoadedAsACopy) {
 TEST(Load, EntryCanBeCalledAgain) {
   Host host;
   host.Load(ODD_PLUGIN);
-  try {
-    host.CallPluginMainAgain();
-    FAIL();
-  } catch (const Misuse& misuse) {
-    EXPECT_STREQ(misuse.what(), "PluginRegisterModule: a second module");
-  }
+  EXPECT_EQ(ThrownBy<Misuse>([&] { host.CallPluginMainAgain(); }), "PluginRegisterModule: a second module");
   EXPECT_EQ(host.PluginVersions().size(), 2u);
 }
 
@@ -116,12 +112,7 @@ TEST_P(LoadMisdeed, IsNoticed) {
   Options options;
   options.version = odd::VersionFor(GetParam().misdeed);
   Host host(options);
-  try {
-    host.Load(ODD_PLUGIN);
-    FAIL() << "no complaint";
-  } catch (const Misuse& misuse) {
-    EXPECT_STREQ(misuse.what(), GetParam().complaint);
-  }
+  EXPECT_EQ(ThrownBy<Misuse>([&] { host.Load(ODD_PLUGIN); }), GetParam().complaint);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -31,6 +31,8 @@ asm(".pushsection .text\n.globl OddStackPointer\n.hidden OddStackPointer\nOddSta
 
 namespace {
 
+using Picture = REALpictureStruct;
+
 constexpr const char* kConstructor = "Constructor(width as integer, height as integer)";
 
 REALResolver gResolver;
@@ -41,19 +43,27 @@ Function* Service(const char* name) {
   return reinterpret_cast<Function*>(gResolver(name));
 }
 
-REALobjectStruct* AsObject(REALpictureStruct* p) {
+REALobjectStruct* AsObject(Picture* p) {
   return reinterpret_cast<REALobjectStruct*>(p);
 }
-REALpictureStruct* AsPicture(void* p) {
-  return static_cast<REALpictureStruct*>(p);
+Picture* AsPicture(void* p) {
+  return static_cast<Picture*>(p);
+}
+
+REALpictureDescription Lock(Picture* p) {
+  REALpictureDescription description = {};
+  Service<HostLockPictureDescription>("lockPictureDescription")(p, &description);
+  return description;
+}
+
+void Unlock(Picture* p) {
+  Service<HostUnlockPictureDescription>("unlockPictureDescription")(p);
 }
 
 class Locked {
  public:
-  explicit Locked(REALpictureStruct* p) : picture_(p) {
-    Service<HostLockPictureDescription>("lockPictureDescription")(p, &description_);
-  }
-  ~Locked() { Service<HostUnlockPictureDescription>("unlockPictureDescription")(picture_); }
+  explicit Locked(Picture* p) : picture_(p), description_(Lock(p)) {}
+  ~Locked() { Unlock(picture_); }
   Locked(const Locked&) = delete;
   Locked& operator=(const Locked&) = delete;
 
@@ -77,29 +87,59 @@ class Locked {
   }
 
  private:
-  REALpictureStruct* picture_;
-  REALpictureDescription description_ = {};
+  Picture* picture_;
+  const REALpictureDescription description_;
 };
 
-REALobjectStruct* Instance() {
-  return Service<HostNewInstance>("CreateInstance")(Service<HostGetClassRef>("pluginObjectType")("picture"));
+REALclassRefStruct* ClassNamed(const char* name) {
+  return Service<HostGetClassRef>("pluginObjectType")(name);
 }
 
-void Construct(REALobjectStruct* object, int width, int height) {
-  void* method = Service<HostLoadObjectMethod>("REALLoadObjectMethod")(object, kConstructor);
-  reinterpret_cast<HostPictureConstructor*>(method)(object, width, height);
+REALobjectStruct* InstanceOf(REALclassRefStruct* type) {
+  return Service<HostNewInstance>("CreateInstance")(type);
+}
+
+REALobjectStruct* Instance() {
+  return InstanceOf(ClassNamed("picture"));
+}
+
+HostPictureConstructor* ConstructorOf(REALobjectStruct* object, const char* declaration = kConstructor) {
+  void* method = Service<HostLoadObjectMethod>("REALLoadObjectMethod")(object, declaration);
+  return reinterpret_cast<HostPictureConstructor*>(method);
+}
+
+REALobjectStruct* Construct(REALobjectStruct* object, int width, int height) {
+  ConstructorOf(object)(object, width, height);
+  return object;
 }
 
 void Release(REALobjectStruct* object) {
   Service<HostUnlockObject>("REALUnlockObject")(object);
 }
 
-REALstringStruct* BuildText(const char* text) {
-  return Service<HostBuildString>("REALBuildString")(text, static_cast<int>(std::strlen(text)));
+void YieldOnce() {
+  Service<HostYield>("REALYieldToRB")();
 }
 
-void* Nonsense() {
-  return reinterpret_cast<void*>(std::uintptr_t{0x1234});
+REALstringStruct* BuildText(const char* text, int length) {
+  return Service<HostBuildString>("REALBuildString")(text, length);
+}
+
+REALstringStruct* BuildText(const char* text) {
+  return BuildText(text, static_cast<int>(std::strlen(text)));
+}
+
+void Show(REALstringStruct* text) {
+  Service<HostMessageBox>("RuntimeMsgBox")(text);
+}
+
+void RegisterModule(REALmoduleDefinition* module) {
+  if (auto* registerModule = Service<HostRegisterModule>("PluginRegisterModule")) registerModule(module);
+}
+
+template <class Object>
+Object* Nonsense() {
+  return reinterpret_cast<Object*>(std::uintptr_t{0x1234});
 }
 
 // ---- Methods ------------------------------------------------------------------------------------
@@ -113,8 +153,8 @@ unsigned ByteOf(REALboolean boolean) {
   return boolean & 0xFF;
 }
 
-REALstringStruct* DescribeAll(REALpictureStruct* p, int a, double b, REALboolean c, REALcolor d, long e, long f,
-                              unsigned long g, double h, long i, REALboolean j) {
+REALstringStruct* DescribeAll(Picture* p, int a, double b, REALboolean c, REALcolor d, long e, long f, unsigned long g,
+                              double h, long i, REALboolean j) {
   char text[300];
   std::snprintf(text, sizeof text, "%d %d %g %u %08X %ld %ld %08lX %g %ld %u", p != nullptr, a, b, ByteOf(c), d, e, f,
                 g, h, i, ByteOf(j));
@@ -144,20 +184,18 @@ void WriteTooMuch(int* i) {
   std::memset(i, 0, 8);
 }
 
-REALpictureStruct* New(int width, int height) {
+Picture* New(int width, int height) {
   REALobjectStruct* object = Instance();
-  if (object == nullptr) return nullptr;
-  Construct(object, width, height);
-  return AsPicture(object);
+  return object == nullptr ? nullptr : AsPicture(Construct(object, width, height));
 }
 
-int Kind(REALpictureStruct* p) {
+int Kind(Picture* p) {
   const Locked lock(p);
   return lock.HasData() ? static_cast<int>(lock.Type()) : -static_cast<int>(lock.Type());
 }
 
 // Stores the word in every pixel, most significant byte first.
-void Fill(REALpictureStruct* p, REALcolor word) {
+void Fill(Picture* p, REALcolor word) {
   const Locked lock(p);
   for (int y = 0; y < lock.Height(); ++y) {
     for (int x = 0; x < lock.Width(); ++x) {
@@ -166,251 +204,180 @@ void Fill(REALpictureStruct* p, REALcolor word) {
   }
 }
 
-int ReadByte(REALpictureStruct* p, int x, int y) {
+int ReadByte(Picture* p, int x, int y) {
   const Locked lock(p);
   return *lock.Pixel(x, y);
 }
 
-int ReadByteUnlocked(REALpictureStruct* p, int x, int y) {
+int ReadByteUnlocked(Picture* p, int x, int y) {
   std::uint8_t* pixel = Locked(p).Pixel(x, y);
   return *pixel;
 }
 
-int ReadTableByte(REALpictureStruct* p, int offset, REALboolean write) {
+int ReadTableByte(Picture* p, int offset, REALboolean write) {
   const Locked lock(p);
   auto* byte = reinterpret_cast<std::uint8_t*>(std::uintptr_t{lock.Buffer().rowTable}) + offset;
   if (ByteOf(write) != 0) *byte = 0;
   return *byte;
 }
 
-void WriteRecord(REALpictureStruct* p) {
+void WriteRecord(Picture* p) {
   const Locked lock(p);
   const_cast<REALpictureBuffer&>(lock.Buffer()).hostsOwnHead = 0;
 }
 
-void Yield(REALpictureStruct* p, int times) {
+void Yield(Picture* p, int times) {
   const Locked lock(p);
-  for (int i = 0; i < times; ++i) Service<HostYield>("REALYieldToRB")();
+  for (int i = 0; i < times; ++i) YieldOnce();
 }
 
 void ShowBox() {
-  Service<HostMessageBox>("RuntimeMsgBox")(BuildText("Hello"));
+  Show(BuildText("Hello"));
 }
 
-void LockWrongly(REALpictureStruct* p, odd::Misdeed misdeed) {
-  const auto lock = Service<HostLockPictureDescription>("lockPictureDescription");
-  const auto unlock = Service<HostUnlockPictureDescription>("unlockPictureDescription");
-  REALpictureDescription description = {};
-  switch (misdeed) {
-    case odd::kLeaveLocked:
-      return lock(p, &description);
-    case odd::kEndOuterLock:
-      return unlock(p);
-    case odd::kUnlockNonsense:
-      return unlock(AsPicture(Nonsense()));
-    case odd::kLockNonsense:
-      return lock(AsPicture(Nonsense()), &description);
-    case odd::kLockString:
-      return lock(AsPicture(BuildText("text")), &description);
-    case odd::kLockUnconstructed:
-      return lock(AsPicture(Instance()), &description);
-    case odd::kLockWithoutDescription:
-      return lock(p, nullptr);
-    case odd::kUnlockTwice:
-      lock(p, &description);
-      unlock(p);
-      return unlock(p);
-    case odd::kYieldAndLeaveLocked:
-      lock(p, &description);
-      return Service<HostYield>("REALYieldToRB")();
-    case odd::kUseContextAfterUnlock:
-      lock(p, &description);
-      unlock(p);
-      CGBitmapContextGetWidth(static_cast<CGContextRef>(description.pictureData));
-      CGBitmapContextGetHeight(static_cast<CGContextRef>(description.pictureData));
-      CGBitmapContextGetBitsPerPixel(static_cast<CGContextRef>(description.pictureData));
-      CGBitmapContextGetBytesPerRow(static_cast<CGContextRef>(description.pictureData));
-      CGBitmapContextGetData(static_cast<CGContextRef>(description.pictureData));
-      return;
-    default:
-      return;
-  }
+// ---- Misdeeds of more than a line ---------------------------------------------------------------
+
+// These ask for the other service too, so that the host knows whether it was there.
+void LeaveLocked(Picture* p) {
+  Service<HostUnlockPictureDescription>("unlockPictureDescription");
+  Lock(p);
 }
 
-void HandleObjectsWrongly(REALpictureStruct* p, odd::Misdeed misdeed) {
-  REALpictureDescription description = {};
-  REALobjectStruct* object = Instance();
-  if (misdeed != odd::kConstructEmpty && misdeed != odd::kAbandon) Construct(object, 2, 2);
-  switch (misdeed) {
-    case odd::kUseAfterRelease:
-      Release(object);
-      return Service<HostLockPictureDescription>("lockPictureDescription")(AsPicture(object), &description);
-    case odd::kReleaseTwice:
-      Release(object);
-      return Release(object);
-    case odd::kReleaseForeign:
-      Release(object);
-      return Release(AsObject(p));
-    case odd::kReleaseNil:
-      Release(object);
-      return Release(nullptr);
-    case odd::kReleaseWhileLocked:
-      Service<HostLockPictureDescription>("lockPictureDescription")(AsPicture(object), &description);
-      return Release(object);
-    case odd::kConstructTwice:
-      Construct(object, 3, 3);
-      return Release(object);
-    case odd::kConstructReleased: {
-      const auto load = Service<HostLoadObjectMethod>("REALLoadObjectMethod");
-      const auto construct = reinterpret_cast<HostPictureConstructor*>(load(object, kConstructor));
-      Release(object);
-      return construct(object, 2, 2);
-    }
-    case odd::kConstructEmpty:
-      Construct(object, 0, 2);
-      return Release(object);
-    case odd::kAskWrongConstructor:
-      Service<HostLoadObjectMethod>("REALLoadObjectMethod")(object, "Constructor(width as integer)");
-      return Release(object);
-    default:
-      return;  // kAbandon, kLeakPicture
-  }
+void EndOuterLock(Picture* p) {
+  Service<HostLockPictureDescription>("lockPictureDescription");
+  Unlock(p);
 }
 
-void AskWrongly(odd::Misdeed misdeed) {
-  switch (misdeed) {
-    case odd::kAskMethodOfNil:
-      Service<HostLoadObjectMethod>("REALLoadObjectMethod")(nullptr, kConstructor);
-      return;
-    case odd::kAskUnknownService:
-      gResolver("REALUnknown");
-      return;
-    case odd::kAskUnknownClass:
-      Service<HostGetClassRef>("pluginObjectType")("movie");
-      return;
-    case odd::kInstanceOfNonsense:
-      Service<HostNewInstance>("CreateInstance")(static_cast<REALclassRefStruct*>(Nonsense()));
-      return;
-    case odd::kBuildNegativeString:
-      Service<HostBuildString>("REALBuildString")("text", -1);
-      return;
-    case odd::kBuildStringOfNil:
-      Service<HostBuildString>("REALBuildString")(nullptr, 1);
-      return;
-    case odd::kShowNonsense:
-      return Service<HostMessageBox>("RuntimeMsgBox")(static_cast<REALstringStruct*>(Nonsense()));
-    case odd::kRegisterNil:
-      return Service<HostRegisterModule>("PluginRegisterModule")(nullptr);
-    case odd::kRegisterAgain: {
-      static REALmoduleDefinition second;
-      return Service<HostRegisterModule>("PluginRegisterModule")(&second);
-    }
-    default:
-      return;
-  }
+void LockWithoutDescription(Picture* p) {
+  Service<HostLockPictureDescription>("lockPictureDescription")(p, nullptr);
 }
 
-REALpictureStruct* Misbehave(REALpictureStruct* p, int number) {
-  const auto misdeed = static_cast<odd::Misdeed>(number);
-  switch (misdeed) {
-    case odd::kReturnArgument:
-      return p;
-    case odd::kReturnUnconstructed:
-      return AsPicture(Instance());
-    case odd::kReturnString:
-      return AsPicture(BuildText("text"));
-    case odd::kReturnReleased: {
-      REALpictureStruct* released = New(2, 2);
-      Release(AsObject(released));
-      return released;
-    }
-    default:
-      break;
-  }
-  if (misdeed <= odd::kUseContextAfterUnlock || misdeed == odd::kEndOuterLock) {
-    LockWrongly(p, misdeed);
-  } else if (misdeed <= odd::kAskWrongConstructor || misdeed == odd::kAbandon || misdeed == odd::kLeakPicture) {
-    HandleObjectsWrongly(p, misdeed);
-  } else {
-    AskWrongly(misdeed);
-  }
-  return nullptr;
+void UseContextAfterUnlock(Picture* p) {
+  const auto context = static_cast<CGContextRef>(Lock(p).pictureData);
+  Unlock(p);
+  CGBitmapContextGetWidth(context);
+  CGBitmapContextGetHeight(context);
+  CGBitmapContextGetBitsPerPixel(context);
+  CGBitmapContextGetBytesPerRow(context);
+  CGBitmapContextGetData(context);
+}
+
+Picture* Released() {
+  Picture* const released = New(2, 2);
+  Release(AsObject(released));
+  return released;
+}
+
+void ReleaseWhileLocked() {
+  Picture* const locked = New(2, 2);
+  Lock(locked);
+  Release(AsObject(locked));
+}
+
+void ConstructReleased() {
+  REALobjectStruct* const object = AsObject(New(2, 2));
+  HostPictureConstructor* const construct = ConstructorOf(object);
+  Release(object);
+  construct(object, 2, 2);
+}
+
+void AskWrongConstructor() {
+  REALobjectStruct* const object = AsObject(New(2, 2));
+  ConstructorOf(object, "Constructor(width as integer)");
+  Release(object);
 }
 
 // ---- Registration -------------------------------------------------------------------------------
 
 template <class Function>
-REALmethodDefinition Record(Function* entry, const char* declaration) {
-  return {reinterpret_cast<void (*)()>(entry), nullptr, declaration, kMethodFlags, {}};
+REALmethodDefinition Record(const char* declaration, Function entry) {
+  return {reinterpret_cast<void (*)()>(+entry), nullptr, declaration, kMethodFlags, {}};
 }
 
+REALmoduleDefinition gSecondModule;
+
 REALmethodDefinition gMethods[] = {
-    Record(Next, "Odd_Next() as integer"),
+    Record("Odd_Next() as integer", Next),
     Record(
-        DescribeAll,
         "Odd_DescribeAll(extends p as picture, a as integer,b as double, c as boolean , d as color,e as integer, f as "
-        "integer, g as color, h as double, i as integer, j as boolean) as string"),
-    Record(Weigh,
-           "Odd_Weigh(a as double, b as double, c as double, d as double, n as integer, e as double, f as double, g as "
-           "double, h as double, i as double, j as double) as double"),
-    Record(Change, "Odd_Change(ByRef i as integer, ByRef d as double, ByRef b as boolean, ByRef c as color)"),
-    Record(Negate, "Odd_Negate(b as boolean) as boolean"),
-    Record(Invert, "Odd_Invert(c as color) as color"),
-    Record(WriteTooMuch, "Odd_WriteTooMuch(ByRef i as integer)"),
-    Record(OddStackPointer, "Odd_StackPointer() as integer"),
-    Record(New, "Odd_New(width as integer, height as integer) as picture"),
-    Record(Kind, "Odd_Kind(extends p as picture) as integer"),
-    Record(Fill, "Odd_Fill(extends p as picture, word as color)"),
-    Record(ReadByte, "Odd_ReadByte(extends p as picture, x as integer, y as integer) as integer"),
-    Record(ReadByteUnlocked, "Odd_ReadByteUnlocked(extends p as picture, x as integer, y as integer) as integer"),
-    Record(ReadTableByte, "Odd_ReadTableByte(extends p as picture, offset as integer, write as boolean) as integer"),
-    Record(WriteRecord, "Odd_WriteRecord(extends p as picture)"),
-    Record(Yield, "Odd_Yield(extends p as picture, times as integer)"),
-    Record(ShowBox, "Odd_ShowBox()"),
-    Record(Misbehave, "Odd_Misbehave(extends p as picture, misdeed as integer) as picture"),
+        "integer, g as color, h as double, i as integer, j as boolean) as string",
+        DescribeAll),
+    Record("Odd_Weigh(a as double, b as double, c as double, d as double, n as integer, e as double, f as double, g as "
+           "double, h as double, i as double, j as double) as double",
+           Weigh),
+    Record("Odd_Change(ByRef i as integer, ByRef d as double, ByRef b as boolean, ByRef c as color)", Change),
+    Record("Odd_Negate(b as boolean) as boolean", Negate),
+    Record("Odd_Invert(c as color) as color", Invert),
+    Record("Odd_WriteTooMuch(ByRef i as integer)", WriteTooMuch),
+    Record("Odd_StackPointer() as integer", OddStackPointer),
+    Record("Odd_New(width as integer, height as integer) as picture", New),
+    Record("Odd_Kind(extends p as picture) as integer", Kind),
+    Record("Odd_Fill(extends p as picture, word as color)", Fill),
+    Record("Odd_ReadByte(extends p as picture, x as integer, y as integer) as integer", ReadByte),
+    Record("Odd_ReadByteUnlocked(extends p as picture, x as integer, y as integer) as integer", ReadByteUnlocked),
+    Record("Odd_ReadTableByte(extends p as picture, offset as integer, write as boolean) as integer", ReadTableByte),
+    Record("Odd_WriteRecord(extends p as picture)", WriteRecord),
+    Record("Odd_Yield(extends p as picture, times as integer)", Yield),
+    Record("Odd_ShowBox()", ShowBox),
+
+    // Misdeeds with locks.
+    Record("Odd_LeaveLocked(extends p as picture)", LeaveLocked),
+    Record("Odd_YieldAndLeaveLocked(extends p as picture)", [](Picture* p) { Lock(p), YieldOnce(); }),
+    Record("Odd_UnlockTwice(extends p as picture)", [](Picture* p) { Lock(p), Unlock(p), Unlock(p); }),
+    Record("Odd_EndOuterLock(extends p as picture)", EndOuterLock),
+    Record("Odd_UnlockNonsense()", [] { Unlock(Nonsense<Picture>()); }),
+    Record("Odd_LockNonsense()", [] { Lock(Nonsense<Picture>()); }),
+    Record("Odd_LockString()", [] { Lock(AsPicture(BuildText("text"))); }),
+    Record("Odd_LockUnconstructed()", [] { Lock(AsPicture(Instance())); }),
+    Record("Odd_LockWithoutDescription(extends p as picture)", LockWithoutDescription),
+    Record("Odd_UseContextAfterUnlock(extends p as picture)", UseContextAfterUnlock),
+
+    // With objects.
+    Record("Odd_UseAfterRelease()", [] { Lock(Released()); }),
+    Record("Odd_ReleaseTwice()", [] { Release(AsObject(Released())); }),
+    Record("Odd_ReleaseForeign(extends p as picture)", [](Picture* p) { Release(AsObject(p)); }),
+    Record("Odd_ReleaseNil()", [] { Release(nullptr); }),
+    Record("Odd_ReleaseWhileLocked()", ReleaseWhileLocked),
+    Record("Odd_ConstructTwice()", [] { Release(Construct(AsObject(New(2, 2)), 3, 3)); }),
+    Record("Odd_ConstructReleased()", ConstructReleased),
+    Record("Odd_ConstructEmpty()", [] { Release(Construct(Instance(), 0, 2)); }),
+    Record("Odd_AskWrongConstructor()", AskWrongConstructor),
+    Record("Odd_Abandon()", [] { Instance(); }),
+    Record("Odd_LeakPicture()", [] { New(2, 2); }),
+
+    // With what is asked for and told.
+    Record("Odd_AskMethodOfNil()", [] { ConstructorOf(nullptr); }),
+    Record("Odd_AskUnknownService()", [] { gResolver("REALUnknown"); }),
+    Record("Odd_AskUnknownClass()", [] { ClassNamed("movie"); }),
+    Record("Odd_InstanceOfNonsense()", [] { InstanceOf(Nonsense<REALclassRefStruct>()); }),
+    Record("Odd_BuildNegativeString()", [] { BuildText("text", -1); }),
+    Record("Odd_BuildStringOfNil()", [] { BuildText(nullptr, 1); }),
+    Record("Odd_ShowNonsense()", [] { Show(Nonsense<REALstringStruct>()); }),
+    Record("Odd_RegisterNil()", [] { RegisterModule(nullptr); }),
+    Record("Odd_RegisterAgain()", [] { RegisterModule(&gSecondModule); }),
+
+    // With results.
+    Record("Odd_ReturnArgument(extends p as picture) as picture", [](Picture* p) { return p; }),
+    Record("Odd_ReturnReleased() as picture", Released),
+    Record("Odd_ReturnUnconstructed() as picture", [] { return AsPicture(Instance()); }),
+    Record("Odd_ReturnString() as picture", [] { return AsPicture(BuildText("text")); }),
 };
 
 REALmoduleDefinition gModule = {kPluginInterfaceVersion, "Odd", gMethods, std::size(gMethods), {}};
 
 void Spoil(odd::LoadMisdeed misdeed) {
   REALmethodDefinition& method = gMethods[2];
-  switch (misdeed) {
-    case odd::kWrongModuleVersion:
-      gModule.version = 9;
-      break;
-    case odd::kNoModuleName:
-      gModule.name = nullptr;
-      break;
-    case odd::kNoMethods:
-      gModule.methodCount = 0;
-      break;
-    case odd::kModuleWordSet:
-      gModule.unused[9] = &gModule;
-      break;
-    case odd::kSetter:
-      method.setter = method.entry;
-      break;
-    case odd::kWrongFlags:
-      method.flags = 0x15;
-      break;
-    case odd::kMethodWordSet:
-      method.unused[1] = &gModule;
-      break;
-    case odd::kNoEntry:
-      method.entry = nullptr;
-      break;
-    case odd::kNoDeclaration:
-      method.declaration = nullptr;
-      break;
-    case odd::kMalformedDeclaration:
-      method.declaration = "Odd_Weigh(a as number)";
-      break;
-    case odd::kSameNameTwice:
-      method.declaration = "odd_NEXT() as integer";
-      break;
-    default:
-      break;
-  }
+  if (misdeed == odd::kWrongModuleVersion) gModule.version = 9;
+  if (misdeed == odd::kNoModuleName) gModule.name = nullptr;
+  if (misdeed == odd::kNoMethods) gModule.methodCount = 0;
+  if (misdeed == odd::kModuleWordSet) gModule.unused[9] = &gModule;
+  if (misdeed == odd::kSetter) method.setter = method.entry;
+  if (misdeed == odd::kWrongFlags) method.flags = 0x15;
+  if (misdeed == odd::kMethodWordSet) method.unused[1] = &gModule;
+  if (misdeed == odd::kNoEntry) method.entry = nullptr;
+  if (misdeed == odd::kNoDeclaration) method.declaration = nullptr;
+  if (misdeed == odd::kMalformedDeclaration) method.declaration = "Odd_Weigh(a as number)";
+  if (misdeed == odd::kSameNameTwice) method.declaration = "odd_NEXT() as integer";
 }
 
 }  // namespace
@@ -422,5 +389,5 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALResolv
   const int version = misdeed == odd::kWrongInterface ? 11 : static_cast<int>(kPluginInterfaceVersion);
   if (misdeed != odd::kNoInterface) Service<HostRegisterPluginVersion>("RegisterPluginVersion")(version);
   Spoil(misdeed);
-  if (auto* registerModule = Service<HostRegisterModule>("PluginRegisterModule")) registerModule(&gModule);
+  RegisterModule(&gModule);
 }

@@ -1,45 +1,8 @@
-// What the odd plug-in can be told to do wrong. It exists to show that the stand-in host notices.
+// What the odd plug-in can be told to do wrong while it is loaded. It exists to show that the
+// stand-in host notices; other misdeeds are methods of it.
 #pragma once
 
 namespace odd {
-
-/// For the method Misbehave(extends p as picture, misdeed as integer) as picture. Most act on p.
-enum Misdeed {
-  kLeaveLocked,
-  kYieldAndLeaveLocked,
-  kUnlockTwice,
-  kUnlockNonsense,
-  kLockNonsense,
-  kLockString,
-  kLockUnconstructed,
-  kLockWithoutDescription,
-  kUseContextAfterUnlock,
-  kUseAfterRelease,
-  kReleaseTwice,
-  kReleaseForeign,
-  kReleaseNil,
-  kReleaseWhileLocked,
-  kConstructTwice,
-  kConstructReleased,
-  kConstructEmpty,
-  kAskWrongConstructor,
-  kAskMethodOfNil,
-  kAskUnknownService,
-  kAskUnknownClass,
-  kInstanceOfNonsense,
-  kBuildNegativeString,
-  kBuildStringOfNil,
-  kShowNonsense,
-  kRegisterAgain,
-  kRegisterNil,
-  kReturnArgument,
-  kReturnReleased,
-  kReturnUnconstructed,
-  kReturnString,
-  kAbandon,
-  kLeakPicture,
-  kEndOuterLock,
-};
 
 /// What the plug-in does wrong while it is loaded: the host's version less kVersionOfLoadMisdeeds.
 constexpr double kVersionOfLoadMisdeeds = 5000;

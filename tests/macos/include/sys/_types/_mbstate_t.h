@@ -1,4 +1,0 @@
-// See math.h.
-#pragma once
-
-struct mbstate_t;

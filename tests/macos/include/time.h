@@ -1,4 +1,0 @@
-// See math.h.
-#pragma once
-
-using time_t = long;
