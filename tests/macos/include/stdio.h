@@ -1,13 +1,8 @@
-// See math.h.
+// The C library's own, but for the name of standard error on macOS.
 #pragma once
 
-#include <stddef.h>
+#include_next <stdio.h>
 
-extern "C" {
-struct FILE;
-extern FILE* __stderrp;
+#undef stderr
 #define stderr __stderrp
-int fprintf(FILE*, const char*, ...);
-int snprintf(char*, size_t, const char*, ...);
-int remove(const char*);  // overloads an algorithm of that name
-}
+extern "C" FILE* __stderrp;
