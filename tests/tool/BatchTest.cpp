@@ -8,7 +8,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -17,6 +16,7 @@
 
 #include "Files.h"
 #include "Process.h"
+#include "tests/support/Thrown.h"
 #include "tool/Errors.h"
 #include "tool/File.h"
 #include "tool/Interrupt.h"
@@ -28,7 +28,10 @@ using Strings = std::vector<std::string>;
 
 class BatchTest : public FileTest {
  protected:
-  BatchTest() { std::filesystem::create_directory(Path("out")); }
+  BatchTest() {
+    std::filesystem::create_directory(Path("out"));
+    WriteFile(bad_, Text("none"));
+  }
 
   // Waits for what another process does.
   static bool Becomes(const std::function<bool()>& condition) {
@@ -40,38 +43,25 @@ class BatchTest : public FileTest {
   }
   bool Exists(const std::string& name) const { return std::filesystem::exists(Path(name)); }
 
-  Strings NamesIn(const std::string& folder) const {
-    Strings names;
-    for (const auto& entry : std::filesystem::directory_iterator(Path(folder))) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
   void ExpectWrong(Strings arguments, const Strings& parts) {
     arguments.insert(arguments.begin(), "FlipRotate");
     const Ended ended = Lmx(arguments);
     EXPECT_EQ(ended.status, 2) << ended.error;
-    for (const std::string& part : parts) EXPECT_NE(ended.error.find(part), std::string::npos) << ended.error;
-    EXPECT_TRUE(NamesIn("out").empty());
+    for (const std::string& part : parts) EXPECT_PRED2(Contains, ended.error, part);
+    EXPECT_TRUE(Names("out").empty());
     EXPECT_FALSE(Exists("made"));
   }
 
   const std::string a_ = Given("a.png", SmallImage()), b_ = Given("b.png", OpaqueImage(5, 4));
-  const std::string bad_ = [this] {
-    WriteFile(Path("bad.png"), {'n', 'o', 'n', 'e'});
-    return Path("bad.png");
-  }();
+  const std::string bad_ = Path("bad.png");
 };
 
 TEST_F(BatchTest, AFolderGetsThePicturesUnderTheirNames) {
   WriteFile(Path("photo.JPG"), Jpeg(OpaqueImage(16, 16)));
   WriteFile(Path("odd.name"), Png(SmallImage()));
-  const Ended ended = Lmx({"FlipRotate", a_, Path("photo.JPG"), Path("odd.name"), "flip_h=1", "-o", Path("made/")});
-  EXPECT_EQ(ended.status, 0) << ended.error;
-  EXPECT_EQ(ended.error, "");
-  EXPECT_EQ(NamesIn("made"), (Strings{"a.png", "odd.png", "photo.JPG"}));
+  EXPECT_EQ(Lmx({"FlipRotate", a_, Path("photo.JPG"), Path("odd.name"), "flip_h=1", "-o", Path("made/")}),
+            (Ended{0, "", ""}));
+  EXPECT_EQ(Names("made"), (Strings{"a.png", "odd.png", "photo.JPG"}));
   EXPECT_EQ(Result("made/a.png").pixels[0], SmallImage().pixels[2]);
   EXPECT_EQ(Result("made/odd.png").pixels[0], SmallImage().pixels[2]);
   EXPECT_EQ(ReadFile(Path("made/photo.JPG"))[0], 0xFF);
@@ -79,17 +69,17 @@ TEST_F(BatchTest, AFolderGetsThePicturesUnderTheirNames) {
 
 TEST_F(BatchTest, AFolderThatExistsNeedsNoSlash) {
   EXPECT_EQ(Lmx({"FlipRotate", a_, b_, "-o", Path("out")}).status, 0);
-  EXPECT_EQ(NamesIn("out"), (Strings{"a.png", "b.png"}));
+  EXPECT_EQ(Names("out"), (Strings{"a.png", "b.png"}));
   EXPECT_EQ(Lmx({"FlipRotate", a_, "-o", Path("alone/")}).status, 0);
-  EXPECT_EQ(NamesIn("alone"), (Strings{"a.png"}));
+  EXPECT_EQ(Names("alone"), (Strings{"a.png"}));
 }
 
 TEST_F(BatchTest, PatternsMakeTheNames) {
   WriteFile(Path("c.jpg"), Jpeg(OpaqueImage(16, 16)));
   EXPECT_EQ(Lmx({"FlipRotate", a_, Path("c.jpg"), "-o", Path("out/{name}-{name}.{ext}")}).status, 0);
-  EXPECT_EQ(NamesIn("out"), (Strings{"a-a.png", "c-c.jpg"}));
+  EXPECT_EQ(Names("out"), (Strings{"a-a.png", "c-c.jpg"}));
   EXPECT_EQ(Lmx({"FlipRotate", a_, b_, "--format=jpeg", "-o", Path("out/{name}.{ext}")}).status, 0);
-  EXPECT_EQ(NamesIn("out"), (Strings{"a-a.png", "a.jpg", "b.jpg", "c-c.jpg"}));
+  EXPECT_EQ(Names("out"), (Strings{"a-a.png", "a.jpg", "b.jpg", "c-c.jpg"}));
 }
 
 TEST_F(BatchTest, APictureMayReplaceItself) {
@@ -98,18 +88,18 @@ TEST_F(BatchTest, APictureMayReplaceItself) {
 }
 
 TEST_F(BatchTest, FailuresAreListedAtTheEndAndTheOthersAreDone) {
-  const Ended ended = Lmx({"FlipRotate", bad_, a_, Path("missing.png"), b_, "rotation=180", "-o", Path("out/")});
-  EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "lmx: 2 of 4 pictures failed\n  " + bad_ + ": is neither a PNG nor a JPEG picture\n  " +
-                             Path("missing.png") + ": cannot open: No such file or directory\n");
-  EXPECT_EQ(NamesIn("out"), (Strings{"a.png", "b.png"}));
+  EXPECT_EQ(Lmx({"FlipRotate", bad_, a_, Path("missing.png"), b_, "rotation=180", "-o", Path("out/")}),
+            (Ended{1, "",
+                   "lmx: 2 of 4 pictures failed\n  " + bad_ + ": is neither a PNG nor a JPEG picture\n  " +
+                       Path("missing.png") + ": cannot open: No such file or directory\n"}));
+  EXPECT_EQ(Names("out"), (Strings{"a.png", "b.png"}));
 }
 
 TEST_F(BatchTest, AMethodThatFailsNamesThePicture) {
   const Ended ended = Lmx({"Trim", a_, b_, "width=0", "-o", Path("out/")});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_NE(ended.error.find("\n  " + a_ + ": LMX_Trim: "), std::string::npos) << ended.error;
-  EXPECT_TRUE(NamesIn("out").empty());
+  EXPECT_PRED2(Contains, ended.error, "\n  " + a_ + ": LMX_Trim: ");
+  EXPECT_TRUE(Names("out").empty());
 }
 
 TEST_F(BatchTest, ValuesComeInTheOrderOfThePicturesAndNotesOnce) {
@@ -117,7 +107,7 @@ TEST_F(BatchTest, ValuesComeInTheOrderOfThePicturesAndNotesOnce) {
   EXPECT_EQ(ended.out, a_ + ": red = 16, green = 32, blue = 48\n" + b_ + ": red = 0, green = 0, blue = 0\n");
   EXPECT_EQ(ended.error, "");
   ended = Lmx({"GetAverageRGB", a_, b_, "width=0", "height=0", "--json"});
-  EXPECT_EQ(ended.out.rfind("{\"picture\":\"" + a_ + "\",\"method\":", 0), 0u) << ended.out;
+  EXPECT_PRED2(StartsWith, ended.out, "{\"picture\":\"" + a_ + "\",\"method\":");
   ended = Lmx({"FlipRotate", a_, b_, "rotation=100", "-o", Path("out/")});
   EXPECT_EQ(ended.error, "lmx: note: rotation=100 counts as 90 in LMX_FlipRotate\n");
   ended = Lmx({"FlipRotate", a_, b_, "-v", "-o", Path("out/")});
@@ -145,7 +135,7 @@ TEST_F(BatchTest, WhatDoesNotSuitSeveralPictures) {
   for (const char* jobs : {"0", "1025", "many"}) ExpectWrong({a_, "-j", jobs, "-o", Path("made/")}, {"-j", jobs});
   const Ended made = Lmx({"MakeGradient", "-o", Path("made/")});
   EXPECT_EQ(made.status, 2);
-  EXPECT_NE(made.error.find("takes its names from picture files"), std::string::npos) << made.error;
+  EXPECT_PRED2(Contains, made.error, "takes its names from picture files");
 }
 
 TEST_F(BatchTest, OptionsForAFormatReachTheFilesThatHaveIt) {
@@ -160,27 +150,27 @@ TEST_F(BatchTest, OptionsForAFormatReachTheFilesThatHaveIt) {
 TEST_F(BatchTest, AFolderThatCannotBeMade) {
   const Ended ended = Lmx({"FlipRotate", a_, b_, "-o", Path("missing/deep/")});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_NE(ended.error.find("cannot make the folder"), std::string::npos) << ended.error;
+  EXPECT_PRED2(Contains, ended.error, "cannot make the folder");
 }
 
 TEST_F(BatchTest, AFullDiskKeepsTheOldFilesAndLeavesNoOthers) {
   const std::string large = Given("large.png", OpaqueImage(300, 200));
-  WriteFile(Path("out/large.png"), {'o', 'l', 'd'});
+  WriteFile(Path("out/large.png"), Text("old"));
   Surroundings full;
   full.largestFile = 1000;
-  const Ended ended = Lmx({"FlipRotate", large, a_, "-o", Path("out/")}, full);
-  EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "lmx: 1 of 2 pictures failed\n  " + large + ": " + Path("out/large.png") +
-                             ": cannot write: File too large\n");
-  EXPECT_EQ(NamesIn("out"), (Strings{"a.png", "large.png"}));
-  EXPECT_EQ(ReadFile(Path("out/large.png")), (Bytes{'o', 'l', 'd'}));
+  EXPECT_EQ(Lmx({"FlipRotate", large, a_, "-o", Path("out/")}, full),
+            (Ended{1, "",
+                   "lmx: 1 of 2 pictures failed\n  " + large + ": " + Path("out/large.png") +
+                       ": cannot write: File too large\n"}));
+  EXPECT_EQ(Names("out"), (Strings{"a.png", "large.png"}));
+  EXPECT_EQ(ReadFile(Path("out/large.png")), Text("old"));
 }
 
 TEST_F(BatchTest, ATerminalShowsOneLine) {
   Surroundings terminal;
   terminal.terminal = true;
   const Ended ended = Lmx({"FlipRotate", a_, b_, "-o", Path("out/"), "--jobs=1"}, terminal);
-  EXPECT_EQ(ended.error.rfind("\r\x1b[K0 of 2 pictures (Ctrl-C stops)", 0), 0u) << ended.error;
+  EXPECT_PRED2(StartsWith, ended.error, "\r\x1b[K0 of 2 pictures (Ctrl-C stops)");
   EXPECT_EQ(ended.error.substr(ended.error.size() - 4), "\r\x1b[K");
 }
 
@@ -197,9 +187,9 @@ TEST_F(BatchTest, SignalsStopAllWorkAndLeaveWhatIsDone) {
     const Ended stopped = Lmx({"FlipRotate", a_, b_, "-o", Path("out/"), "-j", "2"}, surroundings);
     EXPECT_EQ(stopped.status, end == SIGINT ? 130 : -1) << stopped.error;
     if (end == SIGINT) {
-      EXPECT_EQ(stopped.error.rfind("lmx: stopped after ", 0), 0u) << stopped.error;
+      EXPECT_PRED2(StartsWith, stopped.error, "lmx: stopped after ");
     }
-    EXPECT_EQ(NamesIn("out"), (Strings{"a.png", "b.png"}));
+    EXPECT_EQ(Names("out"), (Strings{"a.png", "b.png"}));
     std::filesystem::remove(Path("out/a.png"));
     std::filesystem::remove(Path("out/b.png"));
   }
@@ -208,10 +198,9 @@ TEST_F(BatchTest, SignalsStopAllWorkAndLeaveWhatIsDone) {
 TEST_F(BatchTest, CtrlCBeforeTheFirstPictureStopsAll) {
   Surroundings interrupted;
   interrupted.pendingInterrupt = true;
-  const Ended ended = Lmx({"FlipRotate", a_, b_, "-o", Path("out/")}, interrupted);
-  EXPECT_EQ(ended.status, 130);
-  EXPECT_EQ(ended.error, "lmx: stopped after 0 of 2 pictures\n");
-  EXPECT_TRUE(NamesIn("out").empty());
+  EXPECT_EQ(Lmx({"FlipRotate", a_, b_, "-o", Path("out/")}, interrupted),
+            (Ended{130, "", "lmx: stopped after 0 of 2 pictures\n"}));
+  EXPECT_TRUE(Names("out").empty());
 }
 
 // Each waits for the other, and the first ends last.
@@ -235,7 +224,7 @@ TEST_F(BatchTest, NoMoreThanSoManyWorkAtOnce) {
     WriteFile(mine, {});
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     tool::Told told;
-    told.out = NamesIn("out").size() <= 2 ? "." : "!";
+    told.out = Names("out").size() <= 2 ? "." : "!";
     std::filesystem::remove(mine);
     return told;
   });
@@ -260,13 +249,10 @@ TEST_F(BatchTest, AProcessThatEndsBadlyIsAFailure) {
     if (i == 1) throw std::runtime_error("lost");
     return tool::Told{"fine", {}, ""};
   };
-  try {
-    tool::RunBatch({"a", "b", "c"}, 2, out, work);
-    ADD_FAILURE() << "no failure";
-  } catch (const tool::Failure& failure) {
-    EXPECT_EQ(failure.what(), std::string("2 of 3 pictures failed\n  a: its process was ended: Killed\n"
-                                          "  b: its process has told nothing"));
-  }
+  EXPECT_EQ(ThrownBy<tool::Failure>([&] {
+              tool::RunBatch({"a", "b", "c"}, 2, out, work);
+            }),
+            "2 of 3 pictures failed\n  a: its process was ended: Killed\n  b: its process has told nothing");
   EXPECT_EQ(out.str(), "fine");
 }
 
@@ -295,9 +281,9 @@ TEST_F(BatchTest, NoWorkerOrFileOutlivesTheBatch) {
     EXPECT_TRUE(Exists("begun"));
     std::filesystem::remove(Path("begun"));
     if (end == SIGTERM) {
-      EXPECT_TRUE(NamesIn("out").empty()) << "the batch has not waited";
+      EXPECT_TRUE(Names("out").empty()) << "the batch has not waited";
     }
-    EXPECT_TRUE(Becomes([&] { return NamesIn("out").empty(); }));
+    EXPECT_TRUE(Becomes([&] { return Names("out").empty(); }));
   }
 }
 

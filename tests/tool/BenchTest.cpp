@@ -3,7 +3,6 @@
 
 #include <regex>
 #include <set>
-#include <sstream>
 
 #include "Files.h"
 #include "Process.h"
@@ -12,13 +11,6 @@ namespace tool_test {
 namespace {
 
 using BenchTest = FileTest;
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::istringstream stream(text);
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
 
 // Operations that stand for all methods on pictures, and for those that make one.
 const std::vector<std::string> kSome = {"flip horizontal", "turn 90",     "shear vertical 0.3", "rotate 30",
@@ -72,7 +64,7 @@ TEST_F(BenchTest, NeedsAPictureThatCanBeRead) {
   const Ended ended = Lmx({"bench", Path("missing.png")});
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(ended.out, "");
-  EXPECT_NE(ended.error.find("missing.png"), std::string::npos) << ended.error;
+  EXPECT_PRED2(Contains, ended.error, "missing.png");
 }
 
 }  // namespace

@@ -205,8 +205,7 @@ TEST_F(CallTest, NaNIsAResult) {
   EXPECT_EQ(Lmx({"GetAverageHSV", grey}).out, "hue_degrees = NaN, saturation = 0, brightness = 0.5\n");
   const Ended ended = Lmx({"GetAverageHSV", grey, "--json"});
   EXPECT_EQ(ended.status, 0);
-  EXPECT_NE(ended.out.find(R"("results":{"hue_degrees":null,"saturation":0,"brightness":0.5})"), std::string::npos)
-      << ended.out;
+  EXPECT_PRED2(Contains, ended.out, R"("results":{"hue_degrees":null,"saturation":0,"brightness":0.5})");
 }
 
 TEST_F(CallTest, MeasuringPassesThePictureOn) {
@@ -218,9 +217,8 @@ TEST_F(CallTest, MeasuringPassesThePictureOn) {
 }
 
 TEST_F(CallTest, AChainMayEndInAMeasurementAlone) {
-  const Ended ended = Lmx({"FlipRotate", small_, "rotation=180", "+", "GetAverageRGB", "width=0", "height=0"});
-  EXPECT_EQ(ended.status, 0) << ended.error;
-  EXPECT_EQ(ended.out, "red = 10, green = 20, blue = 30\n");
+  EXPECT_EQ(Lmx({"FlipRotate", small_, "rotation=180", "+", "GetAverageRGB", "width=0", "height=0"}),
+            (Ended{0, "red = 10, green = 20, blue = 30\n", ""}));
   EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
 }
 
@@ -254,11 +252,10 @@ TEST_F(CallTest, SumsThatDoNotFitAreTold) {
   const Ended wraps = measured("height=21932", "GetAverageRGB", "left=0");
   EXPECT_EQ(wraps.status, 0);
   EXPECT_EQ(wraps.out, "red = -254, green = 0, blue = 0\n");
-  EXPECT_EQ(wraps.error.rfind("lmx: warning: red adds up to 2147581440, and LMX_GetAverageRGB counts to 2147483647", 0),
-            0u)
-      << wraps.error;
+  EXPECT_PRED2(StartsWith, wraps.error,
+               "lmx: warning: red adds up to 2147581440, and LMX_GetAverageRGB counts to 2147483647");
   EXPECT_EQ(wraps.error.find("green"), std::string::npos);
-  EXPECT_NE(measured("height=21932", "GetAverageHSV", "left=0").error.find("LMX_GetAverageHSV"), std::string::npos);
+  EXPECT_PRED2(Contains, measured("height=21932", "GetAverageHSV", "left=0").error, "LMX_GetAverageHSV");
   EXPECT_EQ(measured("height=21932", "GetAverageRGB", "left=1").error, "");
 }
 
@@ -278,9 +275,7 @@ TEST_F(CallTest, ReportingMethodsPrintWhatTheyReturn) {
   EXPECT_EQ(Lmx({"GetErrorMessage", "errorCode=-1"}).out, "Unknown Error\n");
   EXPECT_EQ(Lmx({"GetLastError"}).out, "0\n");
   const std::string json = Lmx({"GetErrorMessage", "errorCode=31", "--json"}).out;
-  EXPECT_NE(json.find(R"("results":{"result":"Rotate Error: \"rotation\" parameter is out of bounds"})"),
-            std::string::npos)
-      << json;
+  EXPECT_PRED2(Contains, json, R"("results":{"result":"Rotate Error: \"rotation\" parameter is out of bounds"})");
 }
 
 TEST_F(CallTest, FailuresShowThePluginsMessage) {
@@ -316,11 +311,11 @@ TEST_F(CallTest, FailuresTellTheRangeOfWhatWasTyped) {
 TEST_F(CallTest, FailuresOfMethodsWithoutAPictureResultCountToo) {
   const Ended ended = Lmx({"AdjustRGB_InPlace", small_, "red_delta=256", "-o", Path("out.png")});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_NE(ended.error.find("Color Error: red parameter out of bounds"), std::string::npos) << ended.error;
+  EXPECT_PRED2(Contains, ended.error, "Color Error: red parameter out of bounds");
   const Ended measured = Lmx({"GetAverageRGB", small_, "left=2", "width=-2"});
   EXPECT_EQ(measured.status, 1);
   EXPECT_EQ(measured.out, "");
-  EXPECT_NE(measured.error.find("Color Error: invalid selection"), std::string::npos) << measured.error;
+  EXPECT_PRED2(Contains, measured.error, "Color Error: invalid selection");
 }
 
 TEST_F(CallTest, ScriptsGetFailuresTooAndNoStepFollows) {
@@ -334,7 +329,7 @@ TEST_F(CallTest, ScriptsGetFailuresTooAndNoStepFollows) {
 TEST_F(CallTest, NoPictureWithoutACodeIsAFailure) {
   const Ended ended = Lmx({"ShearHorizontal", small_, "shear=0.5", "width=0", "-o", Path("out.png")});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_NE(ended.error.find("LMX_ShearHorizontal returned no picture"), std::string::npos) << ended.error;
+  EXPECT_PRED2(Contains, ended.error, "LMX_ShearHorizontal returned no picture");
   EXPECT_EQ(Names(), std::vector<std::string>{"small.png"});
 }
 

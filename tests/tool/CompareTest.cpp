@@ -62,11 +62,11 @@ TEST_F(CompareTest, ThePictureOfTheDifferenceShowsTheLargestInFull) {
 TEST_F(CompareTest, ToleranceIsForEveryChannel) {
   Ended ended = Lmx({"compare", a_, b_, "--tolerance=127"});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.out.rfind("2 of 12 pixels differ by more than 127\nred by up to 128", 0), 0u) << ended.out;
+  EXPECT_PRED2(StartsWith, ended.out, "2 of 12 pixels differ by more than 127\nred by up to 128");
   ended = Lmx({"compare", a_, b_, "--tolerance", "128"});
   EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(ended.out.rfind("0 of 12 pixels differ by more than 128: the pictures count as equal\n", 0), 0u);
-  EXPECT_NE(Lmx({"compare", a_, b_, "--tolerance=128", "--json"}).out.find("{\"equal\":true,"), std::string::npos);
+  EXPECT_PRED2(StartsWith, ended.out, "0 of 12 pixels differ by more than 128: the pictures count as equal\n");
+  EXPECT_PRED2(Contains, Lmx({"compare", a_, b_, "--tolerance=128", "--json"}).out, "{\"equal\":true,");
 }
 
 TEST_F(CompareTest, ColoursOfClearPixelsDoNotCount) {
@@ -87,7 +87,7 @@ TEST_F(CompareTest, SizesThatDiffer) {
             "{\"equal\":false,\"widths\":[4,5],\"heights\":[3,3],\"pixels\":null}\n");
   ended = Lmx({"compare", a_, wide, "-o", Path("out.png")});
   EXPECT_EQ(ended.status, 2);
-  EXPECT_NE(ended.error.find("out.png"), std::string::npos) << ended.error;
+  EXPECT_PRED2(Contains, ended.error, "out.png");
 }
 
 // 1 would mean that the pictures differ.
@@ -110,11 +110,11 @@ TEST_F(CompareTest, TroubleIsStatusTwo) {
     words.insert(words.begin(), "compare");
     const Ended ended = Lmx(words);
     EXPECT_EQ(ended.status, 2) << testing::PrintToString(words);
-    EXPECT_EQ(ended.error.rfind("lmx: ", 0), 0u) << ended.error;
+    EXPECT_PRED2(StartsWith, ended.error, "lmx: ");
   }
   const Ended elsewhere = Lmx({"FlipRotate", a_, "--tolerance=1", "-o", Path("out.png")});
   EXPECT_EQ(elsewhere.status, 2);
-  EXPECT_NE(elsewhere.error.find("--tolerance is for `compare`"), std::string::npos) << elsewhere.error;
+  EXPECT_PRED2(Contains, elsewhere.error, "--tolerance is for `compare`");
   EXPECT_EQ(Names(), (std::vector<std::string>{"a.png", "b.png"}));
 }
 

@@ -26,10 +26,7 @@ Texts Printed(const std::string& command) {
   std::string text;
   for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) text += static_cast<char>(c);
   EXPECT_EQ(pclose(pipe), 0) << command;
-  Texts lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
+  return Lines(text);
 }
 
 class Completion : public FileTest {
@@ -45,8 +42,8 @@ class Completion : public FileTest {
   // What the shell prints for these lines, in the test's folder, where the script is.
   Texts Run(const std::string& shell, const std::string& lines) {
     const std::string script = ScriptFor(shell);
-    WriteFile(Path("script"), Bytes(script.begin(), script.end()));
-    WriteFile(Path("lines"), Bytes(lines.begin(), lines.end()));
+    WriteFile(Path("script"), Text(script));
+    WriteFile(Path("lines"), Text(lines));
     return Printed("cd '" + Path("") + "' && HOME=. XDG_CONFIG_HOME=. " + shell + " ./lines");
   }
 
@@ -189,9 +186,7 @@ TEST_F(Completion, FishOffersWhatIsDeclared) {
 
 TEST_F(Completion, IsWhatLmxPrints) {
   for (const std::string& shell : tool::Shells()) {
-    const Ended ended = Lmx({"completion", shell});
-    EXPECT_EQ(ended.status, 0) << ended.error;
-    EXPECT_EQ(ended.out, ScriptFor(shell));
+    EXPECT_EQ(Lmx({"completion", shell}), (Ended{0, ScriptFor(shell), ""}));
   }
   EXPECT_EQ(Lmx({"completion"}).status, 2);
   EXPECT_EQ(Lmx({"completion", "csh"}).error, "lmx: there is no completion for `csh`, but for bash zsh fish\n");

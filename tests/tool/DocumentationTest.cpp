@@ -7,6 +7,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "Process.h"
 #include "host/Host.h"
 #include "tool/Errors.h"
 #include "tool/Help.h"
@@ -16,34 +17,30 @@
 
 namespace {
 
+using tool_test::Contains;
+
 class DocumentationTest : public testing::Test {
  protected:
   DocumentationTest() { plugin_.Load(LMX_LIBRARY); }
   host::Host plugin_;
 };
 
-TEST_F(DocumentationTest, EveryMethodHasAnEntry) {
+TEST_F(DocumentationTest, EveryMethodHasAnEntryWithItsArgumentsInTheDeclaredOrder) {
   ASSERT_FALSE(plugin_.Methods().empty());
   for (const host::Method& method : plugin_.Methods()) {
+    SCOPED_TRACE(method.name);
     const tool::MethodText* text = tool::FindDocumentation(method.name);
-    ASSERT_NE(text, nullptr) << method.name;
+    ASSERT_NE(text, nullptr);
     EXPECT_EQ(text->name, method.name);
-    EXPECT_FALSE(text->summary.empty()) << method.name;
-    EXPECT_EQ(text->summary.find('\n'), std::string::npos) << method.name;
-  }
-}
-
-TEST_F(DocumentationTest, EveryArgumentHasAnEntryInTheDeclaredOrder) {
-  for (const host::Method& method : plugin_.Methods()) {
-    const tool::MethodText* text = tool::FindDocumentation(method.name);
-    ASSERT_NE(text, nullptr) << method.name;
+    EXPECT_FALSE(text->summary.empty());
+    EXPECT_EQ(text->summary.find('\n'), std::string::npos);
     std::vector<std::string> declared, documented;
     for (const host::Parameter& parameter : method.parameters) declared.push_back(parameter.name);
     for (const tool::ArgumentText& argument : text->arguments) {
       documented.push_back(argument.name);
-      EXPECT_FALSE(argument.meaning.empty()) << method.name << " " << argument.name;
+      EXPECT_FALSE(argument.meaning.empty()) << argument.name;
     }
-    EXPECT_EQ(documented, declared) << method.name;
+    EXPECT_EQ(documented, declared);
   }
 }
 
@@ -57,15 +54,16 @@ TEST_F(DocumentationTest, NoEntryIsLeftOver) {
 TEST_F(DocumentationTest, FallbacksAreValuesOfTheDeclaredTypeAndResultsHaveNone) {
   for (const host::Method& method : plugin_.Methods()) {
     for (const host::Parameter& parameter : method.parameters) {
+      SCOPED_TRACE(method.name + " " + parameter.name);
       const tool::ArgumentText* text = tool::FindDocumentation(method.name)->Find(parameter.name);
-      ASSERT_NE(text, nullptr) << method.name << " " << parameter.name;
+      ASSERT_NE(text, nullptr);
       if (parameter.byRef || tool::IsPicture(parameter)) {
-        EXPECT_EQ(text->fallback.text, nullptr) << method.name << " " << parameter.name;
+        EXPECT_EQ(text->fallback.text, nullptr);
       } else if (text->fallback.compute != nullptr) {
-        EXPECT_EQ(parameter.type, host::Type::Integer) << method.name << " " << parameter.name;
-        EXPECT_NE(text->fallback.text, nullptr) << method.name << " " << parameter.name;
+        EXPECT_EQ(parameter.type, host::Type::Integer);
+        EXPECT_NE(text->fallback.text, nullptr);
       } else if (text->fallback.text != nullptr) {
-        EXPECT_NO_THROW(tool::ParseValue(parameter.type, text->fallback.text)) << method.name << " " << parameter.name;
+        EXPECT_NO_THROW(tool::ParseValue(parameter.type, text->fallback.text));
       }
     }
   }
@@ -145,8 +143,8 @@ TEST(Help, ShowsAMethodThatHasNoEntry) {
   const host::Method method = host::ParseDeclaration("Other(extends p as picture, weight as double) as picture");
   std::ostringstream out;
   tool::WriteMethodHelp(out, method);
-  EXPECT_NE(out.str().find("Other(extends p as picture, weight as double) as picture"), std::string::npos);
-  EXPECT_NE(out.str().find("(needed)"), std::string::npos);
+  EXPECT_PRED2(Contains, out.str(), "Other(extends p as picture, weight as double) as picture");
+  EXPECT_PRED2(Contains, out.str(), "(needed)");
 }
 
 }  // namespace

@@ -21,17 +21,13 @@
 namespace tool_test {
 namespace {
 
-Bytes Text(const std::string& text) {
-  return Bytes(text.begin(), text.end());
-}
-
 // A PNG whose header claims another size.
 Bytes Claiming(std::uint32_t width, std::uint32_t height) {
+  Bytes size;
+  AppendNumber(size, width);
+  AppendNumber(size, height);
   Bytes bytes = Png(SmallImage());
-  for (std::size_t i = 0; i < 4; ++i) {
-    bytes[16 + i] = static_cast<unsigned char>(width >> (24 - 8 * i));
-    bytes[20 + i] = static_cast<unsigned char>(height >> (24 - 8 * i));
-  }
+  std::copy(size.begin(), size.end(), bytes.begin() + 16);
   return bytes;
 }
 
@@ -43,8 +39,8 @@ class HostileFileTest : public FileTest {
   void ExpectRefused(const std::string& path, const std::string& why) {
     const Ended ended = Lmx({"FlipRotate", path, "-o", Path("out.png")});
     EXPECT_EQ(ended.status, 1) << path << ended.error;
-    EXPECT_EQ(ended.error.rfind("lmx: " + path + ": ", 0), 0u) << ended.error;
-    EXPECT_NE(ended.error.find(why), std::string::npos) << ended.error;
+    EXPECT_PRED2(StartsWith, ended.error, "lmx: " + path + ": ");
+    EXPECT_PRED2(Contains, ended.error, why);
     EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
   }
 
@@ -68,18 +64,11 @@ TEST_F(HostileFileTest, PipeWithoutWriter) {
   ExpectRefused(Path("pipe.png"), "ordinary");
 }
 
-TEST_F(HostileFileTest, EmptyFile) {
+TEST_F(HostileFileTest, FilesOfOtherKinds) {
   ExpectRefused(Hostile({}), "empty");
-}
-
-TEST_F(HostileFileTest, Text) {
-  ExpectRefused(Hostile(tool_test::Text("This is not a picture, whatever its name says.\n")),
-                "neither a PNG nor a JPEG");
-}
-
-TEST_F(HostileFileTest, PicturesOfOtherKinds) {
-  ExpectRefused(Hostile(tool_test::Text("GIF89a\x01")), "neither a PNG nor a JPEG");
-  ExpectRefused(Hostile(tool_test::Text("P6 1 1 255 abc")), "neither a PNG nor a JPEG");
+  for (const char* text : {"This is not a picture, whatever its name says.\n", "GIF89a\x01", "P6 1 1 255 abc"}) {
+    ExpectRefused(Hostile(Text(text)), "neither a PNG nor a JPEG");
+  }
 }
 
 TEST_F(HostileFileTest, TruncatedPng) {
@@ -116,24 +105,11 @@ TEST_F(HostileFileTest, AJpegWithoutAScanIsTheSamePictureEveryTime) {
 }
 
 // A square PNG of one channel, 8 bits a pixel.
-Bytes OneChannelPng(unsigned char side, unsigned char colourType, unsigned char interlace, const Bytes& palette,
-                    const Bytes& packed) {
-  Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-  const auto word = [&](std::size_t value) {
-    for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<unsigned char>(value >> shift));
-  };
-  const auto chunk = [&](const std::string& type, const Bytes& data) {
-    Bytes named(type.begin(), type.end());
-    named.insert(named.end(), data.begin(), data.end());
-    word(data.size());
-    bytes.insert(bytes.end(), named.begin(), named.end());
-    word(Checksum(named));
-  };
-  chunk("IHDR", {0, 0, 0, side, 0, 0, 0, side, 8, colourType, 0, 0, interlace});
-  if (!palette.empty()) chunk("PLTE", palette);
-  chunk("IDAT", packed);
-  chunk("IEND", {});
-  return bytes;
+Bytes OneChannelPng(int side, unsigned kind, bool interlaced, const Bytes& palette, const Bytes& packed) {
+  PngMaker maker;
+  maker.Header(side, side, 8, kind, interlaced);
+  if (!palette.empty()) maker.Chunk("PLTE", palette);
+  return maker.Chunk("IDAT", packed).Chunk("IEND", {}).bytes;
 }
 
 // Bits of a deflate stream. Codes come with their highest bit first, everything else with the
@@ -166,13 +142,13 @@ TEST_F(HostileFileTest, APngWhosePixelsAreMissingIsRefused) {
   packed.Bits(1, 1).Bits(1, 2);                          // one block, with the codes that are always the same
   for (int i = 0; i < 72; ++i) packed.Code(0x30, 8);     // 0
   packed.Code(5, 7).Code(30, 5).Code(0, 7).Bits(0, 16);  // 7 bytes, distance 30, which is none; the end
-  ExpectRefused(Hostile(OneChannelPng(8, 0, 1, {}, packed.bytes)), "its pixels cannot be unpacked");
+  ExpectRefused(Hostile(OneChannelPng(8, 0, true, {}, packed.bytes)), "its pixels cannot be unpacked");
 }
 
 TEST_F(HostileFileTest, PixelsBeyondThePaletteAreBlack) {
   const auto picture = [](const Bytes& palette) {
     // Two rows, not packed, and their checksum.
-    return OneChannelPng(2, 3, 0, palette,
+    return OneChannelPng(2, 3, false, palette,
                          {0x78, 0x01, 1, 6, 0, 0xF9, 0xFF, 0, 0, 1, 0, 2, 255, 0x01, 0x0D, 0x01, 0x03});
   };
   const auto opaque = [](std::initializer_list<std::uint32_t> colours) {
@@ -185,29 +161,21 @@ TEST_F(HostileFileTest, PixelsBeyondThePaletteAreBlack) {
   EXPECT_EQ(tool::ReadPicture(Hostile(picture(two))).pixels, opaque({0x010203, 0x040506, 0, 0}));
   const Bytes whole(768, 9);
   EXPECT_EQ(tool::ReadPicture(Hostile(picture(whole))).pixels, opaque({0x090909, 0x090909, 0x090909, 0x090909}));
-  const auto with = [&](std::ptrdiff_t at, Bytes chunk) {
-    const std::uint32_t checksum = Checksum(Bytes(chunk.begin() + 4, chunk.end()));
-    for (const int shift : {24, 16, 8, 0}) chunk.push_back(static_cast<unsigned char>(checksum >> shift));
-    Bytes bytes = picture(one);
-    bytes.insert(bytes.begin() + at, chunk.begin(), chunk.end());
-    return bytes;
+  const auto with = [&](std::size_t at, const std::string& type, const Bytes& data) {
+    return Inserted(picture(one), at, PngChunk(type, data));
   };
-  ExpectRefused(Hostile(with(33, {0, 0, 0, 3, 'P', 'L', 'T', 'E', 1, 2, 3})), "two palettes");
-  ExpectRefused(Hostile(with(33 + 15, {0, 0, 0, 2, 't', 'R', 'N', 'S', 1, 2})), "does not suit");
+  ExpectRefused(Hostile(with(PngMaker::kHeaderEnd, "PLTE", {1, 2, 3})), "two palettes");
+  ExpectRefused(Hostile(with(PngMaker::kHeaderEnd + 15, "tRNS", {1, 2})), "does not suit");
   ExpectRefused(Hostile(picture({1, 2})), "damaged");
   ExpectRefused(Hostile(picture(Bytes(771, 9))), "damaged");
 }
 
 // Where addresses have 32 bits, the end of such a chunk would lie before its start.
 TEST_F(HostileFileTest, PngWithAChunkThatIsLongerThanTheFile) {
-  constexpr std::ptrdiff_t kBehindHeader = 33;
   for (const int high : {0x00, 0x60, 0x7F, 0xFF}) {
     for (const char* type : {"tEXt", "IDAT", "CgBI"}) {
-      Bytes bytes = Png(SmallImage());
-      Bytes chunk = {static_cast<unsigned char>(high), 0xFF, 0xFF, 0xF0};
-      chunk.insert(chunk.end(), type, type + 4);
-      bytes.insert(bytes.begin() + kBehindHeader, chunk.begin(), chunk.end());
-      ExpectRefused(Hostile(bytes), "ends too early");
+      const Bytes head = Inserted({static_cast<unsigned char>(high), 0xFF, 0xFF, 0xF0}, 4, Text(type));
+      ExpectRefused(Hostile(Inserted(Png(SmallImage()), PngMaker::kHeaderEnd, head)), "ends too early");
     }
   }
 }
@@ -222,11 +190,8 @@ TEST_F(HostileFileTest, PngThatEndsWithinTheHeadOfAChunk) {
 }
 
 TEST_F(HostileFileTest, PngWhosePixelsBeginWithAnEmptyChunk) {
-  constexpr std::ptrdiff_t kBehindHeader = 33;
-  constexpr unsigned char kEmpty[] = {0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
-  Bytes bytes = Png(SmallImage());
-  bytes.insert(bytes.begin() + kBehindHeader, std::begin(kEmpty), std::end(kEmpty));
-  EXPECT_EQ(tool::ReadPicture(Hostile(bytes)).pixels, SmallImage().pixels);
+  const Bytes png = Inserted(Png(SmallImage()), PngMaker::kHeaderEnd, PngChunk("IDAT", {}));
+  EXPECT_EQ(tool::ReadPicture(Hostile(png)).pixels, SmallImage().pixels);
 }
 
 TEST_F(HostileFileTest, PngWithBytesBehindItsEnd) {
@@ -250,9 +215,7 @@ const Bytes kOversizedTable = {0xFF, 0xC4, 0x00, 0x13, 0x00, 0xFF, 0xFF, 0xFF, 0
                                0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
 Bytes JpegWith(const Bytes& inserted, std::size_t at) {
-  Bytes bytes = Jpeg(OpaqueImage(19, 11));
-  bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(at), inserted.begin(), inserted.end());
-  return bytes;
+  return Inserted(Jpeg(OpaqueImage(19, 11)), at, inserted);
 }
 
 TEST_F(HostileFileTest, OversizedTablesOfAJpeg) {
@@ -261,16 +224,14 @@ TEST_F(HostileFileTest, OversizedTablesOfAJpeg) {
   ExpectRefused(Hostile(JpegWith(kOversizedTable, 2)), why);     // the first segment
   ExpectRefused(Hostile(JpegWith(kOversizedTable, 20)), why);    // after the first one
   ExpectRefused(Hostile(JpegWith(kOversizedTable, scan)), why);  // between scans
-  Bytes padded = {0, 0};
-  padded.insert(padded.end(), kOversizedTable.begin(), kOversizedTable.end());
-  ExpectRefused(Hostile(JpegWith(padded, 20)), why);  // after bytes that belong to no segment
+  ExpectRefused(Hostile(JpegWith(Inserted({0, 0}, 2, kOversizedTable), 20)),
+                why);  // after bytes that belong to no segment
 }
 
 // What programs keep in a JPEG can look like anything.
 TEST_F(HostileFileTest, TablesInACommentAreNone) {
-  Bytes comment = {0xFF, 0xFE, 0x00, static_cast<unsigned char>(2 + kOversizedTable.size())};
-  comment.insert(comment.end(), kOversizedTable.begin(), kOversizedTable.end());
-  const Ended ended = Lmx({"GetAverageRGB", Hostile(JpegWith(comment, 20))});
+  const Bytes head = {0xFF, 0xFE, 0x00, static_cast<unsigned char>(2 + kOversizedTable.size())};
+  const Ended ended = Lmx({"GetAverageRGB", Hostile(JpegWith(Inserted(head, 4, kOversizedTable), 20))});
   EXPECT_EQ(ended.status, 0) << ended.error;
 }
 
@@ -284,6 +245,12 @@ TEST_F(HostileFileTest, DamageAnywhereNeverCrashes) {
     const Ended ended = Lmx({"GetAverageRGB", Path("in.png")});
     EXPECT_TRUE(ended.status == 0 || ended.status == 1) << "round " << round << ": " << ended.error;
   }
+}
+
+struct stat StatusOf(const std::string& path) {
+  struct stat status = {};
+  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  return status;
 }
 
 class OutputTest : public FileTest {
@@ -310,7 +277,7 @@ TEST_F(OutputTest, SurvivesAFullDisk) {
   full.largestFile = 1000;
   const Ended ended = Lmx({"FlipRotate", large, "-o", Path("out.png")}, full);
   EXPECT_EQ(ended.status, 1);
-  EXPECT_NE(ended.error.find("cannot write"), std::string::npos) << ended.error;
+  EXPECT_PRED2(Contains, ended.error, "cannot write");
   EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
   EXPECT_EQ(Names(), (std::vector<std::string>{"large.png", "out.png", "small.png"}));
 }
@@ -320,16 +287,14 @@ TEST_F(OutputTest, FoldersAreNoOutput) {
   for (const std::string& path : {Path("out.png"), Path("missing/out.png"), small_ + "/out.png"}) {
     const Ended ended = Lmx({"FlipRotate", small_, "-o", path});
     EXPECT_EQ(ended.status, 1) << path;
-    EXPECT_EQ(ended.error.rfind("lmx: ", 0), 0u) << ended.error;
+    EXPECT_PRED2(StartsWith, ended.error, "lmx: ");
   }
   EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
 }
 
 TEST_F(OutputTest, DevicesAreWrittenDirectly) {
   EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", "/dev/null"}).status, 0);
-  struct stat status = {};
-  ASSERT_EQ(stat("/dev/null", &status), 0);
-  EXPECT_TRUE(S_ISCHR(status.st_mode));
+  EXPECT_TRUE(S_ISCHR(StatusOf("/dev/null").st_mode));
   EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", "/dev/full"}).status, 1);
   EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", "/dev/stdout"}).out.substr(1, 3), "PNG");
 }
@@ -341,9 +306,7 @@ TEST_F(OutputTest, LinksAndPermissionsStay) {
   EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", Path("link.png")}).status, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(Path("link.png")));
   EXPECT_EQ(Result("real.png").pixels, SmallImage().pixels);
-  struct stat status = {};
-  ASSERT_EQ(stat(Path("real.png").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0640u);
+  EXPECT_EQ(StatusOf(Path("real.png")).st_mode & 0777, 0640u);
 }
 
 // As a user who may not write it, but who may replace everything in the folder.
@@ -378,8 +341,7 @@ TEST_F(OutputTest, TheOwnerStaysWhereTheUserMayGiveFilesAway) {
   ASSERT_EQ(chmod(Path("out.png").c_str(), 04750), 0);
   EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", Path("out.png")}).status, 0);
   EXPECT_EQ(Result("out.png").pixels, SmallImage().pixels);
-  struct stat status = {};
-  ASSERT_EQ(stat(Path("out.png").c_str(), &status), 0);
+  const struct stat status = StatusOf(Path("out.png"));
   EXPECT_EQ(status.st_uid, kOwner);
   EXPECT_EQ(status.st_gid, kGroup);
   EXPECT_EQ(status.st_mode & 07777, 04750u);
@@ -398,8 +360,7 @@ TEST_F(OutputTest, WithoutTheOwnerAFileGivesNobodyItsRights) {
     tool::WritePicture(path, SmallImage());
   });
   EXPECT_EQ(ended, 0);
-  struct stat status = {};
-  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  const struct stat status = StatusOf(path);
   EXPECT_EQ(status.st_uid, kNobody);
   EXPECT_EQ(status.st_mode & 07777, 0706u);
 }
@@ -408,9 +369,7 @@ TEST_F(OutputTest, NewFilesHaveOrdinaryPermissions) {
   EXPECT_EQ(Lmx({"FlipRotate", small_, "-o", Path("out.png")}).status, 0);
   const mode_t mask = umask(0);
   umask(mask);
-  struct stat status = {};
-  ASSERT_EQ(stat(Path("out.png").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0666u & ~mask);
+  EXPECT_EQ(StatusOf(Path("out.png")).st_mode & 0777, 0666u & ~mask);
 }
 
 TEST_F(OutputTest, AFullStandardOutputIsAFailure) {

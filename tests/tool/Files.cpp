@@ -1,6 +1,7 @@
 #include "Files.h"
 
 #include <stdlib.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -40,13 +41,49 @@ Bytes Jpeg(const tool::Image& image) {
   return bytes;
 }
 
-std::uint32_t Checksum(const Bytes& bytes) {
-  std::uint32_t crc = 0xFFFFFFFF;
-  for (const unsigned char byte : bytes) {
-    crc ^= byte;
-    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (0xEDB88320 & (0 - (crc & 1)));
+tool::Image Decoded(const Bytes& png, int* channels) {
+  tool::Image image;
+  const std::unique_ptr<unsigned char, void (*)(void*)> decoded(
+      stbi_load_from_memory(png.data(), static_cast<int>(png.size()), &image.width, &image.height, channels, 4),
+      stbi_image_free);
+  if (!decoded) return {};
+  const std::size_t count = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
+  for (const unsigned char* p = decoded.get(); image.pixels.size() < count; p += 4) {
+    image.pixels.push_back(std::uint32_t{p[3]} << 24 | std::uint32_t{p[0]} << 16 | std::uint32_t{p[1]} << 8 | p[2]);
   }
-  return ~crc;
+  return image;
+}
+
+Bytes Inserted(Bytes file, std::size_t at, const Bytes& part) {
+  file.insert(file.begin() + static_cast<std::ptrdiff_t>(at), part.begin(), part.end());
+  return file;
+}
+
+void AppendNumber(Bytes& bytes, std::uint32_t number) {
+  for (const int shift : {24, 16, 8, 0}) bytes.push_back(static_cast<unsigned char>(number >> shift));
+}
+
+Bytes PngChunk(const std::string& type, const Bytes& data) {
+  Bytes chunk;
+  AppendNumber(chunk, static_cast<std::uint32_t>(data.size()));
+  chunk = Inserted(Inserted(chunk, 4, Text(type)), 8, data);
+  AppendNumber(chunk, static_cast<std::uint32_t>(crc32(0, chunk.data() + 4, static_cast<uInt>(chunk.size() - 4))));
+  return chunk;
+}
+
+PngMaker& PngMaker::Chunk(const std::string& type, const Bytes& data) {
+  starts.push_back(bytes.size() + 4);
+  bytes = Inserted(bytes, bytes.size(), PngChunk(type, data));
+  return *this;
+}
+
+PngMaker& PngMaker::Header(int width, int height, unsigned depth, unsigned kind, bool interlaced) {
+  Bytes header;
+  AppendNumber(header, static_cast<std::uint32_t>(width));
+  AppendNumber(header, static_cast<std::uint32_t>(height));
+  for (const unsigned byte : {depth, kind, 0u, 0u, interlaced ? 1u : 0u})
+    header.push_back(static_cast<unsigned char>(byte));
+  return Chunk("IHDR", header);
 }
 
 void WriteFile(const std::string& path, const Bytes& bytes) {
@@ -82,18 +119,11 @@ tool::Image FileTest::Result(const std::string& name) const {
     ADD_FAILURE() << name << " is no PNG";
     return {};
   }
-  tool::Image image;
   int channels = 0;
-  const std::unique_ptr<unsigned char, void (*)(void*)> decoded(
-      stbi_load_from_memory(bytes.data(), static_cast<int>(bytes.size()), &image.width, &image.height, &channels, 4),
-      stbi_image_free);
-  if (!decoded) {
+  tool::Image image = Decoded(bytes, &channels);
+  if (image.pixels.empty()) {
     ADD_FAILURE() << name << " is damaged";
     return {};
-  }
-  const std::size_t count = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
-  for (const unsigned char* p = decoded.get(); image.pixels.size() < count; p += 4) {
-    image.pixels.push_back(std::uint32_t{p[3]} << 24 | std::uint32_t{p[0]} << 16 | std::uint32_t{p[1]} << 8 | p[2]);
   }
   const bool opaque =
       std::all_of(image.pixels.begin(), image.pixels.end(), [](std::uint32_t pixel) { return pixel >> 24 == 0xFF; });
@@ -101,9 +131,9 @@ tool::Image FileTest::Result(const std::string& name) const {
   return image;
 }
 
-std::vector<std::string> FileTest::Names() const {
+std::vector<std::string> FileTest::Names(const std::string& folder) const {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+  for (const auto& entry : std::filesystem::directory_iterator(Path(folder))) {
     names.push_back(entry.path().filename().string());
   }
   std::sort(names.begin(), names.end());

@@ -15,10 +15,34 @@ using Bytes = std::vector<unsigned char>;
 Bytes Png(const tool::Image& image);
 Bytes Jpeg(const tool::Image& image);
 
-/// The checksum of a PNG's chunk, of its type and data.
-std::uint32_t Checksum(const Bytes& bytes);
+/// What another decoder than the tool's makes of a PNG; no pixels if it is damaged. `channels`: how
+/// many the file has.
+tool::Image Decoded(const Bytes& png, int* channels);
+
+/// The same file with more bytes at some place.
+Bytes Inserted(Bytes file, std::size_t at, const Bytes& part);
+
+/// A PNG in the making: the chunks in their order, with right checksums.
+class PngMaker {
+ public:
+  static constexpr std::size_t kHeaderEnd = 33;
+
+  PngMaker& Chunk(const std::string& type, const Bytes& data);
+  PngMaker& Header(int width, int height, unsigned depth, unsigned kind, bool interlaced);
+
+  Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  std::vector<std::size_t> starts;  ///< of the chunks' types
+};
+
+/// One chunk of a PNG.
+Bytes PngChunk(const std::string& type, const Bytes& data);
+/// A number with the highest byte first.
+void AppendNumber(Bytes& bytes, std::uint32_t number);
 
 void WriteFile(const std::string& path, const Bytes& bytes);
+inline Bytes Text(const std::string& text) {
+  return Bytes(text.begin(), text.end());
+}
 Bytes ReadFile(const std::string& path);
 
 /// Gives every test an empty folder, which goes away afterwards.
@@ -32,8 +56,8 @@ class FileTest : public testing::Test {
   std::string Given(const std::string& name, const tool::Image& image) const;
   /// Reads a PNG of the folder; an empty image, and a failure, if there is none.
   tool::Image Result(const std::string& name) const;
-  /// The names in the folder, sorted.
-  std::vector<std::string> Names() const;
+  /// The names in the folder, or in one of its folders, sorted.
+  std::vector<std::string> Names(const std::string& folder = "") const;
 
  private:
   std::string folder_;

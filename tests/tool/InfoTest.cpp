@@ -19,12 +19,13 @@ TEST_F(InfoTest, TellsSizeAndTransparency) {
   const std::string soft = Given("soft.png", {2, 1, {0xFF000000, 0xFE000000}});
   const std::string clear = Given("clear.png", {1, 2, {0, 0x00FFFFFF}});
   WriteFile(Path("photo.name"), Jpeg(OpaqueImage(16, 9)));
-  const Ended ended = Lmx({"info", opaque, soft, clear, Path("photo.name")});
-  EXPECT_EQ(ended.status, 0) << ended.error;
-  EXPECT_EQ(ended.out, opaque + ": PNG, 7 x 5 pixels, opaque, " + BytesOf("opaque.png") + soft +
-                           ": PNG, 2 x 1 pixels, translucent, " + BytesOf("soft.png") + clear +
-                           ": PNG, 1 x 2 pixels, clear, " + BytesOf("clear.png") + Path("photo.name") +
-                           ": JPEG, 16 x 9 pixels, opaque, " + BytesOf("photo.name"));
+  EXPECT_EQ(
+      Lmx({"info", opaque, soft, clear, Path("photo.name")}),
+      (Ended{0,
+             opaque + ": PNG, 7 x 5 pixels, opaque, " + BytesOf("opaque.png") + soft +
+                 ": PNG, 2 x 1 pixels, translucent, " + BytesOf("soft.png") + clear + ": PNG, 1 x 2 pixels, clear, " +
+                 BytesOf("clear.png") + Path("photo.name") + ": JPEG, 16 x 9 pixels, opaque, " + BytesOf("photo.name"),
+             ""}));
 }
 
 // The size is that of the picture as it is seen.
@@ -47,8 +48,8 @@ TEST_F(InfoTest, TellsHowACameraWasHeld) {
     const std::string turn = orientation == 1 ? "" : texts[orientation - 1] + " by its EXIF data, ";
     EXPECT_EQ(Lmx({"info", Path("photo.jpg")}).out,
               Path("photo.jpg") + ": JPEG, " + size + " pixels, opaque, " + turn + BytesOf("photo.jpg"));
-    EXPECT_NE(Lmx({"info", Path("photo.jpg"), "--json"}).out.find("\"orientation\":" + std::to_string(orientation)),
-              std::string::npos);
+    EXPECT_PRED2(Contains, Lmx({"info", Path("photo.jpg"), "--json"}).out,
+                 "\"orientation\":" + std::to_string(orientation));
   }
 }
 
@@ -64,7 +65,7 @@ TEST_F(InfoTest, WhatCannotBeReadIsToldAtTheEnd) {
   const std::string small = Given("small.png", SmallImage());
   const Ended ended = Lmx({"info", Path("missing.png"), small, Path("gone.png")});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.out.rfind(small + ": PNG, 3 x 2 pixels", 0), 0u) << ended.out;
+  EXPECT_PRED2(StartsWith, ended.out, small + ": PNG, 3 x 2 pixels");
   EXPECT_EQ(ended.error, "lmx: " + Path("missing.png") + ": cannot open: No such file or directory\nlmx: " +
                              Path("gone.png") + ": cannot open: No such file or directory\n");
 }

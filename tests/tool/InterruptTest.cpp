@@ -35,13 +35,11 @@ class InterruptTest : public FileTest {
 };
 
 TEST_F(InterruptTest, StopsAMethodAtItsYield) {
-  WriteFile(Path("out.png"), {'o', 'l', 'd'});
-  const Ended ended =
-      Lmx({"Stretch", small_, "width=9", "yield=1", "+", "FlipRotate", "-v", "-o", Path("out.png")}, interrupted_);
-  EXPECT_EQ(ended.status, 130);
-  EXPECT_EQ(ended.error, "lmx: stopped in LMX_Stretch\n");
-  EXPECT_EQ(ended.out, "") << "the call never ended";
-  EXPECT_EQ(ReadFile(Path("out.png")), (Bytes{'o', 'l', 'd'}));
+  WriteFile(Path("out.png"), Text("old"));
+  EXPECT_EQ(
+      Lmx({"Stretch", small_, "width=9", "yield=1", "+", "FlipRotate", "-v", "-o", Path("out.png")}, interrupted_),
+      (Ended{130, "", "lmx: stopped in LMX_Stretch\n"}));
+  EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
   EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
 }
 
@@ -81,7 +79,7 @@ TEST_F(InterruptTest, WithoutAYieldTheCallEndsButNothingFollows) {
 }
 
 TEST_F(InterruptTest, StopsBeforeAFileTakesTheOldOnesPlace) {
-  WriteFile(Path("out.png"), {'o', 'l', 'd'});
+  WriteFile(Path("out.png"), Text("old"));
   const int status = InChild([&] {
     tool::WatchSignals();
     tool::Replacement replacement(Path("out.png"));
@@ -94,7 +92,7 @@ TEST_F(InterruptTest, StopsBeforeAFileTakesTheOldOnesPlace) {
     }
   });
   EXPECT_EQ(WEXITSTATUS(status), 42);
-  EXPECT_EQ(ReadFile(Path("out.png")), (Bytes{'o', 'l', 'd'}));
+  EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
   EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
 }
 
@@ -155,9 +153,7 @@ TEST_F(InterruptTest, StopsBetweenTheRowsOfALargePicture) {
   const std::string png = Given("large.png", large), jpeg = Path("large.jpg");
   WriteFile(jpeg, Jpeg(large));
   for (const std::string& path : {png, jpeg}) {
-    const Ended ended = Lmx({"GetAverageRGB", path}, interrupted_);
-    EXPECT_EQ(ended.status, 130);
-    EXPECT_EQ(ended.error, "lmx: stopped at " + path + "\n");
+    EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_), (Ended{130, "", "lmx: stopped at " + path + "\n"}));
   }
   for (const tool::Format format : {tool::Format::Png, tool::Format::Jpeg}) {
     const int status = InChild([&] {
@@ -182,7 +178,7 @@ TEST_F(InterruptTest, ATerminalShowsTheWayOfALargePicture) {
   const auto shows = [&](const std::string& source, const std::string& result, const std::string& text) {
     const Ended ended = Lmx({"FlipRotate", source, "-o", result}, terminal_);
     EXPECT_EQ(ended.status, 0) << ended.error;
-    EXPECT_NE(ended.error.find(erase + text + " (Ctrl-C stops)" + erase), std::string::npos) << ended.error;
+    EXPECT_PRED2(Contains, ended.error, erase + text + " (Ctrl-C stops)" + erase);
     EXPECT_EQ(ended.error.substr(ended.error.size() - 4), erase);
   };
   shows(jpeg, png, "reading " + jpeg + ": 0 %");
@@ -207,7 +203,7 @@ TEST_F(InterruptTest, StopsWhileItWaitsForInput) {
 TEST_F(InterruptTest, ATerminalShowsProgressAndCanStopByItself) {
   const Ended ended = Lmx(large_, terminal_);
   EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(ended.error.rfind("\r\x1b[KLMX_MakeGradient: over 1.0 megapixels in ", 0), 0u) << ended.error;
+  EXPECT_PRED2(StartsWith, ended.error, "\r\x1b[KLMX_MakeGradient: over 1.0 megapixels in ");
   EXPECT_EQ(ended.error.substr(ended.error.size() - 4), "\r\x1b[K") << "the line is left behind";
 
   Surroundings both = terminal_;
@@ -216,17 +212,15 @@ TEST_F(InterruptTest, ATerminalShowsProgressAndCanStopByItself) {
 }
 
 TEST_F(InterruptTest, ProgressNeedsATerminal) {
-  const Ended ended = Lmx(large_);
-  EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(ended.error, "");
+  EXPECT_EQ(Lmx(large_), (Ended{0, "", ""}));
 }
 
 TEST_F(InterruptTest, TheUsersYieldCountsOnATerminalToo) {
   std::vector<std::string> never = large_;
   never.push_back("--yield=0");
   EXPECT_EQ(Lmx(never, terminal_).error, "");
-  EXPECT_EQ(Lmx({"FlipRotate", small_, "yield=2", "-o", Path("out.png")}, terminal_).error.rfind("\r\x1b[KLMX_Flip", 0),
-            0u);
+  EXPECT_PRED2(StartsWith, Lmx({"FlipRotate", small_, "yield=2", "-o", Path("out.png")}, terminal_).error,
+               "\r\x1b[KLMX_Flip");
 }
 
 }  // namespace

@@ -42,19 +42,8 @@ Bytes Exif(unsigned orientation, bool littleEndian, unsigned type = 3) {
   return bytes;
 }
 
-Bytes Inserted(Bytes file, std::ptrdiff_t at, const Bytes& part) {
-  file.insert(file.begin() + at, part.begin(), part.end());
-  return file;
-}
-
 Bytes PngWith(const tool::Image& image, const Bytes& exif) {
-  constexpr std::ptrdiff_t kBehindHeader = 33;
-  Bytes chunk;
-  Append(chunk, static_cast<std::uint32_t>(exif.size()), 4);
-  Append(chunk, "eXIf");
-  chunk.insert(chunk.end(), exif.begin(), exif.end());
-  Append(chunk, Checksum(Bytes(chunk.begin() + 4, chunk.end())), 4);
-  return Inserted(Png(image), kBehindHeader, chunk);
+  return Inserted(Png(image), PngMaker::kHeaderEnd, PngChunk("eXIf", exif));
 }
 
 Bytes JpegWith(const tool::Image& image, const Bytes& exif) {
@@ -62,7 +51,7 @@ Bytes JpegWith(const tool::Image& image, const Bytes& exif) {
   Append(segment, static_cast<std::uint32_t>(2 + 6 + exif.size()), 2);
   Append(segment, std::string("Exif\0\0", 6));
   segment.insert(segment.end(), exif.begin(), exif.end());
-  constexpr std::ptrdiff_t kBehindFirstSegment = 20;
+  constexpr std::size_t kBehindFirstSegment = 20;
   return Inserted(Jpeg(image), kBehindFirstSegment, segment);
 }
 

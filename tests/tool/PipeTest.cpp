@@ -16,7 +16,7 @@ class PipeTest : public FileTest {
   }
 
   tool::Image Picture(const std::string& text) const {
-    WriteFile(Path("piped.png"), Bytes(text.begin(), text.end()));
+    WriteFile(Path("piped.png"), Text(text));
     return Result("piped.png");
   }
 

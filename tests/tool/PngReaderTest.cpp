@@ -5,45 +5,15 @@
 #include <zlib.h>
 
 #include <functional>
-#include <memory>
 #include <random>
 
 #include "Files.h"
 #include "Process.h"
 #include "tool/Errors.h"
 #include "tool/PictureFile.h"
-#include "tool/Stb.h"
 
 namespace tool_test {
 namespace {
-
-// A PNG in the making: the chunks in their order, with right checksums.
-class Maker {
- public:
-  Maker& Chunk(const std::string& type, const Bytes& data) {
-    Bytes chunk(type.begin(), type.end());
-    chunk.insert(chunk.end(), data.begin(), data.end());
-    Number(static_cast<std::uint32_t>(data.size()));
-    starts.push_back(bytes.size());
-    bytes.insert(bytes.end(), chunk.begin(), chunk.end());
-    Number(Checksum(chunk));
-    return *this;
-  }
-  Maker& Header(int width, int height, unsigned depth, unsigned kind, bool interlaced) {
-    const auto low = [](unsigned value) { return static_cast<unsigned char>(value); };
-    const auto w = static_cast<unsigned>(width), h = static_cast<unsigned>(height);
-    return Chunk("IHDR", {0, 0, low(w >> 8), low(w), 0, 0, low(h >> 8), low(h), low(depth), low(kind), 0, 0,
-                          low(interlaced ? 1 : 0)});
-  }
-
-  Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-  std::vector<std::size_t> starts;  // of the chunks' types
-
- private:
-  void Number(std::uint32_t value) {
-    for (const int shift : {24, 16, 8, 0}) bytes.push_back(static_cast<unsigned char>(value >> shift));
-  }
-};
 
 Bytes Deflated(const Bytes& data) {
   uLongf size = compressBound(static_cast<uLong>(data.size()));
@@ -79,20 +49,6 @@ Bytes NoiseRows(int width, int height, unsigned depth, unsigned kind, bool inter
   return rows;
 }
 
-tool::Image ReadByOtherCode(const Bytes& png) {
-  tool::Image image;
-  int channels = 0;
-  const std::unique_ptr<unsigned char, void (*)(void*)> decoded(
-      stbi_load_from_memory(png.data(), static_cast<int>(png.size()), &image.width, &image.height, &channels, 4),
-      stbi_image_free);
-  if (!decoded) return {};
-  const std::size_t count = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
-  for (const unsigned char* p = decoded.get(); image.pixels.size() < count; p += 4) {
-    image.pixels.push_back(std::uint32_t{p[3]} << 24 | std::uint32_t{p[0]} << 16 | std::uint32_t{p[1]} << 8 | p[2]);
-  }
-  return image;
-}
-
 const std::function<void(int, int)> kNoTick = [](int, int) {};
 
 struct Kind {
@@ -108,7 +64,7 @@ TEST(PngReader, EveryKindOfPixelIsWhatAnotherDecoderMakesOfIt) {
       for (const bool transparency : {false, true}) {
         for (const int size : {1, 2, 3, 5, 8, 17, 33}) {
           const int width = size, height = 1 + size / 2;
-          Maker maker;
+          PngMaker maker;
           maker.Header(width, height, kind.depth, kind.kind, interlaced);
           Bytes rows = NoiseRows(width, height, kind.depth, kind.kind, interlaced, random);
           if (kind.kind == 3) {
@@ -134,7 +90,8 @@ TEST(PngReader, EveryKindOfPixelIsWhatAnotherDecoderMakesOfIt) {
           maker.Chunk("IDAT", Bytes(packed.begin(), middle)).Chunk("tEXt", {'a', 0, 'b'});
           maker.Chunk("IDAT", {}).Chunk("IDAT", Bytes(middle, packed.end())).Chunk("IEND", {});
           const tool::Image image = tool::DecodePng("x", maker.bytes, kNoTick);
-          const tool::Image other = ReadByOtherCode(maker.bytes);
+          int channels = 0;
+          const tool::Image other = Decoded(maker.bytes, &channels);
           ASSERT_EQ(image.width, width);
           ASSERT_EQ(image.height, height);
           ASSERT_EQ(image.pixels, other.pixels) << kind.depth << " bits, kind " << kind.kind << ", " << width << " x "
@@ -171,12 +128,12 @@ class PngDamageTest : public FileTest {
   }
 
   // Grey, 3 x 2.
-  static Maker Small(unsigned depth = 8, unsigned kind = 0) { return Maker().Header(3, 2, depth, kind, false); }
+  static PngMaker Small(unsigned depth = 8, unsigned kind = 0) { return PngMaker().Header(3, 2, depth, kind, false); }
   const Bytes rows_ = {0, 1, 2, 3, 0, 4, 5, 6};
 };
 
 TEST_F(PngDamageTest, AWrongChecksumOfAPartThatIsUsed) {
-  Maker maker = Small(8, 3);
+  PngMaker maker = Small(8, 3);
   maker.Chunk("PLTE", Bytes(30, 9)).Chunk("tRNS", {1, 2}).Chunk("tEXt", {'a', 0, 'b'});
   maker.Chunk("IDAT", Deflated(rows_)).Chunk("IEND", {});
   ASSERT_EQ(Reason(maker.bytes), "fine");
@@ -226,7 +183,7 @@ TEST_F(PngDamageTest, MoreDataThanPixels) {
 
 TEST_F(PngDamageTest, DataThatMeanNothing) {
   const Bytes packed = Deflated(rows_);
-  const auto reason = [&](Maker maker) { return Reason(maker.Chunk("IDAT", packed).Chunk("IEND", {}).bytes); };
+  const auto reason = [&](PngMaker maker) { return Reason(maker.Chunk("IDAT", packed).Chunk("IEND", {}).bytes); };
   EXPECT_EQ(reason(Small().Chunk("IDAT", {1, 2, 3})), "its pixels cannot be unpacked");
   EXPECT_EQ(Reason(Small().Chunk("IDAT", Deflated({5, 1, 2, 3, 0, 4, 5, 6})).Chunk("IEND", {}).bytes),
             "its pixels are of an unknown kind");
@@ -242,8 +199,8 @@ TEST_F(PngDamageTest, DataThatMeanNothing) {
   EXPECT_EQ(reason(Small(8, 0).Chunk("tRNS", {1})), "its transparency does not suit its colours");
   EXPECT_EQ(reason(Small(8, 6).Chunk("tRNS", {1, 2})), "its transparency does not suit its colours");
   EXPECT_EQ(reason(Small().Chunk("CgBI", {})), "it has a part CgBI, which is unknown");
-  EXPECT_EQ(reason(Maker().Chunk("tEXt", Bytes(20, 1))), "it does not begin with a header");
-  Maker after = Small(8, 3);
+  EXPECT_EQ(reason(PngMaker().Chunk("tEXt", Bytes(20, 1))), "it does not begin with a header");
+  PngMaker after = Small(8, 3);
   after.Chunk("PLTE", {1, 2, 3}).Chunk("IDAT", packed).Chunk("tRNS", {1}).Chunk("IEND", {});
   EXPECT_EQ(Reason(after.bytes), "it has colours after its pixels");
 }
@@ -261,9 +218,8 @@ TEST_F(PngDamageTest, IsToldByLmxAndNothingIsWritten) {
   Bytes damaged = Png(SmallImage());
   damaged[damaged.size() - 13] ^= 1;
   WriteFile(Path("in.png"), damaged);
-  const Ended ended = Lmx({"FlipRotate", Path("in.png"), "-o", Path("out.png")});
-  EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "lmx: " + Path("in.png") + ": is damaged: the checksum of its part IDAT is wrong\n");
+  EXPECT_EQ(Lmx({"FlipRotate", Path("in.png"), "-o", Path("out.png")}),
+            (Ended{1, "", "lmx: " + Path("in.png") + ": is damaged: the checksum of its part IDAT is wrong\n"}));
   EXPECT_EQ(Names(), std::vector<std::string>{"in.png"});
 }
 

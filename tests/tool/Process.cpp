@@ -10,6 +10,8 @@
 
 #include <array>
 #include <cerrno>
+#include <ostream>
+#include <sstream>
 #include <system_error>
 
 namespace tool_test {
@@ -127,6 +129,29 @@ Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings) 
   const int status = StatusOf(child);
   ended.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return ended;
+}
+
+bool operator==(const Ended& a, const Ended& b) {
+  return a.status == b.status && a.out == b.out && a.error == b.error;
+}
+
+void PrintTo(const Ended& ended, std::ostream* out) {
+  *out << "status " << ended.status << "\noutput: " << ended.out << "\nerrors: " << ended.error;
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.rfind(start, 0) == 0;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
 }
 
 }  // namespace tool_test

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct Ended {
   std::string out;
   std::string error;
 };
+bool operator==(const Ended& a, const Ended& b);
+void PrintTo(const Ended& ended, std::ostream* out);
 
 /// Does this in a process of its own and returns what waitpid() says of its end. Left by an
 /// exception, it exits with 99.
@@ -30,5 +33,10 @@ int InChild(const std::function<void()>& action);
 
 /// Runs lmx with these arguments, to its end.
 Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings = {});
+
+/// What is looked for in texts that lmx writes.
+bool Contains(const std::string& text, const std::string& part);
+bool StartsWith(const std::string& text, const std::string& start);
+std::vector<std::string> Lines(const std::string& text);
 
 }  // namespace tool_test

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/support/Thrown.h"
 #include "tool/Errors.h"
 
 namespace {
@@ -66,13 +67,9 @@ TEST(Values, ColoursHaveTheFormsOfTheWebAndOfPrograms) {
 
 // Eight digits mean alpha to some and transparency to others.
 TEST(Values, ColoursThatHaveTwoMeaningsAreAskedAbout) {
-  try {
-    ParseValue(Type::Colour, "#12abEF40");
-    ADD_FAILURE() << "not refused";
-  } catch (const tool::UsageError& error) {
-    EXPECT_EQ(error.what(), std::string("`#12abEF40` has two meanings: write &c12ABEF40 if 40 is the transparency (00 "
-                                        "opaque), or &c12ABEFBF if it is alpha"));
-  }
+  EXPECT_EQ(ThrownBy<tool::UsageError>([] { ParseValue(Type::Colour, "#12abEF40"); }),
+            "`#12abEF40` has two meanings: write &c12ABEF40 if 40 is the transparency (00 opaque), or &c12ABEFBF if it "
+            "is alpha");
 }
 
 TEST(Values, TextsForPeopleAndScripts) {
