@@ -20,8 +20,10 @@ class ImageMagick {
  public:
   /// Looks for the program. What only bears its name does not count: it must tell its version.
   ImageMagick();
+  ~ImageMagick();
+  ImageMagick(const ImageMagick&) = delete;
+  ImageMagick& operator=(const ImageMagick&) = delete;
   bool IsInstalled() const { return !program_.empty(); }
-  const std::string& Program() const { return program_; }
 
   /// What `operations` (as the program's options) make of an image. Throws std::runtime_error when
   /// the program fails.
@@ -31,8 +33,10 @@ class ImageMagick {
   std::vector<double> Means(const Image& image) const;
 
  private:
-  std::string Command(const Image& image, const std::string& rest) const;
+  /// What the program tells when it has read the image from a file and done the rest.
+  std::string Run(const Image& image, const std::string& rest) const;
 
+  const std::string file_;
   std::string program_;
 };
 
