@@ -1,26 +1,15 @@
 #include "Expression.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <initializer_list>
+#include <regex>
 #include <utility>
 
 namespace programs {
 namespace {
 
-bool IsWordCharacter(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
-
 bool IsDigit(char c) {
   return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
-
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
 }
 
 class Parser {
@@ -58,7 +47,7 @@ class Parser {
 
   std::string Name() {
     const std::string name = Peek();
-    if (name.empty() || !IsWordCharacter(name.front()) || IsDigit(name.front())) {
+    if (!std::regex_match(name, std::regex("[A-Za-z_]\\w*"))) {
       throw ProgramError("expected a name before `" + name + "`");
     }
     ++place_;
@@ -120,36 +109,22 @@ class Parser {
 
 }  // namespace
 
-std::vector<std::string> Tokens(std::string_view line) {
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+std::vector<std::string> Tokens(const std::string& line) {
+  static const std::regex kToken(R"re('.*|//.*|"[^"]*"|&[cC][0-9a-fA-F]{6}\b|&[hH][0-9a-fA-F]{8}\b)re"
+                                 R"re(|\d\w*(\.\d\w*)*|\w+|<>|<=|>=|[^ ])re");
   std::vector<std::string> tokens;
-  const auto at = [line](std::size_t i) { return i < line.size() ? line[i] : '\0'; };
-  for (std::size_t i = 0; i < line.size();) {
-    const std::size_t start = i;
-    if (at(i) == ' ') {
-      ++i;
-      continue;
-    }
-    if (at(i) == '\'' || line.substr(i, 2) == "//") break;
-    if (at(i) == '"') {
-      i = line.find('"', i + 1);
-      if (i == std::string_view::npos) throw ProgramError("a text without an end");
-      ++i;
-    } else if (at(i) == '&') {
-      const char form = static_cast<char>(std::tolower(static_cast<unsigned char>(at(i + 1))));
-      for (i += 2; std::isxdigit(static_cast<unsigned char>(at(i))) != 0;) ++i;
-      const std::size_t digits = i - start - 2;
-      if (!(form == 'c' && digits == 6) && !(form == 'h' && digits == 8)) {
-        throw ProgramError("a colour is &cRRGGBB or &hTTRRGGBB");
-      }
-    } else if (IsWordCharacter(at(i))) {
-      const bool isNumber = IsDigit(at(i));
-      while (IsWordCharacter(at(i)) || (isNumber && at(i) == '.' && IsDigit(at(i + 1)))) ++i;
-    } else {
-      static constexpr std::array<std::string_view, 3> kLongSigns = {"<>", "<=", ">="};
-      const bool isLong = std::find(kLongSigns.begin(), kLongSigns.end(), line.substr(i, 2)) != kLongSigns.end();
-      i += isLong ? 2 : 1;
-    }
-    tokens.emplace_back(line.substr(start, i - start));
+  for (auto token = std::sregex_iterator(line.begin(), line.end(), kToken); token != std::sregex_iterator(); ++token) {
+    const std::string text = token->str();
+    if (text[0] == '\'' || text.compare(0, 2, "//") == 0) break;
+    if (text == "\"") throw ProgramError("a text without an end");
+    if (text == "&") throw ProgramError("a colour is &cRRGGBB or &hTTRRGGBB");
+    tokens.push_back(text);
   }
   return tokens;
 }

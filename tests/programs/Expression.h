@@ -1,10 +1,8 @@
 // Expressions of the host's language, as the programs of the documentation write them.
 #pragma once
 
-#include <memory>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace programs {
@@ -31,8 +29,11 @@ struct Expression {
   std::vector<Expression> parts;
 };
 
+/// The language does not tell upper from lower case.
+std::string Lower(std::string text);
+
 /// Words, numbers, texts with their quotes, colours and signs. A comment (// or ') ends the line.
-std::vector<std::string> Tokens(std::string_view line);
+std::vector<std::string> Tokens(const std::string& line);
 
 /// Reads tokens from `place` on, and moves it after the expression. Throws ProgramError.
 Expression ParseExpression(const std::vector<std::string>& tokens, std::size_t& place);

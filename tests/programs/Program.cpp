@@ -1,7 +1,6 @@
 #include "Program.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <regex>
 
@@ -11,12 +10,6 @@ namespace {
 using host::Type;
 using host::Value;
 using Kind = Expression::Kind;
-
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 bool IsNumber(Type type) {
   return type == Type::Integer || type == Type::Double;
