@@ -5,7 +5,6 @@
 #include <valgrind/callgrind.h>
 
 #include <cstdio>
-#include <exception>
 #include <string>
 
 #include "Options.h"
@@ -75,11 +74,5 @@ void Run(const Options& options) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  try {
-    bench::Run(bench::Options(argc, argv, bench::kUsage));
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_instructions: %s\n", error.what());
-    return 1;
-  }
+  return bench::RunProgram(argc, argv, bench::kUsage, bench::Run);
 }

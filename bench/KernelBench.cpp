@@ -155,12 +155,14 @@ class KernelBench {
   const bool json_;
 };
 
+void Run(const Options& options) {
+  PinToOneCore();
+  KernelBench(options).Run();
+}
+
 }  // namespace
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  bench::PinToOneCore();
-  const bench::Options options(argc, argv, bench::kUsage);
-  bench::KernelBench(options).Run();
-  return 0;
+  return bench::RunProgram(argc, argv, bench::kUsage, bench::Run);
 }

@@ -3,10 +3,8 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <exception>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -28,7 +26,6 @@ constexpr const char* kUsage =
   --operation=TEXT     operations whose name has this in it
   --level=NAME         only this level: plain, sse2, avx2, ...
   --no-plain           all levels but plain, which takes long on large pictures
-  --folder=PATH        where the libraries are (default: the build folder)
   --seconds=S          for each operation (default 0.3), and at least
   --least=N            rounds (default 5)
   --json               one object per line and measurement
@@ -42,25 +39,6 @@ size   the same as a multiple of that on the first picture
 yield  the time with a yield every %d pixels as a multiple of that without
 
 )";
-
-struct Size {
-  int width = 0;
-  int height = 0;
-  double Pixels() const { return static_cast<double>(width) * height; }
-};
-
-std::vector<Size> SizesIn(const std::string& text) {
-  std::vector<Size> sizes;
-  std::istringstream words(text);
-  for (std::string word; std::getline(words, word, ',');) {
-    Size size;
-    if (std::sscanf(word.c_str(), "%dx%d", &size.width, &size.height) != 2 || size.width < 1 || size.height < 1) {
-      throw host::Error("a size is WxH");
-    }
-    sizes.push_back(size);
-  }
-  return sizes;
-}
 
 // What an operation took at a level, and memcpy before it; seconds.
 struct Row {
@@ -79,8 +57,8 @@ class MethodBench {
         budget_{static_cast<int>(options.Number("least", 5)), options.Number("seconds", 0.3)},
         yield_(static_cast<std::int32_t>(options.Number("yield", kUsualYield))),
         json_(options.Has("json")),
-        sizes_(SizesIn(options.Text("size", "1920x1080,4000x3000"))) {
-    for (std::unique_ptr<Plugin>& plugin : LoadLevels(options.Text("folder", LMX_FOLDER))) {
+        sizes_(options.Sizes("size", "1920x1080,4000x3000")) {
+    for (std::unique_ptr<Plugin>& plugin : LoadLevels(LMX_FOLDER)) {
       if (options.Text("level", plugin->Level()) != plugin->Level()) continue;
       if (options.Has("no-plain") && plugin->Level() == "plain") continue;
       plugins_.push_back(std::move(plugin));
@@ -191,17 +169,14 @@ class MethodBench {
   std::vector<std::unique_ptr<Plugin>> plugins_;
 };
 
+void Run(const Options& options) {
+  PinToOneCore();
+  MethodBench(options).Run();
+}
+
 }  // namespace
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  try {
-    bench::PinToOneCore();
-    const bench::Options options(argc, argv, bench::kUsage);
-    bench::MethodBench(options).Run();
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_methods: %s\n", error.what());
-    return 1;
-  }
+  return bench::RunProgram(argc, argv, bench::kUsage, bench::Run);
 }

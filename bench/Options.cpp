@@ -2,6 +2,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <sstream>
+
+#include "host/Value.h"
 
 namespace bench {
 
@@ -31,8 +35,31 @@ double Options::Number(const std::string& name, double fallback) const {
   return found == values_.end() ? fallback : std::atof(found->second.c_str());
 }
 
+std::vector<Size> Options::Sizes(const std::string& name, const std::string& fallback) const {
+  std::vector<Size> sizes;
+  std::istringstream words(Text(name, fallback));
+  for (std::string word; std::getline(words, word, ',');) {
+    Size size;
+    if (std::sscanf(word.c_str(), "%dx%d", &size.width, &size.height) != 2 || size.width < 1 || size.height < 1) {
+      throw host::Error("a size is WxH");
+    }
+    sizes.push_back(size);
+  }
+  return sizes;
+}
+
 bool Options::Wants(const std::string& name, const std::string& text) const {
   return text.find(Text(name, "")) != std::string::npos;
+}
+
+int RunProgram(int argc, char** argv, const char* usage, void (*run)(const Options&)) {
+  try {
+    run(Options(argc, argv, usage));
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", argv[0], error.what());
+    return 1;
+  }
 }
 
 }  // namespace bench

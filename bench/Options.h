@@ -3,8 +3,15 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace bench {
+
+struct Size {
+  int width = 0;
+  int height = 0;
+  double Pixels() const { return static_cast<double>(width) * height; }
+};
 
 class Options {
  public:
@@ -14,11 +21,16 @@ class Options {
   bool Has(const std::string& name) const { return values_.count(name) != 0; }
   std::string Text(const std::string& name, const std::string& fallback) const;
   double Number(const std::string& name, double fallback) const;
+  /// Those that the value lists as WxH,... Throws host::Error for anything else.
+  std::vector<Size> Sizes(const std::string& name, const std::string& fallback) const;
   /// Whether `text` is wanted: part of it is the option's value, or the option was not given.
   bool Wants(const std::string& name, const std::string& text) const;
 
  private:
   std::map<std::string, std::string> values_;
 };
+
+/// The whole of main(): an exception of `run` is told on standard error, and is the status 1.
+int RunProgram(int argc, char** argv, const char* usage, void (*run)(const Options&));
 
 }  // namespace bench

@@ -6,7 +6,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <exception>
 
 #include "Peer.h"
 #include "bench/Options.h"
@@ -44,21 +43,17 @@ class PeerBench {
   PeerBench(const Options& options, const Plugin& plugin)
       : options_(options),
         plugin_(plugin),
-        budget_{static_cast<int>(options.Number("least", 5)), options.Number("seconds", 0.3)} {
-    if (std::sscanf(options.Text("size", "1920x1080").c_str(), "%dx%d", &width_, &height_) != 2 || width_ < 1 ||
-        height_ < 1) {
-      throw host::Error("a size is WxH");
-    }
-  }
+        budget_{static_cast<int>(options.Number("least", 5)), options.Number("seconds", 0.3)},
+        size_(options.Sizes("size", "1920x1080").at(0)) {}
 
   void RunOn(const Content& content, const std::vector<Peer>& peers) const {
-    const Pixels pixels = Draw(content, width_, height_);
+    const Pixels pixels = Draw(content, size_.width, size_.height);
     const bool translucent = std::string(content.name) != "opaque";
-    Workbench workbench(host::Storage::BitmapContext, pixels, width_, height_);
-    const Canvas source(width_, height_), spare(width_, height_);
+    Workbench workbench(host::Storage::BitmapContext, pixels, size_.width, size_.height);
+    const Canvas source(size_.width, size_.height), spare(size_.width, size_.height);
     std::transform(pixels.begin(), pixels.end(), source.Picture().words, Premultiplied);
     if (!options_.Has("json")) {
-      std::printf("%s, %d x %d: ns per pixel\n", content.name, width_, height_);
+      std::printf("%s, %d x %d: ns per pixel\n", content.name, size_.width, size_.height);
     }
     for (const Peer& peer : peers) {
       if (!options_.Wants("peer", peer.name) || (translucent && !peer.knowsAlpha)) continue;
@@ -79,14 +74,14 @@ class PeerBench {
  private:
   void Tell(const Content& content, const Peer& peer, const PeerWork& work, const Timing& copy,
             const std::vector<Timing>& timings) const {
-    const auto ns = [&](const Timing& timing) { return timing.median * 1e9 / (double(width_) * height_); };
+    const auto ns = [&](const Timing& timing) { return timing.median * 1e9 / size_.Pixels(); };
     const double ours = ns(timings[0]), theirs = ns(timings[1]);
     if (options_.Has("json")) {
       std::printf(
           R"({"width":%d,"height":%d,"content":"%s","index":%zu,"operation":"%s","library":"%s","version":"%s","difference":"%s",)"
           R"("memcpy":%.5f,"ours":%.5f,"theirs":%.5f})"
           "\n",
-          width_, height_, content.name, IndexOf(work), work.operation, peer.name, peer.version.c_str(),
+          size_.width, size_.height, content.name, IndexOf(work), work.operation, peer.name, peer.version.c_str(),
           work.difference, ns(copy), ours, theirs);
     } else {
       std::printf("%-20s %-15s LMX %7.3f  peer %7.3f  peer / LMX %5.2f  %s\n", work.operation, peer.name, ours, theirs,
@@ -98,8 +93,7 @@ class PeerBench {
   const Options& options_;
   const Plugin& plugin_;
   const Budget budget_;
-  int width_ = 0;
-  int height_ = 0;
+  const Size size_;
 };
 
 void Run(const Options& options) {
@@ -120,11 +114,5 @@ void Run(const Options& options) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  try {
-    bench::Run(bench::Options(argc, argv, bench::kUsage));
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_peers: %s\n", error.what());
-    return 1;
-  }
+  return bench::RunProgram(argc, argv, bench::kUsage, bench::Run);
 }
