@@ -29,32 +29,35 @@ Picture Wrap(const PeerPicture& p) {
   return image;
 }
 
-// A function that makes a picture.
-template <class Make>
-std::function<void()> Making(const char* name, const Picture& image, const Make& make) {
+// A function that makes a picture of another, with its arguments.
+template <class Make, class... Arguments>
+std::function<void()> Making(const char* name, const Picture& image, const Make& make, const Arguments&... arguments) {
   return [=] {
     Report report;
-    Image* const result = make(image.get(), &report);
+    Image* const result = make(image.get(), arguments..., &report);
     Require(result != nullptr, name);
     DestroyImage(result);
   };
 }
 
+// A copy of the rectangle lives as long as the work.
+template <Image* function(const Image*, const RectangleInfo*, ExceptionInfo*)>
+Image* ByRectangle(const Image* from, const RectangleInfo& rectangle, ExceptionInfo* info) {
+  return function(from, &rectangle, info);
+}
+
 std::function<void()> Rotate(const Picture& image, double degrees) {
-  return Making("RotateImage", image,
-                [=](const Image* from, ExceptionInfo* info) { return RotateImage(from, degrees, info); });
+  return Making("RotateImage", image, RotateImage, degrees);
 }
 
 std::function<void()> Shear(const Picture& image, double x, double y) {
-  return Making("ShearImage", image,
-                [=](const Image* from, ExceptionInfo* info) { return ShearImage(from, x, y, info); });
+  return Making("ShearImage", image, ShearImage, x, y);
 }
 
 std::function<void()> Scale(const Picture& image, double factor) {
   const auto width = static_cast<unsigned long>(static_cast<double>(image->columns) * factor);
   const auto height = static_cast<unsigned long>(static_cast<double>(image->rows) * factor);
-  return Making("ScaleImage", image,
-                [=](const Image* from, ExceptionInfo* info) { return ScaleImage(from, width, height, info); });
+  return Making("ScaleImage", image, ScaleImage, width, height);
 }
 
 std::function<void()> AddColour(const Picture& image) {
@@ -83,11 +86,8 @@ std::vector<PeerWork> Prepare(const PeerPicture& s) {
       {"half turn", exact, Rotate(p, 180)},
       {"turn 90", exact, Rotate(p, 90)},
       {"turn 270", exact, Rotate(p, 270)},
-      {"trim inside", exact,
-       Making("CropImage", p, [=](const Image* from, ExceptionInfo* info) { return CropImage(from, &inside, info); })},
-      {"trim border", exact,
-       Making("BorderImage", p,
-              [=](const Image* from, ExceptionInfo* info) { return BorderImage(from, &border, info); })},
+      {"trim inside", exact, Making("CropImage", p, ByRectangle<CropImage>, inside)},
+      {"trim border", exact, Making("BorderImage", p, ByRectangle<BorderImage>, border)},
       {"shear horizontal 0.3", shear, Shear(p, slope, 0)},
       {"shear vertical 0.3", shear, Shear(p, 0, slope)},
       {"rotate 30", "also three shears; 16-bit channels in floating point", Rotate(p, 30)},

@@ -56,77 +56,50 @@ Step Linear(std::vector<double> factors, std::vector<double> offsets) {
   };
 }
 
-Step Affine(double a, double b, double c, double d) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_affine(from, to, a, b, c, d, nullptr); };
-}
-
-Step Rotate(double degrees) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_rotate(from, to, degrees, nullptr); };
-}
-
-Step Turn(VipsAngle angle) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_rot(from, to, angle, nullptr); };
-}
-
-Step Flip(VipsDirection direction) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_flip(from, to, direction, nullptr); };
+// One function of the library with its arguments.
+template <class Function, class... Arguments>
+Step By(Function apply, Arguments... arguments) {
+  return [=](VipsImage* from, VipsImage** to) { return apply(from, to, arguments..., nullptr); };
 }
 
 Step Shrink(double factor) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_shrink(from, to, factor, factor, nullptr); };
+  return By(vips_shrink, factor, factor);
 }
 
 Step Enlarge(double factor) {
-  return [=](VipsImage* from, VipsImage** to) {
-    return vips_resize(from, to, factor, "kernel", VIPS_KERNEL_LINEAR, nullptr);
-  };
+  return By(vips_resize, factor, "kernel", VIPS_KERNEL_LINEAR);
 }
 
-Step Crop(int x, int y, int width, int height) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_extract_area(from, to, x, y, width, height, nullptr); };
-}
-
-Step Embed(int x, int y, int width, int height) {
-  return [=](VipsImage* from, VipsImage** to) { return vips_embed(from, to, x, y, width, height, nullptr); };
-}
-
-// Its bands are taken as red, green, blue, alpha; the order costs nothing.
-Step ToHsv() {
-  return [](VipsImage* from, VipsImage** to) { return vips_sRGB2HSV(from, to, nullptr); };
-}
-
-Step FromHsv() {
-  return [](VipsImage* from, VipsImage** to) { return vips_HSV2sRGB(from, to, nullptr); };
-}
-
+// In HSV the bands are taken as red, green, blue, alpha; the order costs nothing.
 std::vector<PeerWork> Prepare(const PeerPicture& s) {
   const Image p = Wrap(s);
   const int w = s.width, h = s.height, x = w / 20, y = h / 20;
   const char* const exact = "the same pixels; translucent ones are moved, not converted";
   const char* const warp = "one bilinear warp; premultiplied";
   return {
-      {"flip horizontal", exact, Run(p, {Flip(VIPS_DIRECTION_HORIZONTAL)})},
-      {"flip vertical", exact, Run(p, {Flip(VIPS_DIRECTION_VERTICAL)})},
-      {"half turn", exact, Run(p, {Turn(VIPS_ANGLE_D180)})},
-      {"turn 90", exact, Run(p, {Turn(VIPS_ANGLE_D90)})},
-      {"turn 270", exact, Run(p, {Turn(VIPS_ANGLE_D270)})},
-      {"trim whole", exact, Run(p, {Crop(0, 0, w, h)})},
-      {"trim inside", exact, Run(p, {Crop(w / 8, h / 8, w * 3 / 4, h * 3 / 4)})},
-      {"trim border", exact, Run(p, {Embed(x, y, w + 2 * x, h + 2 * y)})},
-      {"shear horizontal 0.3", warp, Run(p, {Affine(1, -0.3, 0, 1)})},
-      {"shear vertical 0.3", warp, Run(p, {Affine(1, 0, -0.3, 1)})},
-      {"rotate 30", "one bilinear warp instead of three shears; premultiplied", Run(p, {Rotate(30)})},
-      {"rotate 75", "one bilinear warp instead of a turn and three shears; premultiplied", Run(p, {Rotate(75)})},
+      {"flip horizontal", exact, Run(p, {By(vips_flip, VIPS_DIRECTION_HORIZONTAL)})},
+      {"flip vertical", exact, Run(p, {By(vips_flip, VIPS_DIRECTION_VERTICAL)})},
+      {"half turn", exact, Run(p, {By(vips_rot, VIPS_ANGLE_D180)})},
+      {"turn 90", exact, Run(p, {By(vips_rot, VIPS_ANGLE_D90)})},
+      {"turn 270", exact, Run(p, {By(vips_rot, VIPS_ANGLE_D270)})},
+      {"trim whole", exact, Run(p, {By(vips_extract_area, 0, 0, w, h)})},
+      {"trim inside", exact, Run(p, {By(vips_extract_area, w / 8, h / 8, w * 3 / 4, h * 3 / 4)})},
+      {"trim border", exact, Run(p, {By(vips_embed, x, y, w + 2 * x, h + 2 * y)})},
+      {"shear horizontal 0.3", warp, Run(p, {By(vips_affine, 1.0, -0.3, 0.0, 1.0)})},
+      {"shear vertical 0.3", warp, Run(p, {By(vips_affine, 1.0, 0.0, -0.3, 1.0)})},
+      {"rotate 30", "one bilinear warp instead of three shears; premultiplied", Run(p, {By(vips_rotate, 30.0)})},
+      {"rotate 75", "one bilinear warp instead of a turn and three shears; premultiplied",
+       Run(p, {By(vips_rotate, 75.0)})},
       {"stretch 1/2", "means of 2 x 2, rounded once in each direction; premultiplied", Run(p, {Shrink(2)})},
       {"stretch 1/3.7", "area: means of 3 x 3, then a linear kernel; premultiplied", Run(p, {Shrink(3.7)})},
       {"stretch 0.9", "a linear kernel; premultiplied", Run(p, {Enlarge(0.9)})},
       {"stretch 1.5", "bilinear instead of box; premultiplied", Run(p, {Enlarge(1.5)})},
       {"stretch 3", "bilinear instead of box; premultiplied", Run(p, {Enlarge(3)})},
       {"HSV", "hue in 256 steps, clamped instead of turned; 8-bit saturation and value; premultiplied",
-       Run(p, {ToHsv(), Linear({1, 1, 1, 1}, {21, 0, 0, 0}), FromHsv()})},
+       Run(p, {By(vips_sRGB2HSV), Linear({1, 1, 1, 1}, {21, 0, 0, 0}), By(vips_HSV2sRGB)})},
       {"RGB", "in floating point; on premultiplied colours", Run(p, {Linear({1, 1, 1, 1}, {5, -10, 20, 0})})},
       {"average RGB", "four channels, with smallest, largest and deviation; of premultiplied colours", Measure(p, {})},
-      {"average HSV", "mean of 8-bit hues, saturations and values; premultiplied", Measure(p, {ToHsv()})},
+      {"average HSV", "mean of 8-bit hues, saturations and values; premultiplied", Measure(p, {By(vips_sRGB2HSV)})},
   };
 }
 
