@@ -90,10 +90,10 @@ def make_photo(lmx, folder):
     return photo
 
 
-def measure(commands, repetitions):
+def measure(commands):
     """One tool after the other, and then anew: whatever disturbs the machine disturbs all."""
     runs = {tool: [] for tool in commands}
-    for _ in range(repetitions):
+    for _ in range(5):
         for tool, command in commands.items():
             runs[tool].append(run(command))
     return {tool: (statistics.median(time for time, _ in of_tool), max(memory for _, memory in of_tool))
@@ -104,7 +104,6 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--docs", type=pathlib.Path)
     parser.add_argument("--photo", type=pathlib.Path)
-    parser.add_argument("--repetitions", type=int, default=5)
     parser.add_argument("lmx", type=pathlib.Path)
     parser.add_argument("folder", type=pathlib.Path)
     arguments = parser.parse_args()
@@ -118,7 +117,7 @@ def main():
         results = {tool: arguments.folder / f"{tool}-{name}" for tool in TOOLS}
         commands = {tool: programs[tool] + [word.format(o=results[tool], **values) for word in line.split()]
                     for tool, line in zip(TOOLS, words) if line}
-        measured = measure(commands, arguments.repetitions)
+        measured = measure(commands)
         for tool in commands:
             if size and size_of(results[tool]) != size.format(**values):
                 raise SystemExit(f"{job}: {results[tool]} is {size_of(results[tool])}, not {size.format(**values)}")
