@@ -47,6 +47,12 @@ build() {
     quietly "$folder/build.log" cmake --build "$folder" --parallel "$jobs" ${1:+--target "$@"}
 }
 
+# check NAME COMMAND...: says whether the command succeeds, and counts in `failures` if it does not.
+failures=0
+check() {
+  if "${@:2}"; then printf 'ok      %s\n' "$1"; else printf 'FAILED  %s\n' "$1" && ((++failures)); fi
+}
+
 # kernel_levels: the names of all levels of kernels, lowest first.
 kernel_levels() { sed -n '/^enum class KernelLevel/ { s/.*{ //; s/ }.*//; s/, /\n/g; p }' source/kernels/KernelLevel.h; }
 
