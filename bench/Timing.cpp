@@ -15,13 +15,13 @@ double ProcessorSeconds() {
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-}  // namespace
-
-Timing Summary(std::vector<double> figures) {
-  std::sort(figures.begin(), figures.end());
-  const std::size_t last = figures.size() - 1;
-  return {figures[figures.size() / 2], figures[last / 4], figures[last - last / 4]};
+Timing Summary(std::vector<double> seconds) {
+  std::sort(seconds.begin(), seconds.end());
+  const std::size_t last = seconds.size() - 1;
+  return {seconds[seconds.size() / 2], seconds[last / 4], seconds[last - last / 4]};
 }
+
+}  // namespace
 
 std::vector<Timing> MeasureInTurn(const std::vector<Work>& works, const Budget& budget) {
   using Clock = std::chrono::steady_clock;

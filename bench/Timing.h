@@ -14,9 +14,6 @@ struct Timing {
   double high = 0;  ///< a quarter was slower
 };
 
-/// The same of any figures, at least one.
-Timing Summary(std::vector<double> figures);
-
 /// How long to go on: until both `least` rounds and `seconds` are reached, but after one round no
 /// longer than `most` seconds.
 struct Budget {
