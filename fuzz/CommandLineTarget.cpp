@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -126,27 +126,18 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   if (size == 0) return 0;
   const std::string text(reinterpret_cast<const char*>(bytes) + 1, size - 1);
-  switch (bytes[0]) {
-    case 'i':
-      fuzz::CheckValue(host::Type::Integer, text);
-      break;
-    case 'd':
-      fuzz::CheckValue(host::Type::Double, text);
-      break;
-    case 'b':
-      fuzz::CheckValue(host::Type::Boolean, text);
-      break;
-    case 'c':
-      fuzz::CheckValue(host::Type::Colour, text);
-      break;
-    case 's':
-      fuzz::CheckValue(host::Type::String, text);
-      break;
-    case '(':
-      fuzz::CheckDeclaration(text);
-      break;
-    default:
-      fuzz::CheckCommandLine(text);
+  static const std::map<char, host::Type> values = {{'i', host::Type::Integer},
+                                                    {'d', host::Type::Double},
+                                                    {'b', host::Type::Boolean},
+                                                    {'c', host::Type::Colour},
+                                                    {'s', host::Type::String}};
+  const auto type = values.find(static_cast<char>(bytes[0]));
+  if (type != values.end()) {
+    fuzz::CheckValue(type->second, text);
+  } else if (bytes[0] == '(') {
+    fuzz::CheckDeclaration(text);
+  } else {
+    fuzz::CheckCommandLine(text);
   }
   return 0;
 }

@@ -1,6 +1,7 @@
 // What scripts/fuzz does with corpora:
 //
 //   fuzz_corpus seeds TARGET FOLDER   writes the seeds of a target, one file each
+//   fuzz_corpus words DICT FILE       writes a dictionary with the words of the command line added
 //   fuzz_corpus unpack FILE FOLDER    writes the inputs of a corpus, one file each
 //   fuzz_corpus pack FOLDER FILE      makes the files of a folder the corpus, and says what has
 //                                     changed. An input that was a finding stays in any case.
@@ -33,6 +34,15 @@ void WriteFiles(const Corpus& corpus, const std::filesystem::path& folder) {
   for (const auto& [name, bytes] : corpus) WriteBytes(bytes, folder / name);
 }
 
+void WriteDictionary(const std::filesystem::path& from, const std::filesystem::path& to) {
+  Bytes dictionary = ReadBytes(from);
+  for (const std::string& word : CommandLineWords()) {
+    const std::string line = word.empty() ? "" : "\"" + word + "\"\n";
+    dictionary.insert(dictionary.end(), line.begin(), line.end());
+  }
+  WriteBytes(dictionary, to);
+}
+
 bool WasFinding(const std::string& name) {
   return name.rfind("finding-", 0) == 0;
 }
@@ -56,6 +66,7 @@ void Pack(const std::filesystem::path& folder, const std::filesystem::path& file
 
 bool Carried(const std::string& command, const std::string& from, const std::string& to) {
   if (command == "seeds") return WriteFiles(SeedsOf(from), to), true;
+  if (command == "words") return WriteDictionary(from, to), true;
   if (command == "unpack") return WriteFiles(Unpacked(ReadBytes(from)), to), true;
   if (command == "pack") return Pack(from, to), true;
   return false;
@@ -67,7 +78,8 @@ bool Carried(const std::string& command, const std::string& from, const std::str
 int main(int argc, char** argv) {
   try {
     if (argc == 4 && fuzz::Carried(argv[1], argv[2], argv[3])) return 0;
-    std::fprintf(stderr, "usage: fuzz_corpus seeds TARGET FOLDER | unpack FILE FOLDER | pack FOLDER FILE\n");
+    std::fprintf(stderr,
+                 "usage: fuzz_corpus seeds TARGET FOLDER | words DICT FILE | unpack FILE FOLDER | pack FOLDER FILE\n");
   } catch (const std::exception& error) {
     std::fprintf(stderr, "fuzz_corpus: %s\n", error.what());
   }

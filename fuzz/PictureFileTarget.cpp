@@ -2,16 +2,14 @@
 // back the same when it is written and read again. The checksums of a PNG's parts are made right
 // first, which a fuzzer does not manage.
 
-#include <sys/mman.h>
-#include <unistd.h>
 #include <zlib.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "Finding.h"
+#include "tool/Encode.h"
 #include "tool/Errors.h"
 #include "tool/Malformed.h"
 #include "tool/PictureFile.h"
@@ -23,46 +21,6 @@ namespace {
 // Larger pictures take long, and are decoded no differently.
 constexpr std::int64_t kMostDecoded = 1 << 16;
 constexpr std::size_t kMostWritten = 1 << 12;
-
-// A file in memory.
-class File {
- public:
-  File() : descriptor_(memfd_create("picture", MFD_CLOEXEC)) {
-    if (descriptor_ < 0) Report("no file in memory");
-  }
-  ~File() { close(descriptor_); }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-
-  void Write(const std::uint8_t* bytes, std::size_t size) const {
-    if (write(descriptor_, bytes, size) != static_cast<ssize_t>(size)) Report("no room for a file in memory");
-  }
-  std::string Path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
-
-// A folder for one file; a fuzzer ends without destroying what is static.
-class Folder {
- public:
-  Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "lmx-fuzz-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) Report("no folder for files");
-    path_ = name;
-  }
-  ~Folder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  std::string File() const { return (path_ / "picture.png").string(); }
-
- private:
-  std::filesystem::path path_;
-};
 
 std::uint32_t BigEndian(const std::uint8_t* bytes) {
   return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
@@ -98,9 +56,7 @@ void PutRightChecksums(std::vector<std::uint8_t>& png) {
 }
 
 void CheckRoundTrip(const tool::Image& image) {
-  const Folder folder;
-  tool::WritePicture(folder.File(), image);
-  const tool::Image again = tool::ReadPicture(folder.File());
+  const tool::Image again = tool::DecodePicture("written", tool::Encode("written.png", image, {}));
   if (again.width != image.width || again.height != image.height || again.pixels != image.pixels) {
     Report("a picture is another one when it has been written and read");
   }
@@ -115,13 +71,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   if (fuzz::IsLarge(bytes, size)) return 0;
-  const fuzz::File file;
   std::vector<std::uint8_t> content(bytes, bytes + size);
   if (size != 0 && bytes[0] == 0x89) fuzz::PutRightChecksums(content);
-  file.Write(content.data(), content.size());
   tool::Image image;
   try {
-    image = tool::ReadPicture(file.Path());
+    image = tool::DecodePicture("picture", content);
   } catch (const tool::Failure&) {
     return 0;
   }

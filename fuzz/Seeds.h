@@ -12,4 +12,7 @@ std::vector<Bytes> KernelSeeds();
 std::vector<Bytes> PictureFileSeeds();
 std::vector<Bytes> CommandLineSeeds();
 
+/// What the command line's dictionary has from the tables of lmx.
+std::vector<std::string> CommandLineWords();
+
 }  // namespace fuzz

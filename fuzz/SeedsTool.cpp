@@ -5,7 +5,11 @@
 #include <string>
 
 #include "Seeds.h"
+#include "tool/Documentation.h"
+#include "tool/Options.h"
+#include "tool/Plan.h"
 #include "tool/Stb.h"
+#include "tool/Usage.h"
 
 namespace fuzz {
 namespace {
@@ -122,6 +126,20 @@ std::vector<Bytes> CommandLineSeeds() {
     seeds.push_back(Text(text));
   }
   return seeds;
+}
+
+std::vector<std::string> CommandLineWords() {
+  std::vector<std::string> words;
+  for (const tool::Option& option : tool::Options()) {
+    words.insert(words.end(), {option.letter, option.name, std::string(option.name) + "="});
+    words.insert(words.end(), option.words.begin(), option.words.end());
+  }
+  for (const tool::Command& command : tool::Commands()) words.emplace_back(command.name);
+  for (const tool::MethodText& method : tool::Documentation()) {
+    words.push_back(tool::ShortName(method.name));
+    for (const tool::ArgumentText& argument : method.arguments) words.push_back(argument.name + "=");
+  }
+  return words;
 }
 
 }  // namespace fuzz
