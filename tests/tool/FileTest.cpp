@@ -66,23 +66,10 @@ TEST_F(HostileFileTest, PipeWithoutWriter) {
 
 TEST_F(HostileFileTest, FilesOfOtherKinds) {
   ExpectRefused(Hostile({}), "empty");
-  for (const char* text : {"This is not a picture, whatever its name says.\n", "GIF89a\x01", "P6 1 1 255 abc"}) {
+  for (const char* text :
+       {"\x89", "This is not a picture, whatever its name says.\n", "GIF89a\x01", "P6 1 1 255 abc"}) {
     ExpectRefused(Hostile(Text(text)), "neither a PNG nor a JPEG");
   }
-}
-
-TEST_F(HostileFileTest, TruncatedPng) {
-  const Bytes whole = Png(OpaqueImage(40, 30));
-  for (std::size_t size : {std::size_t{1}, std::size_t{8}, std::size_t{20}, std::size_t{40}, whole.size() / 2}) {
-    ExpectRefused(Hostile(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))),
-                  size < 8 ? "neither" : "damaged");
-  }
-}
-
-TEST_F(HostileFileTest, PngWithDamagedPixels) {
-  Bytes bytes = Png(OpaqueImage(40, 30));
-  for (std::size_t i = 60; i < 80; ++i) bytes[i] ^= 0x5A;
-  ExpectRefused(Hostile(bytes), "damaged");
 }
 
 // Its reader leaves the pixels as it finds them, which must not be whatever the process had there
@@ -177,15 +164,6 @@ TEST_F(HostileFileTest, PngWithAChunkThatIsLongerThanTheFile) {
       const Bytes head = Inserted({static_cast<unsigned char>(high), 0xFF, 0xFF, 0xF0}, 4, Text(type));
       ExpectRefused(Hostile(Inserted(Png(SmallImage()), PngMaker::kHeaderEnd, head)), "ends too early");
     }
-  }
-}
-
-TEST_F(HostileFileTest, PngThatEndsWithinTheHeadOfAChunk) {
-  Bytes bytes = Png(SmallImage());
-  bytes.resize(bytes.size() - 12);  // without the chunk that ends it
-  for (const unsigned char byte : Text("\x4E\x44\xAE\x42tEX")) {
-    bytes.push_back(byte);
-    ExpectRefused(Hostile(bytes), "ends too early");
   }
 }
 
