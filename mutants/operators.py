@@ -18,38 +18,34 @@ OPERATORS = {
     "^": ("xor-bor", "|"), "+=": ("addto-subfrom", "-="), "-=": ("subfrom-addto", "+="),
 }
 
+
+def pairs(text):
+    return [tuple(pair.split()) for pair in text.split(",")]
+
+
+def both_ways(text):
+    return pairs(text) + [(b, a) for a, b in pairs(text)]
+
+
 # Names that are easily confused. One takes the other's place only where that is in the same
 # function, too.
-NAMES = [
-    ("width", "height"), ("left", "top"), ("begin", "end"), ("x0", "x1"), ("y0", "y1"), ("x0", "y0"), ("x", "y"),
-    ("red", "green"), ("green", "blue"), ("first", "last"), ("first", "second"), ("from", "to"),
-    ("source", "destination"), ("source", "result"), ("at_", "end_"), ("p", "tq"), ("saturation", "brightness"),
-    ("saturation", "value"), ("before", "pixel"), ("high", "low"), ("upper", "lower"), ("even", "odd"),
-    ("rows", "columns"), ("bitsPerPixel", "bytesPerPixel"), ("perSource", "perDestination"), ("firstLine", "begin"),
-    ("step", "count"),
-]
+NAMES = both_ways(
+    "width height, left top, begin end, x0 x1, y0 y1, x0 y0, x y, red green, green blue, first last, first second, from to,"
+    "source destination, source result, at_ end_, p tq, saturation brightness, saturation value, before pixel, high low,"
+    "upper lower, even odd, rows columns, bitsPerPixel bytesPerPixel, perSource perDestination, firstLine begin, step count")
 
 # Names that are known everywhere.
-GLOBAL_NAMES = [
-    ("true", "false"), ("min", "max"), ("Min", "Max"), ("floor", "ceil"), ("sin", "cos"), ("Alpha", "Blue"),
-    ("Red", "Green"), ("kForward", "kBackward"), ("kDown", "kUp"), ("kContextForm", "kBufferForm"),
-    ("ContextForm", "BufferForm"), ("ReadBuffer", "ReadContext"), ("WriteBuffer", "WriteContext"),
-]
+GLOBAL_NAMES = both_ways(
+    "true false, min max, Min Max, floor ceil, sin cos, Alpha Blue, Red Green, kForward kBackward, kDown kUp,"
+    "kContextForm kBufferForm, ContextForm BufferForm, ReadBuffer ReadContext, WriteBuffer WriteContext")
 
 # Parts of the names of vector functions, of which a kernel could take the wrong one.
-VECTOR_PARTS = [
-    ("Add", "Sub"), ("Sub", "Add"), ("MulLow", "MulHigh"), ("MulHigh", "MulLow"), ("Low", "High"), ("High", "Low"),
-    ("AndNot", "And"), ("And", "AndNot"), ("And", "Or"), ("Or", "And"), ("Or", "Xor"), ("Xor", "Or"), ("Min", "Max"),
-    ("Max", "Min"), ("Left", "Right"), ("Right", "Left"), ("Even", "Odd"), ("Odd", "Even"), ("Equal", "Greater"),
-    ("Greater", "Equal"), ("Average", "Max"), ("SubSaturated", "Sub"), ("AddSaturated", "Add"),
-]
-INTRINSIC_PARTS = [
-    ("add", "sub"), ("sub", "add"), ("adds", "add"), ("subs", "sub"), ("mullo", "mulhi"), ("mulhi", "mullo"),
-    ("min", "max"), ("max", "min"), ("slli", "srli"), ("srli", "slli"), ("unpacklo", "unpackhi"),
-    ("unpackhi", "unpacklo"), ("shufflelo", "shufflehi"), ("shufflehi", "shufflelo"), ("and", "or"), ("or", "and"),
-    ("or", "xor"), ("xor", "or"), ("cmpeq", "cmpgt"), ("cmpgt", "cmpeq"), ("avg", "max"), ("packus", "packs"),
-    ("packs", "packus"), ("testz", "testc"), ("testc", "testz"),
-]
+VECTOR_PARTS = both_ways(
+    "Add Sub, MulLow MulHigh, Low High, AndNot And, And Or, Or Xor, Min Max, Left Right, Even Odd, Equal Greater") + pairs(
+        "Average Max, SubSaturated Sub, AddSaturated Add")
+INTRINSIC_PARTS = both_ways(
+    "add sub, mullo mulhi, min max, slli srli, unpacklo unpackhi, shufflelo shufflehi, and or, or xor, cmpeq cmpgt,"
+    "packus packs, testz testc") + pairs("adds add, subs sub, avg max")
 
 BRANCHES = ("if", "while", "for")
 
@@ -121,10 +117,9 @@ def _functions(source):
 def _names(source):
     functions = _functions(source)
     others = {}
-    for pairs, is_global in ((NAMES, False), (GLOBAL_NAMES, True)):
-        for a, b in pairs:
+    for names, is_global in ((NAMES, False), (GLOBAL_NAMES, True)):
+        for a, b in names:
             others.setdefault(a, []).append((b, is_global))
-            others.setdefault(b, []).append((a, is_global))
     for i, token in _tokens(source, "name"):
         for other, is_global in others.get(token.text, ()):
             if (is_global or other in functions[i]) and not _is_declared(source, i):

@@ -55,14 +55,10 @@ FIRST = [
     ("kernels/", [("fuzz", ""), ("golden", ""), ("kernels", "-All*:Some*:*transpose*")]),
     ("LMX_[PRSYC]", [("source", ""), ("fuzz", ""), ("golden", ""), ("plugin", "-*Large*")]),
     ("LMX_(Main|Module)|PluginMain", [("source", ""), ("plugin", "HostEntry*")]),
-    ("AdjustHSV", [("fuzz", ""), ("golden", ""), ("plugin", "*HSV*:*Colour*:-*Large*")]),
-    ("AdjustRGB", [("fuzz", ""), ("golden", ""), ("plugin", "*RGB*:*Colour*:-*Large*")]),
-    ("FlipRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FlipRotate*:-*Large*")]),
-    ("FreeRotate", [("fuzz", ""), ("golden", ""), ("plugin", "*FreeRotate*:-*Large*")]),
-    ("Shear", [("fuzz", ""), ("golden", ""), ("plugin", "*Shear*:-*Large*")]),
-    ("Stretch", [("fuzz", ""), ("golden", ""), ("plugin", "*Stretch*:-*Large*")]),
-    ("Trim", [("fuzz", ""), ("golden", ""), ("plugin", "*Trim*:-*Large*")]),
-    ("Gradient", [("fuzz", ""), ("golden", ""), ("plugin", "Gradient*")]),
+    *((name, [("fuzz", ""), ("golden", ""), ("plugin", suites)]) for name, suites in (
+        ("AdjustHSV", "*HSV*:*Colour*:-*Large*"), ("AdjustRGB", "*RGB*:*Colour*:-*Large*"),
+        ("FlipRotate", "*FlipRotate*:-*Large*"), ("FreeRotate", "*FreeRotate*:-*Large*"), ("Shear", "*Shear*:-*Large*"),
+        ("Stretch", "*Stretch*:-*Large*"), ("Trim", "*Trim*:-*Large*"), ("Gradient", "Gradient*"))),
 ]
 
 
