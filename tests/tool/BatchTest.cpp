@@ -207,12 +207,10 @@ TEST_F(BatchTest, CtrlCBeforeTheFirstPictureStopsAll) {
 TEST_F(BatchTest, WorkGoesOnAtTheSameTimeAndIsToldInOrder) {
   std::ostringstream out;
   tool::RunBatch({"first", "second"}, 2, out, [&](std::size_t i) {
-    tool::Told told;
     WriteFile(Path(i == 0 ? "1" : "2"), {});
     const bool met = Becomes([&] { return Exists(i == 0 ? "3" : "1"); });
     if (i == 1) WriteFile(Path("3"), {});
-    told.out = met ? std::to_string(i) : "alone";
-    return told;
+    return tool::Told{met ? std::to_string(i) : "alone", {}, ""};
   });
   EXPECT_EQ(out.str(), "01");
 }
@@ -223,10 +221,9 @@ TEST_F(BatchTest, NoMoreThanSoManyWorkAtOnce) {
     const std::string mine = Path("out/" + std::to_string(i));
     WriteFile(mine, {});
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    tool::Told told;
-    told.out = Names("out").size() <= 2 ? "." : "!";
+    const bool isAllowed = Names("out").size() <= 2;
     std::filesystem::remove(mine);
-    return told;
+    return tool::Told{isAllowed ? "." : "!", {}, ""};
   });
   EXPECT_EQ(out.str(), ".......");
 }
@@ -234,11 +231,7 @@ TEST_F(BatchTest, NoMoreThanSoManyWorkAtOnce) {
 // More than a pipe holds at a time.
 TEST_F(BatchTest, LongTextsArrive) {
   std::ostringstream out;
-  tool::RunBatch({"x"}, 1, out, [](std::size_t) {
-    tool::Told told;
-    told.out = std::string(300000, 'x');
-    return told;
-  });
+  tool::RunBatch({"x"}, 1, out, [](std::size_t) { return tool::Told{std::string(300000, 'x'), {}, ""}; });
   EXPECT_EQ(out.str().size(), 300000u);
 }
 

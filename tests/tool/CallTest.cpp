@@ -51,12 +51,7 @@ TEST_F(CallTest, ReadsJpeg) {
   WriteFile(Path("plain.jpg"), Jpeg(plain));
   const tool::Image result = Run({"AdjustRGB", Path("plain.jpg"), "red_delta=100"});
   ASSERT_EQ(result.pixels.size(), 256u);
-  for (const std::uint32_t pixel : result.pixels) {
-    EXPECT_EQ(pixel >> 24, 0xFFu);
-    EXPECT_NEAR(static_cast<int>(pixel >> 16 & 0xFF), 0x3C + 100, 2);
-    EXPECT_NEAR(static_cast<int>(pixel >> 8 & 0xFF), 0x78, 2);
-    EXPECT_NEAR(static_cast<int>(pixel & 0xFF), 0xB4, 2);
-  }
+  ExpectColour(result, 0xA078B4, 2);
 }
 
 TEST_F(CallTest, KeepsAlpha) {

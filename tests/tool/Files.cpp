@@ -140,6 +140,15 @@ std::vector<std::string> FileTest::Names(const std::string& folder) const {
   return names;
 }
 
+void ExpectColour(const tool::Image& image, std::uint32_t colour, int tolerance) {
+  for (const std::uint32_t pixel : image.pixels) {
+    ASSERT_EQ(pixel >> 24, 0xFFu);
+    for (const int shift : {16, 8, 0}) {
+      ASSERT_NEAR(static_cast<int>(pixel >> shift & 0xFF), static_cast<int>(colour >> shift & 0xFF), tolerance);
+    }
+  }
+}
+
 tool::Image SmallImage() {
   return {3, 2, {0xFF102030, 0xFF405060, 0xFF708090, 0xFFA0B0C0, 0xFFD0E0F0, 0xFF0A141E}};
 }

@@ -63,6 +63,9 @@ class FileTest : public testing::Test {
   std::string folder_;
 };
 
+/// Every pixel has this opaque colour, with no channel further off.
+void ExpectColour(const tool::Image& image, std::uint32_t colour, int tolerance);
+
 /// 3 x 2 opaque pixels, all different.
 tool::Image SmallImage();
 /// Opaque, with some structure in every channel.

@@ -13,6 +13,7 @@
 
 #include "Files.h"
 #include "Process.h"
+#include "tests/support/Thrown.h"
 #include "tool/Encode.h"
 #include "tool/Errors.h"
 #include "tool/File.h"
@@ -84,14 +85,9 @@ TEST_F(InterruptTest, StopsBeforeAFileTakesTheOldOnesPlace) {
     tool::WatchSignals();
     tool::Replacement replacement(Path("out.png"));
     raise(SIGINT);
-    try {
-      replacement.TakePlace(nullptr);
-    } catch (const tool::Interrupted&) {
-      replacement.~Replacement();
-      _exit(42);
-    }
+    EXPECT_THROW(replacement.TakePlace(nullptr), tool::Interrupted);
   });
-  EXPECT_EQ(WEXITSTATUS(status), 42);
+  EXPECT_EQ(status, 0);
   EXPECT_EQ(ReadFile(Path("out.png")), Text("old"));
   EXPECT_EQ(Names(), (std::vector<std::string>{"out.png", "small.png"}));
 }
@@ -161,13 +157,9 @@ TEST_F(InterruptTest, StopsBetweenTheRowsOfALargePicture) {
       raise(SIGINT);
       tool::Encoding encoding;
       encoding.format = format;
-      try {
-        tool::Encode("large", large, encoding);
-      } catch (const tool::Interrupted& interrupted) {
-        _exit(interrupted.what() == std::string("stopped at large") ? 42 : 1);
-      }
+      EXPECT_EQ(ThrownBy<tool::Interrupted>([&] { tool::Encode("large", large, encoding); }), "stopped at large");
     });
-    EXPECT_EQ(WEXITSTATUS(status), 42);
+    EXPECT_EQ(status, 0);
   }
 }
 

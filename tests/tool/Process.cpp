@@ -1,6 +1,7 @@
 #include "Process.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -10,6 +11,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <ostream>
 #include <sstream>
 #include <system_error>
@@ -95,7 +97,8 @@ int InChild(const std::function<void()>& action) {
   } catch (...) {
     _exit(99);
   }
-  _exit(0);
+  std::fflush(nullptr);
+  _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
 Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings) {

@@ -28,7 +28,7 @@ bool operator==(const Ended& a, const Ended& b);
 void PrintTo(const Ended& ended, std::ostream* out);
 
 /// Does this in a process of its own and returns what waitpid() says of its end. Left by an
-/// exception, it exits with 99.
+/// exception, it exits with 99, and after a failed check with 1.
 int InChild(const std::function<void()>& action);
 
 /// Runs lmx with these arguments, to its end.
