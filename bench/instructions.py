@@ -12,9 +12,11 @@ HEAD = """\
 # Instructions for each pixel of a picture of 320 x 1000, from the method's entry to its return, as
 # Callgrind counts them in the native build: without yields, and with a yield every 10000 pixels.
 # scripts/instructions compares, scripts/instructions --update writes anew. Counts hold for one
-# version of the compiler and of the C library: made with: {made_with}
+# version of the compiler and of the C library:
+# made with: {made_with}
 #
-# level, picture, without yields, with yields, operation
+# picture; without yields and with yields at each level; operation
+# levels: {levels}
 """
 PIXELS = 320 * 1000
 YIELDS = ("0", "10000")
@@ -36,21 +38,29 @@ def counted(folder):
 
 def read(file):
     """The counts of the file, and what they were made with. Passes over what is no line of it, as a merge may leave."""
-    counts, made_with = {}, ""
+    counts, made_with, levels = {}, "", []
     for line in file.read_text().splitlines() if file.exists() else []:
         if line.startswith("# made with: "):
             made_with = line.removeprefix("# made with: ")
-        elif match := re.fullmatch(r"(\w+) +(\S+) +([\d.]+) +([\d.]+)  (.*)", line):
-            level, picture, *both, operation = match.groups()
-            counts[level, picture, operation] = [float(count) for count in both]
+        elif line.startswith("# levels: "):
+            levels = line.removeprefix("# levels: ").split()
+        elif match := re.fullmatch(r"(\S+)((?: +[\d.]+ +[\d.]+| +- +-)+)  (.*)", line):
+            picture, cells, operation = match[1], match[2].split(), match[3]
+            for level, *both in zip(levels, cells[::2], cells[1::2]):
+                if both[0] != "-":
+                    counts[level, picture, operation] = [float(count) for count in both]
     return counts, made_with
 
 
 def write(file, counts, made_with):
-    lines = [f"{level:6} {picture:20} {both[0]:>9.3f} {both[1]:>9.3f}  {operation}"
-             for (level, picture, operation), both in sorted(counts.items())]
-    file.write_text(HEAD.format(made_with=made_with) + "\n".join(lines) + "\n")
-    print(f"wrote {file}, {len(counts)} lines")
+    levels = sorted({level for level, *_ in counts})
+    lines = []
+    for picture, operation in sorted({(picture, operation) for _, picture, operation in counts}):
+        cells = [count if count == "-" else f"{count:.3f}" for level in levels
+                 for count in counts.get((level, picture, operation), "--")]
+        lines.append(f"{picture:20}{''.join(map('{:>9}'.format, cells))}  {operation}")
+    file.write_text(HEAD.format(made_with=made_with, levels=" ".join(levels)) + "\n".join(lines) + "\n")
+    print(f"wrote {file}, {len(lines)} lines")
 
 
 def compare(expected, counts, same_tools):
