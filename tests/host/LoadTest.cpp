@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "OddPlugin.h"
 #include "host/Host.h"
 #include "tests/support/Thrown.h"
@@ -50,27 +53,25 @@ TEST(Load, OneHostAtATime) {
   EXPECT_THROW(Host(), Error);
 }
 
+void ExpectFreshVariables(const char* plugin) {
+  Host host;
+  host.Load(plugin);
+  EXPECT_TRUE(Host::IsLoaded(plugin));
+  EXPECT_EQ(host.Call("Next", {}).result, 1);
+  EXPECT_EQ(host.Call("Next", {}).result, 2);
+}
+
 TEST(Load, NextHostStartsWithFreshVariables) {
   for (int round = 0; round < 2; ++round) {
-    {
-      Host host;
-      host.Load(ODD_PLUGIN);
-      EXPECT_TRUE(Host::IsLoaded(ODD_PLUGIN));
-      EXPECT_EQ(host.Call("Next", {}).result, 1);
-      EXPECT_EQ(host.Call("Next", {}).result, 2);
-    }
+    ExpectFreshVariables(ODD_PLUGIN);
     EXPECT_FALSE(Host::IsLoaded(ODD_PLUGIN));
   }
 }
 
 TEST(Load, LibraryThatStaysIsLoadedAsACopy) {
   for (int round = 0; round < 3; ++round) {
-    {
-      Host host;
-      host.Load(STUBBORN_PLUGIN);
-      EXPECT_EQ(host.Call("Next", {}).result, 1) << round;
-      EXPECT_EQ(host.Call("Next", {}).result, 2) << round;
-    }
+    SCOPED_TRACE(round);
+    ExpectFreshVariables(STUBBORN_PLUGIN);
     EXPECT_TRUE(Host::IsLoaded(STUBBORN_PLUGIN));
   }
 }
@@ -101,36 +102,34 @@ TEST(Load, OldHostsGetTheirVersion) {
   EXPECT_EQ(host.Module()->methods[2].flags, 0x15u);
 }
 
-struct LoadCase {
-  odd::LoadMisdeed misdeed;
-  const char* complaint;
-};
+using LoadCase = std::pair<odd::LoadMisdeed, const char*>;
 
 class LoadMisdeed : public testing::TestWithParam<LoadCase> {};
 
 TEST_P(LoadMisdeed, IsNoticed) {
   Options options;
-  options.version = odd::VersionFor(GetParam().misdeed);
+  options.version = odd::VersionFor(GetParam().first);
   Host host(options);
-  EXPECT_EQ(ThrownBy<Misuse>([&] { host.Load(ODD_PLUGIN); }), GetParam().complaint);
+  EXPECT_EQ(ThrownBy<Misuse>([&] { host.Load(ODD_PLUGIN); }), GetParam().second);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Each, LoadMisdeed,
-    testing::Values(LoadCase{odd::kWrongInterface, "RegisterPluginVersion: interface version 11 is not known"},
-                    LoadCase{odd::kNoInterface, "PluginRegisterModule: called before RegisterPluginVersion"},
-                    LoadCase{odd::kWrongModuleVersion, "the module's version is 9"},
-                    LoadCase{odd::kNoModuleName, "the module has no name"},
-                    LoadCase{odd::kNoMethods, "the module has no methods"},
-                    LoadCase{odd::kModuleWordSet, "the module's unused words are not all nil"},
-                    LoadCase{odd::kSetter, "method record 3 has a setter"},
-                    LoadCase{odd::kWrongFlags, "method record 3 has flags 21"},
-                    LoadCase{odd::kMethodWordSet, "method record 3 has unused words that are not nil"},
-                    LoadCase{odd::kNoEntry, "method record 3 has no function"},
-                    LoadCase{odd::kNoDeclaration, "method record 3 has no declaration"},
-                    LoadCase{odd::kMalformedDeclaration,
-                             "method record 3: malformed declaration \"Odd_Weigh(a as number)\": expected a known type "
-                             "before this place at character 22"},
-                    LoadCase{odd::kSameNameTwice, "method record 3 declares odd_NEXT a second time"}));
+    testing::ValuesIn(std::vector<LoadCase>{
+        {odd::kWrongInterface, "RegisterPluginVersion: interface version 11 is not known"},
+        {odd::kNoInterface, "PluginRegisterModule: called before RegisterPluginVersion"},
+        {odd::kWrongModuleVersion, "the module's version is 9"},
+        {odd::kNoModuleName, "the module has no name"},
+        {odd::kNoMethods, "the module has no methods"},
+        {odd::kModuleWordSet, "the module's unused words are not all nil"},
+        {odd::kSetter, "method record 3 has a setter"},
+        {odd::kWrongFlags, "method record 3 has flags 21"},
+        {odd::kMethodWordSet, "method record 3 has unused words that are not nil"},
+        {odd::kNoEntry, "method record 3 has no function"},
+        {odd::kNoDeclaration, "method record 3 has no declaration"},
+        {odd::kMalformedDeclaration,
+         "method record 3: malformed declaration \"Odd_Weigh(a as number)\": expected a known type "
+         "before this place at character 22"},
+        {odd::kSameNameTwice, "method record 3 declares odd_NEXT a second time"}}));
 
 }  // namespace
