@@ -1,5 +1,4 @@
-// Puts a level's kernels into the table. Included after them, and after the three forms that they
-// are made for.
+// Installs the kernels of one level in a table. Included after the kernels and the three forms.
 #pragma once
 
 namespace {

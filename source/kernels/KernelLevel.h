@@ -1,9 +1,9 @@
-// The highest level of kernels that a library may use. It has a unit of its own, so that a library
-// that is capped at a level differs from the plug-in in this one object.
+// The highest kernel level that a library may use. It is defined in a source file of its own: a
+// capped build differs from the plug-in in this one object file.
 #pragma once
 
-/// Lowest first. The names are those of the capped builds, too: CMake and the scripts read them
-/// from this line.
+/// The levels, lowest first. CMake and the scripts read the names of the capped builds from this
+/// line.
 enum class KernelLevel { plain, sse2, avx2, avx512 };
 constexpr KernelLevel kLastLevel = KernelLevel::avx512;
 

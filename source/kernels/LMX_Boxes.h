@@ -1,37 +1,37 @@
-// The boxes of a stretch: of which runs each average is made, and what it takes of them.
+// The boxes of a stretch: which runs each average covers, and with which weights.
 //
-// Every run is worth the same number of units. Boxes take them in turn, each the same number and
-// each from where the one before it ended, so that they are known from three numbers; nobody keeps
-// a table of weights.
+// Every run is worth the same number of units. Every box takes the same number of units, and begins
+// where the box before it ended. So three numbers describe all boxes, and nobody keeps a table of
+// weights.
 #pragma once
 
 #include "LMX_Pixel.h"
 
-/// Where a row of boxes begins, and the two sizes. A box takes 32768 units or a few less: what
-/// kMostMissing allows.
+/// The first of a row of boxes, and the two sizes. The kernel `boxes` takes boxes of 32768 units or
+/// a few less (kMostMissing). PrivStretch.cpp derives what occurs.
 struct BoxUnits {
-  uint32_t ofRun;  ///< at least 1
-  uint32_t ofBox;  ///< kWholeBox - kMostMissing to kWholeBox
-  uint32_t left;   ///< what no earlier box has taken of the first run: 1 to ofRun
+  uint32_t ofRun;  ///< what a run is worth, at least 1
+  uint32_t ofBox;  ///< what a box takes: kWholeBox - kMostMissing to kWholeBox in `boxes`
+  uint32_t left;   ///< the units of the first run that no earlier box has taken: 1 to ofRun
 };
 constexpr uint32_t kWholeBox = 32768;
 constexpr uint32_t kMostMissing = 64;
 
-/// A box that begins with the run in hand. Runs between its first and its last one give all that
-/// they are worth.
+/// One box. It takes all units of the runs between its first and its last one.
 struct Box {
   size_t count;    ///< runs, at least 1
-  uint32_t first;  ///< units of the first one; all of the box's if it is the only one
-  uint32_t last;   ///< units of the last one of several
-  size_t advance;  ///< how many runs are used up after it
+  uint32_t first;  ///< units of the first run; all of the box's if there is one run only
+  uint32_t last;   ///< units of the last of several runs
+  size_t advance;  ///< how many runs are used up when the box is full
 };
 
 /// Gives the boxes one after another, without a division for each.
 class BoxWalk {
  public:
-  // A box that does not fit into what is left of its first run needs 1 to ofBox - 1 units more.
-  // Before the last run, which gives 1 to ofRun of them, that takes (need - 1) / ofRun whole runs:
-  // since the first run had at most ofRun to give, either mostWhole_ or one less.
+  // A box that is larger than the rest of its first run needs 1 to ofBox - 1 more units. The last
+  // run gives 1 to ofRun of them, so (need - 1) / ofRun whole runs lie before it. The first run
+  // gave 1 to ofRun units, so need - 1 is ofBox - 1 less 1 to ofRun, and the quotient is mostWhole_
+  // or mostWhole_ - 1: no division.
   LMX_ALWAYS_INLINE explicit BoxWalk(const BoxUnits& units)
       : ofRun_(units.ofRun), ofBox_(units.ofBox), left_(units.left), mostWhole_((units.ofBox - 1) / units.ofRun) {}
 

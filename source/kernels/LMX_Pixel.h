@@ -1,15 +1,15 @@
-// One pixel: what reading, writing, adjusting and blending mean. These functions say what every
-// pixel operation is; the kernels apply them to runs.
+// One pixel: what reading, writing, adjusting and blending mean. The kernels apply these functions
+// to runs.
 //
 // A working pixel is 0xAARRGGBB with straight alpha: 255 opaque, 0 transparent. A stored pixel is
 // four bytes in one of two forms:
 //   context  alpha, red, green, blue in memory, colours premultiplied by alpha;
 //   buffer   a little-endian word 0xTTRRGGBB, straight colours, T a transparency from 0 (opaque) to
 //            127 (clear).
-// All arithmetic is on integers, and every division truncates.
+// All arithmetic is on integers but for two sums, and every division truncates.
 //
-// The functions are expanded wherever they are used: a copy that was compiled for one instruction
-// set must never be the one that the linker keeps for everybody.
+// All functions are always inlined: the linker must never keep a copy for everybody that was
+// compiled for one instruction set.
 #pragma once
 
 #include <stdint.h>
@@ -20,7 +20,7 @@
 
 /// What an HSV adjustment does to each pixel.
 struct HSVAdjustment {
-  int32_t hueShift;  ///< in 1/1024 of a sector of 60 degrees: -6144 to 6143; others, too, up to INT32_MIN of a NaN
+  int32_t hueShift;  ///< in 1/1024 of 60 degrees: -6144 to 6143, or INT32_MIN for a NaN
   int32_t saturationScale;  ///< in 1/1024: 0 to 999 x 1024, whole numbers only
   int32_t valueScale;       ///< the same
 };
@@ -32,14 +32,14 @@ struct RGBAdjustment {
   int32_t blue;
 };
 
-/// Sums over pixels; 32 bits wide, and they wrap.
+/// Sums over pixels. They are 32 bits wide and wrap.
 struct RGBSums {
   uint32_t red;
   uint32_t green;
   uint32_t blue;
 };
 
-/// Running sums in the order of the pixels: their last bits are part of the result.
+/// Sums over pixels in their order, on which the last bits of `saturation` depend.
 struct HSVSums {
   RGBSums rgb;
   double saturation;  ///< of (max - min) / max, 0 for black
@@ -60,8 +60,9 @@ struct LMX_Pixel {
 
   // --------------------------------------------------------------------------------- stored pixels
 
-  /// The colours of a stored pixel above its alpha come out above 255 and carry into their
-  /// neighbour. That is wanted.
+  /// A colour above its alpha comes out above 255 and carries into the channel to its left.
+  /// Rationale: the carry is part of the result for malformed pictures. The largest quotient, 255 *
+  /// 255 / 1, has 16 bits.
   LMX_ALWAYS_INLINE static uint32_t ReadContext(const uint8_t* stored) {
     const uint32_t alpha = stored[0];
     if (alpha == 0) return 0;
@@ -78,8 +79,7 @@ struct LMX_Pixel {
     stored[3] = static_cast<uint8_t>(Blue(pixel) * alpha / 255);
   }
 
-  /// A transparency above 127, which no well-formed picture has, wraps around in the byte of the
-  /// alpha.
+  /// A transparency above 127, which no well-formed picture has, wraps in the eight bits of alpha.
   LMX_ALWAYS_INLINE static uint32_t ReadBuffer(const uint8_t* stored) {
     uint32_t word;
     memcpy(&word, stored, sizeof word);
@@ -88,13 +88,13 @@ struct LMX_Pixel {
     return alpha << 24 | (word & 0xFFFFFF);
   }
 
-  /// Seven bits of alpha are kept: 1 reads back as 0, and 254 as 255.
+  /// Keeps seven bits of alpha: 1 reads back as 0, and 254 as 255.
   LMX_ALWAYS_INLINE static void WriteBuffer(uint8_t* stored, uint32_t pixel) {
     const uint32_t word = ((pixel >> 1 & 0x7F000000) | (pixel & 0xFFFFFF)) ^ 0x7F000000;
     memcpy(stored, &word, sizeof word);
   }
 
-  /// A working pixel in memory, which may lie at any address.
+  /// A working pixel in memory, at any address.
   LMX_ALWAYS_INLINE static uint32_t Load(const uint8_t* working) {
     uint32_t pixel;
     memcpy(&pixel, working, sizeof pixel);
@@ -104,9 +104,9 @@ struct LMX_Pixel {
 
   // ------------------------------------------------------------------------------------------- HSV
 
-  /// Hue 0 to 6143 in 1/1024 of a sector of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a
-  /// grey; saturation 0 to 1024; value, the largest channel, and alpha 0 to 255. Red wins a tie,
-  /// then green.
+  /// Hue: 0 to 6143 in 1/1024 of 60 degrees (0 red, 2048 green, 4096 blue), -1 for a grey.
+  /// Saturation: 0 to 1024. Value, the largest channel, and alpha: 0 to 255. Red wins a tie, then
+  /// green. The products have 18 bits: 255 * 1024.
   LMX_ALWAYS_INLINE static void RGBToHSV_1024(unsigned long pixel, long& hue, long& saturation, long& value,
                                               long& alpha) {
     const uint32_t word = static_cast<uint32_t>(pixel);
@@ -131,10 +131,11 @@ struct LMX_Pixel {
     if (hue < 0) hue += 6144;
   }
 
-  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A hue outside the six
-  /// sectors gives black, unless the saturation is 0, which ignores it. The division that tells the
-  /// sector truncates, so that hues from -1023 to -1 continue the first one downwards. Truncation
-  /// may lower a channel by a step or two; it is not corrected.
+  /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A saturation of 0 gives a
+  /// grey, whatever the hue. Otherwise a hue below -1023 or above 6143 gives black. The sector is a
+  /// truncated quotient, so hues from -1023 to -1 are in sector 0, with a distance of up to 2047.
+  /// Truncation may lower a channel by a step or two. The largest product, 1048576 * 255, has
+  /// 28 bits.
   LMX_ALWAYS_INLINE static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
     const uint32_t a = static_cast<uint32_t>(alpha);
     const uint32_t v = static_cast<uint32_t>(value);
@@ -162,8 +163,8 @@ struct LMX_Pixel {
     }
   }
 
-  /// Alpha stays. The saturation ends at 1023, so a fully saturated colour loses a unit even when
-  /// nothing is scaled.
+  /// Alpha stays. The saturation is at most 1023: a fully saturated colour loses one unit of it
+  /// even when nothing is scaled. The largest product, 1024 * 999 * 1024, has 30 bits.
   LMX_ALWAYS_INLINE static uint32_t AdjustHSV(uint32_t pixel, const HSVAdjustment& by) {
     long hue, saturation, value, alpha;
     RGBToHSV_1024(pixel, hue, saturation, value, alpha);
@@ -186,8 +187,9 @@ struct LMX_Pixel {
   /// The colour negative, fully transparent.
   LMX_ALWAYS_INLINE static uint32_t Negative(uint32_t pixel) { return ~pixel & 0xFFFFFF; }
 
-  /// The mix of a pixel with the one before it in its line. `fraction` is the weight of the one
-  /// before, 0 to 65535; the pixel's own is the rest to 65535.
+  /// A pixel mixed with the one before it in its line. `fraction`, 0 to 65535, is the weight of the
+  /// one before; the pixel has the weight 65535 - fraction. The largest sum, 255 * 65535, has 24
+  /// bits.
   LMX_ALWAYS_INLINE static uint32_t Blend(uint32_t pixel, uint32_t before, uint32_t fraction) {
     return Pack(BlendChannel(Alpha(pixel), Alpha(before), fraction), BlendChannel(Red(pixel), Red(before), fraction),
                 BlendChannel(Green(pixel), Green(before), fraction), BlendChannel(Blue(pixel), Blue(before), fraction));
@@ -195,7 +197,8 @@ struct LMX_Pixel {
 
   // ------------------------------------------------------------------------------------ box filter
 
-  /// Adds `units` times each channel to the four sums of a box.
+  /// Adds `units` times each channel to the four sums of a box. A box has at most 32768 units, so a
+  /// sum is at most 255 * 32768, below 2^23.
   LMX_ALWAYS_INLINE static void AddToBox(uint32_t* sums, uint32_t pixel, uint32_t units) {
     sums[0] += Alpha(pixel) * units;
     sums[1] += Red(pixel) * units;
@@ -203,7 +206,7 @@ struct LMX_Pixel {
     sums[3] += Blue(pixel) * units;
   }
 
-  /// The average of what was added, `units` in all.
+  /// The average of a box, of which `units` were added in all.
   LMX_ALWAYS_INLINE static uint32_t BoxAverage(const uint32_t* sums, uint32_t units) {
     return Pack(sums[0] / units, sums[1] / units, sums[2] / units, sums[3] / units);
   }

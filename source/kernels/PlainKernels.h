@@ -1,9 +1,8 @@
-// The plain kernels: each is the functions of LMX_Pixel.h, applied n times. They are what the wide
-// kernels have to equal, and what these use themselves for pixels that their arithmetic does not
-// cover.
+// The plain kernels: each applies the functions of LMX_Pixel.h n times. The wide kernels must equal
+// them, and call them for pixels that the wide arithmetic does not cover.
 //
-// Everything lives in an anonymous namespace and is expanded where it is used, so that no two
-// levels share a function.
+// Everything is in an anonymous namespace and always inlined, so that no two levels share a
+// function.
 #pragma once
 
 #include "RunKernels.h"
@@ -23,7 +22,7 @@ struct WorkingForm {
   static constexpr PixelForm kForm = kWorkingForm;
 };
 
-// A pixel of a form, which the wide kernels have as a type of their own.
+// Reads and writes one pixel of a form.
 template <class Form>
 LMX_ALWAYS_INLINE uint32_t Read(const uint8_t* pixel) {
   if constexpr (Form::kForm == kContextForm) {
@@ -96,8 +95,8 @@ LMX_ALWAYS_INLINE void Blend(uint8_t* to, const uint8_t* from, uint32_t before, 
 
 // ----------------------------------------------------------------------------------------- columns
 
-// One row of columns that are blended along themselves: from column c on, n of them. It comes from
-// `from[down[c]]` and the run after that.
+// One row of BlendColumns: n columns from column c on. Column i mixes the runs from[down[i]] and
+// from[down[i] + 1].
 template <class From, class To>
 LMX_ALWAYS_INLINE void BlendRow(uint8_t* to, const uint8_t* const* from, const uint32_t* down, const uint32_t* fraction,
                                 size_t c, size_t n) {

@@ -1,4 +1,4 @@
-// The kernels in SSE2, which every x86 processor that we run on has.
+// The kernels in SSE2, which every supported x86 processor has.
 #include "Vector_sse2.h"
 //
 #include "RunKernels_wide.h"

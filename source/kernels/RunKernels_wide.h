@@ -1,5 +1,5 @@
-// The wide kernels, for any width of register: a unit per level includes its Vector header, and
-// then this one.
+// The wide kernels, for any register width. The source file of a level includes its Vector header
+// and then this one.
 #pragma once
 
 #include "WideBoxes.h"
@@ -18,8 +18,8 @@ void InstallNonTemporalPair(RunKernels* kernels) {
   pair.adjustRGB = AdjustRGB<From, To, NonTemporal>;
 }
 
-// What writes whole runs of a picture, and is limited by memory. Not for a level without such
-// stores.
+// The kernels that write whole rows and are limited by memory. Unused by a level that has no
+// non-temporal stores.
 [[maybe_unused]] void InstallNonTemporal(RunKernels* kernels) {
   InstallNonTemporalPair<ContextForm, ContextForm>(kernels);
   InstallNonTemporalPair<ContextForm, BufferForm>(kernels);

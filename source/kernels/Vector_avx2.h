@@ -1,6 +1,6 @@
 // Eight pixels in a register: the operations from which the wide kernels are made, in AVX2.
 //
-// Lanes of 16 and 32 bits; unpacking and packing keep to their group of 128 bits.
+// Lanes have 16 or 32 bits. Unpacking and packing stay within each group of 128 bits.
 #pragma once
 
 #include <immintrin.h>
@@ -15,7 +15,7 @@ struct Vector {
 
   LMX_ALWAYS_INLINE static Reg Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { _mm256_storeu_si256(static_cast<__m256i*>(p), a); }
-  // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
+  // The first n pixels, 1 to kPixels. The others are not touched in memory; loaded, they are 0.
   LMX_ALWAYS_INLINE static Reg LoadFirst(const void* p, size_t n) {
     return _mm256_maskload_epi32(static_cast<const int*>(p), FirstLanes(n));
   }
@@ -36,19 +36,20 @@ struct Vector {
     if ((n & 1) != 0) LMX_Pixel::Store(p, static_cast<uint32_t>(_mm_cvtsi128_si32(part)));
   }
 
-  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  // Lanes: a mask of 32-bit lanes. FirstLanes selects the first n; OnesFrom(n) has all bits set in
+  // the others.
   using Lanes = __m256i;
   LMX_ALWAYS_INLINE static Lanes FirstLanes(size_t n) {
     return _mm256_cmpgt_epi32(Set32(static_cast<uint32_t>(n)), _mm256_set_epi32(7, 6, 5, 4, 3, 2, 1, 0));
   }
   LMX_ALWAYS_INLINE static Reg OnesFrom(size_t n) { return Xor(FirstLanes(n), Set32(0xFFFFFFFF)); }
   LMX_ALWAYS_INLINE static Lanes EqualLanes(Reg a, Reg b) { return Equal32(a, b); }
-  // Loads these lanes, and no others, of the first n pixels at p; in `a` they are 0.
+  // Loads only these lanes of the pixels at p into `a`, where they are 0.
   LMX_ALWAYS_INLINE static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t /*n*/) {
     return Or(a, _mm256_maskload_epi32(static_cast<const int*>(p), lanes));
   }
 
-  // Past the cache; to an address that is a multiple of the register's size.
+  // A non-temporal store, to an address that is a multiple of the register's size.
   LMX_ALWAYS_INLINE static void Stream(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
   LMX_ALWAYS_INLINE static Reg Zero() { return _mm256_setzero_si256(); }
   LMX_ALWAYS_INLINE static Reg Set16(uint32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
@@ -119,7 +120,7 @@ struct Vector {
     return _mm256_testc_si256(a, mask) != 0;
   }  // all of the mask's
 
-  // a - b where that is above 0, else a; both lie in 0 to 32767, and they differ.
+  // a - b where that is above 0, else a. Both are 0 to 32767, and not equal.
   LMX_ALWAYS_INLINE static Reg SubIfGreater16(Reg a, Reg b) { return _mm256_min_epu16(a, Sub16(a, b)); }
 
   LMX_ALWAYS_INLINE static Reg UnpackLow8(Reg a) { return _mm256_unpacklo_epi8(a, Zero()); }
@@ -135,14 +136,14 @@ struct Vector {
   LMX_ALWAYS_INLINE static Reg DoubleHigh32(Reg a) { return _mm256_unpackhi_epi32(a, a); }
   LMX_ALWAYS_INLINE static Reg Pack16(Reg low, Reg high) { return _mm256_packus_epi16(low, high); }
 
-  // The chosen 16-bit lanes of each 64 bits.
+  // Four 16-bit lanes of each 64 bits, chosen by two bits each.
   template <int i>
   LMX_ALWAYS_INLINE static Reg Spread16(Reg a) {
     constexpr int first = i & 3, second = i >> 2 & 3, third = i >> 4 & 3, fourth = i >> 6;
     return Words<first, second, third, fourth, 4 + first, 4 + second, 4 + third, 4 + fourth>(a);
   }
 
-  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and
+  // The lower (0) or upper (1) half of each pixel, copied to the four lanes where UnpackLow8 and
   // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
@@ -153,7 +154,7 @@ struct Vector {
     return Words<4 + half, 4 + half, 4 + half, 4 + half, 6 + half, 6 + half, 6 + half, 6 + half>(a);
   }
 
-  // The lowest byte of each pixel in all of its four.
+  // The lowest byte of each pixel, in all four bytes of it.
   LMX_ALWAYS_INLINE static Reg SpreadLowest8(Reg a) {
     return Bytes(a, _mm_set_epi8(12, 12, 12, 12, 8, 8, 8, 8, 4, 4, 4, 4, 0, 0, 0, 0));
   }
@@ -165,16 +166,16 @@ struct Vector {
     return _mm256_permutevar8x32_epi32(a, _mm256_set_epi32(0, 1, 2, 3, 4, 5, 6, 7));
   }
 
-  // The last pixel of `before`, and all but the last of a.
+  // The last pixel of `before`, followed by all but the last of `a`.
   LMX_ALWAYS_INLINE static Reg ShiftIn(Reg before, Reg a) {
     return _mm256_alignr_epi8(a, _mm256_permute2x128_si256(before, a, 0x21), 12);
   }
 
-  // Every other pixel of two registers that follow each other.
+  // The even, or the odd, pixels of two consecutive registers.
   LMX_ALWAYS_INLINE static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   LMX_ALWAYS_INLINE static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
-  // `dividend` by each 32-bit lane, in single precision, truncated.
+  // `dividend` divided by each 32-bit lane, in single precision, truncated.
   LMX_ALWAYS_INLINE static Reg DivideSingle(int32_t dividend, Reg divisors) {
     const __m256 single = _mm256_cvtepi32_ps(_mm256_set1_epi32(dividend));
     return _mm256_cvttps_epi32(_mm256_div_ps(single, _mm256_cvtepi32_ps(divisors)));
@@ -218,7 +219,7 @@ struct Vector {
   }
 
  private:
-  // The chosen bytes, or 16-bit lanes, of each 128 bits.
+  // Bytes, or 16-bit lanes, of each 128 bits in the given order.
   LMX_ALWAYS_INLINE static Reg Bytes(Reg a, __m128i order) {
     return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(order));
   }

@@ -1,7 +1,7 @@
 // Sixteen pixels in a register: the operations from which the wide kernels are made, in AVX-512 (F
 // and BW).
 //
-// Lanes of 16 and 32 bits; unpacking and packing keep to their group of 128 bits.
+// Lanes have 16 or 32 bits. Unpacking and packing stay within each group of 128 bits.
 #pragma once
 
 #include <immintrin.h>
@@ -16,7 +16,7 @@ struct Vector {
 
   LMX_ALWAYS_INLINE static Reg Load(const void* p) { return _mm512_loadu_si512(p); }
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { _mm512_storeu_si512(p, a); }
-  // The first n pixels, 1 to kPixels; the others are 0, and are neither read nor written.
+  // The first n pixels, 1 to kPixels. The others are not touched in memory; loaded, they are 0.
   LMX_ALWAYS_INLINE static Reg LoadFirst(const void* p, size_t n) { return _mm512_maskz_loadu_epi32(FirstLanes(n), p); }
   LMX_ALWAYS_INLINE static void StoreFirst(uint8_t* p, size_t n, Reg a) {
     if (n > 8) return _mm512_mask_storeu_epi32(p, FirstLanes(n), a);
@@ -35,19 +35,20 @@ struct Vector {
     if ((n & 1) != 0) LMX_Pixel::Store(p, static_cast<uint32_t>(_mm_cvtsi128_si32(part)));
   }
 
-  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  // Lanes: a mask of 32-bit lanes. FirstLanes selects the first n; OnesFrom(n) has all bits set in
+  // the others.
   using Lanes = __mmask16;
   LMX_ALWAYS_INLINE static Lanes FirstLanes(size_t n) { return static_cast<Lanes>(0xFFFFu >> (kPixels - n)); }
   LMX_ALWAYS_INLINE static Reg OnesFrom(size_t n) {
     return _mm512_maskz_set1_epi32(static_cast<Lanes>(~FirstLanes(n)), -1);
   }
   LMX_ALWAYS_INLINE static Lanes EqualLanes(Reg a, Reg b) { return _mm512_cmpeq_epi32_mask(a, b); }
-  // Loads these lanes, and no others, of the first n pixels at p; in `a` they are 0.
+  // Loads only these lanes of the pixels at p into `a`, where they are 0.
   LMX_ALWAYS_INLINE static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t /*n*/) {
     return _mm512_mask_loadu_epi32(a, lanes, p);
   }
 
-  // Past the cache; to an address that is a multiple of the register's size.
+  // A non-temporal store, to an address that is a multiple of the register's size.
   LMX_ALWAYS_INLINE static void Stream(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
   LMX_ALWAYS_INLINE static Reg Zero() { return _mm512_setzero_si512(); }
   LMX_ALWAYS_INLINE static Reg Set16(uint32_t v) { return _mm512_set1_epi16(static_cast<short>(v)); }
@@ -120,7 +121,7 @@ struct Vector {
   LMX_ALWAYS_INLINE static bool IsZero(Reg a) { return _mm512_test_epi32_mask(a, a) == 0; }
   LMX_ALWAYS_INLINE static bool HasBits(Reg a, Reg mask) { return IsZero(AndNot(a, mask)); }  // all of the mask's
 
-  // a - b where that is above 0, else a; both lie in 0 to 32767, and they differ.
+  // a - b where that is above 0, else a. Both are 0 to 32767, and not equal.
   LMX_ALWAYS_INLINE static Reg SubIfGreater16(Reg a, Reg b) { return _mm512_min_epu16(a, Sub16(a, b)); }
 
   LMX_ALWAYS_INLINE static Reg UnpackLow8(Reg a) { return _mm512_unpacklo_epi8(a, Zero()); }
@@ -136,14 +137,14 @@ struct Vector {
   LMX_ALWAYS_INLINE static Reg DoubleHigh32(Reg a) { return _mm512_unpackhi_epi32(a, a); }
   LMX_ALWAYS_INLINE static Reg Pack16(Reg low, Reg high) { return _mm512_packus_epi16(low, high); }
 
-  // The chosen 16-bit lanes of each 64 bits.
+  // Four 16-bit lanes of each 64 bits, chosen by two bits each.
   template <int i>
   LMX_ALWAYS_INLINE static Reg Spread16(Reg a) {
     constexpr int first = i & 3, second = i >> 2 & 3, third = i >> 4 & 3, fourth = i >> 6;
     return Words<first, second, third, fourth, 4 + first, 4 + second, 4 + third, 4 + fourth>(a);
   }
 
-  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and
+  // The lower (0) or upper (1) half of each pixel, copied to the four lanes where UnpackLow8 and
   // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
@@ -154,7 +155,7 @@ struct Vector {
     return Words<4 + half, 4 + half, 4 + half, 4 + half, 6 + half, 6 + half, 6 + half, 6 + half>(a);
   }
 
-  // The lowest byte of each pixel in all of its four.
+  // The lowest byte of each pixel, in all four bytes of it.
   LMX_ALWAYS_INLINE static Reg SpreadLowest8(Reg a) {
     return Bytes(a, _mm_set_epi8(12, 12, 12, 12, 8, 8, 8, 8, 4, 4, 4, 4, 0, 0, 0, 0));
   }
@@ -166,13 +167,13 @@ struct Vector {
     return _mm512_permutexvar_epi32(_mm512_set_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), a);
   }
 
-  // The last pixel of `before`, and all but the last of a.
+  // The last pixel of `before`, followed by all but the last of `a`.
   LMX_ALWAYS_INLINE static Reg ShiftIn(Reg before, Reg a) {
     const Reg follow = _mm512_set_epi32(30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15);
     return _mm512_permutex2var_epi32(before, follow, a);
   }
 
-  // Every other pixel of two registers that follow each other.
+  // The even, or the odd, pixels of two consecutive registers.
   LMX_ALWAYS_INLINE static Reg EvenPixels(Reg a, Reg b) {
     const Reg even = _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
     return _mm512_permutex2var_epi32(a, even, b);
@@ -182,7 +183,7 @@ struct Vector {
     return _mm512_permutex2var_epi32(a, odd, b);
   }
 
-  // `dividend` by each 32-bit lane, in single precision, truncated.
+  // `dividend` divided by each 32-bit lane, in single precision, truncated.
   LMX_ALWAYS_INLINE static Reg DivideSingle(int32_t dividend, Reg divisors) {
     const __m512 single = _mm512_cvtepi32_ps(_mm512_set1_epi32(dividend));
     return _mm512_cvttps_epi32(_mm512_div_ps(single, _mm512_cvtepi32_ps(divisors)));
@@ -208,8 +209,8 @@ struct Vector {
     return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_add_epi64(quarter, _mm_srli_si128(quarter, 8))));
   }
 
-  // Transposes a square of kPixels x kPixels pixels: first the 4 x 4 pixels in each group of 128
-  // bits, then the groups.
+  // Transposes a square of kPixels x kPixels pixels: first 4 x 4 pixels in each group of 128 bits,
+  // then the groups.
   LMX_ALWAYS_INLINE static void Transpose(Reg* r) {
     Reg columns[16];  // columns[i + k] has, in its groups, the columns k, 4 + k, 8 + k, 12 + k of the rows i to i + 3
     for (int i = 0; i < 16; i += 4) {
@@ -233,7 +234,7 @@ struct Vector {
   }
 
  private:
-  // The chosen bytes, or 16-bit lanes, of each 128 bits.
+  // Bytes, or 16-bit lanes, of each 128 bits in the given order.
   LMX_ALWAYS_INLINE static Reg Bytes(Reg a, __m128i order) {
     return _mm512_shuffle_epi8(a, _mm512_broadcast_i32x4(order));
   }

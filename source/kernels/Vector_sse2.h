@@ -1,6 +1,6 @@
 // Four pixels in a register: the operations from which the wide kernels are made, in SSE2.
 //
-// Lanes of 16 and 32 bits; every operation keeps to its group of 128 bits, as the wider sets do.
+// Lanes have 16 or 32 bits. The wider sets do the same to each group of 128 bits.
 #pragma once
 
 #include <emmintrin.h>
@@ -16,8 +16,7 @@ struct Vector {
   LMX_ALWAYS_INLINE static Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { _mm_storeu_si128(static_cast<__m128i*>(p), a); }
 
-  // The first n pixels, 1 to all of them: what follows them in memory is neither read nor written;
-  // it counts as 0.
+  // The first n pixels, 1 to kPixels. The others are not touched in memory; loaded, they are 0.
   LMX_ALWAYS_INLINE static Reg LoadFirst(const void* p, size_t n) {
     if (n == kPixels) return Load(p);
     const uint8_t* const from = static_cast<const uint8_t*>(p);
@@ -35,19 +34,20 @@ struct Vector {
     if (n & 1) LMX_Pixel::Store(to, static_cast<uint32_t>(_mm_cvtsi128_si32(a)));
   }
 
-  // Some lanes of 32 bits; OnesFrom sets all bits of the others.
+  // Lanes: a mask of 32-bit lanes. FirstLanes selects the first n; OnesFrom(n) has all bits set in
+  // the others.
   using Lanes = __m128i;
   LMX_ALWAYS_INLINE static Lanes FirstLanes(size_t n) {
     return _mm_cmpgt_epi32(Set32(static_cast<uint32_t>(n)), _mm_set_epi32(3, 2, 1, 0));
   }
   LMX_ALWAYS_INLINE static Reg OnesFrom(size_t n) { return Xor(FirstLanes(n), Set32(0xFFFFFFFF)); }
   LMX_ALWAYS_INLINE static Lanes EqualLanes(Reg a, Reg b) { return Equal32(a, b); }
-  // Loads these lanes of the first n pixels at p, of which all may be read; in `a` they are 0.
+  // Loads these lanes of the first n pixels at p into `a`, where they are 0. Reads all n pixels.
   LMX_ALWAYS_INLINE static Reg LoadLanes(Reg a, Lanes lanes, const void* p, size_t n) {
     return Or(a, And(LoadFirst(p, n), lanes));
   }
 
-  // Past the cache; to an address that is a multiple of the register's size.
+  // A non-temporal store, to an address that is a multiple of the register's size.
   LMX_ALWAYS_INLINE static void Stream(void* p, Reg a) { _mm_stream_si128(static_cast<__m128i*>(p), a); }
   LMX_ALWAYS_INLINE static Reg Zero() { return _mm_setzero_si128(); }
   LMX_ALWAYS_INLINE static Reg Set16(uint32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
@@ -116,7 +116,7 @@ struct Vector {
   LMX_ALWAYS_INLINE static bool IsZero(Reg a) { return _mm_movemask_epi8(_mm_cmpeq_epi8(a, Zero())) == 0xFFFF; }
   LMX_ALWAYS_INLINE static bool HasBits(Reg a, Reg mask) { return IsZero(AndNot(a, mask)); }  // all of the mask's
 
-  // a - b where that is above 0, else a; both lie in 0 to 32767, and they differ.
+  // a - b where that is above 0, else a. Both are 0 to 32767, and not equal.
   LMX_ALWAYS_INLINE static Reg SubIfGreater16(Reg a, Reg b) { return Sub16(a, And(Greater16(a, b), b)); }
 
   LMX_ALWAYS_INLINE static Reg UnpackLow8(Reg a) { return _mm_unpacklo_epi8(a, Zero()); }
@@ -132,13 +132,13 @@ struct Vector {
   LMX_ALWAYS_INLINE static Reg DoubleHigh32(Reg a) { return _mm_unpackhi_epi32(a, a); }
   LMX_ALWAYS_INLINE static Reg Pack16(Reg low, Reg high) { return _mm_packus_epi16(low, high); }
 
-  // The chosen two, or one, of the four 16-bit lanes of each 64 bits.
+  // Four 16-bit lanes of each 64 bits, chosen by two bits each.
   template <int i>
   LMX_ALWAYS_INLINE static Reg Spread16(Reg a) {
     return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, i), i);
   }
 
-  // The lower (0) or upper (1) half of each pixel, in the four lanes where UnpackLow8 and
+  // The lower (0) or upper (1) half of each pixel, copied to the four lanes where UnpackLow8 and
   // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
@@ -149,7 +149,7 @@ struct Vector {
     return Spread16 < half ? 0xF5 : 0xA0 > (_mm_unpackhi_epi32(a, a));
   }
 
-  // The lowest byte of each pixel in all of its four, of pixels that have no other.
+  // The lowest byte of each pixel, in all four bytes of it. The upper three are 0 before.
   LMX_ALWAYS_INLINE static Reg SpreadLowest8(Reg a) {
     const Reg pairs = _mm_or_si128(a, _mm_slli_epi32(a, 8));
     return _mm_or_si128(pairs, _mm_slli_epi32(pairs, 16));
@@ -161,16 +161,16 @@ struct Vector {
   }
   LMX_ALWAYS_INLINE static Reg Reverse(Reg a) { return _mm_shuffle_epi32(a, _MM_SHUFFLE(0, 1, 2, 3)); }
 
-  // The last pixel of `before`, and all but the last of a.
+  // The last pixel of `before`, followed by all but the last of `a`.
   LMX_ALWAYS_INLINE static Reg ShiftIn(Reg before, Reg a) {
     return _mm_or_si128(_mm_srli_si128(before, 12), _mm_slli_si128(a, 4));
   }
 
-  // Every other pixel of two registers that follow each other.
+  // The even, or the odd, pixels of two consecutive registers.
   LMX_ALWAYS_INLINE static Reg EvenPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   LMX_ALWAYS_INLINE static Reg OddPixels(Reg a, Reg b) { return Shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
-  // `dividend` by each 32-bit lane, in single precision, truncated.
+  // `dividend` divided by each 32-bit lane, in single precision, truncated.
   LMX_ALWAYS_INLINE static Reg DivideSingle(int32_t dividend, Reg divisors) {
     return _mm_cvttps_epi32(_mm_div_ps(_mm_cvtepi32_ps(_mm_set1_epi32(dividend)), _mm_cvtepi32_ps(divisors)));
   }

@@ -7,9 +7,9 @@ namespace {
 
 // ---------------------------------------------------------------------------- averages of two runs
 
-// A box of exactly 32768 units. The quotient of a first + b last is a + (b - a) last / 32768,
-// rounded down: the high half of the signed product of 2 (b - a), -510 to 510, and `last`, 1 to
-// 32767.
+// A box of exactly 32768 units: (a * first + b * last) / 32768 is a + (b - a) * last / 32768,
+// rounded down. That is a plus the upper half of the signed product of 2 * (b - a), -510 to 510,
+// and `last`, 1 to 32767. Test: AllDistancesAndWeights.BoxOfTwo.
 class WholeMix {
  public:
   explicit WholeMix(const Box& box) : last_(Vector::Set16(box.last)) {}
@@ -27,16 +27,23 @@ class WholeMix {
   Reg last_;
 };
 
-// A box of U units, 32704 to 32768: the smaller channel and d w / U, where d is the distance, 0 to
-// 255, and w the weight of the larger channel, 1 to U - 1. With G = w 2^32 / U + e, the sum floor(d
-// G / 2^16) + 1 lies above 2^16 (d w / U) - 0.01 and at most 0.01 + 1 above it, since |e| < 2. A
-// quotient that is not whole is 1 / U, at least 2 / 2^16, below the next one; so the sum's upper
-// half is the quotient. G takes two halves: d times the upper one has 32 bits, and the upper half
-// of d times the lower one, plus 1, is carried into its lower half. What belongs to the second run
-// is the first one's complement: both add up to 2^32 - 1.
+// A box of U units, 32704 to 32768: the smaller channel plus d * w / U, truncated. d is the
+// distance, 0 to 255, and w the weight of the larger channel, 1 to U - 1.
+//
+// G is w * 2^32 / U with an error e, |e| < 2, and fits in 32 bits. The quotient is the upper half
+// of S = floor(d * G / 2^16) + 1:
+//   - S is an integer above x - 0.01 and at most x + 1.01, where x is 2^16 * d * w / U, since
+//     255 * 2 / 2^16 < 0.01.
+//   - Where d * w / U is an integer, S is x or x + 1.
+//   - Elsewhere d * w / U is at least 1 / U below the next integer, so x is at least 2 below 2^16
+//     times that integer, and S is below it, too.
+// G is held in two halves. S is d times the upper half, plus the upper half of d times the lower
+// half, plus 1; of the lower 16 bits only the carry is needed. The share of the second run is the
+// complement of that of the first: both add up to 2^32 - 1.
+// Test: AllDistancesAndWeights.BoxOfTwo.
 class Mix {
  public:
-  // What w 2^17 lacks to w 2^32 / U, for each w, in 1/65536; at most 2^24 + 2^16.
+  // How much w * 2^32 / U exceeds w * 2^17, for each unit of w, in 1/65536: at most 16810048.
   static uint32_t Excess(uint32_t ofBox) { return static_cast<uint32_t>((1ull << 48) / ofBox - (1ull << 33)); }
 
   Mix(const Box& box, uint32_t excess) {
@@ -62,13 +69,13 @@ class Mix {
 
 // --------------------------------------------------------------------------- averages of more runs
 
-// A quarter of a register of pixels in 32-bit lanes, four times.
+// A register of pixels as four registers of 32-bit lanes, one lane for each channel.
 struct Quarters {
   Reg of[4];
 };
 
-// a times its weight plus b times its weight, in each channel; `weights` are pairs of signed 16-bit
-// numbers.
+// a * its weight + b * its weight, for each channel. `weights` holds pairs of signed 16-bit
+// weights.
 LMX_ALWAYS_INLINE Quarters WeightedBytes(Reg a, Reg b, Reg weights) {
   const Reg low = Vector::Interleave8Low(a, b), high = Vector::Interleave8High(a, b);
   return {{Vector::MulAddPairs16(Vector::UnpackLow8(low), weights),
@@ -77,7 +84,7 @@ LMX_ALWAYS_INLINE Quarters WeightedBytes(Reg a, Reg b, Reg weights) {
            Vector::MulAddPairs16(Vector::UnpackHigh8(high), weights)}};
 }
 
-// 16-bit channels times a weight, a signed 16-bit number.
+// 16-bit channels times a weight of 0 to 32767.
 LMX_ALWAYS_INLINE Quarters Weighted(const Channels& a, Reg weight) {
   return {{Vector::MulAddPairs16(Vector::UnpackLow16(a.low), weight),
            Vector::MulAddPairs16(Vector::UnpackHigh16(a.low), weight),
@@ -85,7 +92,7 @@ LMX_ALWAYS_INLINE Quarters Weighted(const Channels& a, Reg weight) {
            Vector::MulAddPairs16(Vector::UnpackHigh16(a.high), weight)}};
 }
 
-// The sums of the channels of some runs, at most 128.
+// The sums of the channels of at most 128 runs: 128 * 255 is a signed 16-bit number.
 template <class Pixels>
 LMX_ALWAYS_INLINE Channels SumRuns(const uint8_t* const* runs, size_t count, size_t i, const Pixels& pixels) {
   Channels sums = {Vector::Zero(), Vector::Zero()};
@@ -96,9 +103,11 @@ LMX_ALWAYS_INLINE Channels SumRuns(const uint8_t* const* runs, size_t count, siz
   return sums;
 }
 
-// A box of three runs or more, of U = 32768 - e units, e at most kMostMissing. With a sum of H
-// 32768 + L, which is H U + (H e + L), the quotient is H, 0 to 255, and one more where H e + L
-// reaches U; twice U it cannot reach, and with e added, 255 e + 32767 + e, it stays in 16 bits.
+// A box of three runs or more, of U = 32768 - e units, with e of 0 to kMostMissing. Weights are at
+// most 32766, and the sum is at most 255 * U. The sum is H * 32768 + L, which is H * U + (H * e + L).
+// So the quotient is H, 0 to 255, or H + 1 where H * e + L >= U; that term is at most 49087, below
+// 2 * U. Bit 15 of H * e + L + e, at most 49151, tells which.
+// Tests: AllUnitsOfManyRuns.BoxesOfOneColour, and the kernel cases boxes_....
 class Average {
  public:
   Average(const Box& box, const BoxUnits& units)
@@ -132,13 +141,13 @@ class Average {
 
 // -------------------------------------------------------------------------------------------- runs
 
-// Working pixels of a whole register.
+// The working pixels of a whole register.
 struct AllColumns {
   LMX_ALWAYS_INLINE static Reg Load(const uint8_t* p) { return Vector::Load(p); }
 };
 
-// Of n columns, 1 to kWide. The others read as opaque, so that they do not keep a register from
-// being opaque.
+// The first n columns of a register, 1 to kWide. The other lanes read as opaque, so that one opaque
+// test covers the register.
 class FirstColumns {
  public:
   LMX_ALWAYS_INLINE explicit FirstColumns(size_t n) : n_(n) {
@@ -154,7 +163,7 @@ class FirstColumns {
   Reg beyond_ = Vector::Zero();
 };
 
-// Makes runs of n pixels, of which average(i, pixels) gives the working pixels from pixel i on.
+// Makes runs of n >= kWide pixels. average(i, pixels) gives the working pixels from pixel i on.
 template <class To, class Stores>
 class Runs {
  public:
@@ -189,7 +198,7 @@ class Runs {
   }
 
  private:
-  // The head with ordinary stores.
+  // The head and the rest with ordinary stores.
   template <class OfRegister>
   LMX_ALWAYS_INLINE void MakeFrom(size_t head, uint8_t* to, const OfRegister& average) const {
     const auto part = [&](size_t from, size_t end) LMX_INLINE_LAMBDA {
@@ -208,7 +217,7 @@ class Runs {
   FirstColumns rest_;
 };
 
-// Less than a register of each run.
+// The same for runs of n < kWide pixels.
 template <class To>
 class Strip {
  public:
@@ -266,7 +275,7 @@ void Boxes(uint8_t* const* to, const uint8_t* const* runs, const BoxUnits* units
 
 // ------------------------------------------------------------------------------- averages in steps
 
-// Calls step(i, pixels) for every register of n pixels, the last one in part.
+// Calls step(i, pixels) for every register of n pixels; the last may be partial.
 template <class Step>
 LMX_ALWAYS_INLINE void ForRegisters(size_t n, const Step& step) {
   size_t i = 0;
@@ -274,7 +283,7 @@ LMX_ALWAYS_INLINE void ForRegisters(size_t n, const Step& step) {
   if (i < n) step(i, FirstColumns(n - i));
 }
 
-// A register of pixels has its sums in four registers of quarters.
+// The sums of a register of pixels take four registers.
 static_assert(kBoxSumsStep % kWide == 0);
 
 void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32_t units, size_t n) {
@@ -288,8 +297,10 @@ void AddToBoxes(uint32_t* sums, const uint8_t* const* runs, size_t count, uint32
   });
 }
 
-// With M = ceil(2^40 / units), sum M >> 40 is sum / units for every sum below 2^23, since M
-// units - 2^40 < 2^15. M has 26 bits.
+// sum / units, truncated, is sum * M >> 40, with M = ceil(2^40 / units). units is 16384 to 32768,
+// so M is at most 2^26, and M * units exceeds 2^40 by less than 2^15. sum is below 2^23, so sum * M
+// exceeds 2^40 * sum / units by less than 2^38 / units, a quarter of the step 2^40 / units between
+// two quotients. Test: AllUnits.AverageBoxes.
 template <class To>
 void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
   const Reg factor = Vector::Set32(static_cast<uint32_t>(((1ull << 40) + units - 1) / units));
@@ -307,15 +318,16 @@ void AverageBoxes(uint8_t* to, const uint32_t* sums, uint32_t units, size_t n) {
 
 // ------------------------------------------------------------------------------------------ halves
 
-// Written in a form, and read again.
+// Working pixels written in a form, and read again.
 template <class Form>
 LMX_ALWAYS_INLINE Reg Rewritten(Reg working) {
   Reg read = working;
-  Form::Read(Form::Write(working), &read);  // what was written is well-formed
+  Form::Read(Form::Write(working), &read);  // written pixels always read wide
   return read;
 }
 
-// The means of a register of pairs; false when a pixel takes the plain path. Average8 rounds up.
+// The truncated means of a register of pairs; false when a pixel takes the scalar path. Average8
+// rounds up, so its rounding is subtracted.
 template <class From, class Through>
 LMX_ALWAYS_INLINE bool HalveWide(Reg first, Reg second, Reg* out) {
   Reg even = Vector::EvenPixels(first, second), odd = Vector::OddPixels(first, second);

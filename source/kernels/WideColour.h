@@ -7,21 +7,28 @@ namespace {
 
 // --------------------------------------------------------------------------------------------- HSV
 
-// One channel of pixels in 32-bit lanes, `shift` bits up in each.
+// One channel of pixels in 32-bit lanes; `shift` is its lowest bit.
 template <int shift>
 LMX_ALWAYS_INLINE Reg Channel(Reg pixels) {
   const Reg moved = Vector::Right32<shift>(pixels);
   return shift == 24 ? moved : Vector::And(moved, Vector::Set32(0xFF));
 }
 
-// The same of two registers of pixels, in 16-bit lanes.
+// The same for two registers of pixels, in 16-bit lanes.
 template <int shift>
 LMX_ALWAYS_INLINE Reg Channel16(Reg first, Reg second) {
   return Vector::Pack32(Channel<shift>(first), Channel<shift>(second));
 }
 
-// n 1024 / d, truncated, for 0 <= n <= d <= 255: long division in 16-bit lanes. Where d is 0 the
-// result means nothing.
+// n * 1024 / d, truncated, for 0 <= n <= d <= 255: a long division in 16-bit lanes. Where d is 0
+// the result means nothing.
+//
+// A lane holds 64 times the remainder, and below it, in six bits, the digits of the quotient so
+// far. Subtracting 64 * d - 1 subtracts the divisor and sets the lowest digit. Doubling a lane
+// doubles both. The first step finds the digit 1024, which is 1 only for n = d; then two times five
+// bits follow. The remainder is below d before it is doubled, so a lane is at most 2 * (64 * 254 +
+// 63) = 32638. It is even before each step and 64 * d - 1 is odd: the two are never equal.
+// Tests: AllColours.AdjustHSV walks all colours, and so all n and d.
 //
 // A lane holds 64 times the rest, and in the six bits below it the quotient as far as it is known.
 // Taking 64 d - 1 away subtracts the divisor and puts a 1 into the quotient; both are then doubled
@@ -38,7 +45,8 @@ LMX_ALWAYS_INLINE Reg Divide1024(Reg n, Reg d) {
   return Vector::Or(Vector::Left16<5>(Vector::And(upper, digits)), Vector::And(lower, digits));
 }
 
-// min(a factor, most), for a of 0 to 1024, a factor of 0 to 999 and a result below 32768.
+// min(a * factor, most), for a of 0 to 1024 and a factor of 0 to 999. The product has 20 bits.
+// Where its upper half is not 0 the lower half becomes 65535, so that `most` wins.
 LMX_ALWAYS_INLINE Reg ScaledUpTo(Reg a, Reg factor, Reg most) {
   const Reg overflow = Vector::Greater16(Vector::MulHigh16(a, factor), Vector::Zero());
   const Reg product = Vector::Or(Vector::MulLow16(a, factor), overflow);
@@ -91,11 +99,13 @@ LMX_ALWAYS_INLINE HSV Adjusted(const HSV& in, const HSVFactors& by) {
 }
 
 LMX_ALWAYS_INLINE Colours ToRGB(const HSV& in) {
-  // p is (1024 - s) v / 1024, from the two halves of the product.
+  // p is (1024 - s) * v / 1024. The product is at most 1024 * 255, so its upper half is at most 3.
   const Reg unsaturated = Vector::Sub16(Vector::Set16(1024), in.saturation);
   const Reg p = Vector::Or(Vector::Left16<6>(Vector::MulHigh16(unsaturated, in.value)),
                            Vector::Right16<10>(Vector::MulLow16(unsaturated, in.value)));
-  // q and t are (2^20 - distance s) v / 2^20, which is v - ceil(distance s v / 2^20).
+  // q and t are (2^20 - distance * s) * v / 2^20, which is v - ceil(distance * s * v / 2^20).
+  // distance * s is below 2^20, so `high` is at most 15. `top` is distance * s * v >> 16, at most
+  // 4079; `rest` tells whether the lower 20 bits of the product are 0.
   const Reg sector = Vector::Right16<10>(in.hue);
   const Reg fraction = Vector::And(in.hue, Vector::Set16(1023));
   const Reg isOdd = Vector::Equal16(Vector::And(sector, Vector::Set16(1)), Vector::Set16(1));
@@ -116,8 +126,8 @@ LMX_ALWAYS_INLINE Colours ToRGB(const HSV& in) {
           Select(isIn(3, 4), in.value, Select(isIn(2, 5), tq, p))};
 }
 
-// Of adjustments by no more than a turn: hues stay within a turn of the circle, and wrap into it
-// once.
+// For shifts of at most one turn: the sum of hue and shift is -6144 to 12287, and one turn more or
+// less brings it back to 0 to 6143.
 class HSVChange {
  public:
   static constexpr size_t kRegs = 2;
@@ -169,7 +179,7 @@ class RGBChange {
   LMX_ALWAYS_INLINE uint32_t One(uint32_t pixel) const { return LMX_Pixel::AdjustRGB(pixel, by_); }
 
  private:
-  // What is added, or subtracted.
+  // The positive deltas, or the negative ones as positive numbers.
   static Reg Part(const RGBAdjustment& by, int32_t sign) {
     const auto part = [sign](int32_t delta) { return static_cast<uint32_t>(LMX_Pixel::Max(sign * delta, 0)); };
     return Vector::Set32(LMX_Pixel::Pack(0, part(by.red), part(by.green), part(by.blue)));
@@ -228,12 +238,18 @@ void SumRGB(RGBSums* sums, const uint8_t* stored, size_t n) {
   wide.AddTo(sums);
 }
 
-// The sum of saturations depends on the order of its terms in its last bits only. While it stays
-// between two powers of two, B and 2 B, every term is rounded to a multiple of B / 2^52 when it is
-// added, whatever the sum: (v + B) - B rounds a term like that, and rounded terms add up exactly in
-// any order. For the rounding to depend on the sum, a term would have to lie halfway between two
-// multiples. From a sum of 256 to one of 2^45 none does: (max - min) / max, with a max of at most
-// 255, is further than its own rounding error from every halfway point.
+// The sum of saturations depends on the order of its terms, but only through rounding. While the
+// sum lies between a power of two B and 2 B, adding a term v rounds v to a multiple of B / 2^52,
+// whatever the sum is. (v + B) - B rounds v in the same way, and rounded terms add up exactly in
+// any order.
+//
+// The rounding depends on the sum only for a v halfway between two multiples, at an odd multiple of
+// B / 2^53. v is (max - min) / max, at most 1, rounded to a double with an error of at most 2^-54.
+// For B of 2^8 to 2^45 no such halfway point is a fraction with a denominator of at most 255: it
+// would need one of 2^8 or more. A fraction differs from every halfway point by at least B / 2^53 /
+// 255, which is more than 2^-54. So v is no halfway point. A sum of 2^46 would take 256 TiB
+// of pixels.
+// Tests: AllMaximaAndMinima.SumHSV, SaturationSums.AreThoseOfOneTermAfterTheOther.
 constexpr double kFirstWideSum = 256;
 constexpr size_t kSumBlock = 256;  // pixels; each adds at most 1
 
@@ -246,7 +262,7 @@ LMX_ALWAYS_INLINE double BinadeOf(double x) {
   return x;
 }
 
-// Adds n pixels, at most kSumBlock; false, and nothing added, when a pixel takes the plain path.
+// Adds n pixels, at most kSumBlock; false, with nothing added, when a pixel takes the scalar path.
 template <class Form>
 LMX_ALWAYS_INLINE bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) {
   const Vector::Doubles base = Vector::SetDouble(BinadeOf(sums->saturation));
@@ -257,7 +273,7 @@ LMX_ALWAYS_INLINE bool AddBlock(HSVSums* sums, const uint8_t* stored, size_t n) 
   Reg brightness = Vector::Zero();
   WideRGBSums rgb;
   bool isWide = true;
-  // What is beyond the last pixel is 0: black, which adds nothing.
+  // Lanes after the last pixel are 0: black, which adds nothing.
   InSteps<Temporal>(stored, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
     Reg working;
     isWide = isWide && Form::Read(pixels.Load(stored + 4 * i), &working);

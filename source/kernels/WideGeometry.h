@@ -14,9 +14,9 @@ void Fill(uint8_t* stored, const uint8_t* pixel, size_t n) {
 
 // ------------------------------------------------------------------------------------------ blends
 
-// Two pixels' mix is the smaller channel and a part of their distance: min + |a - b| w / W,
-// truncated, where w is the weight of the larger one and W that of both. The distances in 16-bit
-// lanes, and where the second is the larger one.
+// Two channels a and b mix to min(a, b) + |a - b| * w / W, truncated. w is the weight of the larger
+// one, and W the sum of both weights. This holds the distances |a - b| in 16-bit lanes, and masks
+// where the second one is larger.
 struct Distances {
   Distances(Reg first, Reg second) : min(Vector::Min8(first, second)) {
     of = Unpack(Vector::Sub8(Vector::Max8(first, second), min));
@@ -24,7 +24,7 @@ struct Distances {
     secondIsLarger = {Vector::DoubleLow8(isLarger), Vector::DoubleHigh8(isLarger)};
   }
 
-  // min + part(distance, weight of the larger one), of the two halves of the pixels
+  // min + part.Of(distance, weight of the larger one), of both halves of the pixels.
   template <class Part>
   LMX_ALWAYS_INLINE Reg Mix(const Part& ofLow, const Part& ofHigh) const {
     const Reg low = ofLow.Of(of.low, ofLow.Weight(secondIsLarger.low));
@@ -41,8 +41,12 @@ struct Distances {
   Channels secondIsLarger;
 };
 
-// The weights of a blend add up to 65535. With H and L the halves of distance times weight, the
-// quotient is H, and one more where L + H reaches 65535.
+// d * w / 65535, truncated, for a distance d of 0 to 255 and a weight w of 0 to 65535. With H and L
+// the upper and lower 16 bits of the product, d * w = H * 65535 + (H + L). H is at most 254, so H +
+// L is below 2 * 65535, and the quotient is H, or H + 1 where H + L >= 65535. Average16 gives (H +
+// L + 1) / 2, at most 32895, whose bit 15 is that carry. The two weights are complements: they add
+// up to 65535.
+// Tests: AllChannelsAndChannelsBefore.Blend, AllAlphasAndAlphasBefore.Blend, AllFractions.Blend.
 class BlendPart {
  public:
   explicit BlendPart(uint32_t fraction) : ofFirst_(Vector::Set16(65535 - fraction)) {}
@@ -59,10 +63,9 @@ class BlendPart {
   Reg ofFirst_;
 };
 
-// The pixels of one register at `from`, each blended with the one before it. `last` is a register
-// of working pixels of which the last is the one before `from`; then it is that of these. `isFirst`
-// says that no stored pixel lies before `from`. False, and nothing done, when a pixel takes the
-// plain path.
+// Blends the pixels of one register at `from`, each with the one before it. The last lane of `last`
+// is the working pixel before `from`; on return `last` holds these pixels. `isFirst` says that no
+// stored pixel precedes `from`. False, with nothing changed, when a pixel takes the scalar path.
 template <class From, class To>
 struct Blending {
   static constexpr bool kOpaqueAsStored = false;
@@ -77,7 +80,8 @@ struct Blending {
   }
 };
 
-// Opaque pixels are stored as they are, so that they can be blended as they are stored.
+// Opaque pixels have the same channels stored and working, in another order. So they are blended as
+// stored.
 template <>
 struct Blending<ContextForm, ContextForm> {
   static constexpr bool kOpaqueAsStored = true;
@@ -117,20 +121,19 @@ void Blend(uint8_t* to, const uint8_t* from, uint32_t before, uint32_t fraction,
 
 // ------------------------------------------------------------------------------ columns of a shear
 
-// Neighbouring columns on their way down: each row is blended with the one above it, which stays at
-// hand.
+// Blends neighbouring columns, row after row. Each row is blended with the one above it, which
+// stays in a register.
 template <class From, class To>
 class ColumnBlending {
  public:
-  // `fractions` are the columns' weights of the pixel above, in lanes of 32 bits.
+  // `fractions` are the weights of the pixel above, one 32-bit lane for each column.
   LMX_ALWAYS_INLINE ColumnBlending(Reg fractions, Reg above)
       : low_(WeightsOf(Vector::DoubleLow32(fractions))),
         high_(WeightsOf(Vector::DoubleHigh32(fractions))),
         above_(above),
         straightAbove_(above) {}
 
-  // The mix of the next row with the one above it; false when a pixel of either takes the plain
-  // path.
+  // Blends the next row with the one above it; false when a pixel of either takes the scalar path.
   LMX_ALWAYS_INLINE bool Next(Reg row, Reg* out) {
     const Reg above = above_;
     above_ = row;
@@ -157,19 +160,19 @@ class ColumnBlending {
   BlendPart low_;
   BlendPart high_;
   Reg above_;          // as it is stored
-  Reg straightAbove_;  // the same as working pixels, if they have been needed
+  Reg straightAbove_;  // the same as working pixels, if isStraight_
   bool isStraight_ = false;
 };
 
-// Rows that come later are fetched into the cache.
+// Prefetches a run of n pixels.
 template <int isWritten>
 LMX_ALWAYS_INLINE void Fetch(const uint8_t* run, size_t n) {
   for (size_t i = 0; i < 4 * n; i += 64) __builtin_prefetch(run + i, isWritten);
   __builtin_prefetch(run + 4 * n - 1, isWritten);
 }
 
-// Neighbouring columns, at most a register of them. They are displaced by a few rows against each
-// other: a row of the sheared picture has lanes from each of those.
+// Neighbouring columns, at most one register of them, each displaced by its own number of rows. A
+// row of the sheared picture takes its lanes from `steps` + 1 rows of the source.
 struct SlantedColumns {
   SlantedColumns(const uint32_t* down, size_t columns) : n(columns), least(down[0]), idle(Vector::OnesFrom(n)) {
     uint32_t most = least;
@@ -185,11 +188,11 @@ struct SlantedColumns {
   size_t n;
   uint32_t least;
   size_t steps;
-  Reg idle;  // all bits of lanes without a column, so that they count as opaque
+  Reg idle;  // all bits set in lanes without a column: they count as opaque
   typename Vector::Lanes lanes[kWide];
 };
 
-// Puts `count` rows together: the columns begin at `at` in the runs `from`.
+// Assembles `count` rows of the sheared picture. The columns begin at byte `at` of the runs `from`.
 template <size_t steps>
 void Unslant(Reg* rows, size_t count, const uint8_t* const* from, size_t at, const SlantedColumns& columns) {
   const size_t n = columns.n;
@@ -212,7 +215,7 @@ LMX_ALWAYS_INLINE void UnslantRows(Reg* rows, size_t count, const uint8_t* const
   Unslant<steps>(rows, count, from, at, columns);
 }
 
-// Columns c to c + n - 1, n <= kWide. `fetch(r)` is called on the way.
+// Columns c to c + n - 1, n <= kWide. Calls fetch(r) at every row.
 template <class From, class To, class FetchRow>
 LMX_ALWAYS_INLINE void BlendColumnsAt(size_t c, size_t n, uint8_t* const* to, const uint8_t* const* from,
                                       const uint32_t* down, const uint32_t* fraction, size_t rows,
@@ -255,7 +258,7 @@ void BlendColumns(uint8_t* const* to, const uint8_t* const* from, const uint32_t
   if (n < kWide) return BlendColumnsAt<From, To>(0, n, to, from, down, fraction, rows, fetch);
   BlendColumnsAt<From, To>(0, kWide, to, from, down, fraction, rows, fetch);
   for (size_t c = kWide; c < n; c += kWide) {
-    const size_t last = n - kWide;  // some columns once more
+    const size_t last = n - kWide;  // the last register may blend some columns again
     BlendColumnsAt<From, To>(c < last ? c : last, kWide, to, from, down, fraction, rows, nothing);
   }
 }

@@ -1,9 +1,9 @@
-// A register of pixels: what the wide kernels share. Conversions between stored and working pixels,
-// and the loop that takes a run through them.
+// What the wide kernels share: registers of pixels, conversions between stored and working pixels,
+// and the loop over a run.
 //
-// Included after a Vector header. Everything lives in an anonymous namespace, so that no two levels
-// share a function. What does not fill a register is the first part of one. What the fast
-// arithmetic does not cover goes through the plain kernels.
+// Included after a Vector header. Everything is in an anonymous namespace, so that no two levels
+// share a function. The end of a run that does not fill a register is loaded and stored as the
+// first pixels of one. Pixels that the fast arithmetic does not cover go through the plain kernels.
 #pragma once
 
 #include "PlainKernels.h"
@@ -13,7 +13,7 @@ namespace {
 using Reg = Vector::Reg;
 constexpr size_t kWide = Vector::kPixels;
 
-// Sixteen-bit channels, two halves of a register of pixels.
+// The channels of a register of pixels in 16-bit lanes: the two halves of the register.
 struct Channels {
   Reg low;
   Reg high;
@@ -30,14 +30,14 @@ LMX_ALWAYS_INLINE Reg Select(Reg mask, Reg a, Reg b) {
   return Vector::Or(Vector::And(mask, a), Vector::AndNot(mask, b));
 }
 
-// x / 255, truncated, of 16-bit lanes.
+// x / 255, truncated, of 16-bit lanes: x * 0x8081 >> 23 for every x below 65536. Here x is at most
+// 255 * 255. Test: AllChannelsAndAlphas.WriteContext.
 LMX_ALWAYS_INLINE Reg Divide255(Reg x) {
   return Vector::Right16<7>(Vector::MulHigh16(x, Vector::Set16(0x8081)));
 }
 
-// How registers of results are stored. Non-temporal stores want aligned addresses: a kernel makes
-// the head of a run, its first pixels, with ordinary stores, and stores whole registers from there
-// on.
+// How registers of results are stored. Non-temporal stores need aligned addresses. So a kernel
+// writes the head of a run, its first pixels, with ordinary stores, and whole registers after it.
 struct Temporal {
   LMX_ALWAYS_INLINE static size_t Head(const uint8_t* /*to*/, size_t /*n*/) { return 0; }
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Store(p, a); }
@@ -52,8 +52,8 @@ struct NonTemporal {
   LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Stream(p, a); }
 };
 
-// The pixels of one step of a kernel: kRegs whole registers, or the first `count` pixels of as
-// many.
+// The pixels of one step of a kernel: kRegs whole registers, or fewer pixels, the first `count` of
+// them.
 template <class Stores, size_t kRegs>
 struct WholeRegisters {
   static constexpr size_t count = kRegs * kWide;
@@ -72,7 +72,7 @@ struct FirstPixels {
     const size_t n = Of(r);
     if (n > 0) Vector::StoreFirst(to + 4 * r * kWide, n, a);
   }
-  // Of a single register.
+  // Of one register.
   LMX_ALWAYS_INLINE Reg Reverse(Reg a) const {
     uint8_t pixels[sizeof(Reg)];
     Vector::Store(pixels, Vector::Reverse(a));
@@ -87,7 +87,8 @@ struct FirstPixels {
   }
 };
 
-// Takes a run of n pixels to `to` in steps: calls step(i, pixels) for the pixels from pixel i on.
+// Goes over a run of n pixels at `to` in steps: calls step(i, pixels) for the pixels from pixel i
+// on.
 template <class Stores, size_t kRegs = 1, class Step>
 LMX_ALWAYS_INLINE void InSteps(const uint8_t* to, size_t n, const Step& step) {
   constexpr size_t kStep = kRegs * kWide;
@@ -102,24 +103,29 @@ LMX_ALWAYS_INLINE void InSteps(const uint8_t* to, size_t n, const Step& step) {
 
 // ----------------------------------------------------------------------------- bitmap-context form
 
-// Quotients by alpha. With Q = 255 65536 / a and W = (255 65536 + 254) / a, divided in single
-// precision and truncated,
-//   k 255 / a, truncated, is k W >> 16, for every alpha a of 1 to 255 and every k of 0 to a.
-// W is at least Q: where Q is no integer, the dividend reaches the next one, and rounding never
-// goes below an integer that fits into the 24 bits of a single-precision number. W exceeds Q by no
-// more than 255 / a: by 254 / a, and by half a unit in the last place, which is at most 1 / a. So k
-// W / 65536 exceeds k 255 / a by no more than 255 / 65536 < 1 / a, the least by which a quotient by
-// a can lie below an integer. It follows as well that
-//   where k > a, k W >> 16 is above 255, and below 65536;
-//   k W mod 65536 is at most 255 where a divides 255 k, and at least 65536 / a where it does not.
-// Of alpha 0, W is 0. The tests AllChannelsAndAlphas walk all pairs of k and a.
+// W = (255 * 65536 + 254) / a in single precision, truncated; 0 for alpha 0. Its use:
+//
+//   k * 255 / a, truncated, is k * W >> 16, for every alpha a of 1 to 255 and every k of 0 to a.
+//
+// Range: the dividend is below 2^24, so it is exact in single precision. W is at most the dividend,
+// and k * W is below 2^32.
+// Error: let Q = 255 * 65536 / a. W is not below Q: where Q is no integer, the dividend reaches the
+// next one, and rounding never passes an integer. W exceeds Q by at most 254 / a and half a unit in
+// the last place, which is at most 1 / a. So k * W / 65536 exceeds k * 255 / a by at most 255 /
+// 65536, which is less than 1 / a. A quotient by a that is no integer lies at least 1 / a below the
+// next integer.
+// Also:
+//   - where k > a, k * W >> 16 is 256 to 65535;
+//   - k * W mod 65536 is at most 255 where a divides 255 * k, and at least 65536 / a elsewhere.
+// Tests: AllChannelsAndAlphas.ReadContext and .Copies walk all pairs of k and a.
 LMX_ALWAYS_INLINE Reg QuotientsByAlpha(Reg alpha) {
   const Reg clear = Vector::Equal32(alpha, Vector::Zero());
   return Vector::AndNot(clear, Vector::DivideSingle(255 * 65536 + 254, Vector::Sub32(alpha, clear)));
 }
 
-// Stored pixels, alpha lowest, to straight channels; the alpha channels become 255, or 0. Channels
-// above their alpha come out above 255, except for alpha 0, where all become 0.
+// Straight channels of stored pixels, which have alpha in the lowest byte. The alpha channel
+// becomes 255, or 0. A channel above its alpha comes out above 255, except for alpha 0, where all
+// become 0.
 LMX_ALWAYS_INLINE Channels Straighten(Reg stored, Reg alpha) {
   const Reg quotients = QuotientsByAlpha(alpha);
   const Channels k = Unpack(stored);
@@ -140,7 +146,7 @@ struct ContextForm {
 
   LMX_ALWAYS_INLINE static bool AllOpaque(Reg stored) { return Vector::HasBits(stored, Vector::Set32(kAlpha)); }
 
-  // False, and nothing done, when a colour exceeds its alpha.
+  // False, with nothing written, when a colour exceeds its alpha.
   LMX_ALWAYS_INLINE static bool Read(Reg stored, Reg* working) {
     if (AllOpaque(stored)) {
       *working = Vector::SwapBytes(stored);
@@ -190,8 +196,8 @@ struct BufferForm {
   }
 };
 
-// The form of working pixels, so that reading and writing are transformations, too. No register of
-// them is refused, so that none is ever read alone.
+// Working pixels as a form, so that reading and writing are conversions, too. Every register can be
+// read wide.
 struct WorkingForm {
   static constexpr PixelForm kForm = kWorkingForm;
   LMX_ALWAYS_INLINE static bool Read(Reg stored, Reg* working) { return *working = stored, true; }
@@ -212,7 +218,7 @@ struct Conversion {
   }
 };
 
-// A channel k comes back as k where its alpha divides 255 k, and as k - 1 elsewhere.
+// The round trip of a channel k is k where its alpha divides 255 * k, and k - 1 elsewhere.
 template <>
 struct Conversion<ContextForm, ContextForm> {
   static constexpr bool kOpaqueStays = true;
@@ -223,8 +229,8 @@ struct Conversion<ContextForm, ContextForm> {
     if (!Vector::IsZero(Vector::SubSaturated8(in, Vector::SpreadLowest8(alpha)))) return false;
     const Reg quotients = QuotientsByAlpha(alpha);
     const auto lessRemainder = [](Reg k, Reg fraction) {
-      // The remainder of 255 k / a is the upper half of k W mod 65536 times a: 0 where a divides
-      // 255 k, above 0 elsewhere.
+      // The upper half of (k * W mod 65536) * a is 0 where a divides 255 * k, and above 0 elsewhere
+      // (QuotientsByAlpha).
       const Reg remainder = Vector::MulHigh16(Vector::MulLow16(k, fraction), Vector::Spread16<0x00>(k));
       return Vector::Sub16(k, Vector::Add16(Vector::Set16(1), Vector::Equal16(remainder, Vector::Zero())));
     };
@@ -235,7 +241,7 @@ struct Conversion<ContextForm, ContextForm> {
   }
 };
 
-// Only the highest bit is lost.
+// The round trip clears the highest bit and keeps all others.
 template <>
 struct Conversion<BufferForm, BufferForm> {
   static constexpr bool kOpaqueStays = false;
@@ -264,8 +270,8 @@ void CopyMirrored(uint8_t* to, const uint8_t* from, size_t n) {
   });
 }
 
-// Converts a square's rows; false when a pixel takes the plain path. Opaque context pixels take one
-// test for all.
+// Converts the rows of a square; false when a pixel takes the scalar path. One test tells whether
+// all rows are opaque context pixels.
 template <class From, class To>
 LMX_ALWAYS_INLINE bool ConvertSquare(Reg* square) {
   if constexpr (Conversion<From, To>::kOpaqueStays) {
@@ -291,7 +297,7 @@ LMX_ALWAYS_INLINE bool ConvertSquare<ContextForm, WorkingForm>(Reg* square) {
   return isWide;
 }
 
-// A square of a transposition.
+// Transposes one square.
 template <class From, class To>
 LMX_ALWAYS_INLINE void TransposeSquare(uint8_t* const* to, const uint8_t* const* from, size_t r, size_t c) {
   Reg square[kWide];
@@ -301,7 +307,7 @@ LMX_ALWAYS_INLINE void TransposeSquare(uint8_t* const* to, const uint8_t* const*
   for (size_t i = 0; i < kWide; ++i) Vector::Store(to[c + i] + 4 * r, square[i]);
 }
 
-// The part of one that has fewer rows or columns. What is not there counts as opaque.
+// Transposes a part of a square, with fewer rows or columns. Missing lanes count as opaque.
 template <class From, class To>
 __attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* const* from, size_t rows,
                                              size_t columns, size_t r, size_t c) {
@@ -316,8 +322,7 @@ __attribute__((noinline)) void TransposePart(uint8_t* const* to, const uint8_t* 
   for (size_t i = 0; i < columns; ++i) Vector::StoreFirst(to[c + i] + 4 * r, rows, square[i]);
 }
 
-// By blocks of a line of the cache in both directions; what comes kRowsAhead later is fetched on
-// the way.
+// In blocks of one cache line in both directions. Prefetches what comes kRowsAhead later.
 template <class From, class To>
 void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead, size_t columns) {
   constexpr size_t kLine = 16;
@@ -348,8 +353,8 @@ void Transpose(uint8_t* const* to, const uint8_t* const* from, size_t rows, size
   }
 }
 
-// Reads, does something to the working pixels, and writes: `Change` does it to kRegs registers, and
-// to one pixel.
+// Reads, changes the working pixels, and writes. `Change` has the change of kRegs registers (Wide)
+// and of one pixel (One).
 template <class From, class To, class Stores, class Change>
 LMX_ALWAYS_INLINE void Transform(uint8_t* to, const uint8_t* from, const Change& change, size_t n) {
   InSteps<Stores, Change::kRegs>(to, n, [&](size_t i, const auto& pixels) LMX_INLINE_LAMBDA {
