@@ -1,11 +1,10 @@
-// Numbers between types, with a defined result for every input and the same one on every ABI.
+// Conversions of numbers. Every input has a defined result, which is the same on every ABI.
 #pragma once
 
 #include <cstdint>
 #include <limits>
 
-/// The integer part of a double; the lowest 32-bit integer for what has none in 32 bits, a NaN
-/// included.
+/// The integer part of a double. INT32_MIN for a NaN, and for what does not fit in 32 bits.
 inline std::int32_t TruncatedToInt(double value) {
   const bool fits = value > -2147483649.0 && value < 2147483648.0;  // false for a NaN
   return fits ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();

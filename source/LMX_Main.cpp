@@ -1,5 +1,5 @@
-// Start-up: the host's picture class, the host's version, and the module or the message that there
-// is none.
+// Start-up: chooses the kernels, looks up the host's picture class and version, and registers the
+// module or shows a message.
 #include "LMX_Main.h"
 
 #include <algorithm>
@@ -18,9 +18,9 @@ namespace {
 
 constexpr double kOldestHostVersion = 2011.04;
 
-// With six decimals after a point, whatever the process's locale would have in the point's place. A
-// version of very many digits is cut. Rationale: the misspelt word stays, since users and those who
-// help them know the message as it is.
+// The version has six decimals after a point, also where the locale writes another sign. A version
+// of very many digits is cut. Rationale: the word is misspelt on purpose; users and those who help
+// them know the message as it is.
 void ShowHostTooOld(double version) {
   constexpr int kMostShown = 199;
   constexpr int kDecimals = 6;

@@ -1,6 +1,6 @@
 // Start-up.
 #pragma once
 
-/// Registers the module, or tells the user that the host is too old. Called once, when gResolver is
-/// there.
+/// Registers the module, or tells the user that the host is too old. Called once, after gResolver
+/// is set.
 void PluginEntry();

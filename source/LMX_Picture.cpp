@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-// Weak: a process that lacks CoreGraphics still loads the library, and its pictures are buffers.
+// Weak: the library also loads in a process without CoreGraphics, whose pictures are buffers.
 #if defined(__APPLE__)
 #define LMX_FROM_HOST_PROCESS __attribute__((weak_import))
 #else

@@ -1,9 +1,9 @@
-// A host picture on the stack of an operation: its pixels' geometry and addresses, the two
+// A host picture on the stack of an operation: the geometry and addresses of its pixels, the two
 // conversions between stored and working pixels, and the creation of new pictures.
 //
-// A wrapper is empty, holds a picture (whose description the host then keeps locked), or is locked
-// (its pixels are known). Everything that it took is given back when it goes, also when an
-// exception of the host's passes.
+// A wrapper is empty, holds a picture (whose description is locked in the host), or is locked (its
+// pixels are known). Its destructor gives back everything that it took, also when an exception of
+// the host passes.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 #include "HostCalls.h"
 #include "kernels/RunKernels.h"
 
-/// The host's `picture` class, of which new pictures are made. Stored at start-up; nil when the
+/// The host's `picture` class, from which new pictures are made. Stored at start-up; nil when the
 /// host does not know it.
 extern REALclassRefStruct* gPictureClassRef;
 
@@ -24,7 +24,7 @@ class LMX_Picture {
   bool unlockOnRelease = false;  ///< whether the wrapper also owns a reference to the object
 
   // Known while locked, zero or nil otherwise.
-  std::int32_t width = 0;          ///< pixels per row; a size that a malformed picture reports below 0 counts as 0
+  std::int32_t width = 0;          ///< pixels per row; a size below 0 in a malformed picture counts as 0
   std::int32_t height = 0;         ///< rows
   std::uint32_t bitsPerPixel = 0;  ///< other than 32: the picture reads as clear and ignores writes
   std::uint32_t bytesPerPixel = 0;
@@ -46,13 +46,13 @@ class LMX_Picture {
   LMX_Picture(const LMX_Picture&) = delete;
   LMX_Picture& operator=(const LMX_Picture&) = delete;
 
-  /// Makes the pixels known. False when the wrapper is empty or locked already, or when there are
-  /// no pixels to be had.
+  /// Makes the pixels known. False when the wrapper is empty or locked already, or when the pixels
+  /// cannot be reached.
   bool Lock();
 
-  /// Gives back the lock, and the object's reference if it is owned; the wrapper is empty
-  /// afterwards. Never throws: what a host may throw here would leave the other wrappers of the
-  /// call unreleased.
+  /// Gives back the lock, and the object's reference if the wrapper owns it. The wrapper is empty
+  /// afterwards. Never throws: an exception of the host here would keep the other wrappers of the
+  /// call from their release.
   void Release() noexcept {
     if (!picture) return;
     FinishNonTemporalStores();
@@ -63,17 +63,16 @@ class LMX_Picture {
     if (unlockOnRelease) Quietly([=] { REALUnlockObject(reinterpret_cast<REALobjectStruct*>(released)); });
   }
 
-  /// Holds a new picture of the host's, of any content. `keep` says that the object goes to the
-  /// caller of the method; otherwise its reference is given up with the wrapper. Whether it worked
-  /// shows in the Lock() that follows. A size below 1 makes no picture. Rationale: the result is
-  /// always false, and nobody looks at it. A picture that could not be made cannot be locked, so
-  /// one question is enough.
+  /// Holds a new picture of the host, with any content. `keep`: the object goes to the caller of
+  /// the method; otherwise its reference is given up with the wrapper. A size below 1 makes no
+  /// picture. Rationale: the result is always false, and nobody looks at it. A picture that could
+  /// not be made cannot be locked, so the Lock() that follows answers for both.
   bool SetNewPicture(long width, long height, bool keep);
 
   /// The leftmost pixel of row r, 0 <= r < height; nil when a malformed buffer has no such row.
   std::uint8_t* RowAddress(std::int32_t r) const {
     if (description.pictureType != kPictureTypeBuffer) {
-      // Of pictures beyond 2 GiB, a signed offset would overflow in 32 bits.
+      // In pictures beyond 2 GiB a signed offset would overflow in 32 bits.
       const auto offset = static_cast<std::uintptr_t>(bytesPerRow) * static_cast<std::uintptr_t>(r);
       return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(data) + offset);
     }
@@ -91,7 +90,7 @@ class LMX_Picture {
     return true;
   }
 
-  /// Whether the rows of a bitmap context do not overlap; those of a buffer are the host's word.
+  /// Whether the rows of a bitmap context do not overlap. Those of a buffer are trusted.
   bool HasRowsOfItsOwn() const {
     return buffer || height < 2 ||
            std::abs(static_cast<std::int64_t>(bytesPerRow)) >= static_cast<std::int64_t>(width) * 4;
@@ -121,7 +120,7 @@ class LMX_Picture {
   static void Quietly(Service call) noexcept {
     try {
       call();
-    } catch (...) {  // as far as this call is concerned, it is done
+    } catch (...) {  // swallowed: the other releases must happen
     }
   }
 
@@ -145,9 +144,8 @@ class LMX_Picture {
   }
 };
 
-/// A walk along the rows of one or more neighbouring columns. Where the next row of a malformed
-/// buffer is missing, or beyond the last, the walk stays where it is; in a bitmap context it goes
-/// on.
+/// A walk up or down the rows of neighbouring columns. In a bitmap context every step moves. In a
+/// buffer the walk stays on its row if the next row is missing or outside the picture.
 class ColumnWalk {
  public:
   enum Direction { kDown = 1, kUp = -1 };
@@ -161,7 +159,7 @@ class ColumnWalk {
   void Next() {
     if (!picture_.buffer || (IsRow(row_) && IsRow(row_ + step_) && HasRow(row_) && HasRow(row_ + step_))) row_ += step_;
   }
-  /// Makes `steps` >= 1 steps of which all but the last lead from row to row.
+  /// Makes `steps` >= 1 steps, all of which but the last are known to move.
   void Skip(std::int32_t steps) {
     row_ += (steps - 1) * step_;
     Next();

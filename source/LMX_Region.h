@@ -1,5 +1,5 @@
-// Where the image lies in a sheared picture. Beyond it everything is clear, so that nobody has to
-// write or read it.
+// Where the image lies in a sheared picture. Everything outside is clear, and is neither written
+// nor read.
 #pragma once
 
 #include <algorithm>
@@ -8,20 +8,19 @@
 
 #include "LMX_Picture.h"
 
-/// Some neighbouring rows or columns: `begin` to `end` - 1.
+/// Consecutive rows or columns: `begin` to `end` - 1.
 struct LineSpan {
   std::int32_t begin;
   std::int32_t end;
 };
 
-/// A parallelogram: what lies in two stripes of the plane. It starts as a whole picture; every
-/// shear turns the stripes, and widens them by what a blend spreads and a position loses when it is
-/// rounded.
+/// A parallelogram, as the intersection of two stripes of the plane. It starts as a whole picture.
+/// Each shear tilts the stripes. It also widens them by one pixel to either side, for the pixel
+/// that a blend adds and for the rounding of positions.
 ///
-/// It is used for temporary pictures only, which nobody sees: what is written is the image with a
-/// margin of kWritten pixels, what is read again that with one of kRead. As positions are computed
-/// in doubles, the two decide nothing but how much clear frame is moved: any pixels between them
-/// would do.
+/// It is used for temporary pictures only, which no program sees. The image is written with a
+/// margin of kWritten pixels and read again with a margin of kRead. Positions are computed in
+/// doubles, so their last digits are not exact; they decide only how much clear frame is moved.
 class ImageRegion {
  public:
   enum Axis { kAlongRows = 0, kAlongColumns = 1 };
@@ -32,8 +31,7 @@ class ImageRegion {
       : stripes_{{{1, 0}, 0, static_cast<double>(whole.width) - 1},
                  {{0, 1}, 0, static_cast<double>(whole.height) - 1}} {}
 
-  /// Line i of the source moves to line i + `lines`, and there along itself by start - step i, in
-  /// pixels.
+  /// Line i of the source moves to line i + `lines`, and along itself by start - step * i pixels.
   void Shear(Axis along, double start, double step, double lines) {
     for (Stripe& stripe : stripes_) {
       const double a = stripe.of[along], b = stripe.of[1 - along];
@@ -44,8 +42,8 @@ class ImageRegion {
     }
   }
 
-  /// Of the lines from `first` to `last`, the pixels from 0 to length - 1 that are not farther than
-  /// `margin` from the image in one of them at least.
+  /// The pixels of 0 to length - 1 that are within `margin` of the image in at least one of the
+  /// lines `first` to `last`.
   LineSpan Along(Axis along, std::int32_t first, std::int32_t last, double margin, std::int32_t length) const {
     double begin = 0, end = length;
     for (const Stripe& stripe : stripes_) {

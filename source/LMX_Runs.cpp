@@ -6,11 +6,11 @@
 
 namespace {
 
-// Pixels that pass through a buffer on the stack at a time.
+// How many pixels pass through a buffer on the stack at a time.
 constexpr std::int32_t kChunk = 512;
 
-// The part of a run that the picture holds: `count` pixels at `address`, after `before` pixels that
-// lie to its left.
+// The part of a run inside the picture: `count` pixels at `address`, after `before` pixels that lie
+// left of the picture.
 struct Clipped {
   std::uint8_t* address;
   std::int32_t before;
@@ -39,8 +39,8 @@ const std::uint8_t* Bytes(const std::uint32_t* pixels) {
   return reinterpret_cast<const std::uint8_t*>(pixels);
 }
 
-// A run as the picture stores it: where it lies if the picture holds all of it, else a copy in
-// `scratch`, with clear pixels for what is missing.
+// A run of stored pixels: in place if the picture holds all of it, else a copy in `scratch`, with
+// clear pixels for the missing ones.
 const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
                               std::uint32_t* scratch) {
   const Clipped part = Clip(picture, x, y, n);
@@ -50,14 +50,15 @@ const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::i
   return Bytes(scratch);
 }
 
-// Where to put a run: where it belongs if the picture holds all of it, else `scratch`.
+// Where to write a run: in place if the picture holds all of it, else in `scratch`.
 std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
                          std::uint32_t* scratch) {
   const Clipped part = Clip(picture, x, y, n);
   return part.count == n ? part.address : Bytes(scratch);
 }
 
-// Moves what of a run belongs into the picture there, if the run is in `scratch`.
+// Copies a run from `scratch`, if it was written there, to the picture, as far as the picture holds
+// it.
 void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
             const std::uint32_t* scratch) {
   if (room != Bytes(scratch)) return;
@@ -65,16 +66,16 @@ void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int
   if (part.count > 0) std::memcpy(part.address, scratch + part.before, Size(part.count) * 4);
 }
 
-// The kernels that write to a picture: with non-temporal stores, if the picture is too large to
-// stay in the cache. A temporary picture is read again at once.
+// The kernels that write to a picture: those with non-temporal stores if the picture is too large
+// for the cache. A temporary picture is read again at once, so it always gets ordinary stores.
 const RunKernels& KernelsFor(const LMX_Picture& written) {
   constexpr std::int64_t kCachedPixels = 3 << 20;
   const bool isLarge = static_cast<std::int64_t>(written.width) * written.height > kCachedPixels;
   return isLarge && !written.unlockOnRelease ? gNonTemporalKernels : gRunKernels;
 }
 
-// Gives the addresses of `count` runs of n pixels in rows from.y, from.y + step, ... if the picture
-// holds all of them.
+// Gives the addresses of `count` runs of n pixels in rows from.y, from.y + step, ... False if the
+// picture does not hold all of them.
 template <class Byte>
 bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count, Byte** runs) {
   const LMX_Picture& picture = from.picture;
@@ -95,16 +96,15 @@ bool RunsInside(const PixelPosition& from, std::int32_t step, std::int32_t n, st
   return true;
 }
 
-// The kernels from one picture to another, or the same: what is changed in place is in the cache
-// already.
+// The kernels from one picture to another. A picture that is changed in place gets ordinary stores:
+// its pixels are in the cache already.
 const PairKernels& KernelsBetween(const LMX_Picture& from, const LMX_Picture& to) {
   const RunKernels& kernels = &from == &to ? gRunKernels : KernelsFor(to);
   return kernels.between[FormOf(from)][FormOf(to)];
 }
 
-// Calls kernel(to, from, n, i) for a run that both pictures hold. Where they do not, the run goes
-// in pieces through a buffer, in which what is missing is clear; `i` is the first pixel of the
-// piece.
+// Calls kernel(to, from, n, i) for a run that both pictures hold. Otherwise the run goes in pieces
+// through buffers, in which missing pixels are clear; `i` is the first pixel of the piece.
 template <class Kernel>
 void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t n, Kernel kernel) {
   const Clipped source = Clip(from.picture, from.x, from.y, n);
@@ -148,7 +148,8 @@ void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::u
   const std::int64_t count =
       std::min(static_cast<std::int64_t>(to.x) + n, static_cast<std::int64_t>(picture.width)) - first;
   if (count <= 0 || picture.bitsPerPixel != 32) return;
-  // Pieces of rows share lines of the cache with what lies beside them.
+  // Only whole rows get non-temporal stores: pieces of rows share cache lines with their
+  // neighbours.
   const auto fill = (count == picture.width ? KernelsFor(picture) : gRunKernels).fill;
   const std::int64_t end = std::min(static_cast<std::int64_t>(to.y) + rows, static_cast<std::int64_t>(picture.height));
   for (std::int32_t y = std::max(to.y, 0); y < end; ++y) {
@@ -266,8 +267,8 @@ void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t 
     Transform(to, from, n, [negate](auto* out, auto* in, std::size_t count, std::int32_t) { negate(out, in, count); });
     return;
   }
-  // By way of stored pixels of the buffer form, which keep all of the colours: a negative takes
-  // nothing else.
+  // The adjusted pixels pass through the buffer form, which keeps all colours. A negative needs
+  // nothing else of a pixel.
   const auto adjust = gRunKernels.between[FormOf(from.picture)][kBufferForm].adjustHSV;
   const auto negate = gRunKernels.between[kBufferForm][FormOf(to.picture)].negative;
   Transform(to, from, n, [&](std::uint8_t* out, const std::uint8_t* in, std::size_t count, std::int32_t) {

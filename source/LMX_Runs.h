@@ -1,9 +1,9 @@
-// Runs of a picture's pixels: n neighbouring pixels of one row, whichever way the picture stores
-// them.
+// Runs of a picture's pixels: n neighbouring pixels of one row, in either storage form. This is the
+// only layer that chooses kernels.
 //
-// Positions may lie outside the picture, partly or wholly: what is outside, or in a row that a
-// malformed buffer lacks, reads as 0 and ignores writes. So does a picture whose depth is not 32
-// bits. n may be 0.
+// Positions may lie outside the picture, partly or wholly. Pixels outside, and in rows that a
+// malformed buffer lacks, read as 0 and ignore writes. So do all pixels of a picture whose depth is
+// not 32 bits. n may be 0.
 #pragma once
 
 #include <cstdint>
@@ -57,26 +57,26 @@ inline void WriteOnePixel(const PixelPosition& at, std::uint32_t working) {
 /// Writes the same stored pixel to n pixels of each of `rows` rows.
 void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::uint32_t stored);
 
-/// Runs of pixels as a picture stores them, one above another, for kernels that take several at a
-/// time: `count` runs of n pixels, in rows from.y, from.y + step, ... Each lies in the picture, if
-/// that holds all of it, else in `scratch`, which has room for all of them: there it is a copy,
-/// with clear pixels for what is missing.
+/// `count` runs of n stored pixels, in rows from.y, from.y + step, ..., for kernels that take
+/// several runs. A run points into the picture if the picture holds all of it. Otherwise it points
+/// into `scratch`, where it is a copy with clear pixels for the missing ones. `scratch` must hold
+/// all runs.
 void StoredRuns(const PixelPosition& from, std::int32_t step, std::int32_t n, std::int32_t count,
                 std::uint32_t* scratch, const std::uint8_t** runs);
 
-/// The same from column x on, in the rows along a walk, which goes on after them.
+/// The same for the rows of a ColumnWalk, from column x on. Advances the walk past them.
 void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                 const std::uint8_t** runs);
 
-/// Room for such runs: in the picture if that holds all of a run, else in `scratch`. PutRuns has to
-/// follow, which moves from there what belongs into the picture.
+/// Where to write such runs: in the picture if it holds all of a run, else in `scratch`. PutRuns
+/// must follow: it copies the pixels that lie in the picture from `scratch` to it.
 void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs);
 void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
              const std::uint32_t* scratch, std::uint8_t* const* runs);
 
-/// The same along a walk. True if the picture holds all of them; otherwise PutRuns has to follow,
-/// which makes the steps of the walk.
+/// The same for the rows of a ColumnWalk. True if the picture holds all runs. Otherwise PutRuns
+/// must follow, which also advances the walk.
 bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
                  std::uint8_t** runs);
 void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* scratch,
@@ -95,59 +95,58 @@ constexpr std::int32_t kMostTurned = 256;
 void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
                    std::int32_t pixels);
 
-/// Copies with an adjustment, or as colour negatives, of adjusted pixels unless `by` is nil. `to`
-/// may be the same place as `from`.
+/// Copies n pixels with an adjustment, or as their negatives; NegateRun adjusts them first unless
+/// `by` is nil. `to` may be the same place as `from`.
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment& by);
 void AdjustRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const RGBAdjustment& by);
 void NegateRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, const HSVAdjustment* by);
 
-/// Copies n pixels, each blended with the one before it: `before` is the one before the first, and
-/// `fraction` the weight of the one before, 0 to 65535. `to` is in another picture.
+/// Copies n pixels, each blended with the one before it (LMX_Pixel::Blend). `before` is the pixel
+/// before the first one. `to` is in another picture.
 void BlendRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::uint32_t before,
               std::uint32_t fraction);
 
-/// Where the columns of a shear come from: pixel r of column c is the mix of the pixels r + down[c]
-/// and r + down[c] + 1 of its source, the first of which has the weight fraction[c] of 65535. The
-/// `down` of neighbours differ by 1 at most.
+/// Where the columns of a vertical shear come from. Pixel r of column c mixes the pixels r +
+/// down[c] and r + down[c] + 1 of its source; the first of the two has the weight fraction[c] of
+/// 65535. The `down` of neighbours differ by at most 1.
 constexpr std::int32_t kMostColumns = 16;
 struct ColumnShears {
   std::uint32_t down[kMostColumns];
   std::uint32_t fraction[kMostColumns];
 };
 
-/// Makes `rows` rows of n <= kMostColumns columns from those in another picture from `from` on. The
-/// pictures have all the pixels that it takes.
+/// Makes `rows` rows of n <= kMostColumns columns, from another picture at `from`. Both pictures
+/// must hold all pixels that this takes.
 void BlendColumns(const PixelPosition& to, const PixelPosition& from, std::int32_t n, std::int32_t rows,
                   const ColumnShears& shears);
 
 /// Makes n working pixels, each the truncated mean of two neighbours of the 2 n pixels from `from`
-/// on, as it is when it was written in the form `through` and read again.
+/// on, written in the form `through` and read again.
 void HalveRun(std::uint8_t* working, const PixelPosition& from, std::int32_t n, PixelForm through);
 
-/// Turns `lines` rows from `from` on, n pixels of each, into n runs of working pixels; both at most
-/// kTile.
+/// Transposes `lines` rows of n pixels, from `from` on, into n runs of working pixels. Both numbers
+/// are at most kTile.
 constexpr std::int32_t kTile = 64;
 void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, std::uint8_t* const* columns);
 
-/// Turns n runs of `lines` pixels, which have the form of the picture, into pixels of `lines` rows
-/// from `to` on.
+/// Transposes n runs of `lines` pixels, stored as the picture stores them, into `lines` rows from
+/// `to` on.
 void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns);
 
-/// Turns n runs of `lines` pixels of a form into `lines` runs of working pixels.
+/// Transposes n runs of `lines` pixels of a form into `lines` runs of working pixels.
 void ColumnsToRows(std::uint8_t* const* rows, const std::uint8_t* const* columns, PixelForm form, std::int32_t n,
                    std::int32_t lines);
 
-/// StoredRuns along a walk, as runs of working pixels, all of them in `working`.
+/// StoredRuns for a ColumnWalk, as runs of working pixels, all of them in `working`.
 void ReadRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* working,
               const std::uint8_t** runs);
 
-/// Box averages of runs of working pixels, as kernels make them (RunKernels.h): `count` boxes of at
-/// most kMostBoxRuns runs. `written` is the picture that holds whole rows of averages, if there is
-/// one.
+/// `count` box averages of runs of working pixels, by the kernel `boxes` (RunKernels.h). No box has
+/// more than kMostBoxRuns runs. `written` is the picture whose whole rows are written, if they are.
 void AverageRuns(std::uint8_t* const* to, PixelForm form, const std::uint8_t* const* runs, const BoxUnits& units,
                  std::int32_t count, std::int32_t n, const LMX_Picture* written = nullptr);
 
-/// An average of any number of such runs, at most kMostSums pixels long, which are added part by
+/// One average of any number of such runs of at most kMostSums pixels. The runs are added part by
 /// part.
 class RunSums {
  public:

@@ -24,7 +24,8 @@ struct Selection {
   bool HasRow(std::int32_t y) const { return y0 <= y && y <= y1; }
   std::int32_t Width() const { return x1 - x0 + 1; }
 
-  /// Whether the picture has no pixels. Such a selection can be valid, at column or row -1.
+  /// Whether the picture has no pixels. The selection is then at column or row -1, and can be
+  /// valid.
   bool IsEmpty() const { return x1 < 0 || y1 < 0; }
 
   /// How many pixels are selected, in 32 bits.

@@ -1,5 +1,5 @@
-// Numbers are pairs of doubles: an unevaluated sum of `high`, which is that sum rounded to nearest,
-// and `low`. Their arithmetic needs nothing but sums, products and quotients of doubles, each
+// A number is a pair of doubles: the unevaluated sum of `high`, which is that sum rounded to
+// nearest, and `low`. The arithmetic takes only sums, products and quotients of doubles, each
 // rounded to nearest and none fused with another:
 //
 //   T. J. Dekker, "A Floating-Point Technique for Extending the Available Precision", 1971
@@ -8,24 +8,24 @@
 //   M. Joldes, J.-M. Muller, V. Popescu, "Tight and Rigorous Error Bounds for Basic Building Blocks
 //   of Double-Word Arithmetic", 2017 (the operations on pairs and their bounds)
 //
-// The bound. Relative to its result, a sum of pairs errs by less than 4 units of 2^-106, a product
-// by less than 8, a quotient by less than 16. The functions add up to this, in the same units:
+// The bound, in units of 2^-106 of the result. A sum of pairs has an error below 4, a product below
+// 8, a quotient below 16. For the functions that adds up to:
 //
-//   angle less its quarters  9: two sums, and 1 for what is left out of pi/2 (see Reduced)
-//   sine, cosine of it       32: in a term 1 - q * rest, q errs by 2 * 9 + 8 + 16, and its product
-//                            with the rest by 8 more. For the outermost term that counts 0.45 times
-//                            at most, for the others 0.06 times, and each has 4 for its sum. The
-//                            sine's series is multiplied by the angle. Both series are cut off at
-//                            2^-118.
-//   tangent                  80: 32 + 32, and 16 for the quotient
-//   arc tangent              140: of what the guess lacks, q * cos - sin errs by (16 + 32 + 8) q
-//                            and 32 * 1.06 q, all the rest by less than 10 q, as it is below 0.06 q
-//                            itself; and q is at most 1.28 times the result. The last sums have 9.
+//   reduced angle          9: two sums, and 1 for the digits that pi/2 lacks (see Reduced)
+//   sine, cosine of it    32: in a term 1 - q * rest, q has an error of 2 * 9 + 8 + 16, and its
+//                             product with the rest 8 more. The outermost term counts at most 0.45
+//                             times, the others 0.06 times, and each has 4 for its sum. The sine's
+//                             series is multiplied by the angle. Both series end at 2^-118.
+//   tangent               80: 32 + 32, and 16 for the quotient
+//   arc tangent          140: in `tangent`, q * cosine - sine has an error of (16 + 32 + 8) q and
+//                             32 * 1.06 q. The rest has less than 10 q, since `tangent` is below
+//                             0.06 q. q is at most 1.28 times the result. The last sums have 9.
 //
-// So every result errs by less than 256 * 2^-106 = 2^-98 of it before it is rounded to a double,
-// which is less than 2^-45 of that double's last place. It is rounded wrongly only if the true
-// value is as close as that to the middle between two doubles, which can be expected of one
-// argument in 2^44.
+// So every result has an error below 256 * 2^-106 = 2^-98 before it is rounded to a double. That is
+// less than 2^-45 of a last place. The rounding is wrong only if the true value is as close as that
+// to the middle between two doubles, which is to be expected for one argument in 2^44.
+// Test: source.Trigonometry compares the functions with others of 113 bits, and their error with
+// the bound.
 #include "LMX_Trigonometry.h"
 
 #include <cmath>
@@ -112,8 +112,8 @@ struct Angle {
   Pair rest;  // at most pi/4, and a little, to either side
 };
 
-// No double up to 6.3 is closer to a multiple of pi/2 than 2^-53.9; what is left out, at most
-// 4 * 2^-159.8, is 2^-106 of that.
+// No double up to 6.3 is closer to k * pi/2 than k * 2^-53.86. The digits left out, k * 2^-159.88
+// at most, are less than 2^-106 of that.
 Angle Reduced(double radians) {
   const double quarter = std::floor(radians * 0.6366197723675814 + 0.5);  // 2/pi
   Pair rest = Sum(radians, -quarter * kQuarter[0]);
@@ -140,7 +140,7 @@ Pair CosineOf(const Pair& x) {
   return Series(x, 1);
 }
 
-// The sine of an angle and some quarters.
+// The sine of the rest and its quarters.
 Pair SineOf(const Angle& angle) {
   const Pair sine = (angle.quarter & 1) == 0 ? SineOf(angle.rest) : CosineOf(angle.rest);
   return (angle.quarter & 2) == 0 ? sine : -sine;
@@ -153,7 +153,7 @@ Pair TangentOf(const Pair& x) {
 Pair ArcTangentOf(double quotient) {
   const bool steep = quotient > 1;
   const Pair q = steep ? kOne / Pair{quotient, 0} : Pair{quotient, 0};
-  // A guess that is right to 0.004. The difference to it is the arc tangent of `tangent`, by its
+  // The guess is within 0.004 of the result. The difference is the arc tangent of `tangent`, by its
   // series up to the 15th power.
   const Pair guess = {q.high * (1.0584 - 0.273 * q.high), 0};
   const Pair sine = SineOf(guess), cosine = CosineOf(guess);
@@ -165,7 +165,8 @@ Pair ArcTangentOf(double quotient) {
   return steep ? Pair{kQuarter[0], kQuarter[1]} - angle : angle;
 }
 
-// Sine and tangent of less differ from the angle by less than a quarter of its last place, x^3 / 3.
+// Below this, sine and tangent differ from the angle by x^3 / 3 at most, which is less than a
+// quarter of its last place.
 constexpr double kTiny = 0x1p-27;
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The version, in the file of the library: `strings` finds it. Nothing in the program reads it.
-// Builds that make no library file need not tell theirs.
+// The version, as a text in the library file, where `strings` finds it. The program does not read
+// it. Builds that make no library file may leave LMX_VERSION undefined.
 #ifdef LMX_VERSION
 [[gnu::used]] static const char version[] = "LMX " LMX_VERSION;
 #endif

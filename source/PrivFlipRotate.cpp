@@ -1,6 +1,6 @@
-// Workers of flips and quarter turns. Rows that stay rows are copied one by one; columns that
-// become rows are turned in tiles, so that both pictures are walked by cache lines. Half turns and
-// three-quarter turns are flips and quarter turns under another name.
+// Workers of flips and quarter turns. Rows that stay rows are copied one by one. Columns that
+// become rows are transposed in tiles, so that both pictures are read and written by cache lines.
+// Half turns and three-quarter turns are flips and quarter turns by other names.
 #include "PrivFlipRotate.h"
 
 #include <algorithm>
@@ -12,7 +12,8 @@ namespace {
 
 enum class Order { kForward, kBackward };
 
-// Result (x, y) is the source's (x or W - 1 - x, y or H - 1 - y), where W x H is the source's size.
+// Pixel (x, y) of the result is (x or W - 1 - x, y or H - 1 - y) of the source, whose size is W x
+// H.
 void CopyRows(const LMX_Picture& source, const LMX_Picture& result, Order columns, Order rows, long yield) {
   const std::int32_t n = result.width;
   YieldPace pace(yield);
@@ -28,7 +29,7 @@ void CopyRows(const LMX_Picture& source, const LMX_Picture& result, Order column
   }
 }
 
-// Which source column and row order make the rows of a turned picture, and in which order the rows
+// The order of the source's columns and rows in a turned picture, and the order in which its rows
 // are made.
 struct Turn {
   Order columns;
@@ -36,8 +37,8 @@ struct Turn {
   Order resultRows;
 };
 
-// Makes `lines` columns of the source to rows of the result. Column `firstColumn` becomes row
-// `firstRow`; the rows of its neighbours follow in steps of `rowStep`, 1 or -1.
+// Turns `lines` columns of the source into rows of the result. Column `firstColumn` becomes row
+// `firstRow`, its right neighbour the row `rowStep` (1 or -1) further, and so on.
 void TurnColumns(const LMX_Picture& source, const LMX_Picture& result, std::int32_t firstColumn, std::int32_t firstRow,
                  std::int32_t rowStep, std::int32_t lines, Order rows) {
   const ColumnWalk walk =
@@ -77,7 +78,8 @@ void Priv_Rotate0_HV(LMX_Picture& source, LMX_Picture& result, long yield) {
   CopyRows(source, result, Order::kBackward, Order::kBackward, yield);
 }
 
-/// The one worker that makes the result's rows from the last to the first, which shows at a yield.
+/// Rationale: this is the one worker that makes the result's rows from the last to the first, which
+/// the host sees at a yield.
 void Priv_Rotate90(LMX_Picture& source, LMX_Picture& result, long yield) {
   TurnPicture(source, result, {Order::kForward, Order::kBackward, Order::kBackward}, yield);
 }

@@ -1,23 +1,24 @@
-// Workers of flips and quarter turns: each copies a whole picture, exactly.
+// Workers of flips and quarter turns. Each copies a whole picture, exactly.
 //
 // Both pictures are locked, and the result has the source's size, swapped for 90 and 270 degrees.
-// The name says what happens first to last: mirrored left-right (H) or top-bottom (V) or both, then
-// turned clockwise. The host may handle events before a row of the result, once `yield` pixels have
-// been written.
+// The picture is first mirrored, left-right (H) or top-bottom (V) or both, and then turned
+// clockwise by the degrees in the name. The host may handle events before a row of the result, once
+// `yield` pixels have been written.
 #pragma once
 
 #include "LMX_Picture.h"
 
-/// A turned picture that nobody sees, made as it is read: a locked temporary picture holds a band
-/// of its rows at a time. Where rows are missing, it is made as a whole, and read where it is.
+/// A turned temporary picture, made while it is read: the locked picture `turned` holds a band of
+/// its rows at a time. If a row of either picture is missing, or rows overlap, the turned picture
+/// is made whole instead.
 class TurnedRows {
  public:
-  /// `quarter` counts clockwise quarter turns, 0 to 3. Yields as the worker of that name does.
+  /// `quarter` counts clockwise quarter turns, 0 to 3. Yields as Priv_Rotate0 to Priv_Rotate270 do.
   TurnedRows(LMX_Picture& source, LMX_Picture& turned, int quarter, long yield);
 
   const LMX_Picture& Picture() const { return turned_; }
 
-  /// The row of the picture in which row y is now.
+  /// The row of Picture() that holds row y of the turned picture.
   std::int32_t RowOf(std::int32_t y) {
     if (isWhole_) return y;
     if (y < begin_ || y >= end_) MakeBand(y);

@@ -1,13 +1,16 @@
-// Workers of the shears.
+// Workers of the shears. A line is a row (ShearRows) or a column (ShearStrip and what it calls).
 //
-// A shear moves lines (rows, or columns) along themselves, each by one step more than its
-// neighbour. Where a line lies is a 16.16 position: its whole part places the line's pixels, its
-// fraction f blends each of them with the one before, with weights 65535 - f and f. Towards the
-// frame, an opaque frame lends its alpha only, so that it does not tint the image's edge. Across
-// themselves lines are placed in whole pixels.
+// A shear moves lines along themselves, each by one step more than its neighbour. The place of a
+// line is a 16.16 position. Its whole part places the line's pixels. Its fraction f blends each
+// pixel with the one before it: the one before has the weight f, the pixel 65535 - f. At the edge,
+// an opaque frame takes the colour of the image pixel and lends its alpha only, so that it does not
+// tint the edge. Lines are placed in whole pixels across their direction.
 //
-// Positions are computed in 64 bits, so that they hold for every size. A line that lies wholly
-// before the result is all frame.
+// Rounding: Place() rounds the step and the centring down; LineAt() rounds the position down, also
+// below 0; BlendRun and BlendColumns truncate (LMX_Pixel::Blend); EdgePixel() shifts.
+//
+// Positions are computed in 64 bits: a length, or a number of lines times a step, is below 2^31 *
+// 65536. A line that lies wholly before the result is all frame.
 #include "PrivShear.h"
 
 #include <algorithm>
@@ -25,7 +28,7 @@ struct Frame {
   Frame(unsigned int color, const LMX_Picture& result)
       : pixel(color ^ 0xFF000000), stored(StoredPixel(result, pixel)) {}
 
-  // What a pixel at the image's edge is blended with.
+  // The frame's part in the blend with a pixel at the edge of the image.
   std::uint32_t Beside(std::uint32_t imagePixel) const {
     return LMX_Pixel::Alpha(pixel) == 255 ? 0xFF000000 | imagePixel : pixel;
   }
@@ -34,9 +37,9 @@ struct Frame {
   std::uint32_t stored;  // as the result stores it
 };
 
-// One line of the source in one line of the result: the image's pixels are `begin` to `end` - 1
-// there, and its pixel `first` is the one at `begin`. Where the image is cut off at the start, its
-// pixel before `first` takes the frame's part in the blend.
+// One line of the source, placed in a line of the result. Image pixels are at `begin` to `end` - 1;
+// the source's pixel `first` is at `begin`. If the image is cut off at the start, its pixel before
+// `first` takes the frame's part in the blend.
 struct Line {
   std::int32_t begin = 0;
   std::int32_t end = 0;
@@ -44,10 +47,10 @@ struct Line {
   bool cut = false;
   std::uint32_t fraction = 0;
 
-  // Whether any pixel of the line shows, be it only the last one's share in the edge.
+  // Whether any pixel of the line shows, if only as a part of the edge pixel.
   bool Shows() const { return begin < end || (cut && fraction > 0); }
 
-  // The first pixel of the source that is needed.
+  // The first source pixel that is needed.
   std::int32_t Origin() const { return cut ? first - 1 : first; }
 };
 
@@ -71,8 +74,7 @@ struct Placement {
   std::int64_t offset;     // its 16.16 position along itself
   std::int32_t step;       // how much less the offset of each following line is
 
-  // That of a source line, of which only the pixels of a span are taken. What is before and after
-  // them is clear.
+  // Places a source line of which only the pixels of `span` are taken; those outside are clear.
   Line LineOf(std::int32_t line, const LineSpan& span, std::int32_t resultLength) const {
     const std::int64_t moved = static_cast<std::int64_t>(line - firstLine) * step;
     Line at =
@@ -81,7 +83,7 @@ struct Placement {
     return at;
   }
 
-  // Where an image comes to lie.
+  // Where an image lies after the shear.
   ImageRegion Sheared(ImageRegion image, ImageRegion::Axis along) const {
     const double perLine = step / 65536.0;
     image.Shear(along, static_cast<double>(offset) / 65536.0 + perLine * firstLine, perLine, begin - firstLine);
@@ -89,9 +91,9 @@ struct Placement {
   }
 };
 
-// Centres `lines` lines of `length` pixels in a result of the other size. A surplus or deficit that
-// is odd has the extra pixel at the end. A positive shear leaves the last line displaced by one
-// step, a negative one starts at 0.
+// Centres `lines` lines of `length` pixels in a result. If the difference is odd, the extra pixel
+// is at the end. A positive shear leaves the last line displaced by one step, a negative one leaves
+// the first line at 0.
 Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLength, std::int32_t resultLines,
                 double shear) {
   if (std::isnan(shear)) shear = 0;
@@ -107,8 +109,9 @@ Placement Place(std::int32_t length, std::int32_t lines, std::int32_t resultLeng
   return placement;
 }
 
-// The pixel after the image's last one, which shares it with the frame. It shifts where the others
-// divide.
+// The pixel after the last one of the image, mixed with the frame. Rationale: it shifts right by 16
+// where interior pixels divide by 65535. The results differ, and this one is right here. The
+// largest sum, 255 * 65535, has 24 bits.
 std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame& frame) {
   const std::uint32_t beside = frame.Beside(last);
   const auto mix = [fraction](std::uint32_t image, std::uint32_t other) {
@@ -121,7 +124,7 @@ std::uint32_t EdgePixel(std::uint32_t last, std::uint32_t fraction, const Frame&
 
 // -------------------------------------------------------------------------------------------- rows
 
-// Writes `written` of a row of the result.
+// Writes the span `written` of a row of the result.
 void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Picture& result, std::int32_t y,
               const Line& line, const LineSpan& written, const Frame& frame) {
   FillRun(result, written.begin, y, line.begin - written.begin, frame.stored);
@@ -139,13 +142,14 @@ void ShearRow(const LMX_Picture& source, std::int32_t sourceRow, const LMX_Pictu
   FillRun(result, x, y, written.end - x, frame.stored);
 }
 
-// Whether only the image of a result has to be written, because nobody sees the rest: it is clear.
+// Whether only the image of a result has to be written: the result is temporary, its frame is
+// clear, and its rows are all there and do not overlap.
 bool IsSparse(const LMX_Picture& result, const Frame& frame) {
   return result.unlockOnRelease && frame.pixel == 0 && result.HasEveryRow() && result.HasRowsOfItsOwn();
 }
 
-// Of the source, rowOf(y) is the row in which row y is. `image` is where its image lies; it becomes
-// that of the result.
+// rowOf(y) is the row of `source` that holds source row y. `image` is where the image lies in the
+// source, and on return where it lies in the result.
 template <class RowOf>
 void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result, double shear,
                unsigned int frame_color, long yield, ImageRegion& image) {
@@ -172,7 +176,7 @@ void ShearRows(const LMX_Picture& source, RowOf rowOf, const LMX_Picture& result
 
 // ----------------------------------------------------------------------------------------- columns
 
-// The pixel at `y` of a line of the result; read(i) gives those of the source's line.
+// The pixel at `y` of a result column; read(i) gives pixel i of the source column.
 template <class Read>
 std::uint32_t PixelAt(const Line& line, std::int32_t y, const Frame& frame, Read read) {
   const std::int32_t i = line.first + (y - line.begin);
@@ -184,21 +188,22 @@ std::uint32_t PixelAt(const Line& line, std::int32_t y, const Frame& frame, Read
   return y == line.end && line.fraction > 0 ? EdgePixel(read(i - 1), line.fraction, frame) : frame.pixel;
 }
 
-// Neighbouring columns of a result and those of the source from which they come.
+// Neighbouring columns of a result, and the source columns that they come from.
 struct Strip {
-  PixelPosition from;  // column by column, as `to`; rows count from 0
+  PixelPosition from;  // its first column; rows count from 0
   PixelPosition to;
   const Frame& frame;
   Line lines[kMostColumns];
 
-  // Pixel `y` of a column, where walks along it stay in the picture.
+  // Pixel `y` of a column, in pictures that have every row.
   std::uint32_t PixelAt(std::int32_t column, std::int32_t y) const {
     return ::PixelAt(lines[column], y, frame, [&](std::int32_t i) {
       return ReadOnePixel({from.picture, from.x + column, i});
     });
   }
 
-  // Rows y to y + rows - 1 of n columns, which are image, and have image above.
+  // Blends rows y to y + rows - 1 of n columns. All these pixels are image, and so are those above
+  // them in the source.
   void Blend(std::int32_t first, std::int32_t n, std::int32_t y, std::int32_t rows) const {
     const auto shift = [&](std::int32_t i) { return lines[first + i].first - lines[first + i].begin; };
     std::int32_t least = shift(0);
@@ -214,8 +219,8 @@ struct Strip {
 
 void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom);
 
-// Rows in which some columns are image and others are not, or meet it: each half of the columns for
-// itself.
+// Rows at the edge, in which some columns are image and others are frame. Each half of the columns
+// goes for itself, down to a few columns, which go pixel by pixel.
 void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
   constexpr std::int32_t kFew = 4;
   if (n > kFew) {
@@ -232,8 +237,8 @@ void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::in
 
 // Rows `top` to `bottom` - 1 of n columns of a strip.
 void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
-  // From `image` to `imageEnd` not all columns are frame, from `inside` to `insideEnd` all blend
-  // two pixels of the image.
+  // In rows `image` to `imageEnd` - 1 some columns show the image. In rows `inside` to `insideEnd`
+  // - 1 all columns blend two pixels of the image.
   std::int32_t image = bottom, imageEnd = top, inside = top, insideEnd = bottom;
   for (const Line* line = strip.lines + first; line < strip.lines + first + n; ++line) {
     inside = std::max(inside, line->cut ? line->begin : line->begin + 1);
@@ -254,7 +259,8 @@ void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int
   FillRuns({strip.to.picture, strip.to.x + first, imageEnd}, n, bottom - imageEnd, strip.frame.stored);
 }
 
-// One column of pictures in which rows may be missing: it is walked from its own first row.
+// One column of pictures in which rows may be missing. The source is walked from the column's own
+// first row.
 void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& line, const Frame& frame) {
   std::int32_t last = line.Origin();  // where the walk ends
   for (ColumnWalk walk(from.picture, last); last < from.picture.height - 1; ++last) {
@@ -268,9 +274,9 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
   }
 }
 
-// Columns x to x + n - 1 of the result, all frame or none; of their rows those that are `written`.
-// Rows that are near the image in one column are read in all of them. What nobody wrote there comes
-// out as far from the image again.
+// Rows `written` of columns x to x + n - 1 of the result, which are all frame or all not. A source
+// row that is near the image in one column is read in all columns. So some unwritten pixels are
+// read; in the result they are as far from the image.
 LMX_NOINLINE void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
                                const Frame& frame, bool hasEveryRow) {
@@ -317,9 +323,8 @@ void ShearImageVertical(LMX_Picture& source, LMX_Picture& result, double shear, 
   const bool isSparse = IsSparse(result, frame);
   const ImageRegion sheared = isSparse ? at.Sheared(image, ImageRegion::kAlongColumns) : ImageRegion(result);
   const bool hasEveryRow = source.HasEveryRow() && result.HasEveryRow();
-  // Columns that are read together may read what nobody wrote beside the image. Of a temporary
-  // result that lacks rows, or whose rows overlap, everything is read again: its columns are made
-  // one by one.
+  // Columns that are made together may read unwritten pixels beside the image. In a temporary
+  // result that is written whole, all pixels are read again. So its columns are made one by one.
   const std::int32_t mostColumns = isTemporary && !isSparse ? 1 : kMostColumns;
   YieldPace pace(yield);
   for (std::int32_t x = 0; x < result.width;) {

@@ -1,17 +1,17 @@
 // Workers of the stretch.
 //
-// The row pass turns bands of rows into runs of columns, so that in both passes neighbouring lines
-// lie side by side and share their boxes. The temporary picture is nobody's business. As long as it
-// is a well-formed one, it holds working pixels, as they come back from its storage form: nothing
-// is converted twice. The column pass writes a result, in which only the columns may be touched
-// that are due at a yield:
-//   - without yields both passes go together: rows of the result are made from rows of the
-//     temporary picture that were just made, of which it keeps the last ones only;
-//   - with yields, and columns that do not grow, both passes go together likewise, but into the
-//     temporary picture itself, whose rows are free by then. Its columns are written to the result
-//     when they are due;
-//   - otherwise the columns are averaged when they are due, from strips in which the temporary
-//     picture keeps them.
+// The row pass transposes bands of rows, so that in both passes neighbouring lines lie side by side
+// and share their boxes. No program sees the temporary picture. If it is well-formed it holds
+// working pixels, as they read back from its storage form, so that nothing is converted twice. The
+// result is different: at a yield only the columns that are due may have been written. So there are
+// three orders of work:
+//   - without yields, rows of the result are made as soon as the rows of the temporary picture that
+//     they need are there. Only the last rows of the temporary picture are kept;
+//   - with yields, and no more rows in the result than in the source, both passes go into the
+//     temporary picture, over rows that are used up. Its columns are copied to the result when they
+//     are due;
+//   - otherwise the temporary picture keeps the row pass in strips of columns, and the columns are
+//     averaged when they are due.
 #include "PrivStretch.h"
 
 #include <algorithm>
@@ -22,15 +22,19 @@
 
 namespace {
 
-constexpr std::int32_t kLongest = 65535;            // the units of a longer destination overflow
-constexpr std::int64_t kGreatestReduction = 32768;  // beyond, a source pixel is worth no unit at all
+constexpr std::int32_t kLongest = 65535;            // the units of a longer destination exceed 31 bits
+constexpr std::int64_t kGreatestReduction = 32768;  // beyond it a source pixel is worth less than a unit
 
-// Whether a pass can be made; a host may have made a picture of another size.
+// Whether a pass can be made. The host may have made a picture of another size than was asked for.
 bool IsPass(std::int32_t from, std::int32_t to) {
   return from >= 1 && to >= 1 && !IsBeyondStretch(from, to);
 }
 
-// The boxes of one direction, `to` of them. All products of a pixel, or a box, and its units are
+// The boxes of one direction: `from` pixels into `to` boxes.
+//
+// Range: ofPixel_ is at most to * 32768, and at least 1 since from <= to * 32768. ofBox_ is 32768
+// less what the two divisions cut off: at most 1 if from <= to, 31 if AreSmall(), and always at
+// least 16384. All units together, from * ofPixel_ and to * ofBox_, are at most 65535 * 32768,
 // below 2^31.
 class Boxes {
  public:
@@ -39,16 +43,16 @@ class Boxes {
         ofPixel_((static_cast<std::uint32_t>(to) << 15) / static_cast<std::uint32_t>(from)),
         ofBox_(ofPixel_ * static_cast<std::uint32_t>(from) / static_cast<std::uint32_t>(to)) {}
 
-  /// The first pixel of a box, the units from there on, and how many pixels it takes to make the
-  /// boxes before another one.
+  /// The first pixel of a box; the boxes from there on, for a BoxWalk; and how many pixels the
+  /// boxes before `box` need.
   std::int32_t First(std::int32_t box) const { return Signed(UnitsBefore(box) / ofPixel_); }
   BoxUnits From(std::int32_t box) const { return {ofPixel_, ofBox_, ofPixel_ - UnitsBefore(box) % ofPixel_}; }
   std::int32_t Needed(std::int32_t box) const { return Signed((UnitsBefore(box) + ofPixel_ - 1) / ofPixel_); }
-  /// How many boxes the first pixels make.
+  /// How many boxes the first `pixels` pixels fill.
   std::int32_t Of(std::int32_t pixels) const {
     return Signed(static_cast<std::uint32_t>(std::min(pixels, from_)) * ofPixel_ / ofBox_);
   }
-  /// Whether no box has more pixels than a kernel takes at a time.
+  /// Whether no box has more pixels than the kernel `boxes` takes.
   bool AreSmall() const { return 2 + ofBox_ / ofPixel_ <= kMostBoxRuns; }
 
  private:
@@ -60,8 +64,8 @@ class Boxes {
   std::uint32_t ofBox_;
 };
 
-// One average of any number of runs: runs(first, count) gives those of `count` pixels, at most
-// kMostBoxRuns, one part after another.
+// One average of any number of runs. runs(first, count) gives those of `count` pixels, at most
+// kMostBoxRuns; it is called for one part after another.
 template <class Runs>
 void AverageMany(const Boxes& boxes, std::int32_t box, const Runs& runs, std::uint8_t* to, PixelForm form,
                  std::int32_t n) {
@@ -81,8 +85,8 @@ void AverageMany(const Boxes& boxes, std::int32_t box, const Runs& runs, std::ui
 
 // -------------------------------------------------------------------------------------------- rows
 
-// The columns of a band of rows, as runs of working pixels: those that are in use, read kTile at a
-// time.
+// The columns of a band of rows, as runs of working pixels. kTile columns are read at a time, and
+// those in use are kept.
 class BandColumns {
  public:
   BandColumns(const LMX_Picture& picture, std::int32_t y, std::int32_t lines)
@@ -92,7 +96,7 @@ class BandColumns {
 
   std::int32_t End() const { return end_; }
 
-  // Reads on; columns from x on stay, fewer than kMostBoxRuns.
+  // Reads the next columns. Columns from x on stay; they are fewer than kMostBoxRuns.
   void Read(std::int32_t x) {
     std::copy(tile_[x - begin_], tile_[end_ - begin_], tile_[0]);
     begin_ = x;
@@ -115,8 +119,8 @@ class BandColumns {
   std::uint32_t tile_[kMost][kTile];
 };
 
-// Rows y to y + lines - 1 of a source, at most kTile, as rows of another picture's width and form:
-// put(x, n, columns) gets columns x to x + n - 1 of them, n <= kTile, as runs.
+// Stretches rows y to y + lines - 1 of a source, at most kTile, to the width and form of another
+// picture. put(x, n, columns) gets columns x to x + n - 1, n <= kTile, as runs.
 template <class Put>
 LMX_NOINLINE void StretchRows(const LMX_Picture& source, std::int32_t y, std::int32_t lines, const Boxes& boxes,
                               const LMX_Picture& to, const Put& put) {
@@ -150,7 +154,7 @@ LMX_NOINLINE void StretchRows(const LMX_Picture& source, std::int32_t y, std::in
   }
 }
 
-// Calls make(y, lines) for every `band` rows of a temporary picture.
+// Calls make(y, lines) for each band of rows of a temporary picture, and reports the band.
 template <class Make>
 void RowPass(const LMX_Picture& temporary, std::int32_t band, YieldPace pace, const Make& make) {
   for (std::int32_t y = 0, n; y < temporary.height; y += n) {
@@ -160,9 +164,10 @@ void RowPass(const LMX_Picture& temporary, std::int32_t band, YieldPace pace, co
   }
 }
 
-// Working pixels in the memory of a temporary picture: `rows` rows, in strips of `columns` columns.
-// The rows of a strip follow each other, so that going down a strip is not going from page to page.
-// Columns that fill no strip stay where a picture has them, as do those of a single strip.
+// Working pixels in the memory of a temporary picture: `rows` rows, cut into strips of `columns`
+// columns. The rows of a strip are adjacent in memory, so that going down a strip does not go from
+// page to page. A single strip, and the last columns, which fill no strip, stay in the rows of the
+// picture.
 class Strips {
  public:
   Strips(const LMX_Picture& temporary, std::int32_t columns, std::int32_t rows)
@@ -170,26 +175,26 @@ class Strips {
 
   std::int32_t Rows() const { return rows_; }
 
-  /// How many columns lie together from column x on.
+  /// How many columns from x on are adjacent.
   std::int32_t Together(std::int32_t x) const {
     return (IsInStrip(x) ? (x / columns_ + 1) * columns_ : temporary_.width) - x;
   }
 
-  /// Finds rows y to y + count - 1, from column x on.
+  /// The addresses of rows y to y + count - 1, from column x on.
   void Find(std::int32_t x, std::int32_t y, std::int32_t count, std::uint8_t** runs) const {
     if (strips_ == 1 || !IsInStrip(x)) return RoomForRuns({temporary_, x, y}, 1, 1, count, nullptr, runs);
-    // Counted in the strips' rows, of which memory has no more than it can address.
+    // Counts rows of strips; memory holds fewer than size_t can count.
     const auto inRow = static_cast<std::size_t>(strips_);
     const std::size_t first =
         static_cast<std::size_t>(x / columns_) * static_cast<std::size_t>(rows_) + static_cast<std::size_t>(y);
     auto row = static_cast<std::int32_t>(first / inRow), at = static_cast<std::int32_t>(first % inRow);
-    for (std::int32_t i = 0; i < count; ++row, at = 0) {  // strips_ rows lie in a row of the picture
+    for (std::int32_t i = 0; i < count; ++row, at = 0) {  // a row of the picture holds strips_ of them
       std::uint8_t* const pixels = temporary_.RowAddress(row) + 4 * static_cast<std::ptrdiff_t>(x % columns_);
       for (; i < count && at < strips_; ++i, ++at) runs[i] = pixels + 4 * static_cast<std::ptrdiff_t>(at) * columns_;
     }
   }
 
-  /// Makes `lines` rows from row toY on of those of a source from row y on.
+  /// Stretches rows y to y + lines - 1 of a source into rows toY and on.
   void Make(std::int32_t toY, const LMX_Picture& source, std::int32_t y, std::int32_t lines) const {
     const PixelForm form = FormOf(temporary_);
     const std::int32_t width = temporary_.width;
@@ -221,10 +226,10 @@ class Strips {
 
 // ----------------------------------------------------------------------------------------- columns
 
-constexpr std::int32_t kMostRows = 64;      // that are made of columns at a time
-constexpr std::int32_t kMostTogether = 64;  // that are made together
+constexpr std::int32_t kMostRows = 64;      // of columns that are made at a time
+constexpr std::int32_t kMostTogether = 64;  // columns that are made together
 
-// Columns x to x + n - 1, n <= kMostTogether, of strips; and of a picture, in which rows may be
+// Columns x to x + n - 1, n <= kMostTogether: of strips, or of a picture in which rows may be
 // missing.
 class ColumnsOfStrips {
  public:
@@ -232,7 +237,7 @@ class ColumnsOfStrips {
 
   const std::uint8_t* const* Rows(std::int32_t y, std::int32_t count) {
     strips_.Find(x_, y, count, rows_);
-    // Each of them is another line of the cache.
+    // Each row is in another cache line.
     for (std::int32_t i = 0; i < count; ++i) __builtin_prefetch(rows_[i] + 4 * (n_ - 1));
     return rows_;
   }
@@ -263,7 +268,7 @@ class ColumnsOfPicture {
   const std::uint8_t* rows_[kMostRows];
 };
 
-// Columns x to x + n - 1 of a result.
+// Stretches columns x to x + n - 1 of a result.
 template <class Columns>
 LMX_NOINLINE void StretchColumns(Columns from, const Boxes& boxes, const LMX_Picture& result, std::int32_t x,
                                  std::int32_t n) {
@@ -292,9 +297,9 @@ LMX_NOINLINE void StretchColumns(Columns from, const Boxes& boxes, const LMX_Pic
 
 // ------------------------------------------------------------------------------------- both passes
 
-constexpr std::int32_t kKeptRows = 2 * kTile;  // of the temporary picture, while rows of the result are made of them
+constexpr std::int32_t kKeptRows = 2 * kTile;  // of the temporary picture, when rows of the result are made at once
 
-// A line of the cache at least, and what is due between two yields once or several times.
+// The columns that are due between two yields, or as many times that as fit in a cache line.
 std::int32_t StripColumns(const YieldPace& pace, std::int32_t height) {
   constexpr std::int32_t kLine = 16;
   const std::int32_t due = pace.LinesUntilDue(height, kMostTogether);
@@ -309,8 +314,8 @@ void ColumnPass(const Strips& from, const Boxes& boxes, const LMX_Picture& resul
   }
 }
 
-// Rows y to y + count - 1 of a result, from rows of the temporary picture, of which row r is kept
-// in row r % kept.Rows(). Without a result they take the place of rows that no later one needs.
+// Averages rows y to y + count - 1 of a result. Row r of the temporary picture is kept in row r %
+// kept.Rows(). Without a result the averages replace rows that no later box needs.
 LMX_NOINLINE void AverageRows(const Strips& kept, const Boxes& boxes, const LMX_Picture* result, std::int32_t y,
                               std::int32_t count) {
   std::uint8_t *runs[kKeptRows], *to[kTile];
@@ -327,8 +332,8 @@ LMX_NOINLINE void AverageRows(const Strips& kept, const Boxes& boxes, const LMX_
   AverageRuns(to, result ? FormOf(*result) : kWorkingForm, runs, boxes.From(y), count, kept.Together(0), result);
 }
 
-// Both passes, into `height` rows of a result, or of the memory in which rows are kept: all of them
-// then, otherwise 2 * kTile.
+// Both passes, into `height` rows of a result or, without one, of `kept`. Without a result `kept`
+// has all rows of the temporary picture, otherwise kKeptRows.
 void StretchAtOnce(const LMX_Picture& source, const LMX_Picture& temporary, const Strips& kept, std::int32_t height,
                    const LMX_Picture* result, std::int32_t band, YieldPace pace) {
   const Boxes down(source.height, height);

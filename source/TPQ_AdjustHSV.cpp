@@ -1,21 +1,24 @@
-// LMX_AdjustHSV, LMX_AdjustHSV_InPlace: hue turned, saturation and brightness scaled in a
+// LMX_AdjustHSV, LMX_AdjustHSV_InPlace: turn the hue and scale saturation and brightness in a
 // rectangle, into a new picture or in place. LMX_GetAverageHSV: hue, saturation and brightness of a
 // rectangle.
 //
 // left, top, width, height  the selection, in pixels; its far ends are included (see Selection)
-// hue_degrees               -360 to 360, both excluded; a NaN blackens what keeps a saturation
+// hue_degrees               -360 to 360, both excluded; a NaN blackens all pixels with a saturation
 // saturation_factor,        0 to below 1000, cut to whole numbers: 0.9 acts as 0, 1.9 as 1. A NaN
-//                           acts as 0
-//   brightness_factor
+//   brightness_factor       acts as 0
 // negative                  every pixel of the picture, selected or not, becomes its colour
 //                           negative, fully transparent; a bitmap context keeps no colour there and
 //                           becomes all zero. Any byte but 0 is true
-// The average's results, each nil to leave it out: the hue of the mean colour in degrees, 0 to
-// below 360, -1 for black and NaN for another grey; the mean of the pixels' saturations, 0 to 1;
-// the mean of their brightness, 0 to 255/256. On failure they stay as they are. Its sums of colours
-// are 32 bits wide and wrap beyond 8,421,504 pixels of 255. Errors of the adjustments, in this
-// order: 2 source nil, 43 hue, 44 saturation, 45 brightness, 4 source not lockable, 38 selection, 6
-// no result. Errors of the average: 2, 4, 38 (also of a picture without pixels).
+// The average's results, each nil to leave it out:
+// hue_degrees               hue of the mean colour in degrees, 0 to below 360; -1 for black, NaN
+//                           for another grey
+// saturation                mean of the pixels' saturations, 0 to 1
+// brightness                mean of the pixels' largest channels / 256, 0 to 255/256
+// On failure they stay as they are. The sums of colours are 32 bits wide and wrap beyond 8,421,504
+// pixels of 255.
+// Errors of the adjustments, in this order: 2 source nil, 43 hue, 44 saturation, 45 brightness, 4
+// source not lockable, 38 selection, 6 no result. Errors of the average: 2, 4, 38 (also of a
+// picture without pixels).
 #include "TPQ_AdjustHSV.h"
 
 #include <algorithm>
@@ -43,13 +46,12 @@ bool AcceptsAdjustment(const REALpictureStruct* p, double hue, double saturation
   return gLMX_Error == kNoError;
 }
 
-// Every pixel is written one way or the other: what is not false is true.
+// The lowest byte of a boolean argument: all but 0 is true.
 bool IsTrue(REALboolean boolean) {
   return static_cast<std::uint8_t>(boolean) != 0;
 }
 
-// A factor's whole part, in 1/1024; a NaN's wraps to 0. What a negative one would scale comes out
-// as 0.
+// The whole part of a factor, in 1/1024. A NaN wraps to 0. A negative factor would give 0 as well.
 std::int32_t Scale(double factor) {
   return std::max(WrappedToInt(static_cast<std::int64_t>(TruncatedToInt(factor)) * 1024), 0);
 }
@@ -68,8 +70,7 @@ void AdjustColumns(const LMX_Picture& source, const LMX_Picture& destination, st
   }
 }
 
-// The hue in degrees of a colour, with the arithmetic of doubles: -1 for black, NaN for another
-// grey.
+// The hue of a colour in degrees, in doubles: -1 for black, NaN for another grey.
 double HueOf(std::int32_t red, std::int32_t green, std::int32_t blue) {
   const std::int32_t max = std::max({red, green, blue});
   if (max == 0) return -1.0;

@@ -1,14 +1,15 @@
-// LMX_AdjustRGB, LMX_AdjustRGB_InPlace: an amount added to each colour of a rectangle, into a new
+// LMX_AdjustRGB, LMX_AdjustRGB_InPlace: add an amount to each colour of a rectangle, into a new
 // picture or in place. LMX_GetAverageRGB: the mean colour of a rectangle.
 //
 // left, top, width, height  the selection, in pixels; its far ends are included (see Selection)
 // red_delta ...             -255 to 255; sums are clamped to 0 to 255, alpha stays
 // red, green, blue          the means, 0 to 255, truncated; nil to leave one out. On failure they
 //                           stay as they are
-// The copy passes every pixel through both conversions, selected or not; in place every pixel of a
-// selected row. Sums are 32 bits wide and wrap beyond 8,421,504 pixels of 255. Errors of the
-// adjustments, in this order: 2 source nil, 40 red, 41 green, 42 blue, 4 source not lockable, 38
-// selection, 6 no result. Errors of the average: 2, 4, 38 (also of a picture without pixels).
+// All pixels of the copy pass both conversions, selected or not; in place only those of selected
+// rows. Sums are 32 bits wide and wrap beyond 8,421,504 pixels of 255.
+// Errors of the adjustments, in this order: 2 source nil, 40 red, 41 green, 42 blue, 4 source not
+// lockable, 38 selection, 6 no result. Errors of the average: 2, 4, 38 (also of a picture without
+// pixels).
 #include "TPQ_AdjustRGB.h"
 
 #include "LMX_Runs.h"
@@ -32,7 +33,7 @@ bool AcceptsDeltas(const REALpictureStruct* p, const RGBAdjustment& by) {
   return gLMX_Error == kNoError;
 }
 
-// One row that the selection reaches, from one picture to the other, which may be the same.
+// One selected row, from one picture to another or in place.
 void AdjustRow(const LMX_Picture& source, const LMX_Picture& destination, std::int32_t y, const Selection& selection,
                const RGBAdjustment& by) {
   CopyRun({destination, 0, y}, {source, 0, y}, selection.x0);

@@ -1,6 +1,7 @@
-// The last error code and its message. Errors never cross the boundary to the host as exceptions: a
-// program asks for them after the call. The texts are the vocabulary of a larger family of
-// operations, of which LMX raises only some.
+// The last error code, and the messages of the codes. No exception crosses the boundary to the
+// host: a program asks for the code after the call. Rationale: the messages belong to a larger
+// family of operations. LMX raises only some of the codes (LMX_ErrorCode), and keeps the texts to
+// the letter.
 #include "TPQ_Errors.h"
 
 #include <cstring>

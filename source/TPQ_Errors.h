@@ -1,5 +1,4 @@
-// The outcome of the last operation, as a code that host programs read, and the texts that go with
-// the codes.
+// The code of the last operation, which host programs read, and the messages of the codes.
 #pragma once
 
 #include <cstdint>
@@ -31,11 +30,11 @@ enum LMX_ErrorCode : std::int32_t {
   kBrightnessOutOfBounds = 45,
 };
 
-/// The code of the last operation: assigned when it starts, and again when it fails later. Reading
-/// it changes nothing.
+/// The code of the last operation. An operation sets it when it starts, and again when it fails
+/// later. Reading it changes nothing.
 extern std::int32_t gLMX_Error;
 
-/// Room for a diagnostic text, zero-terminated. No operation writes one.
+/// A diagnostic text, zero-terminated. No operation writes one.
 extern char gLMX_DebugMessage[4096];
 
 /// gLMX_DebugMessage as a host text; not a method of the module.

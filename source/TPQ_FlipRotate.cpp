@@ -1,7 +1,7 @@
-// LMX_FlipRotate: the source mirrored, then turned clockwise by quarter turns, as a new picture.
+// LMX_FlipRotate: mirrors the source, then turns it clockwise by quarter turns, into a new picture.
 //
-// flip_h, flip_v  mirror left-right, top-bottom; this comes first. A byte that is neither 0 nor 1
-//                 is neither false nor true: the result is left as the host made it
+// flip_h, flip_v  mirror left-right, top-bottom. A byte that is neither 0 nor 1 is neither false
+//                 nor true: the result stays as the host made it
 // rotation        degrees, -89 to 359, cut to a multiple of 90 towards zero: -89 to 89 do not turn
 // Every result pixel is one source pixel, read from one storage form and written in the other.
 // Errors, in this order: 31 rotation, 2 source nil, 4 source not lockable, 6 no result (also of an

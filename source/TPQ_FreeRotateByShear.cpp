@@ -1,14 +1,14 @@
-// LMX_FreeRotateByShear: the source turned clockwise by any angle, as a new picture that just holds
-// it.
+// LMX_FreeRotateByShear: turns the source clockwise by any angle, into a new picture that just
+// holds it.
 //
-// rotation     degrees, 0 to below 360; a NaN turns by nothing
+// rotation     degrees, 0 to below 360; a NaN counts as 0
 // frame_color  accepted and not used: corners and edges are always transparent
-// The angle is split into quarter turns, which are exact, and a rest d of -45 to below 45 degrees,
-// for which the picture is sheared three times: by tan(d/2) along its rows, by -sin(d) along its
+// The angle is quarter turns, which are exact, and a rest d of -45 to below 45 degrees. For the
+// rest the picture is sheared three times: by tan(d/2) along its rows, by -sin(d) along its
 // columns, by tan(d/2) along its rows again (Paeth, "A Fast Algorithm for General Raster Rotation",
-// 1986). All three passes run also when the rest is 0. Errors, in this order: 31 rotation, 2 source
-// nil. Pictures that cannot be had or locked, and sizes whose 16.16 positions do not fit in 32
-// bits, give nil with code 0.
+// 1986). All three passes run also when the rest is 0.
+// Errors, in this order: 31 rotation, 2 source nil. Nil with code 0 when a picture cannot be made
+// or locked, and for sizes whose 16.16 positions do not fit in 32 bits.
 #include "TPQ_FreeRotateByShear.h"
 
 #include <cmath>
@@ -23,7 +23,7 @@
 
 namespace {
 
-// These digits are part of the result: they decide steps and sizes.
+// Rationale: pi has these digits only, and the results depend on them: they decide steps and sizes.
 constexpr double kPi = 3.14159;
 constexpr double kTwoPi = 6.28318;
 
@@ -34,7 +34,7 @@ struct Size {
   std::int32_t height;
 };
 
-// Everything about a rotation that can be told before a pixel is touched.
+// All that follows from the size and the angle.
 struct Rotation {
   int quarter;          // quarter turns, 0 to 3
   double alongRows;     // shear of the first and third pass
@@ -66,8 +66,8 @@ Size BoundingBox(const Size& size, double theta, double degrees) {
   return {TruncatedToInt(std::ceil(diagonal * cosine)), TruncatedToInt(std::ceil(sine * diagonal))};
 }
 
-// The length of `length` pixels that lie in `lines` lines, each displaced by `step` against the
-// next, in 16.16.
+// The length of `lines` lines of `length` pixels, each displaced by `step` against the next, in
+// 16.16.
 std::int64_t ShearedLength(std::int32_t length, std::int32_t lines, std::int32_t step) {
   return static_cast<std::int64_t>(length) * 65536 + 65535 + static_cast<std::int64_t>(std::abs(step)) * lines;
 }

@@ -8,7 +8,7 @@ LMX_HOST_CALLABLE REALpictureStruct* LMX_FreeRotateByShear_Frame(REALpictureStru
                                                                  unsigned int frame_color, int yield);
 
 /// Turns `source` clockwise by `rotation` degrees, 0 to below 360, into a result just large enough;
-/// a NaN turns by nothing. What the image does not cover is `frame_color`, a host colour. Nil when
-/// a picture is not to be had; no error code says so.
+/// a NaN counts as 0. Pixels that the image does not cover become `frame_color`, a host colour.
+/// Nil, without an error code, when a picture cannot be made or locked.
 REALpictureStruct* PrivFreeRotateByShear_Frame_NonVector(REALpictureStruct* source, double rotation,
                                                          unsigned int frame_color, int yield);

@@ -3,10 +3,10 @@
 //
 // width, height  size of the picture in pixels, at least 1
 // color1 ...     from top to bottom; of three, the second fills the two rows in the middle
-// Every row is one colour. Between its two colours each channel, alpha included, is cut to an
-// integer twice: the lower colour's part, and its sum with the upper colour's. A section of one row
-// divides 0 by 0 and comes out clear. Errors, in this order: 35 height, 34 width (they share the
-// stretch's messages), 6 no picture.
+// Every row has one colour. Each channel, alpha included, is truncated twice: the part of the lower
+// colour, and its sum with the part of the upper colour. A section of one row divides 0 by 0 and
+// becomes clear.
+// Errors, in this order: 35 height, 34 width (they share the stretch's messages), 6 no picture.
 #include "TPQ_Gradient.h"
 
 #include <algorithm>
@@ -42,8 +42,8 @@ void FillSection(const LMX_Picture& picture, std::int32_t top, std::int32_t bott
   }
 }
 
-// Makes and locks the picture of a generator; false, with the error set, when its size or the host
-// forbids it.
+// Makes and locks the picture of a gradient. False, with the error set, when its size is wrong or
+// the host refuses.
 bool MakePicture(LMX_Picture& picture, int width, int height) {
   gLMX_Error = height <= 0 ? kHeightOutOfBounds : width <= 0 ? kWidthOutOfBounds : kNoError;
   if (gLMX_Error != kNoError) return false;

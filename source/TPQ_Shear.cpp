@@ -1,12 +1,10 @@
 // LMX_ShearHorizontal, LMX_ShearVertical: the source slanted, as a new picture.
 //
-// width, height  size of the result in pixels; the slanted image is centred in it, cut or framed as
-//                it comes
-// shear          displacement from one row (column) to the next in pixels, -1 to 1; a NaN slants by
-//                nothing
+// width, height  size of the result in pixels; the slanted image is centred in it
+// shear          displacement from one row (column) to the next in pixels, -1 to 1; a NaN is 0
 // frame_color    host colour around the image; slanted edges are blended with it unless opaque
-// Errors, in this order: 33 shear, 2 source nil. A source or result that cannot be locked, and a
-// size below 1, give nil with code 0.
+// Errors, in this order: 33 shear, 2 source nil. Nil with code 0 when the source or the result
+// cannot be locked, and for a size below 1.
 #include "TPQ_Shear.h"
 
 #include "LMX_Picture.h"

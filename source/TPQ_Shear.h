@@ -9,7 +9,7 @@ LMX_HOST_CALLABLE REALpictureStruct* LMX_ShearHorizontal_Frame(REALpictureStruct
 LMX_HOST_CALLABLE REALpictureStruct* LMX_ShearVertical_Frame(REALpictureStruct* p, int width, int height, double shear,
                                                              unsigned int frame_color, long yield);
 
-/// Locks the source, makes a result of `width` x `height` pixels and slants the one into the other.
-/// Nil when either is not to be had; no error code says so.
+/// Locks the source, and shears it into a new result of `width` x `height` pixels. Nil, without an
+/// error code, when either cannot be made or locked.
 REALpictureStruct* PrivShear_Frame_NonVector(REALpictureStruct* source, int width, int height, double shear,
                                              bool horizontal, int frame_color, long yield);

@@ -1,13 +1,13 @@
 // LMX_Stretch: the source resampled to another size, as a new picture.
 //
 // width, height  size of the result in pixels, 1 to 65535, and at least 1/32768 of the source's
-// Rows are resampled into a temporary picture, then its columns into the result, both with a box
-// filter: a source pixel is worth floor(D * 32768 / S) units, where S and D are the source's and
-// the destination's length, a destination pixel takes floor(units * S / D) units of them in turn,
-// and its channels are the sums divided by that, truncated. The units that are left over at the end
-// of a line are not used. Errors, in this order: 35 height, 34 width, 2 source nil, 4 source not
-// lockable, 35 and 34 again for sizes beyond the bounds above, 5 no temporary picture (the result
-// comes untouched). No result gives nil with code 0.
+// Rows are resampled into a temporary picture, then its columns into the result, both by a box
+// filter. With S and D as the lengths of source and destination, a source pixel is worth u =
+// floor(D * 32768 / S) units. A destination pixel takes b = floor(u * S / D) of them, in turn; its
+// channels are the sums divided by b, truncated. Units left over at the end of a line are not used.
+// Errors, in this order: 35 height, 34 width, 2 source nil, 4 source not lockable, 35 and 34 again
+// for sizes beyond the bounds above, 5 no temporary picture (the result comes untouched). Nil with
+// code 0 when there is no result.
 #include "TPQ_Stretch.h"
 
 #include "PrivStretch.h"

@@ -1,10 +1,10 @@
-// LMX_Trim: a rectangle of the source, inside it or reaching outside, as a new picture.
+// LMX_Trim: a rectangle of the source, which may reach outside it, as a new picture.
 //
 // left, top      source coordinates of the result's top left pixel, of any value
 // width, height  size of the result in pixels, at least 1; left + width - 1 and top + height - 1
 //                fit in 32 bits
-// frame_color    colour of the pixels that lie outside the source. They are always fully
-//                transparent, so that the colour survives in buffer pictures only
+// frame_color    colour of the pixels outside the source. They are always fully transparent, so
+//                that the colour survives in buffer pictures only
 // yield          accepted and not used
 // Errors, in this order: 2 source nil, 4 source not lockable, 39 rectangle, 6 no result.
 #include "TPQ_Trim.h"
@@ -43,7 +43,7 @@ REALpictureStruct* LMX_Trim(REALpictureStruct* p, long left, long top, long widt
     return nullptr;
   }
 
-  // Columns of the result that have a source pixel. All sums stay in 64 bits.
+  // The result's columns `begin` to `end` - 1 have a source pixel. All sums are in 64 bits.
   const auto inResult = [&result](std::int64_t x) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(x, 0, result.width));
   };

@@ -20,7 +20,7 @@
 
 /// What an HSV adjustment does to each pixel.
 struct HSVAdjustment {
-  int32_t hueShift;  ///< in 1/1024 of 60 degrees: -6144 to 6143, or INT32_MIN for a NaN
+  int32_t hueShift;         ///< in 1/1024 of 60 degrees: -6144 to 6143, or INT32_MIN for a NaN
   int32_t saturationScale;  ///< in 1/1024: 0 to 999 x 1024, whole numbers only
   int32_t valueScale;       ///< the same
 };

@@ -104,10 +104,10 @@ LMX_ALWAYS_INLINE Channels SumRuns(const uint8_t* const* runs, size_t count, siz
 }
 
 // A box of three runs or more, of U = 32768 - e units, with e of 0 to kMostMissing. Weights are at
-// most 32766, and the sum is at most 255 * U. The sum is H * 32768 + L, which is H * U + (H * e + L).
-// So the quotient is H, 0 to 255, or H + 1 where H * e + L >= U; that term is at most 49087, below
-// 2 * U. Bit 15 of H * e + L + e, at most 49151, tells which.
-// Tests: AllUnitsOfManyRuns.BoxesOfOneColour, and the kernel cases boxes_....
+// most 32766. The sum, at most 255 * U, is H * 32768 + L, which is H * U + (H * e + L). So the
+// quotient is H, 0 to 255, or H + 1 where H * e + L >= U; that term is at most 49087, below 2 * U.
+// Bit 15 of H * e + L + e, at most 49151, tells which.
+// Tests: AllUnitsOfManyRuns.BoxesOfOneColour, and the kernel cases of `boxes`.
 class Average {
  public:
   Average(const Box& box, const BoxUnits& units)
