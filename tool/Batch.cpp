@@ -29,8 +29,8 @@
 namespace tool {
 namespace {
 
-// A process that works on one picture, and writes what it has to tell into a pipe. The text is
-// whole at the end of it: pieces, each a letter and a text that ends in a zero.
+// A process that works on one picture and writes its report into a pipe. The report is a sequence
+// of pieces, each a letter and a text that ends in a zero. It is complete when the pipe ends.
 struct Worker {
   std::size_t index;
   pid_t process;
@@ -60,8 +60,7 @@ Told Unpacked(const std::string& packed) {
   return told;
 }
 
-// All of it in the process that was forked. It ends with the one that forked it, whatever ends
-// that.
+// Everything that the forked process does. It ends when its parent ends, for any reason.
 [[noreturn]] void Work(pid_t parent, const File& pipe, const std::function<Told()>& work) {
   RememberEnds(false);
   prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -122,8 +121,7 @@ class Batch {
     ++started_;
   }
 
-  // To what the workers write, until there is something or a moment has passed, in which a signal
-  // may have come.
+  // Waits until a worker has written something, or for a moment, since a signal may have come.
   void Listen() {
     constexpr int kMoment = 100;
     std::vector<pollfd> files;
@@ -166,7 +164,7 @@ class Batch {
     told_[worker.index] = std::move(told);
   }
 
-  // What is known, as far as all before it is known, too.
+  // Prints the reports whose predecessors are all printed.
   void Tell() {
     for (; next_ < told_.size() && told_[next_]; ++next_) {
       Told& told = *told_[next_];
@@ -185,7 +183,7 @@ class Batch {
     line_.Show(text);
   }
 
-  // Ends the workers in the way that this process is to end, and waits for them.
+  // Ends the workers with the signal that ends this process, and waits for them.
   void Stop() {
     const int end = RememberedEnd() == 0 ? SIGTERM : RememberedEnd();
     for (const Worker& worker : workers_) kill(worker.process, end);

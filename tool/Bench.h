@@ -11,9 +11,9 @@
 
 namespace tool {
 
-/// Times memcpy of the picture, then every operation that bench/ knows on it, without yields and
-/// with one every `yield` pixels (10000 if nothing was asked for), and writes a line for each at
-/// once, as an object of JSON if wanted. Throws Interrupted on Ctrl-C, between two operations.
+/// Times memcpy of the picture, then every operation of bench/ on it, without yields and with one
+/// every `yield` pixels (10000 if `yield` was not given). Writes a line for each at once, or an
+/// object of JSON. Throws Interrupted on Ctrl-C, between two operations.
 void WriteBench(std::ostream& out, const std::string& plugin, const Image& image, host::Storage storage,
                 std::optional<std::int32_t> yield, bool json);
 

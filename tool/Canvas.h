@@ -1,4 +1,5 @@
-// A picture being drawn: shapes given as functions of the place, anti-aliased, one over the other.
+// A picture to draw on. Shapes are functions of the place; they are anti-aliased and laid over each
+// other.
 #pragma once
 
 #include <functional>
@@ -24,19 +25,19 @@ struct Area {
 
 class Canvas {
  public:
-  /// What a shape looks like at a place; (0, 0) is the top left corner of the top left pixel.
+  /// The paint of a shape at a place; (0, 0) is the top left corner of the top left pixel.
   using Shader = std::function<Paint(double x, double y)>;
 
   /// Clear at first.
   Canvas(int width, int height);
 
-  /// Lays the shape over what is there, within the area and the canvas. A pixel gets the mean of
-  /// several places in it.
+  /// Draws the shape over the canvas, within the area. A pixel gets the mean of several places in
+  /// it.
   void Draw(Area area, const Shader& shader);
   void Fill(Area area, Paint paint);
   /// Text in the small bitmap font, `scale` pixels to a dot, its top left corner at (x, y).
   void Write(int x, int y, int scale, Paint paint, const std::string& text);
-  /// Makes the area as clear as the shape is opaque.
+  /// Erases the area: where the shape is opaque, it becomes clear.
   void Erase(Area area, const Shader& shader);
 
   static int TextWidth(int scale, const std::string& text);

@@ -21,17 +21,17 @@ struct Difference {
   std::array<Largest, 4> channels;  ///< red, green, blue, alpha: the first of the largest differences
 };
 
-/// Of two pictures of one size. The colours of pixels that are clear in both do not count: nobody
-/// sees them.
+/// Compares two pictures of one size. Colours of pixels that are clear in both do not count: they
+/// are invisible.
 Difference Compare(const Image& a, const Image& b, int tolerance);
 
-/// Black where the pictures are the same; otherwise the difference of each colour, or that of alpha
-/// in grey where it is larger than those, multiplied so that the largest one is 255. Opaque.
+/// A picture of the difference: for each colour, or in grey for alpha where that differs more.
+/// Scaled so that the largest difference is 255; black where the pictures are equal. Opaque.
 Image PictureOfDifference(const Image& a, const Image& b, const Difference& difference);
 
-/// Tells about the two pictures of the command line on standard output and writes the picture of
-/// their difference, if it is wanted. Returns the exit status: 0 for equal pictures, 1 for others.
-/// Throws Trouble instead of what else goes wrong with files, UsageError, and Interrupted.
+/// Compares the two pictures of the command line, prints the result, and writes the picture of
+/// their difference, if asked for. Returns the exit status: 0 for equal pictures, 1 for others.
+/// Throws Trouble for files that fail, UsageError, and Interrupted.
 int ComparePictures(const CommandLine& line);
 
 }  // namespace tool

@@ -1,5 +1,4 @@
-// What a shell needs to complete the words of a call of lmx, written from the tables that its help
-// shows.
+// The scripts with which shells complete the words of lmx, written from the tables of the help.
 #pragma once
 
 #include <iosfwd>

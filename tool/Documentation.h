@@ -1,6 +1,6 @@
-// What the methods and their arguments mean, for people, and which arguments may be left out. One
-// entry for every method that the plug-in registers and for every argument of it; what can be
-// called, and how, is not said here but by the declarations.
+// The meaning of methods and arguments, for people, and the default values of arguments. There is
+// one entry for every registered method and each of its arguments. The declarations say what can be
+// called, and how.
 #pragma once
 
 #include <cstdint>
@@ -15,16 +15,16 @@ namespace tool {
 /// The argument that says how often a method yields; lmx's option sets it in every step.
 constexpr std::string_view kYieldArgument = "yield";
 
-/// What a value that is left out can depend on.
+/// What a default value can depend on.
 struct Situation {
   int width = 0;  ///< of the picture; 0 without one
   int height = 0;
   std::map<std::string, double> numbers;  ///< the numbers that the user gave, by argument
 };
 
-/// The value of an argument that is left out.
+/// The default value of an argument.
 struct Fallback {
-  const char* text = nullptr;  ///< as users write it; in words, if it is computed; nil: the argument is needed
+  const char* text = nullptr;  ///< as users write it; in words, if it is computed; nil: no default
   std::int32_t (*compute)(const Situation& situation) = nullptr;
 };
 
@@ -35,11 +35,11 @@ struct Range {
   bool withoutLeast = false;
   bool withoutMost = false;
 
-  /// What is no number is in no range.
+  /// Anything that is not a number is in no range.
   bool Contains(double number) const;
 };
 
-/// In the words that the meaning of an argument has, too.
+/// The range as a text, in the words that the meanings of arguments use.
 std::string RangeText(const Range& range);
 
 struct ArgumentText {

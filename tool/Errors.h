@@ -5,21 +5,21 @@
 
 namespace tool {
 
-/// The plug-in, a file or the machine did not do what was asked for.
+/// The plug-in, a file or the machine failed.
 class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
   static constexpr int kStatus = 1;
 };
 
-/// The same where status 1 has another meaning.
+/// The same for commands whose status 1 has another meaning.
 class Trouble : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
   static constexpr int kStatus = 2;
 };
 
-/// The command line asks for something that cannot be.
+/// The command line is wrong.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

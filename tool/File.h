@@ -1,4 +1,4 @@
-// Files as bytes: read whole, and written whole or not at all.
+// Files as bytes, read completely, and written completely or not at all.
 #pragma once
 
 #include <sys/stat.h>
@@ -26,8 +26,8 @@ class File {
   int descriptor_;
 };
 
-/// A file that lies beside another until it takes its place. It is gone if it does not come to
-/// that, also when a signal ends the process. There is one at a time.
+/// A temporary file beside another file, which it replaces at the end. If it does not come to that
+/// it is removed, also when a signal ends the process. There is one at a time.
 class Replacement {
  public:
   /// Throws Failure if there can be no such file.
@@ -37,8 +37,8 @@ class Replacement {
   Replacement& operator=(const Replacement&) = delete;
 
   const File& Target() const { return file_; }
-  /// With the mode of the file that it replaces, and with its owner and group where the user may
-  /// give them; without one, as new files are. Throws Failure.
+  /// Replaces the file. Mode, owner and group are those of the file that it replaces, as far as the
+  /// user may set them, or those of a new file. Throws Failure.
   void TakePlace(const struct stat* replaced);
 
  private:
@@ -55,12 +55,12 @@ constexpr const char* kStandardStream = "-";
 /// Throws Failure, naming the path, and Interrupted on Ctrl-C.
 void WriteAll(const File& file, const std::string& path, const Bytes& bytes);
 
-/// Throws Failure for anything but a file of some bytes, and Interrupted on Ctrl-C.
+/// Reads a file of at least one byte. Throws Failure for anything else, and Interrupted on Ctrl-C.
 Bytes ReadFile(const std::string& path);
 
-/// Throws Failure if the file cannot be written, which is so too if the user may not write the one
-/// that is there, and Interrupted on Ctrl-C; then what was there before is still there. The file
-/// appears at once and complete. A device or pipe is written directly.
+/// Writes a file, which appears at once and complete. Throws Failure if it cannot be written, also
+/// if the user may not write an existing file, and Interrupted on Ctrl-C; an existing file is then
+/// unchanged. A device or pipe is written directly.
 void WriteFile(const std::string& path, const Bytes& bytes);
 
 }  // namespace tool

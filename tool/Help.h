@@ -9,11 +9,11 @@
 
 namespace tool {
 
-/// Of lmx and of the plug-in: they are one.
+/// The version of lmx, which is that of the plug-in.
 const char* Version();
-/// What lmx does, to stand after its name.
+/// What lmx does, to follow its name.
 const char* Purpose();
-/// What an argument means, whether it may be left out, and what it is then.
+/// The meaning of an argument, and its default value.
 std::string MeaningOf(const host::Parameter& parameter, const MethodText* method);
 
 void WriteUsage(std::ostream& out);

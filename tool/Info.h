@@ -5,9 +5,9 @@
 
 namespace tool {
 
-/// A line for each file on standard output: its format, the size that it is seen in, whether it is
-/// translucent, how the camera was held, and its bytes; or an object of JSON. Files that cannot be
-/// read are told at the end. Throws Failure for those, UsageError, and Interrupted on Ctrl-C.
+/// Prints a line for each file: format, size as seen, transparency, orientation and bytes; or an
+/// object of JSON. Files that cannot be read are listed at the end. Throws Failure for those,
+/// UsageError, and Interrupted on Ctrl-C.
 void ShowInfo(const CommandLine& line);
 
 }  // namespace tool

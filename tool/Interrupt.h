@@ -1,5 +1,5 @@
-// Signals. The first Ctrl-C is remembered, so that what runs can be left in order; the second ends
-// the process at once, as every other signal does that asks for an end.
+// Signals. The first Ctrl-C is remembered, so that work can end in order. The second one ends the
+// process at once, as does every other signal that asks for an end.
 #pragma once
 
 #include <signal.h>
@@ -8,24 +8,24 @@
 
 namespace tool {
 
-/// From now on. A Ctrl-C that came before, while the signal was held back, counts. A limit to the
-/// size of files is told by the write that goes beyond it.
+/// Starts to watch for signals. A Ctrl-C that came before, while the signal was held back, counts.
+/// A file that exceeds the size limit makes its write fail.
 void WatchSignals();
 bool InterruptRequested();
-/// In a process that has others to end first: every signal that asks for an end is then remembered
-/// as the first Ctrl-C is, and counts as one.
+/// For a process that must end others first: from now on every signal that asks for an end is
+/// remembered like the first Ctrl-C.
 void RememberEnds(bool all);
-/// Which signal it was that is remembered; 0: none.
+/// The remembered signal; 0: none.
 int RememberedEnd();
 /// Ends the process as the signal would have.
 void EndBy(int end);
 /// Throws Interrupted, naming the file that was being read or written.
 void StopIfInterrupted(const std::string& path);
 
-/// The file goes away when a signal ends the process; nil: none does.
+/// The file to remove when a signal ends the process; nil: none.
 void RemoveOnSignal(const char* path);
 
-/// Holds those signals back as long as it lives.
+/// Holds those signals back while it lives.
 class SignalsHeld {
  public:
   SignalsHeld();

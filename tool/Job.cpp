@@ -29,7 +29,7 @@ bool IsFolder(const std::string& path) {
   return EndsInSlash(path) || (!FormatOf(path) && fs::is_directory(path, ignored));
 }
 
-// Another format's name on a file would deceive other programs.
+// A file must not have the extension of another format.
 Format FormatFor(const std::string& output, std::optional<Format> wanted) {
   const std::optional<Format> named = FormatOf(output);
   if (named && wanted && *named != *wanted)
@@ -60,7 +60,7 @@ void CheckOptions(const CommandLine& line, const std::vector<Job>& jobs) {
   if (line.compression && !png) throw UsageError("--compression is for PNG files, and " + first + " is a JPEG");
 }
 
-// The source's own, as far as it is one that is written.
+// The format of the source, if lmx writes it.
 std::string ExtensionFor(const fs::path& source, std::optional<Format> wanted) {
   const std::optional<Format> own = FormatOf(source.string());
   if (wanted && own != wanted) return *wanted == Format::Png ? ".png" : ".jpg";
@@ -86,7 +86,7 @@ std::string OutputFor(const CommandLine& line, const std::optional<std::string>&
   return output;
 }
 
-// Files are the same whatever way leads to them.
+// Compares files, not their names.
 std::string Identity(const std::string& path) {
   std::error_code error;
   const fs::path identity = fs::weakly_canonical(path, error);

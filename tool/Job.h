@@ -1,4 +1,5 @@
-// What is done with each picture of a command line: where it comes from, and where the result goes.
+// The work of a command line on each picture: where it is read from, and where the result is
+// written.
 #pragma once
 
 #include <optional>
@@ -16,18 +17,17 @@ struct Job {
   Encoding encoding;
 };
 
-/// Whether the name stands for as many files as there are pictures: a folder, or a pattern with
-/// `{name}`. A folder is a name that ends in `/`, or that of a folder that exists and does not look
-/// like a picture's.
+/// Whether the name stands for one file for each picture: a folder, or a pattern with `{name}`. A
+/// folder is a name that ends in `/`, or an existing folder whose name is not that of a picture.
 bool NamesSeveral(const std::string& output);
 
 /// How the one picture is written. Throws UsageError for an option that does not suit the file.
 Encoding EncodingOf(const CommandLine& line);
 
-/// One job for each source, in their order, or one without a source. In a folder a picture keeps
-/// its name, with another extension where it gets another format. Throws UsageError for options
-/// that suit no file, for two pictures that would be written to one file, and for one that would be
-/// written over another that is still to be read.
+/// One job for each source, in their order, or one without a source. A result in a folder keeps the
+/// name of its picture, with another extension for another format. Throws UsageError for options
+/// that suit no file, for two results with one name, and for a result that would replace a picture
+/// before it is read.
 std::vector<Job> MakeJobs(const CommandLine& line, const std::vector<std::string>& sources);
 
 /// Makes the folder that the name ends in, if it is missing. Throws Failure.

@@ -15,9 +15,9 @@ class JpegScanner {
  public:
   explicit JpegScanner(const std::vector<unsigned char>& bytes) : bytes_(bytes) {}
 
-  // While one segment follows the other, what programs have put into theirs is skipped: it can look
-  // like anything. Where that ends, with the first scan or because the file is no longer what it
-  // should be, a decoder may find tables at any place that looks like one.
+  // Data of programs may look like anything, so it is skipped as long as segments follow one
+  // another. After the first scan, or where the file is damaged, a decoder may take any bytes for a
+  // table.
   bool AllFit() const {
     std::size_t at = kStartOfImage;
     while (At(at) == kFill && IsSegment(At(at + 1))) {
@@ -36,7 +36,7 @@ class JpegScanner {
     return marker >= 0xC0 && marker <= kComment && marker != kStartOfScan && !standalone;
   }
 
-  // Zeros after the end, as the decoder has it.
+  // Zeros after the end, as in the decoder.
   unsigned At(std::size_t index) const { return index < bytes_.size() ? bytes_[index] : 0; }
   unsigned Word(std::size_t index) const { return At(index) << 8 | At(index + 1); }
 

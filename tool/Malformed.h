@@ -1,12 +1,11 @@
-// What is looked for in a JPEG before it is given to the decoder that is built in: claims that this
-// one believes, and that would make it write outside its memory.
+// Rejects JPEG files that would make the decoder write out of bounds.
 #pragma once
 
 #include <vector>
 
 namespace tool {
 
-/// Whether every Huffman table that a decoder may meet in a JPEG has at most 256 codes.
+/// Whether every Huffman table that a decoder may read has at most 256 codes.
 bool HuffmanTablesFit(const std::vector<unsigned char>& jpeg);
 
 }  // namespace tool

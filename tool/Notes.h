@@ -1,4 +1,4 @@
-// What users should know about a call that went well.
+// Hints about a call that succeeded.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@
 
 namespace tool {
 
-/// A sentence each: numbers that the user gave and that count as others, and sums that were too
-/// large for the method.
+/// One sentence for each number that counts as another one, and for sums that were too large for
+/// the method.
 std::vector<std::string> NotesOn(const Step& step, const std::vector<host::Value>& arguments,
                                  const host::Picture& picture);
 
-/// What a failure may come from: the numbers that the user gave and the method does not take, each
-/// with what it takes.
+/// What may have caused a failure: each given number that the method does not take, and the range
+/// that it takes.
 std::string OutOfRange(const Step& step);
 
 }  // namespace tool

@@ -1,5 +1,5 @@
-// The options of lmx. The command line, the help, the manual page and the completions read this
-// table, and nothing else knows an option.
+// The options of lmx: the only list of them. Command line, help, manual page and completions read
+// this table.
 #pragma once
 
 #include <string>
@@ -13,10 +13,10 @@ namespace tool {
 struct Option {
   const char* letter = "";         ///< the short form with its dash; empty: none
   const char* name = "";           ///< with its dashes
-  const char* value = nullptr;     ///< what stands for the value in texts, FILE if it is a path; nil: takes none
-  std::vector<const char*> words;  ///< the values, where they are few; otherwise empty
+  const char* value = nullptr;     ///< the name of the value in texts, FILE for a path; nil: no value
+  std::vector<const char*> words;  ///< all values, if they are few; otherwise empty
   std::string meaning;
-  /// Takes the value, empty without one, into the command line; `name` is as it was typed. Throws
+  /// Puts the value, or an empty one, into the command line; `name` is as it was typed. Throws
   /// UsageError.
   void (*apply)(CommandLine& line, const std::string& name, const std::string& value) = nullptr;
 

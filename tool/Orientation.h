@@ -1,4 +1,4 @@
-// How a camera was held: what EXIF data in a picture file say about the way up.
+// The orientation of a picture, from the EXIF data of its file.
 #pragma once
 
 #include <vector>
@@ -13,7 +13,7 @@ namespace tool {
 ///   7 mirrored at the rising diagonal, 8 to be turned counter-clockwise
 constexpr int kUpright = 1, kMostOrientations = 8;
 
-/// Of a PNG or JPEG file; upright if it does not say so in a way that can be understood.
+/// Reads it from a PNG or JPEG file; upright if the file does not say it clearly.
 int OrientationOf(const std::vector<unsigned char>& file);
 
 /// The picture as it was seen.

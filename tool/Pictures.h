@@ -1,5 +1,5 @@
-// The command line that calls methods: reads the pictures, runs the plan on each, writes them and
-// tells about it.
+// A command line that calls methods: reads the pictures, runs the plan on each, writes the results
+// and reports.
 #pragma once
 
 #include "CommandLine.h"

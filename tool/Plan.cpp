@@ -66,7 +66,7 @@ Step MakeStep(const host::Method& method, const StepWords& words) {
   return step;
 }
 
-// The pictures of the first step come from files, that of any other from the step before it.
+// The picture of the first step comes from a file, and that of any other from the step before.
 void CheckOperands(const host::Method& method, const StepWords& words, bool first, bool havePicture, bool several) {
   const bool wanted = TakesPicture(method);
   if (!wanted && !first) {
@@ -89,7 +89,7 @@ bool HasResults(const host::Method& method) {
                      [](const host::Parameter& parameter) { return parameter.byRef; });
 }
 
-// A chain that ends in a measurement has told what it was for.
+// A chain that ends in a measurement needs no file: its numbers are the result.
 void CheckOutput(const CommandLine& line, const Plan& plan, bool havePicture, bool newPixels) {
   if (newPixels && !line.output && !HasResults(*plan.steps.back().method))
     throw UsageError(plan.sources.size() > 1 ? "where shall the pictures go? Give a folder: -o results/"

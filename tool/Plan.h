@@ -1,5 +1,4 @@
-// What a command line makes the plug-in do, checked against the declarations before anything
-// happens.
+// The calls that a command line asks for, checked against the declarations before anything happens.
 #pragma once
 
 #include <optional>
@@ -27,8 +26,7 @@ struct Plan {
 
 bool TakesPicture(const host::Method& method);
 bool IsPicture(const host::Parameter& parameter);
-/// Whether the method is called for what it does to its picture: it neither returns nor stores
-/// anything.
+/// Whether the method changes its picture, and neither returns nor stores anything.
 bool ChangesPicture(const host::Method& method);
 
 /// Without LMX_, as users may write it.
@@ -37,11 +35,10 @@ std::string ShortName(const std::string& method);
 /// A sentence about a method that does not exist.
 std::string NoMethod(const host::Host& plugin, const std::string& name);
 
-/// Throws UsageError, naming the word and showing the declaration, for anything that does not fit.
+/// Throws UsageError for anything that does not fit; it names the word and shows the declaration.
 Plan MakePlan(const host::Host& plugin, const CommandLine& line);
 
-/// The step's arguments in their order, with the picture, and with what its documentation says for
-/// those left out.
+/// The step's arguments in their order, with the picture and the default values.
 std::vector<host::Value> CompleteArguments(const Step& step, const host::Picture& picture, std::int32_t yield);
 
 }  // namespace tool

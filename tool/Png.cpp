@@ -17,7 +17,7 @@ void AppendNumber(Bytes& bytes, std::uint32_t number) {
   for (const int shift : {24, 16, 8, 0}) bytes.push_back(static_cast<unsigned char>(number >> shift));
 }
 
-// A chunk's length is known when it ends.
+// The length of a chunk is known when it ends.
 void AppendChunk(Bytes& file, const char* type, const unsigned char* data, std::size_t size) {
   AppendNumber(file, static_cast<std::uint32_t>(size));
   const std::size_t start = file.size();
@@ -97,8 +97,8 @@ int Paeth(int left, int above, int corner) {
   return toLeft <= toAbove && toLeft <= toCorner ? left : other;
 }
 
-// Writes the filtered row and returns the sum of its differences, which says well enough how it
-// will compress. There are kMargin zeros before the rows.
+// Writes the filtered row, and returns the sum of its differences, an estimate of its compressed
+// size. There are kMargin zeros before the rows.
 constexpr std::size_t kMargin = 4;
 
 template <Foretell foretell, std::size_t channels>

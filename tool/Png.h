@@ -8,8 +8,8 @@
 
 namespace tool {
 
-/// Without alpha where every pixel is opaque. `tick` gets how many rows of how many are done, once
-/// a row, and may leave by an exception.
+/// Writes alpha only if a pixel is not opaque. Calls `tick` once a row with the rows done and all
+/// rows; it may throw.
 std::vector<unsigned char> EncodePng(const Image& image, int compression, const std::function<void(int, int)>& tick);
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// What the bytes of a PNG's row mean: samples of 1 to 16 bits, with a palette or without.
+// Converts rows of a PNG to pixels: samples of 1 to 16 bits, with or without a palette.
 #pragma once
 
 #include <array>
@@ -18,10 +18,10 @@ std::size_t Channels(const PngHeader& header);
 /// In bytes.
 std::size_t RowSize(const PngHeader& header, std::size_t width);
 
-/// What stands before the pixels, and makes colours of them.
+/// The palette and the clear colour, which make colours of samples.
 class Colours {
  public:
-  /// The header is kept by reference, and is one that is known.
+  /// Keeps a reference to the header, which must be of a known kind.
   explicit Colours(const PngHeader& header) : header_(header) { palette_.fill(0xFF000000); }
 
   /// False for a size that cannot be.

@@ -49,7 +49,7 @@ class ChunkWalk {
 
   bool Is(const char* type) const { return std::equal(type, type + 4, data_ - 4); }
   std::string Type() const { return std::string(data_ - 4, data_); }
-  // Of those that are needed to show the picture.
+  // Whether the picture cannot be shown without this chunk.
   bool IsCritical() const { return data_[-4] >= 'A' && data_[-4] <= 'Z'; }
   const unsigned char* Data() const { return data_; }
   std::size_t Length() const { return length_; }
@@ -65,7 +65,7 @@ class ChunkWalk {
   std::size_t length_ = 0;
 };
 
-// Whether the chunk is as its checksum says, and one that lmx knows if the picture depends on it.
+// Whether the chunk's checksum is right, and lmx knows the chunk if the picture depends on it.
 void CheckChunk(const std::string& path, const ChunkWalk& walk) {
   const bool isKnown = walk.Is("IHDR") || walk.Is("PLTE") || walk.Is("IDAT") || walk.Is("IEND");
   if (!walk.IsCritical() && !walk.Is("tRNS")) return;
@@ -73,7 +73,7 @@ void CheckChunk(const std::string& path, const ChunkWalk& walk) {
   if (!isKnown && walk.IsCritical()) Fail(path, "it has a part " + walk.Type() + ", which is unknown");
 }
 
-// Takes the chunks of pixels as one stream, and gives what was packed into it.
+// Unpacks the chunks of pixels as one stream.
 class Inflater {
  public:
   Inflater(const std::string& path, ChunkWalk& walk) : path_(path), walk_(walk) {
@@ -88,7 +88,7 @@ class Inflater {
     if (ReadSome(to, size) != size) Fail(path_, "its pixels end too early");
   }
 
-  // There may be a little more than the pixels need. The checksum stands at the end.
+  // The stream may hold some bytes more than the pixels need. Its checksum is at the end.
   void Finish() {
     Bytes rest(std::size_t{1} << 16);
     if (ReadSome(rest.data(), rest.size()) == rest.size()) Fail(path_, "it has more data than its pixels need");
@@ -112,7 +112,7 @@ class Inflater {
     return size - stream_.avail_out;
   }
 
-  // What else stands between chunks of pixels, or after them, is passed over.
+  // Skips other chunks between those of pixels, and after them.
   bool NextChunk() {
     while (!walk_.Is("IEND") && walk_.Next()) {
       CheckChunk(path_, walk_);
@@ -135,8 +135,8 @@ class Inflater {
   bool ended_ = false;
 };
 
-// Adds to each byte what its neighbours foretell: the byte of the same channel to the left, the one
-// above, and the one above to the left. `row` and `above` have kMargin zeros before them.
+// Adds to each byte the prediction from its neighbours: the byte of the same channel to the left,
+// the one above, and the one above left. `row` and `above` have kMargin zeros before them.
 constexpr std::size_t kMargin = 8;
 
 int Paeth(int left, int above, int corner) {

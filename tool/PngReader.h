@@ -1,4 +1,4 @@
-// PNG files, unpacked by zlib: every kind of pixel, interlaced or not.
+// Reads PNG files with zlib: every kind of pixel, interlaced or not.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@ namespace tool {
 
 bool IsPng(const std::vector<unsigned char>& file);
 
-/// What the file is before its pixels are looked at.
+/// What the file says before its pixels.
 struct PngHeader {
   std::int64_t width = 0, height = 0;
   unsigned depth = 0;  ///< bits of a sample
@@ -19,12 +19,12 @@ struct PngHeader {
   bool interlaced = false;
 };
 
-/// Throws Failure, naming the path, for a file whose parts do not lie within it.
+/// Throws Failure, naming the path, for a file whose chunks do not fit in it.
 PngHeader HeaderOfPng(const std::string& path, const std::vector<unsigned char>& file);
 
-/// Samples of 16 bits lose their lower half. Throws Failure for a file that is not whole, or whose
-/// checksums are wrong: those of the pixels and of all parts that the picture depends on. `tick`
-/// gets how many rows of how many are done, once a row, and may leave by an exception.
+/// Samples of 16 bits lose their lower half. Throws Failure for an incomplete file, and for a wrong
+/// checksum of the pixels or of a chunk that the picture depends on. Calls `tick` once a row with
+/// the rows done and all rows; it may throw.
 Image DecodePng(const std::string& path, const std::vector<unsigned char>& file,
                 const std::function<void(int, int)>& tick);
 

@@ -1,4 +1,4 @@
-// What a terminal shows while something takes long, one line that goes away again.
+// One line on a terminal that shows progress, and disappears at the end.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,8 @@
 
 namespace tool {
 
-/// Silent unless standard error is a terminal, and in a process that HideProgress() was called in.
+/// Shows nothing unless standard error is a terminal, and nothing after HideProgress() in this
+/// process.
 class StatusLine {
  public:
   StatusLine();
@@ -16,12 +17,12 @@ class StatusLine {
   StatusLine(const StatusLine&) = delete;
   StatusLine& operator=(const StatusLine&) = delete;
 
-  /// Whether anybody would see it.
+  /// Whether it is visible.
   static bool IsShown();
-  /// Whether Show() would write: not so shortly after the last time.
+  /// Whether Show() would write: it waits a moment after each time.
   bool IsDue() const;
   void Show(const std::string& text);
-  /// Makes room for other lines.
+  /// Clears the line, for other output.
   void Erase();
 
  private:
@@ -38,12 +39,12 @@ void HideProgress();
 /// One call of a method.
 class Progress {
  public:
-  /// The pixels between two yields if the user asked for none: a few milliseconds of work.
+  /// Pixels between two yields if the user gave none: a few milliseconds of work.
   static constexpr std::int32_t kYield = 1 << 20;
 
   Progress(std::string method, std::int32_t yield);
 
-  /// The method yielded: it did at least as many pixels since the last time as it was told.
+  /// The method yielded: it made at least the given number of pixels since the last time.
   void Yielded();
 
  private:
@@ -56,16 +57,16 @@ class Progress {
   Clock::time_point start_ = Clock::now();
 };
 
-/// A picture on its way from or to a file. A small one is on it too shortly to be shown or stopped.
+/// A picture that is read or written. A small one takes too little time to be shown or stopped.
 class FileProgress {
  public:
-  /// So many pixels are a large picture.
+  /// From this number of pixels on a picture is large.
   static constexpr std::int64_t kLarge = std::int64_t{4} << 20;
 
   FileProgress(const char* doing, std::string path, std::int64_t pixels);
 
-  /// So much of all is done, or so many bytes of a number that is not known. Throws Interrupted on
-  /// Ctrl-C, naming the file.
+  /// The part that is done, of all; or bytes, if all is not known. Throws Interrupted on Ctrl-C,
+  /// naming the file.
   void Reached(std::int64_t done, std::int64_t all);
   void Reached(std::int64_t bytes);
 

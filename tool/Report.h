@@ -1,4 +1,4 @@
-// What lmx tells about a call: lines for people, one JSON object for scripts.
+// The report of a call: lines for people, one JSON object for scripts.
 #pragma once
 
 #include <cstdint>

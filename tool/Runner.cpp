@@ -31,7 +31,7 @@ void AddResults(CallReport& report, const host::Method& method, const host::Outc
   }
 }
 
-// The arguments for a call that does not count: a picture that it would change is a copy.
+// The arguments of a call that does not count: it gets a copy of a picture that it would change.
 std::vector<host::Value> ArgumentsToWaste(const host::Method& method, std::vector<host::Value> arguments) {
   if (!ChangesPicture(method)) return arguments;
   for (host::Value& argument : arguments) {

@@ -12,17 +12,16 @@ namespace tool {
 
 class Runner {
  public:
-  /// `yield` is for the steps that have none of their own. Each method is called `repeat` times,
-  /// and the last call counts. `tell` hears of every call that counts, also of one that failed.
+  /// `yield` is for steps without their own. Each method is called `repeat` times, and the last
+  /// call counts. `tell` gets every call that counts, also a failed one.
   Runner(host::Host& plugin, std::optional<std::int32_t> yield, std::int32_t repeat,
          std::function<void(const CallReport&)> tell);
   ~Runner();
   Runner(const Runner&) = delete;
   Runner& operator=(const Runner&) = delete;
 
-  /// Returns the picture that the last step leaves: its result, or its own picture. Throws Failure
-  /// with the plug-in's message when a method fails, and Interrupted on Ctrl-C, at the next yield
-  /// of the method.
+  /// Returns the result of the last step, or its own picture. Throws Failure with the plug-in's
+  /// message when a method fails, and Interrupted on Ctrl-C, at the next yield.
   host::Picture Run(const Plan& plan, host::Picture picture);
 
  private:

@@ -1,16 +1,16 @@
-// The code of stb_image and stb_image_write, with allocators that know what their callers can bear.
-// lmx uses it for JPEG; PNG is for the tests, which read and write it by other code than lmx does.
+// The code of stb_image and stb_image_write, with allocators for each. lmx uses them for JPEG. The
+// tests use them for PNG, which lmx reads and writes by its own code.
 #include <cstdlib>
 #include <new>
 #include <set>
 
 namespace {
 
-// What the reader has not given back. It may be left by an exception, which it knows nothing of.
+// The reader's blocks that are not freed yet: an exception may leave it.
 std::set<void*> blocks;
 
-// The reader copes without memory. Pixels that a damaged file lacks stay as they were allocated: 0,
-// and nothing that the process has used before.
+// The reader handles a lack of memory. Pixels that a damaged file lacks stay as they were
+// allocated: 0, and not old data of the process.
 void* Allocate(std::size_t size) {
   void* const block = std::calloc(1, size);
   if (block != nullptr) blocks.insert(block);
@@ -30,7 +30,7 @@ void* Grow(void* block, std::size_t size) {
   return grown;
 }
 
-// The writer does not: it is left by an exception.
+// The writer does not handle it, so the allocator throws.
 void* ReallocateOrThrow(void* block, std::size_t size) {
   void* const grown = std::realloc(block, size);
   if (grown == nullptr) throw std::bad_alloc();

@@ -1,4 +1,4 @@
-// stb_image and stb_image_write, as far as they are built in.
+// The parts of stb_image and stb_image_write that lmx uses.
 #pragma once
 
 #define STBI_NO_STDIO
@@ -6,5 +6,5 @@
 #include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
 
-/// What the reader has allocated and not given back, after an exception has ended it.
+/// Frees what the reader has allocated, after an exception has left it.
 void FreeStbBlocks();

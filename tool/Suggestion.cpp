@@ -14,7 +14,7 @@ std::string Lower(std::string text) {
   return text;
 }
 
-// How many characters to insert, to leave out or to replace make one of the other.
+// How many characters must be inserted, removed or replaced to turn one text into the other.
 std::size_t Distance(const std::string& a, const std::string& b) {
   std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {

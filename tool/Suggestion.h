@@ -6,8 +6,8 @@
 
 namespace tool {
 
-/// A question about the name that is nearest to what was typed, to follow a sentence; empty if none
-/// is near.
+/// A question about the name closest to what was typed, to follow a sentence; empty if none is
+/// close.
 std::string Suggestion(const std::string& typed, const std::vector<std::string>& names);
 
 }  // namespace tool

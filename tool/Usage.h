@@ -1,5 +1,5 @@
-// What lmx tells of itself beside its options: the help and the manual page print these, and the
-// commands are completed and suggested.
+// Usage texts besides the options. Help and manual page print them; commands are completed and
+// suggested from them.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ struct Command {
 /// In the order of the help.
 const std::vector<Command>& Commands();
 
-/// What holds for all pictures and arguments; in `backticks` what is typed.
+/// What holds for all pictures and arguments. Text to type is in `backticks`.
 const std::vector<std::string>& Paragraphs();
 
 struct ExitStatus {

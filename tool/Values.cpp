@@ -53,7 +53,7 @@ std::string EightDigits(std::uint32_t number) {
   return buffer.data();
 }
 
-// The web has alpha in the last two digits of eight, the host its opposite.
+// On the web the last two of eight digits are alpha; for the host they are the transparency.
 [[noreturn]] void AskForTransparency(const std::string& text, std::uint32_t digits) {
   const std::string end = text.substr(7);
   throw UsageError("`" + text + "` has two meanings: write &c" + EightDigits(digits) + " if " + end +

@@ -9,12 +9,12 @@
 
 namespace tool {
 
-/// Reads a value strictly: nothing before it and nothing behind it.
+/// Reads a value strictly: nothing may stand before or after it.
 ///   integer  -2147483648 to 2147483647
 ///   double   1, -0.5, 1e3, inf, nan
 ///   boolean  true, false, yes, no, 1, 0
 ///   color    #rrggbb, #rgb, &cRRGGBB, &cRRGGBBTT, &hTTRRGGBB; TT is the transparency, 00 opaque
-///            and ff clear. #rrggbbxx is refused: the web means alpha by it
+///            and ff clear. #rrggbbxx is refused: on the web its last digits are alpha
 /// Upper and lower case are the same. Throws UsageError saying what is expected.
 host::Value ParseValue(host::Type type, const std::string& text);
 
