@@ -1,14 +1,14 @@
 // The host's services as plain functions.
 //
-// Each function finds its service on first use, keeps the address, and forwards the call. A service
-// that the host lacks is asked for again on every call, and until it is there the call does nothing
-// and gives nil or 0.
+// Each function finds its service on first use, keeps the address, and forwards the call. A missing
+// service is asked for again on every call; until it is there the call does nothing and gives nil
+// or 0.
 #pragma once
 
 #include "HostInterface.h"
 
-// A host may call with a stack that is aligned to 4 bytes only, where the 32-bit ABI of our
-// compilers promises 16. Every function whose address the host gets carries this word.
+// A host may call with a stack that is aligned to 4 bytes only, where our 32-bit compilers expect
+// 16. Every function whose address the host gets is marked with this.
 #if defined(__i386__)
 #define LMX_HOST_CALLABLE __attribute__((force_align_arg_pointer))
 #else
@@ -35,14 +35,14 @@ void REALUnlockPictureDescription(REALpictureStruct* picture);
 /// The host's version, for example 2011.04; 0 when the host does not tell.
 double REALGetRBVersion();
 
-/// Lets the host handle events. May leave by an exception of the host's.
+/// Lets the host handle events. An exception of the host may pass.
 void REALYieldToRB();
 
 /// The host's class of that name, or nil.
 REALclassRefStruct* REALGetClassRef(const char* name);
 
-/// A new object of the class with one reference, which the caller owns, and no constructor run yet;
-/// or nil. A nil class gives nil and the host is not asked.
+/// A new object of the class, without its constructor run, or nil. The caller owns its one
+/// reference. A nil class gives nil; the host is not asked.
 REALobjectStruct* REALnewInstance(REALclassRefStruct* classRef);
 
 /// Makes the module's methods available to host programs. The record must stay where it is.

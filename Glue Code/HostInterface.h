@@ -1,10 +1,10 @@
 // The binary contract between the plug-in and the host.
 //
-// The host loads the library, calls its one exported function with a resolver, and from then on
-// calls the methods through the addresses in the registered module record. The plug-in reaches
-// every service of the host by name, through that resolver. This header is all that the two sides
-// share: types, layouts, signatures, and who owns what until when. Entry names are written out by
-// each side itself, so that a wrong one shows.
+// The host loads the library and calls its one exported function with a resolver. From then on it
+// calls the methods through the addresses in the registered module record. The plug-in finds every
+// service of the host by name, through the resolver. This header is all that the two sides share:
+// types, layouts, signatures, and who owns what until when. Each side writes out the entry names
+// itself, so that a wrong one shows.
 //
 // On the product's ABI (32-bit x86) every record below is a sequence of 32-bit words; on a 64-bit
 // ABI the module and method records are the natural structs of the same members.
@@ -13,17 +13,16 @@
 #include <cstddef>
 #include <cstdint>
 
-// -------------------------------------------------------------------------------------------------
-// Objects of the host. The plug-in never looks inside; a nil handle is a legal argument of every
-// method.
+// Objects of the host. The plug-in never looks inside them. A nil handle is a legal argument of
+// every method.
 
 struct REALobjectStruct;    // any host object
-struct REALpictureStruct;   // a picture; the same address seen as a REALobjectStruct is the object that it is
+struct REALpictureStruct;   // a picture; its address is also that of its REALobjectStruct
 struct REALstringStruct;    // a text
 struct REALclassRefStruct;  // a class, as "pluginObjectType" gives it
 
-// A `boolean` argument. Only its lowest byte counts: 0 is false, 1 is true, and what else a program
-// may have left there is up to the method.
+// A `boolean` argument. Only its lowest byte counts: 0 is false, 1 is true. Each method says what
+// another byte means.
 using REALboolean = std::uint32_t;
 
 // A `color` value: red in bits 16-23, green in 8-15, blue in 0-7, transparency in 24-31 (0 is
@@ -33,8 +32,8 @@ using REALcolor = std::uint32_t;
 // -------------------------------------------------------------------------------------------------
 // A picture's pixels, valid from "lockPictureDescription" until "unlockPictureDescription".
 
-/// What the host tells about a locked picture. Rationale: the host fills as much of it as its own
-/// version knows. Only two members are ours; the rest is room.
+/// What the host tells about a locked picture. Rationale: the host fills as much of it as its
+/// version knows. Only two members are for us; the rest is space for the host.
 struct REALpictureDescription {
   std::uint32_t pictureType;  ///< one of the types below; any other is not usable
   void* pictureData;          ///< what the type says; may be nil
@@ -63,7 +62,7 @@ static_assert(offsetof(REALpictureBuffer, width) == 4);
 static_assert(offsetof(REALpictureBuffer, height) == 8);
 static_assert(offsetof(REALpictureBuffer, rowTable) == 7228);
 
-// The bitmap context behind a picture of type 8 is read with these five functions of CoreGraphics.
+// The bitmap context of a picture of type 8 is read with these five functions of CoreGraphics.
 // On macOS the framework brings them; elsewhere the host process exports them under these names,
 // with C linkage:
 //
@@ -120,10 +119,8 @@ constexpr std::uint32_t kMethodFlags = 0x14;
 // The result of a method that is declared "as picture" or "as string" carries one reference, which
 // the caller owns.
 
-// -------------------------------------------------------------------------------------------------
-// Services of the host, by the name under which the resolver knows them. The resolver may answer
-// nil for any of them (an older host): the plug-in then does without, as if the service had
-// refused.
+// Services of the host, by the names that the resolver knows. The resolver may answer nil for any
+// of them (an older host). The plug-in then does without, as if the service had refused.
 
 /// Maps a service's name to its address, or to nil. Given to REALPluginMain and valid for the life
 /// of the process.
@@ -165,6 +162,6 @@ using HostLockPictureDescription = void(REALpictureStruct* picture, REALpictureD
 using HostUnlockPictureDescription = void(REALpictureStruct* picture);
 
 // "REALYieldToRB": lets the host handle events for a moment. Program code may run meanwhile, and
-// may call methods of this module again; it may also leave by an exception, which passes through
-// the method that yielded.
+// may call methods of this module. It may end in an exception, which passes through the method that
+// yielded.
 using HostYield = void();

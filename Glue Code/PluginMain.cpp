@@ -9,16 +9,15 @@ REALResolver gResolver = nullptr;
 
 namespace {
 
-// Whether the service is there; `slot` keeps its address from the first time that the host knows
-// the name.
+// Whether the host has the service; `slot` keeps its address once it is found.
 template <class Service>
 bool Find(Service*& slot, const char* entryName) {
   if (!slot) slot = reinterpret_cast<Service*>(gResolver(entryName));
   return slot != nullptr;
 }
 
-// Rationale: the text is fixed to the letter, line number included, so that whoever reads reports
-// of crashes knows the case by it. It does not move with the sources.
+// Rationale: the text is fixed to the letter, line number 1922 included. People who read crash
+// reports know the case by it, so it does not follow the sources.
 [[noreturn]] void StopLoadedTwice() {
   std::fprintf(stderr, "Assertion failed: (%s), function %s, file %s, line %d.\n",
                "!gResolver && \"Plugin loaded twice?\"", "REALPluginMain", "Glue Code/PluginMain", 1922);
@@ -83,8 +82,8 @@ void REALMessageBox(REALstringStruct* text) {
   if (Find(service, "RuntimeMsgBox")) service(text);
 }
 
-/// Called once by the host. A second call is a host that loaded the library twice into one process,
-/// which stops it.
+/// Called once by the host. A second call means that the host loaded the library twice into one
+/// process; it ends the process.
 extern "C" __attribute__((visibility("default"))) LMX_HOST_CALLABLE void REALPluginMain(REALResolver resolver) {
   if (gResolver) StopLoadedTwice();
   gResolver = resolver;
