@@ -1,5 +1,5 @@
-// A batch: all pictures of a folder, wide ones turned upright, and all of them made smaller. One
-// that fails does not stop the others.
+// A batch: turns wide pictures of a folder upright, and makes all of them smaller. A picture that
+// fails does not stop the others.
 
 Sub MakeAllSmaller(folder As FolderItem, results As FolderItem)
   Dim done As Integer = 0
@@ -15,7 +15,7 @@ Sub MakeAllSmaller(folder As FolderItem, results As FolderItem)
   MsgBox Str(done) + " pictures. " + failures
 End Sub
 
-// Nothing, or what went wrong.
+// An empty text, or the error.
 Function MakeSmaller(file As FolderItem, results As FolderItem) As String
   Dim name As String = file.Name
   Dim photo As Picture = Picture.Open(file)

@@ -1,7 +1,7 @@
 // Colours: warmer, brighter, another hue, grey, a highlighted part.
 //
-// A selection includes its far ends, so that 0, 0, Width - 1, Height - 1 is a whole picture; a
-// larger one is cut.
+// A selection includes its far ends: 0, 0, Width - 1, Height - 1 is a whole picture. A larger one
+// is cut.
 
 Function Warmer(photo As Picture) As Picture
   Return photo.LMX_AdjustRGB(0, 0, photo.Width - 1, photo.Height - 1, 20, 5, -20, 100000)
@@ -16,8 +16,8 @@ Function RecolouredBy(photo As Picture, degrees As Double) As Picture
   Return photo.LMX_AdjustHSV(0, 0, photo.Width - 1, photo.Height - 1, degrees, 1, 1, False, 100000)
 End Function
 
-// As bright as the green is, which is most of what eyes take for brightness: the saturation 0 keeps
-// the largest colour of a pixel, so that the others are taken away first.
+// Eyes see brightness mostly in green. A saturation of 0 keeps the largest channel of a pixel, so
+// red and blue are taken away first.
 Function Grey(photo As Picture) As Picture
   Dim result As Picture = photo.LMX_AdjustRGB(0, 0, photo.Width - 1, photo.Height - 1, -255, 0, -255, 100000)
   If result = Nil Then Return Nil

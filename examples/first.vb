@@ -1,7 +1,7 @@
 // A first program: is the plug-in there, a call, a test for nil, the message.
 //
-// Of the host's: GetFolderItem, Picture.Open, Save and MsgBox. All that begins with LMX_ is the
-// plug-in's.
+// GetFolderItem, Picture.Open, Save and MsgBox belong to the host. All names that begin with LMX_
+// belong to the plug-in.
 
 Sub Main()
   // The plug-in is there if its first message comes back.
@@ -21,7 +21,7 @@ Sub Main()
   turned.Save(GetFolderItem("turned.png"), Picture.SaveAsPNG)
 End Sub
 
-// What to tell the user. Rotations and shears return nil without an error where a picture cannot be
+// The message for the user. Rotations and shears return nil without an error if a picture cannot be
 // made.
 Function Reason(code As Integer) As String
   If code = 0 Then Return "There is not enough memory."

@@ -10,14 +10,14 @@ Function Sunset(width As Integer, height As Integer) As Picture
   Return picture1
 End Function
 
-// From left to right: one from top to bottom, turned back by a quarter.
+// From left to right: a gradient from top to bottom, turned back by a quarter.
 Function FadeToTheRight(width As Integer, height As Integer) As Picture
   Dim upright As Picture = LMX_MakeGradient(height, width, &c202020, &c808080, 0)
   If upright = Nil Then Return Nil
   Return upright.LMX_FlipRotate(False, False, 270, 0)
 End Function
 
-// A shadow: black that becomes clear. The first two digits after &h are the transparency, FF is
+// A shadow: black that becomes clear. The first two digits after &h are the transparency; FF is
 // clear.
 Function Shadow(width As Integer, height As Integer) As Picture
   Return LMX_MakeGradient(width, height, &h80000000, &hFF000000, 0)

@@ -1,6 +1,6 @@
 // Measuring: the mean colour of a part and of a picture of any size.
 
-// The colour at a place, as the mean of the square of 5 x 5 pixels around it.
+// The colour at a place: the mean of 5 x 5 pixels around it.
 Function ColourAt(photo As Picture, x As Integer, y As Integer) As Color
   Dim red, green, blue As Integer
   photo.LMX_GetAverageRGB(x - 2, y - 2, 4, 4, red, green, blue, 0)
@@ -8,8 +8,8 @@ Function ColourAt(photo As Picture, x As Integer, y As Integer) As Color
   Return RGB(red, green, blue)
 End Function
 
-// How bright a picture is, 0 to 1. The sums of a call hold 8,421,504 pixels of the value 255: a
-// large picture is measured in bands of rows, and a band counts by its rows.
+// The brightness of a picture, 0 to 1. The sums of a call hold 8,421,504 pixels of value 255. So a
+// large picture is measured in bands of rows, each weighted by its rows.
 Function Brightness(photo As Picture) As Double
   Dim hue, saturation, brightness As Double
   Dim total As Double = 0
@@ -23,7 +23,7 @@ Function Brightness(photo As Picture) As Double
   Return total / photo.Height
 End Function
 
-// The hue of the mean colour, or -1 where it is a grey.
+// The hue of the mean colour, or -1 for a grey.
 Function MeanHue(photo As Picture) As Double
   Dim hue, saturation, brightness As Double
   Dim small As Picture = photo.LMX_Stretch(64, 64, 100000)

@@ -1,8 +1,8 @@
-// Long work that leaves the windows alive, shows how far it is, and can be cancelled.
+// Long work that keeps the windows alive, shows its progress, and can be cancelled.
 //
-// With a `yield` above 0 a method lets the host handle events every so many pixels. The events of
-// your windows run inside the call then: keep them from starting the same work again, and from
-// calling methods, which would set the error code anew.
+// With a `yield` above 0 a method lets the host handle events after that many pixels. The events of
+// your windows then run inside the call. Do not start the same work again in them, and call no
+// methods: that would change the error code.
 
 Property Working As Boolean
 Property Cancelled As Boolean
@@ -12,7 +12,7 @@ Sub CancelPressed()
   Cancelled = True
 End Sub
 
-// One call. The windows are alive, and the button is seen when the call has ended.
+// One call. The windows are alive; the flag of the button is tested after the call.
 Function Turned(photo As Picture, degrees As Double) As Picture
   If Working Then Return Nil
   Working = True
@@ -25,8 +25,8 @@ Function Turned(photo As Picture, degrees As Double) As Picture
   Return result
 End Function
 
-// In bands, each a call, so that there is a moment for the bar and for the button. Rows outside the
-// selection are not touched, so that the bands together do what one call would do.
+// In bands of rows, one call for each. Between two calls the progress bar and the flag are handled.
+// Rows outside the selection are not touched, so the bands do what one call would do.
 Function MakeWarmer(photo As Picture, bar As ProgressBar) As Boolean
   If Working Then Return False
   Working = True
@@ -35,8 +35,8 @@ Function MakeWarmer(photo As Picture, bar As ProgressBar) As Boolean
   Dim rows As Integer = 64
   bar.Maximum = photo.Height
   For top As Integer = 0 To photo.Height - 1 Step rows
-    // A selection includes its far ends: this one has photo.Width columns and 64 rows, at the
-    // bottom what is left.
+    // A selection includes its far ends: this one has photo.Width columns and 64 rows, or fewer at
+    // the bottom.
     photo.LMX_AdjustRGB_InPlace(0, top, photo.Width - 1, rows - 1, 20, 5, -20, 100000)
     code = LMX_GetLastError()
     If code <> 0 Or Cancelled Then Exit

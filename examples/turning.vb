@@ -8,14 +8,14 @@ Function MirrorImage(photo As Picture) As Picture
   Return photo.LMX_FlipRotate(True, False, 0, 100000)
 End Function
 
-// Clear around the picture, with edges that become clear and dark: for dark backgrounds.
+// Clear around the picture, with edges that fade into clear black: for dark backgrounds.
 Function Tilted(photo As Picture, degrees As Double) As Picture
   Return photo.LMX_FreeRotateByShear(degrees, &hFF000000, 100000)
 End Function
 
-// By -45 to 45 degrees on white, with smooth edges and without dark fringes: the three shears that
-// a rotation is made of, with a frame of their own. Its transparency of 1, which nobody sees, has
-// the edges blended with it.
+// By -45 to 45 degrees on white, with smooth edges and no dark fringes: the three shears of a
+// rotation, with their own frame. With a transparency of 1, which is invisible, the edges are
+// blended with its colour.
 Function TiltedOnWhite(photo As Picture, degrees As Double) As Picture
   Dim angle As Double = degrees * 3.14159265 / 180
   Dim slant As Double = Tan(angle / 2)
@@ -30,7 +30,7 @@ Function TiltedOnWhite(photo As Picture, degrees As Double) As Picture
   Return second.LMX_ShearHorizontal(width, height, slant, &h01FFFFFF, 100000)
 End Function
 
-// Leaning to the right, on a clear ground.
+// Slanted to the right, on a clear ground.
 Function Italic(text As Picture) As Picture
   Dim width As Integer = Ceil(text.Width + text.Height * 0.25)
   Return text.LMX_ShearHorizontal(width, text.Height, 0.25, &hFF000000, 0)

@@ -1,5 +1,5 @@
-// What the page takes from the command-line tool, so that both tell the same: the texts about
-// methods and arguments, the values of arguments that are left out, and the test chart.
+// What the page shares with the command-line tool: the texts about methods and arguments, default
+// values, and the test chart.
 #include <cstdint>
 #include <cstring>
 #include <string>

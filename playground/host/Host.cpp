@@ -2,9 +2,8 @@
 // and what the page's script needs of them. The script calls the methods itself, through the
 // addresses in the registered table, which are indices of WebAssembly's function table.
 //
-// It counts references and locks and tells of every breach, as the stand-in host in host/ does;
-// what costs time, guards around pixels for example, is left to that one. Everything happens on one
-// thread.
+// It counts references and locks and reports every breach, as the stand-in host in host/ does, but
+// it has no guards around pixels, which cost time. Everything happens on one thread.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

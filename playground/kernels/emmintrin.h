@@ -1,7 +1,7 @@
-// SSE2 in the 128 bits of WebAssembly: the intrinsics that Vector_sse2.h uses and their kin, under
-// their names, so that the wide kernels are compiled as they are. The compiler's own header of this
-// name is for x86 alone. SIMDe, which has them all, makes loops over lanes of many of them: with it
-// the kernels took four times as long as the plain ones.
+// The SSE2 intrinsics that Vector_sse2.h uses, in WebAssembly's 128 bits, so that the wide kernels
+// compile unchanged. The compiler's own header of this name is for x86 only. SIMDe has all of them,
+// but makes many of them loops over lanes: with it the kernels took four times as long as the plain
+// ones.
 #pragma once
 
 #include <wasm_simd128.h>
@@ -133,7 +133,7 @@ LMX_SSE2 v128_t _mm_unpackhi_epi64(v128_t a, v128_t b) { return wasm_i64x2_shuff
 LMX_SSE2 v128_t _mm_castsi128_ps(v128_t a) { return a; }
 LMX_SSE2 v128_t _mm_castps_si128(v128_t a) { return a; }
 
-// What does not fit becomes the least integer.
+// What does not fit becomes the lowest integer.
 LMX_SSE2 v128_t _mm_cvttps_epi32(v128_t a) {
   const v128_t fits = wasm_f32x4_lt(a, wasm_f32x4_splat(2147483648.0F));
   return wasm_v128_bitselect(wasm_i32x4_trunc_sat_f32x4(a), wasm_i32x4_splat(INT32_MIN), fits);

@@ -1,8 +1,8 @@
 // Picture files as straight pixels: { name, width, height, data: red, green, blue, alpha, exact }.
 //
-// A canvas keeps colours multiplied by alpha, so that what it gives back of a translucent pixel is
-// rounded. Pictures with transparency are therefore read through WebGL, which gets them as the
-// decoder has them; where that is missing, `exact` is false.
+// A canvas keeps colours premultiplied, so it rounds the colours of translucent pixels. Pictures
+// with transparency are therefore read through WebGL, which gets the pixels of the decoder. Without
+// WebGL, `exact` is false.
 
 /** The most pixels of a picture that the page takes. */
 export const kMostPixels = 40000000;

@@ -1,5 +1,5 @@
-// The methods to choose from, each with a small picture of what it does to the picture at hand: the
-// plug-in itself makes them, from a reduced copy.
+// The methods to choose from. Each has a small picture of its effect on the current picture, which
+// the plug-in makes from a reduced copy.
 import { givesPicture, takesPicture, shortName } from './plugin.js';
 import { leavesPicture, valuesOf } from './chain.js';
 import { make } from './controls.js';

@@ -1,5 +1,5 @@
-// The plug-in in this script's hands: loads the WebAssembly, reads the methods from the table that
-// the plug-in registers, and calls them by their declarations, as a host program does.
+// Loads the plug-in as WebAssembly, reads its methods from the table that it registers, and calls
+// them by their declarations, as a host program does.
 
 /** "name(extends p as picture, ByRef x as double, ...) as type" as an object. */
 export function parseDeclaration(text) {
@@ -32,7 +32,7 @@ export class Plugin {
           throw new Error(`the plug-in broke the host's contract: ${this.text(text, length)}`);
         },
       },
-      // The C library's way to the outside, which only a failed assertion takes.
+      // The C library writes only a failed assertion through this.
       wasi_snapshot_preview1: { fd_close: () => 8, fd_seek: () => 8, fd_write: () => 8 },
     };
     this.exports = new WebAssembly.Instance(module, imports).exports;

@@ -1,5 +1,4 @@
-// The chain as people take it with them: the calls as lines of a program, the whole example, and a
-// command line of lmx.
+// The chain of calls as text: the lines of a program, the whole example, and a command line of lmx.
 import { changesPicture, givesPicture, inputsOf, takesPicture, shortName } from './plugin.js';
 import { programText, valueText } from './values.js';
 

@@ -1,4 +1,4 @@
-// What people take with them: code to look at, the clipboard, files.
+// Output for people: code, the clipboard, files.
 import { make } from './controls.js';
 
 const kWords = /(\/\/.*|'[^']*'|"[^"]*"|&h[0-9A-F]{8}|\bLMX_\w+|\b(?:Dim|As|If|Then|End|Return|Nil|True|False|Picture|Integer|Double|String)\b|-?\b\d+(?:\.\d+)?(?:e[+-]?\d+)?\b)/g;

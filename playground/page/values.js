@@ -1,5 +1,5 @@
-// Values of arguments: from text and to text, as people type them, as a program has them, as lmx
-// takes them. A colour is a number, 0xTTRRGGBB.
+// Values of arguments as text: as people type them, as a program writes them, as lmx takes them. A
+// colour is a number, 0xTTRRGGBB.
 
 const kInteger = /^[+-]?\d+$/;
 const kDouble = /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i;

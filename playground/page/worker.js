@@ -1,5 +1,5 @@
-// The worker: calls the plug-in, so that the page stays responsive, and writes PNG files. It is
-// ended, not asked, when a call is to be cancelled, because a call can't be left from outside.
+// The worker: calls the plug-in, so that the page stays responsive, and writes PNG files. A call
+// cannot be stopped from outside, so a cancel ends the worker.
 import { Plugin, changesPicture, givesPicture, takesPicture } from './plugin.js';
 import { kFacts } from './facts.js';
 import { encodePng } from './png.js';
