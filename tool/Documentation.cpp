@@ -82,8 +82,7 @@ ArgumentText ChangedPicture() {
 
 ArgumentText Yield() {
   return {std::string(kYieldArgument),
-          "pixels to do between two calls of the host's yield service, looked at after whole lines; 0 or less never "
-          "yields",
+          "pixels between two calls of the host's yield service, which come between lines only; 0 or less never yields",
           {"0"}};
 }
 
@@ -91,7 +90,7 @@ ArgumentText Yield() {
 std::vector<ArgumentText> WithSelection(ArgumentText picture, const std::vector<ArgumentText>& others) {
   std::vector<ArgumentText> arguments = {
       std::move(picture),
-      {"left", "first column of the selection; the part outside the picture does not count", {"0"}},
+      {"left", "first column of the selection, which is cut at the picture's edges", {"0"}},
       {"top", "first row of the selection", {"0"}},
       {"width",
        "the selection's last column is left + width: it has width + 1 columns, and one column for 0",
@@ -126,28 +125,28 @@ std::vector<ArgumentText> AdjustHSVArguments(ArgumentText picture) {
            1,
            {0, 1000, false, true}},
           {"negative",
-           "store inverted colours, in the whole picture and entirely clear; in the context storage form nothing of "
-           "them is left",
+           "invert the colours of the whole picture and make it fully transparent; the context storage form keeps no "
+           "colours then",
            {"false"}},
       });
 }
 
 std::vector<ArgumentText> AdjustRGBArguments(ArgumentText picture) {
   return WithSelection(std::move(picture), {
-                                               {"red_delta", "what is added to red, -255 to 255", {"0"}, 0, kDelta},
-                                               {"green_delta", "what is added to green, -255 to 255", {"0"}, 0, kDelta},
-                                               {"blue_delta", "what is added to blue, -255 to 255", {"0"}, 0, kDelta},
+                                               {"red_delta", "amount added to red, -255 to 255", {"0"}, 0, kDelta},
+                                               {"green_delta", "amount added to green, -255 to 255", {"0"}, 0, kDelta},
+                                               {"blue_delta", "amount added to blue, -255 to 255", {"0"}, 0, kDelta},
                                            });
 }
 
 std::vector<ArgumentText> ShearArguments(Fallback width, Fallback height, const char* shear) {
   return {
       Source(),
-      {"width", "width of the result in pixels, at least 1; the slanted picture lies in its middle", width, 0,
+      {"width", "width of the result in pixels, at least 1; the slanted picture is centred in it", width, 0,
        kAtLeastOne},
       {"height", "height of the result in pixels, at least 1", height, 0, kAtLeastOne},
       {"shear", shear, kNeeded, 0, {-1, 1}},
-      {"frame_color", "colour of what the slanted picture leaves free", {"&c000000ff"}},
+      {"frame_color", "colour of the pixels that the slanted picture does not cover", {"&c000000ff"}},
       Yield(),
   };
 }
@@ -174,7 +173,7 @@ std::vector<MethodText> ReportingMethods() {
       {"LMX_GetErrorMessage",
        "The message of an error code",
        "",
-       {{"errorCode", "the code, any number; codes without a message of their own are unknown errors", kNeeded}},
+       {{"errorCode", "the code, any number; a code without a message is an unknown error", kNeeded}},
        "lmx GetErrorMessage errorCode=31"},
   };
 }
@@ -182,7 +181,7 @@ std::vector<MethodText> ReportingMethods() {
 std::vector<MethodText> ColourMethods() {
   return {
       {"LMX_AdjustHSV", "Turns the hue and scales saturation and brightness of a rectangle",
-       "Alpha stays as it is. What lies outside the selection is copied. To see a negative: --storage buffer --opaque.",
+       "Alpha stays as it is. Pixels outside the selection are copied. To see a negative: --storage buffer --opaque.",
        AdjustHSVArguments(Source()), "lmx AdjustHSV photo.jpg hue_degrees=60 -o turned.png"},
       {"LMX_AdjustHSV_InPlace", "The same, changing the picture itself",
        "The picture is the result: lmx hands it on to the next step or writes it.",
@@ -200,13 +199,13 @@ std::vector<MethodText> ColourMethods() {
            }),
        "lmx GetAverageHSV photo.jpg --json", true},
       {"LMX_AdjustRGB", "Adds to red, green and blue of a rectangle",
-       "Sums are kept within 0 to 255. Alpha stays as it is. What lies outside the selection is copied.",
+       "Sums are clamped to 0 to 255. Alpha stays as it is. Pixels outside the selection are copied.",
        AdjustRGBArguments(Source()), "lmx AdjustRGB photo.jpg red_delta=40 blue_delta=-40 -o warm.png"},
       {"LMX_AdjustRGB_InPlace", "The same, changing the picture itself",
        "The picture is the result: lmx hands it on to the next step or writes it.",
        AdjustRGBArguments(ChangedPicture()), "lmx AdjustRGB_InPlace photo.png green_delta=50 top=20 -o photo.png"},
       {"LMX_GetAverageRGB", "Measures the mean red, green and blue of a rectangle",
-       "Means are cut to whole numbers. Transparency plays no part.",
+       "Means are cut to whole numbers. Transparency does not count.",
        WithSelection(Source(),
                      {
                          {"red", "mean of red, 0 to 255", kResult},
@@ -238,7 +237,7 @@ std::vector<MethodText> TurningMethods() {
        "and dark.",
        {Source(),
         {"rotation", "turn in degrees, from 0 and below 360", kNeeded, 0, {0, 360, false, true}},
-        {"frame_color", "has no effect: the corners are clear in every case", {"&c000000ff"}},
+        {"frame_color", "has no effect: the corners are always clear", {"&c000000ff"}},
         Yield()},
        "lmx FreeRotateByShear photo.jpg rotation=12.5 -o tilted.png"},
   };
@@ -254,7 +253,7 @@ std::vector<MethodText> GradientMethods() {
        }),
        "lmx MakeGradient width=400 height=300 color1=#ff8800 color2=#0044ff -o sky.png"},
       {"LMX_MakeDoubleGradient", "Makes a picture that runs through three colours",
-       "From top to bottom; every row is one colour. A half of a single row is clear.",
+       "From top to bottom; every row is one colour. A half that is a single row is clear.",
        GradientArguments({
            {"color1", "colour of the top row", {"#000000"}},
            {"color2", "colour of the two rows in the middle", {"#ff0000"}},
@@ -288,7 +287,7 @@ std::vector<MethodText> FormingMethods() {
          0,
          kStretched},
         {"height",
-         "height of the result in pixels, 1 to 65535 likewise",
+         "height of the result in pixels, with the same limits: 1 to 65535",
          {"in proportion to width", HeightInProportion},
          0,
          kStretched},
@@ -296,15 +295,14 @@ std::vector<MethodText> FormingMethods() {
        "lmx Stretch photo.jpg width=200 -o small.png"},
       {"LMX_Trim",
        "Cuts out a rectangle",
-       "The rectangle may reach beyond the picture, which gives clear pixels there.",
+       "The rectangle may reach outside the picture; pixels there are clear.",
        {Source(),
         {"left", "column of the picture at which the result begins; may be negative", {"0"}},
         {"top", "row of the picture at which the result begins; may be negative", {"0"}},
         {"width", "width of the result in pixels, at least 1", {"to the right edge", ToRightEdge}, 0, kAtLeastOne},
         {"height", "height of the result in pixels, at least 1", {"to the bottom edge", ToBottomEdge}, 0, kAtLeastOne},
         {"frame_color",
-         "colour of the pixels beyond the picture, which are clear in every case; kept below the transparency by the "
-         "buffer storage form only",
+         "colour of the pixels outside the picture, which are always clear; only the buffer storage form keeps it",
          {"&c000000ff"}},
         {std::string(kYieldArgument), "has no effect: trimming never yields", {"0"}}},
        "lmx Trim photo.jpg left=20 top=20 width=100 height=80 -o part.png"},

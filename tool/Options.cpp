@@ -50,14 +50,13 @@ std::vector<Option> CallOptions() {
        "--output",
        "FILE",
        {},
-       "where the picture goes; its old content stays if anything fails",
+       "the file of the result; its old content stays if anything fails",
        [](CommandLine& line, const Text&, const Text& value) { line.output = value; }},
       {"-j",
        "--jobs",
        "N",
        {},
-       "of several pictures, work on N at once; default: as many as there are processors. Memory is needed for each of "
-       "them",
+       "of several pictures, work on N at once; default: the number of processors. Each of them needs memory",
        [](CommandLine& line, const Text& name, const Text& value) {
          line.jobs = ParseNumber(name, value, 1, kMostJobs);
        }},
@@ -78,7 +77,7 @@ std::vector<Option> CallOptions() {
        "--repeat",
        "N",
        {},
-       "call each method N times; the last call counts, and its time is that of a warm one",
+       "call each method N times; only the last call, a warm one, counts and is timed",
        [](CommandLine& line, const Text& name, const Text& value) {
          line.repeat = ParseNumber(name, value, 1, std::numeric_limits<std::int32_t>::max());
        }},
@@ -86,7 +85,7 @@ std::vector<Option> CallOptions() {
        "--format",
        "FORMAT",
        {"png", "jpeg"},
-       "png or jpeg, where the name of the file does not say it",
+       "png or jpeg, if the name of the file does not say it",
        [](CommandLine& line, const Text&, const Text& value) { line.format = ParseFormat(value); }},
       {"",
        "--compression",
@@ -100,8 +99,7 @@ std::vector<Option> CallOptions() {
        "--quality",
        "N",
        {},
-       "of a JPEG, 1 to 100; default: " + std::to_string(standard.quality) +
-           ". Where the picture is clear it lies on white",
+       "of a JPEG, 1 to 100; default: " + std::to_string(standard.quality) + ". Clear pixels become white",
        [](CommandLine& line, const Text& name, const Text& value) {
          line.quality = ParseNumber(name, value, Encoding::kLeastQuality, Encoding::kMostQuality);
        }},
@@ -114,7 +112,7 @@ std::vector<Option> OtherOptions() {
        "--tolerance",
        "N",
        {},
-       "of compare, 0 to 255: pixels count as the same up to this difference of a channel; default: 0",
+       "of compare, 0 to 255: pixels are the same up to this difference of a channel; default: 0",
        [](CommandLine& line, const Text& name, const Text& value) {
          line.tolerance = ParseNumber(name, value, 0, kMostTolerance);
        }},
