@@ -219,8 +219,8 @@ struct Strip {
 
 void ShearStrip(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom);
 
-// Rows at the edge, in which some columns are image and others are frame. Each half of the columns
-// goes for itself, down to a few columns, which go pixel by pixel.
+// Rows at the edge, in which some columns are image and others are frame. Makes each half of the
+// columns by itself; a few columns are made pixel by pixel.
 void ShearHalves(const Strip& strip, std::int32_t first, std::int32_t n, std::int32_t top, std::int32_t bottom) {
   constexpr std::int32_t kFew = 4;
   if (n > kFew) {

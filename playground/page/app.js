@@ -226,7 +226,7 @@ class App {
     this.view.zoomTo('fit');
     $('picture-name').textContent = `${image.name} · ${grouped(image.width)} × ${grouped(image.height)}`;
     if (!image.exact) {
-      this.toast('This browser gives the colours of translucent pixels rounded; opaque ones are exact.');
+      this.toast('This browser rounds the colours of translucent pixels; opaque ones are exact.');
     }
     this.engine.setSource({ width: image.width, height: image.height, data: image.data }).catch((error) => this.fail(error));
     this.showStrip();
@@ -338,8 +338,8 @@ class App {
     this.redoButton.disabled = this.past === this.history.length - 1;
     document.querySelectorAll('input[name=storage]').forEach((input) => (input.checked = input.value === this.chain.storage));
     $('storage-hint').textContent = this.chain.storage === 'context'
-      ? 'Colours are kept multiplied by their alpha, which rounds translucent ones and forgets clear ones.'
-      : 'Colours are kept as they are, under a transparency of seven bits.';
+      ? 'Colours are stored multiplied by alpha: translucent ones are rounded, clear ones are lost.'
+      : 'Colours are stored as they are, with seven bits of transparency.';
     if (this.image) this.run();
   }
 

@@ -1,8 +1,7 @@
 // The boxes of a stretch: which runs each average covers, and with which weights.
 //
 // Every run is worth the same number of units. Every box takes the same number of units, and begins
-// where the box before it ended. So three numbers describe all boxes, and nobody keeps a table of
-// weights.
+// where the box before it ended. So three numbers describe all boxes, without a table of weights.
 #pragma once
 
 #include "LMX_Pixel.h"

@@ -8,7 +8,7 @@
 //            127 (clear).
 // All arithmetic is on integers but for two sums, and every division truncates.
 //
-// All functions are always inlined: the linker must never keep a copy for everybody that was
+// All functions are always inlined: the linker must never keep, for all levels, a copy that was
 // compiled for one instruction set.
 #pragma once
 

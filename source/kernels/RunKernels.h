@@ -51,7 +51,7 @@ struct PairKernels {
   /// and the pixels of `to` after the written ones: both are prefetched.
   void (*transpose)(uint8_t* const* to, const uint8_t* const* from, size_t rows, size_t ahead, size_t columns);
 
-  /// Copies from right to left: pixel i of `to` becomes pixel n - 1 - i of `from`.
+  /// Flips: copies from right to left. Pixel i of `to` becomes pixel n - 1 - i of `from`.
   void (*copyMirrored)(uint8_t* to, const uint8_t* from, size_t n);
 
   /// Reads, adjusts and writes. `to` may be `from`.
