@@ -29,10 +29,6 @@ LMX_ALWAYS_INLINE Reg Channel16(Reg first, Reg second) {
 // bits follow. The remainder is below d before it is doubled, so a lane is at most 2 * (64 * 254 +
 // 63) = 32638. It is even before each step and 64 * d - 1 is odd: the two are never equal.
 // Tests: AllColours.AdjustHSV walks all colours, and so all n and d.
-//
-// A lane holds 64 times the rest, and in the six bits below it the quotient as far as it is known.
-// Taking 64 d - 1 away subtracts the divisor and puts a 1 into the quotient; both are then doubled
-// together. The lane is even before each step, and so never equal to what is taken away.
 LMX_ALWAYS_INLINE Reg Divide1024(Reg n, Reg d) {
   const Reg taken = Vector::Sub16(Vector::Left16<6>(d), Vector::Set16(1));
   const Reg digits = Vector::Set16(63);

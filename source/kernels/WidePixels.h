@@ -117,7 +117,7 @@ LMX_ALWAYS_INLINE void InSteps(const uint8_t* to, size_t n, const Step& step) {
 // Also:
 //   - where k > a, k * W >> 16 is 256 to 65535;
 //   - k * W mod 65536 is at most 255 where a divides 255 * k, and at least 65536 / a elsewhere.
-// Tests: AllChannelsAndAlphas.ReadContext and .Copies walk all pairs of k and a.
+// Tests: AllChannelsAndAlphas.ReadContext and AllChannelsAndAlphas.Copies walk all pairs.
 LMX_ALWAYS_INLINE Reg QuotientsByAlpha(Reg alpha) {
   const Reg clear = Vector::Equal32(alpha, Vector::Zero());
   return Vector::AndNot(clear, Vector::DivideSingle(255 * 65536 + 254, Vector::Sub32(alpha, clear)));
