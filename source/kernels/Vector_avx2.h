@@ -49,8 +49,8 @@ struct Vector {
     return Or(a, _mm256_maskload_epi32(static_cast<const int*>(p), lanes));
   }
 
-  // A non-temporal store, to an address that is a multiple of the register's size.
-  LMX_ALWAYS_INLINE static void Stream(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
+  // To an address that is a multiple of the register's size.
+  LMX_ALWAYS_INLINE static void StoreNonTemporal(void* p, Reg a) { _mm256_stream_si256(static_cast<__m256i*>(p), a); }
   LMX_ALWAYS_INLINE static Reg Zero() { return _mm256_setzero_si256(); }
   LMX_ALWAYS_INLINE static Reg Set16(uint32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
   LMX_ALWAYS_INLINE static Reg Set32(uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }

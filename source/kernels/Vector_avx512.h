@@ -48,8 +48,8 @@ struct Vector {
     return _mm512_mask_loadu_epi32(a, lanes, p);
   }
 
-  // A non-temporal store, to an address that is a multiple of the register's size.
-  LMX_ALWAYS_INLINE static void Stream(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
+  // To an address that is a multiple of the register's size.
+  LMX_ALWAYS_INLINE static void StoreNonTemporal(void* p, Reg a) { _mm512_stream_si512(static_cast<__m512i*>(p), a); }
   LMX_ALWAYS_INLINE static Reg Zero() { return _mm512_setzero_si512(); }
   LMX_ALWAYS_INLINE static Reg Set16(uint32_t v) { return _mm512_set1_epi16(static_cast<short>(v)); }
   LMX_ALWAYS_INLINE static Reg Set32(uint32_t v) { return _mm512_set1_epi32(static_cast<int>(v)); }

@@ -47,8 +47,8 @@ struct Vector {
     return Or(a, And(LoadFirst(p, n), lanes));
   }
 
-  // A non-temporal store, to an address that is a multiple of the register's size.
-  LMX_ALWAYS_INLINE static void Stream(void* p, Reg a) { _mm_stream_si128(static_cast<__m128i*>(p), a); }
+  // To an address that is a multiple of the register's size.
+  LMX_ALWAYS_INLINE static void StoreNonTemporal(void* p, Reg a) { _mm_stream_si128(static_cast<__m128i*>(p), a); }
   LMX_ALWAYS_INLINE static Reg Zero() { return _mm_setzero_si128(); }
   LMX_ALWAYS_INLINE static Reg Set16(uint32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
   LMX_ALWAYS_INLINE static Reg Set32(uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }

@@ -49,7 +49,7 @@ struct NonTemporal {
     const size_t head = past == 0 ? 0 : (sizeof(Reg) - past) / 4;
     return head < n ? head : n;
   }
-  LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::Stream(p, a); }
+  LMX_ALWAYS_INLINE static void Store(void* p, Reg a) { Vector::StoreNonTemporal(p, a); }
 };
 
 // The pixels of one step of a kernel: kRegs whole registers, or fewer pixels, the first `count` of
