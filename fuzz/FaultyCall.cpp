@@ -97,7 +97,7 @@ class FaultyCall {
 
   void MakeSource() {
     const StoredPicture& value = *setting_.source;
-    host::PictureShape shape = {value.width, value.height, support::StorageOf(value.form), setting_.layout,
+    host::PictureShape shape = {value.width, value.height, value.form, setting_.layout,
                                 support::DefectsFor(value.fault, value.form, setting_.variant)};
     shape.defects.nilRows.assign(value.missingRows.begin(), value.missingRows.end());
     const host::PictureShape proper = shape;

@@ -13,15 +13,11 @@
 #include <vector>
 
 #include "HostInterface.h"
+#include "Storage.h"
 
 namespace host {
 
 struct PictureObject;
-
-enum class Storage {
-  BitmapContext,  ///< type 8: stored words are 0xAARRGGBB, premultiplied, big-endian in memory
-  Buffer,         ///< type 10: stored words are 0xTTRRGGBB, T from 0 (opaque) to 127 (clear), little-endian
-};
 
 /// Which end of the pixels touches an inaccessible page without a gap (of every row, where rows are
 /// scattered).

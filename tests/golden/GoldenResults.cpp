@@ -75,7 +75,7 @@ std::string TextOf(const host::Outcome& outcome, const host::Method& method, con
 }  // namespace
 
 std::string ResultOfPlugin(host::Host& host, const Case& c) {
-  host.newPictures.storage = support::StorageOf(c.newPictures);
+  host.newPictures.storage = c.newPictures;
   host.ResetCounts();
   std::vector<Value> arguments = c.call.arguments;
   Picture source;

@@ -3,7 +3,6 @@
 // picture, to the reference model.
 #include "SparseFixture.h"
 #include "support/Model.h"
-#include "support/Pictures.h"
 
 namespace {
 
@@ -37,7 +36,7 @@ class Sparse : public sparse::Pictures, public testing::WithParamInterface<Size>
 
   // Columns and rows of the source, both ends included, as a picture of its own.
   StoredPicture Cut(int x0, int y0, int x1, int y1) const {
-    StoredPicture part(support::FormOf(GetParam().storage), x1 - x0 + 1, y1 - y0 + 1);
+    StoredPicture part(GetParam().storage, x1 - x0 + 1, y1 - y0 + 1);
     const std::uint32_t toForm = sparse::ToForm(GetParam().storage);
     for (int y = y0; y <= y1; ++y) {
       for (int x = x0; x <= x1; ++x) part.Word(x - x0, y - y0) = source_.lazy.word(x, y) ^ toForm;

@@ -81,7 +81,7 @@ TEST_P(LargePictures, EveryTurnToTheOtherForm) {
   constexpr int kYield = 149705;  // inside of tiles, whichever way the result lies
   const Form form = GetParam(), other = form == Form::Buffer ? Form::BitmapContext : Form::Buffer;
   const host::Picture source = support::ToHost(*Pictures().source, {});
-  host_.newPictures.storage = support::StorageOf(other);
+  host_.newPictures.storage = other;
   for (int turn = 0; turn < 16; ++turn) {
     const bool flipH = turn % 2 != 0, flipV = turn / 2 % 2 != 0;
     if ((flipH == flipV) != ((form == Form::Buffer) == (turn < 8))) continue;
@@ -116,7 +116,7 @@ TEST_P(LargePictures, EveryTurnToTheOtherForm) {
 TEST_P(LargePictures, StretchWithYields) {
   constexpr int kYield = 1000000, kSourceWidth = 700, kSourceHeight = 1900;
   const host::Picture source = support::ToHost(*Pictures(kSourceWidth, kSourceHeight).source, {});
-  host_.newPictures.storage = support::StorageOf(GetParam());
+  host_.newPictures.storage = GetParam();
   const int rowYields = (kSourceHeight - 1) / ((kYield + kWidth - 1) / kWidth);
   const int columnsOfAYield = (kYield + kHeight - 1) / kHeight;
   int yields = 0;

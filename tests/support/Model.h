@@ -15,12 +15,11 @@
 #include <set>
 #include <vector>
 
+#include "host/Storage.h"
+
 namespace model {
 
-enum class Form {
-  BitmapContext,  ///< words are 0xAARRGGBB, premultiplied
-  Buffer,         ///< words are 0xTTRRGGBB, T from 0 (opaque) to 127 (clear)
-};
+using Form = host::Storage;
 
 /// Working pixels: 0xAARRGGBB, straight alpha, 255 opaque.
 std::uint32_t ReadPixel(Form form, std::uint32_t word);

@@ -75,14 +75,6 @@ std::string Shape(const StoredPicture& picture) {
 
 }  // namespace
 
-host::Storage StorageOf(Form form) {
-  return form == Form::Buffer ? host::Storage::Buffer : host::Storage::BitmapContext;
-}
-
-Form FormOf(host::Storage storage) {
-  return storage == host::Storage::Buffer ? Form::Buffer : Form::BitmapContext;
-}
-
 Form RandomForm(Random& random) {
   return OneIn(random, 2) ? Form::Buffer : Form::BitmapContext;
 }
@@ -131,7 +123,7 @@ host::Defects DefectsFor(Fault fault, Form form, unsigned variant) {
 }
 
 host::Picture ToHost(const StoredPicture& picture, const host::Layout& layout, unsigned variant) {
-  host::PictureShape shape = {picture.width, picture.height, StorageOf(picture.form), layout,
+  host::PictureShape shape = {picture.width, picture.height, picture.form, layout,
                               DefectsFor(picture.fault, picture.form, variant)};
   shape.defects.nilRows.assign(picture.missingRows.begin(), picture.missingRows.end());
   host::Picture made(shape);
@@ -140,7 +132,7 @@ host::Picture ToHost(const StoredPicture& picture, const host::Layout& layout, u
 }
 
 StoredPicture FromHost(const host::Picture& picture) {
-  StoredPicture stored(FormOf(picture.Shape().storage), picture.Width(), picture.Height());
+  StoredPicture stored(picture.Shape().storage, picture.Width(), picture.Height());
   stored.words = picture.StoredPixels();
   return stored;
 }

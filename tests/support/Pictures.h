@@ -9,10 +9,6 @@
 
 namespace support {
 
-/// Every storage form twice, for sources and results.
-host::Storage StorageOf(model::Form form);
-model::Form FormOf(host::Storage storage);
-
 /// Anything a picture may hold: opaque, proper, any bytes (colours above alpha, transparencies
 /// above 127), opaque with translucent stretches, or clear with colours left in it.
 model::StoredPicture RandomPicture(Random& random, model::Form form, int width, int height);

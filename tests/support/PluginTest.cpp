@@ -77,7 +77,7 @@ StoredPicture MakeValue(const NewPicture& plan, int width, int height) {
 }
 
 void MakeShape(const NewPicture& plan, host::PictureShape& shape) {
-  shape.storage = StorageOf(plan.form);
+  shape.storage = plan.form;
   shape.layout = plan.layout;
   if (shape.height > kMostScatteredRows) shape.layout.scattered = false;
   shape.defects = DefectsFor(plan.fault, plan.form, plan.variant);
