@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Exhaustive.h"
-#include "PlainPixel.h"
+#include "support/ModelPixel.h"
 #include "support/Random.h"
 
 namespace {
@@ -110,7 +110,7 @@ TEST_P(AllColours, AdjustHSV) {
       },
       [=](std::uint32_t pixel) {
         const std::uint32_t transparency = pixel & 0xFF000000;
-        return transparency | (plain::AdjustHSV(pixel, by.hueShift, by.saturationScale, by.valueScale) & 0xFFFFFF);
+        return transparency | (model::AdjustHsv(pixel, by.hueShift, by.saturationScale, by.valueScale) & 0xFFFFFF);
       });
   for (std::uint32_t colour = 0; colour < 1 << 24; colour += kDomainStep) {
     if (!domain.Add((colour * 2654435761u << 24 & 0x7F000000) | colour)) return;
@@ -146,7 +146,7 @@ TEST(AllShifts, AdjustHSV) {
     const HSVAdjustment by = {shift, 1024 * (turn % 4), 1024 * (turn % 3)};
     Pixels expected;
     for (const std::uint32_t colour : colours) {
-      expected.push_back(plain::AdjustHSV(colour, shift, by.saturationScale, by.valueScale) & 0xFFFFFF);
+      expected.push_back(model::AdjustHsv(colour, shift, by.saturationScale, by.valueScale) & 0xFFFFFF);
     }
     for (const NamedKernels& level : levels) {
       Pixels actual = colours;
@@ -167,7 +167,7 @@ TEST(AllChannelsAndDeltas, AdjustRGB) {
   for (std::int32_t delta = -255; delta <= 255; ++delta) {
     const RGBAdjustment by = {delta, -delta, delta > 0 ? delta - 255 : delta + 255};
     Pixels expected;
-    for (const std::uint32_t pixel : inputs) expected.push_back(plain::AdjustRGB(pixel, by.red, by.green, by.blue));
+    for (const std::uint32_t pixel : inputs) expected.push_back(model::AdjustRgb(pixel, by.red, by.green, by.blue));
     for (const NamedKernels& level : levels) {
       Pixels actual = inputs;
       level.kernels.between[kBufferForm][kBufferForm].adjustRGB(Bytes(actual), Bytes(actual), &by, actual.size());

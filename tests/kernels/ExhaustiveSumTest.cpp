@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Exhaustive.h"
-#include "PlainPixel.h"
+#include "support/ModelPicture.h"
 #include "support/Random.h"
 
 namespace {
@@ -45,7 +45,7 @@ TEST(AllChannelsAndChannelsBefore, Blend) {
       const std::uint32_t rotated = (i + fraction * 13) % 65536;
       pixels.push_back(i % 256 * 0x00010001 | rotated % 256 * 0x00000100);
       before.push_back(i / 256 * 0x00010001 | rotated / 256 * 0x00000100);
-      expected.push_back(plain::Blend(pixels.back(), before.back(), fraction));
+      expected.push_back(model::Blend(pixels.back(), before.back(), fraction));
     }
     Pixels actual(pixels.size());
     for (const NamedKernels& level : levels) {
@@ -64,7 +64,7 @@ TEST(AllAlphasAndAlphasBefore, Blend) {
     for (std::uint32_t i = fraction % kDomainStep; i < 65536; i += kDomainStep) {
       pixels.push_back(i % 256);
       before.push_back(i / 256);
-      expected.push_back(plain::Blend(pixels.back(), before.back(), fraction));
+      expected.push_back(model::Blend(pixels.back(), before.back(), fraction));
     }
     Pixels actual(pixels.size());
     for (const NamedKernels& level : levels) {
@@ -86,7 +86,7 @@ TEST(AllFractions, Blend) {
   }
   Pixels expected(pixels.size()), actual(pixels.size());
   for (std::uint32_t fraction = 0; fraction < 65536; fraction += kDomainStep) {
-    for (std::size_t i = 0; i < pixels.size(); ++i) expected[i] = plain::Blend(pixels[i], before[i], fraction);
+    for (std::size_t i = 0; i < pixels.size(); ++i) expected[i] = model::Blend(pixels[i], before[i], fraction);
     for (const NamedKernels& level : levels) {
       BlendPairs(level, kBufferForm, pixels, before, fraction, &actual);
       ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "fraction " << fraction;
@@ -132,7 +132,8 @@ TEST(AllDistancesAndWeights, BoxOfTwo) {
   for (const std::uint32_t units : {32768u, 32767u, 32766u, 32740u, 32705u, 32704u}) {
     const std::uint32_t step = kDomainStep * (units > 32766 || units == 32704 ? 1 : 13);
     for (std::uint32_t last = 1; last < units; last += step) {
-      for (std::size_t i = 0; i < first.size(); ++i) expected[i] = plain::Mix(first[i], second[i], last, units);
+      for (std::size_t i = 0; i < first.size(); ++i)
+        expected[i] = model::Mix(first[i], units - last, second[i], last, units);
       const BoxUnits box = {std::max(units - last, last), units, units - last};
       for (const NamedKernels& level : levels) {
         level.kernels.of[kBufferForm].boxes(&to, runs, &box, 1, actual.size());
@@ -250,26 +251,17 @@ TEST(AllMaximaAndMinima, SumHSV) {
       pixels.push_back(max / 2 << 24 | place[0] << 16 | place[1] << 8 | place[2]);
     }
   }
-  double saturation = 0, brightness = 0;
-  std::uint32_t red = 0, green = 0, blue = 0;
-  for (const std::uint32_t pixel : pixels) {
-    const auto k = plain::Split(pixel);
-    const std::int64_t max = std::max({k[1], k[2], k[3]}), min = std::min({k[1], k[2], k[3]});
-    saturation += max == 0 ? 0.0 : static_cast<double>(max - min) / static_cast<double>(max);
-    brightness += static_cast<double>(max) * 0.00390625;
-    red += static_cast<std::uint32_t>(k[1]);
-    green += static_cast<std::uint32_t>(k[2]);
-    blue += static_cast<std::uint32_t>(k[3]);
-  }
+  model::Sums expected;
+  for (const std::uint32_t pixel : pixels) expected.Add(pixel);
   for (const NamedKernels& level : LevelsHere()) {
     HSVSums sums = {};
     level.kernels.of[kBufferForm].sumHSV(&sums, Bytes(pixels), pixels.size());
-    EXPECT_EQ(std::memcmp(&sums.saturation, &saturation, sizeof saturation), 0)
-        << level.level << std::hexfloat << ": expected " << saturation << ", got " << sums.saturation;
-    EXPECT_EQ(sums.brightness, brightness) << level.level;
-    EXPECT_EQ(sums.rgb.red, red) << level.level;
-    EXPECT_EQ(sums.rgb.green, green) << level.level;
-    EXPECT_EQ(sums.rgb.blue, blue) << level.level;
+    EXPECT_EQ(std::memcmp(&sums.saturation, &expected.saturation, sizeof sums.saturation), 0)
+        << level.level << std::hexfloat << ": expected " << expected.saturation << ", got " << sums.saturation;
+    EXPECT_EQ(sums.brightness, expected.brightness) << level.level;
+    EXPECT_EQ(sums.rgb.red, static_cast<std::uint32_t>(expected.red)) << level.level;
+    EXPECT_EQ(sums.rgb.green, static_cast<std::uint32_t>(expected.green)) << level.level;
+    EXPECT_EQ(sums.rgb.blue, static_cast<std::uint32_t>(expected.blue)) << level.level;
   }
 }
 

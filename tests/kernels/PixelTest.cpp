@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "kernels/LMX_Pixel.h"
-#include "support/Model.h"
+#include "support/ModelPixel.h"
 
 namespace {
 

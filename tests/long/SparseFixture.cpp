@@ -17,16 +17,13 @@ host::Options SparseOptions() {
   return options;
 }
 
-}  // namespace
-
-std::uint32_t WordAt(std::int64_t x, std::int64_t y) {
+// The opaque pixel at a place: different from its neighbours', and on the whole red.
+std::uint32_t PixelAt(std::int64_t x, std::int64_t y) {
   const auto mixed = static_cast<std::uint32_t>(x * 0x9E3779B1 + y * 0x85EBCA6B);
   return 0xFF800000 | (mixed ^ mixed >> 13);
 }
 
-std::uint32_t ToForm(host::Storage storage) {
-  return storage == host::Storage::Buffer ? 0xFF000000 : 0;
-}
+}  // namespace
 
 bool HasMemory(double gibibytes) {
   std::ifstream lines("/proc/meminfo");
@@ -62,11 +59,10 @@ Source Pictures::MakeSource(int width, int height, int rows, host::Storage stora
   for (const int band : Bands(width, height, rows)) {
     for (int y = band; y < band + rows; ++y) filled.insert(y);
   }
-  const std::uint32_t toForm = ToForm(storage);
-  const auto word = [filled, toForm](std::int64_t x, std::int64_t y) {
-    return filled.count(y) == 0 ? toForm : WordAt(x, y);
-  };
-  Source source{{}, {width, height, word}};
+  const std::uint32_t empty = model::ReadPixel(storage, 0);
+  Source source{{}, {width, height, [filled, empty](std::int64_t x, std::int64_t y, std::int64_t) {
+                       return filled.count(y) == 0 ? empty : PixelAt(x, y);
+                     }}};
   host::PictureShape shape{width, height, storage, {}, {}};
   shape.layout.sparse = true;
   try {
@@ -76,13 +72,15 @@ Source Pictures::MakeSource(int width, int height, int rows, host::Storage stora
   }
   std::vector<std::uint32_t> row(static_cast<std::size_t>(width));
   for (const std::int64_t y : filled) {
-    for (std::size_t x = 0; x < row.size(); ++x) row[x] = word(static_cast<std::int64_t>(x), y) ^ toForm;
+    for (int x = 0; x < width; ++x) {
+      row[static_cast<std::size_t>(x)] = model::WritePixel(storage, source.pixels.At(x, y));
+    }
     source.picture.SetStoredRow(static_cast<int>(y), row);
   }
   return source;
 }
 
-void Pictures::CheckRows(const host::Picture& got, const lazy::Picture& expected, int step) {
+void Pictures::CheckRows(const host::Picture& got, const model::Picture& expected, int step) {
   ASSERT_TRUE(got);
   ASSERT_EQ(got.Width(), expected.width);
   ASSERT_EQ(got.Height(), expected.height);
@@ -91,7 +89,7 @@ void Pictures::CheckRows(const host::Picture& got, const lazy::Picture& expected
     const std::vector<std::uint32_t> row = got.StoredRow(y);
     for (int x = 0; x < expected.width; ++x) {
       const std::uint32_t word = row[static_cast<std::size_t>(x)];
-      ASSERT_EQ(word, expected.word(x, y)) << "at (" << x << "," << y << ")";
+      ASSERT_EQ(word, model::WritePixel(got.Shape().storage, expected.At(x, y))) << "at (" << x << "," << y << ")";
       written += word != 0 ? 1 : 0;
     }
     if (y == expected.height - 1) break;

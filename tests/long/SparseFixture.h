@@ -8,15 +8,15 @@
 #include <string>
 #include <vector>
 
-#include "LazyPicture.h"
 #include "host/Host.h"
+#include "support/ModelPicture.h"
 
 namespace sparse {
 
 /// A source with opaque pixels in some bands of rows. The words of all others are 0.
 struct Source {
   host::Picture picture;  ///< nil if there is no room for it
-  lazy::Picture lazy;     ///< as a bitmap context
+  model::Picture pixels;
 };
 
 class Pictures : public testing::Test {
@@ -34,7 +34,7 @@ class Pictures : public testing::Test {
   static std::vector<int> Bands(int width, int height, int rows);
 
   /// Compares every nth row, the last one included. Some of the pixels must not be 0.
-  static void CheckRows(const host::Picture& got, const lazy::Picture& expected, int step);
+  static void CheckRows(const host::Picture& got, const model::Picture& expected, int step);
 
   /// Calls a method that makes a picture; code 0.
   host::Picture Make(const std::string& method, const std::vector<host::Value>& arguments);
@@ -42,12 +42,6 @@ class Pictures : public testing::Test {
 
   host::Host host_;
 };
-
-/// The opaque pixel at a place: different from its neighbours', and on the whole red.
-std::uint32_t WordAt(std::int64_t x, std::int64_t y);
-
-/// In what the word of an opaque pixel differs in that form from that of a bitmap context.
-std::uint32_t ToForm(host::Storage storage);
 
 /// Whether the machine has that much memory to spare.
 bool HasMemory(double gibibytes);

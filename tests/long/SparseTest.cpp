@@ -9,6 +9,7 @@ namespace {
 using host::Colour;
 using host::Storage;
 using host::Value;
+using model::Lines;
 using model::Rectangle;
 using model::StoredPicture;
 
@@ -37,9 +38,8 @@ class Sparse : public sparse::Pictures, public testing::WithParamInterface<Size>
   // Columns and rows of the source, both ends included, as a picture of its own.
   StoredPicture Cut(int x0, int y0, int x1, int y1) const {
     StoredPicture part(GetParam().storage, x1 - x0 + 1, y1 - y0 + 1);
-    const std::uint32_t toForm = sparse::ToForm(GetParam().storage);
     for (int y = y0; y <= y1; ++y) {
-      for (int x = x0; x <= x1; ++x) part.Word(x - x0, y - y0) = source_.lazy.word(x, y) ^ toForm;
+      for (int x = x0; x <= x1; ++x) part.Write(x - x0, y - y0, source_.pixels.At(x, y));
     }
     return part;
   }
@@ -79,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, Sparse, testing::ValuesIn(Sizes()), [](const aut
 TEST_P(Sparse, Trim) {
   ForEachBand([&](int x, int y) {
     const host::Picture got = Make("Trim", {source_.picture, x, y - 1, 400, kRows + 2, Colour{0}, 0});
-    CheckRows(got, lazy::Trimmed(source_.lazy, x, y - 1, 400, kRows + 2), 1);
+    CheckRows(got, model::Trimmed(source_.pixels, {x, y - 1, 400, kRows + 2}, 0), 1);
   });
 }
 
@@ -119,9 +119,9 @@ TEST_P(Sparse, Shears) {
     SCOPED_TRACE(shear);
     const std::uint32_t frame = 0x20102030;
     const host::Picture rows = Make("ShearHorizontal", {source_.picture, 301, 200, shear, Colour{frame}, 0});
-    CheckRows(rows, lazy::ShearedHorizontally(source_.lazy, 301, 200, shear, frame), 1);
+    CheckRows(rows, model::Sheared(source_.pixels, Lines::Rows, 301, 200, shear, frame), 1);
     const host::Picture columns = Make("ShearVertical", {source_.picture, 200, 301, shear, Colour{frame}, 0});
-    CheckRows(columns, lazy::ShearedVertically(source_.lazy, 200, 301, shear, frame), 1);
+    CheckRows(columns, model::Sheared(source_.pixels, Lines::Columns, 200, 301, shear, frame), 1);
   }
 }
 

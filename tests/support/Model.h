@@ -1,9 +1,10 @@
-// What every method of the plug-in does, written as plainly as possible: one pixel at a time, on
-// values, without a host, runs of pixels, or any line of the plug-in's own. Tests compare the
-// plug-in with it, so it is slow on purpose and obvious first of all.
+// The reference model: what every method of the plug-in does, written as plainly as possible, one
+// pixel at a time, without a host, runs of pixels, or any line of the plug-in's own. Tests compare
+// the plug-in with it, so it is slow on purpose and obvious first of all.
 //
-// A method is a function from its arguments to an Outcome: the code, every picture that it makes,
-// the moments at which it yields and how far it is by then.
+// What a method does to pixels is in ModelPixel.h, and to pictures, as functions of a place, in
+// ModelPicture.h. Here a method is a function from its arguments to an Outcome: the code, every
+// picture that it makes, the moments at which it yields and how far it is by then.
 #pragma once
 
 #include <array>
@@ -15,15 +16,9 @@
 #include <set>
 #include <vector>
 
-#include "host/Storage.h"
+#include "ModelPicture.h"
 
 namespace model {
-
-using Form = host::Storage;
-
-/// Working pixels: 0xAARRGGBB, straight alpha, 255 opaque.
-std::uint32_t ReadPixel(Form form, std::uint32_t word);
-std::uint32_t WritePixel(Form form, std::uint32_t pixel);
 
 /// Why a picture cannot be locked.
 enum class Fault { None, NoPixels, UnusableType };
@@ -33,9 +28,11 @@ struct StoredPicture {
   StoredPicture(Form pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word = 0);
 
   // What is outside, or in a missing row, reads as 0 and ignores writes.
-  bool Has(int x, int y) const { return IsInside(x, y) && (missingRows.empty() || missingRows.count(y) == 0); }
-  std::uint32_t Read(int x, int y) const;
-  void Write(int x, int y, std::uint32_t pixel);
+  bool Has(std::int64_t x, std::int64_t y) const;
+  std::uint32_t Read(std::int64_t x, std::int64_t y) const {
+    return Has(x, y) ? ReadPixel(form, words[Place(x, y)]) : 0;
+  }
+  void Write(std::int64_t x, std::int64_t y, std::uint32_t pixel);
   std::uint32_t& Word(int x, int y) { return words[Index(x, y)]; }
   const std::uint32_t& Word(int x, int y) const { return words[Index(x, y)]; }
 
@@ -47,19 +44,14 @@ struct StoredPicture {
   Fault fault = Fault::None;
 
  private:
-  bool IsInside(int x, int y) const { return x >= 0 && x < width && y >= 0 && y < height; }
-  std::size_t Place(int x, int y) const {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
-  }
-  std::size_t Index(int x, int y) const;
+  bool IsInside(std::int64_t x, std::int64_t y) const { return x >= 0 && x < width && y >= 0 && y < height; }
+  std::size_t Place(std::int64_t x, std::int64_t y) const { return static_cast<std::size_t>(y * width + x); }
+  std::size_t Index(std::int64_t x, std::int64_t y) const;
 };
 
 /// What the host makes when it is asked for its nth new picture (from 1) of a size of at least
 /// 1 x 1.
 using MakePicture = std::function<StoredPicture(std::size_t number, int width, int height)>;
-
-/// The order in which a pass completes its lines.
-enum class Order { TopDown, BottomUp, LeftRight };
 
 /// One call of the host's yield service.
 struct Yield {
@@ -79,20 +71,6 @@ struct Outcome {
   std::optional<StoredPicture> changed;          ///< the source after a method that works in place
   std::optional<std::array<double, 3>> meanHsv;  ///< nothing: the caller's values stay
   std::optional<std::array<int, 3>> meanRgb;
-};
-
-/// A rectangle of the colour methods as it is passed.
-struct Rectangle {
-  int left, top, width, height;
-};
-
-struct HsvChange {
-  double hueDegrees, saturationFactor, brightnessFactor;
-  std::uint8_t negative;  ///< a boolean
-};
-
-struct RgbChange {
-  int red, green, blue;
 };
 
 // The methods. A nil source is a null pointer.
@@ -126,15 +104,5 @@ Outcome MakeDoubleGradient(int width, int height, std::uint32_t colour1, std::ui
 
 /// The text of an error code.
 const char* ErrorMessage(int code);
-
-// Hue in 1/1024 of a sixth of the circle (-1: none), saturation 0 to 1024, value and alpha 0 to
-// 255.
-
-struct Hsv {
-  std::int32_t hue, saturation, value, alpha;
-};
-
-Hsv HsvFromPixel(std::uint32_t pixel);
-std::uint32_t PixelFromHsv(const Hsv& hsv);
 
 }  // namespace model

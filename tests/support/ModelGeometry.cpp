@@ -1,177 +1,188 @@
-// Flips, quarter turns, stretch and trim.
+// Flips, quarter turns, shears, stretches, trims and rotations.
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <tuple>
 
-#include "ModelParts.h"
+#include "ModelPicture.h"
+#include "ReferenceFunctions.h"
 
 namespace model {
 namespace {
 
-// A picture seen as lines: its rows, or its columns.
-template <class Picture>
-class Lines {
- public:
-  Lines(Picture& picture, bool columns) : picture_(picture), columns_(columns), down_(picture, 0, 1) {}
+// A picture seen as its rows or its columns.
+struct LinesOf {
+  LinesOf(const Picture& ofPicture, Lines lines)
+      : picture(ofPicture),
+        columns(lines == Lines::Columns),
+        count(columns ? picture.width : picture.height),
+        length(columns ? picture.height : picture.width) {}
 
-  int Count() const { return columns_ ? picture_.width : picture_.height; }
-  int Length() const { return columns_ ? picture_.height : picture_.width; }
-  std::uint32_t Read(int line, int i) const {
-    return columns_ ? picture_.Read(line, down_.RowAfter(i)) : picture_.Read(i, line);
-  }
-  void Write(int line, int i, std::uint32_t pixel) const {
-    columns_ ? picture_.Write(line, down_.RowAfter(i), pixel) : picture_.Write(i, line, pixel);
+  // Place i of a line that is read from place `start` on.
+  std::uint32_t At(std::int64_t line, std::int64_t i, std::int64_t start) const {
+    return columns ? picture.walkTo(line, i, start) : picture.At(i, line);
   }
 
- private:
-  Picture& picture_;
-  bool columns_;
-  ColumnWalk down_;
+  Picture picture;
+  bool columns;
+  std::int64_t count, length;
 };
 
-// Coverage of one destination pixel after the other by the source pixels of a line.
-void StretchLine(const Lines<const StoredPicture>& source, const Lines<StoredPicture>& destination, int line) {
-  const std::int32_t S = source.Length();
-  const std::int32_t D = destination.Length();
-  const std::int32_t unitsPerSource = D * 32768 / S;
-  const std::int32_t unitsPerDest = unitsPerSource * S / D;
-  std::int32_t remaining = 0;
-  std::int32_t consumed = 0;
-  std::uint32_t current = 0;
-  for (int i = 0; i < D; ++i) {
-    std::int32_t need = unitsPerDest;
-    std::uint32_t alpha = 0, red = 0, green = 0, blue = 0;
-    while (need >= 1) {
-      if (consumed >= S && remaining < 1) break;
-      if (remaining < 1) {
-        current = source.Read(line, consumed);
-        remaining = unitsPerSource;
-        ++consumed;
-      }
-      const std::int32_t take = std::min(remaining, need);
-      remaining -= take;
-      need -= take;
-      alpha += Alpha(current) * static_cast<std::uint32_t>(take);
-      red += Red(current) * static_cast<std::uint32_t>(take);
-      green += Green(current) * static_cast<std::uint32_t>(take);
-      blue += Blue(current) * static_cast<std::uint32_t>(take);
-    }
-    const auto units = static_cast<std::uint32_t>(unitsPerDest);
-    destination.Write(line, i, Pack(alpha / units, red / units, green / units, blue / units));
+// The picture whose lines have the pixels at(line, i).
+template <class At>
+Picture FromLines(Lines lines, int width, int height, At at) {
+  if (lines == Lines::Columns) {
+    return {width, height, [at](auto x, auto y, auto) { return at(x, y); }, Order::LeftRight};
   }
-}
-
-void StretchPass(const StoredPicture& source, StoredPicture& destination, bool columns, Pass pass) {
-  const Lines<const StoredPicture> from(source, columns);
-  const Lines<StoredPicture> to(destination, columns);
-  for (int line = 0; line < to.Count(); ++line) {
-    pass.BeforeLine(line, to.Length());
-    StretchLine(from, to, line);
-  }
-}
-
-// Beyond these sizes the units of coverage become 0, or overflow.
-bool StretchIsTooFar(int from, int to) {
-  return to > 65535 || std::int64_t{from} > std::int64_t{32768} * to;
+  return {width, height, [at](auto x, auto y, auto) { return at(y, x); }};
 }
 
 }  // namespace
 
-void FlipRotatePass(const StoredPicture& source, StoredPicture& result, bool flipH, bool flipV, int quarter,
-                    Outcome& outcome, int yield, std::size_t writing) {
-  const int W = source.width;
-  const int H = source.height;
-  const auto mirrored = [&](int x, int y) { return source.Read(flipH ? W - 1 - x : x, flipV ? H - 1 - y : y); };
-  const bool bothOrNone = flipH == flipV;
-  const bool bottomUp = bothOrNone && quarter == (flipH ? 3 : 1);
-  const bool down = (quarter == 3) != flipV;
-  const ColumnWalk walk(source, down ? 0 : H - 1, down ? 1 : -1);
-  Pass pass(outcome, yield, writing, bottomUp ? Order::BottomUp : Order::TopDown, {writing});
-  for (int line = 0; line < result.height; ++line) {
-    pass.BeforeLine(line, result.width);
-    const int y = bottomUp ? result.height - 1 - line : line;
-    // A turned row is a column of the mirrored picture: y from the left going up, or y from the
-    // right going down.
-    const int mirroredColumn = quarter == 1 ? y : W - 1 - y;
-    const int column = flipH ? W - 1 - mirroredColumn : mirroredColumn;
-    for (int x = 0; x < result.width; ++x) {
-      std::uint32_t pixel = 0;
-      if (quarter == 0) pixel = mirrored(x, y);
-      if (quarter == 2) pixel = mirrored(W - 1 - x, H - 1 - y);
-      if (quarter == 1 || quarter == 3) pixel = source.Read(column, walk.RowAfter(x));
-      result.Write(x, y, pixel);
+Picture Stored(const Picture& picture, Form form) {
+  return {picture.width, picture.height,
+          [=](auto x, auto y, auto) { return ReadPixel(form, WritePixel(form, picture.At(x, y))); }};
+}
+
+std::pair<int, int> TurnedSize(int width, int height, int quarters) {
+  return quarters % 2 == 1 ? std::pair(height, width) : std::pair(width, height);
+}
+
+Picture FlipRotated(const Picture& source, bool flipH, bool flipV, int quarter) {
+  const std::int64_t W = source.width, H = source.height;
+  // Where a pixel was before it was turned, then before it was mirrored.
+  const auto origin = [=](std::int64_t x, std::int64_t y) {
+    if (quarter == 1) std::tie(x, y) = std::pair(y, H - 1 - x);
+    if (quarter == 2) std::tie(x, y) = std::pair(W - 1 - x, H - 1 - y);
+    if (quarter == 3) std::tie(x, y) = std::pair(W - 1 - y, x);
+    return std::pair(flipH ? W - 1 - x : x, flipV ? H - 1 - y : y);
+  };
+  const auto [width, height] = TurnedSize(source.width, source.height, quarter);
+  const bool bottomUp = flipH == flipV && quarter == (flipH ? 3 : 1);
+  return {width, height,
+          [=](auto x, auto y, auto) {
+            const auto [column, row] = origin(x, y);
+            // A turned row is a walk along a column.
+            return source.walkTo(column, row, quarter % 2 == 1 ? origin(0, y).second : row);
+          },
+          bottomUp ? Order::BottomUp : Order::TopDown};
+}
+
+// A line lies at an offset in 1/65536 pixels, whose fraction blends each pixel with the one before.
+Picture Sheared(const Picture& source, Lines lines, int width, int height, double shear, std::uint32_t frameColour) {
+  if (std::isnan(shear)) shear = 0;
+  const LinesOf from(source, lines);
+  const std::int64_t W = from.length, H = from.count;
+  const std::int64_t length = lines == Lines::Rows ? width : height;
+  const std::int64_t count = lines == Lines::Rows ? height : width;
+  const auto natural =
+      static_cast<std::int64_t>(std::floor(static_cast<double>(W) + static_cast<double>(H) * std::fabs(shear)));
+  const auto step = static_cast<std::int64_t>(std::floor(shear * 65536.0));
+  const std::int64_t margin = (count - H) / 2;  // lines of frame, or, below 0, of the source that are cut off
+  const std::int64_t offsetOfFirst = (length - natural) / 2 * 65536 + (step > 0 ? H * step : 0);
+  const std::uint32_t frame = frameColour ^ 0xFF000000;
+
+  return FromLines(lines, width, height, [=](std::int64_t line, std::int64_t place) {
+    const std::int64_t r = line - margin;
+    const std::int64_t offset = offsetOfFirst - r * step;
+    const auto f = static_cast<std::uint32_t>(offset & 0xFFFF);
+    const std::int64_t whole = (offset - f) / 65536;
+    const std::int64_t i = place - whole;
+    const bool isBeyond = i > W || (i == W && f == 0);
+    if (r < 0 || r >= H || W == 0 || i < 0 || isBeyond) return frame;
+
+    const std::int64_t start = std::max<std::int64_t>(-whole - 1, 0);
+    const std::uint32_t pixel = from.At(r, std::min(i, W - 1), start);
+    // An opaque frame does not tint the image's edges.
+    const std::uint32_t beside = Alpha(frame) == 255 ? pixel | 0xFF000000 : frame;
+    if (i == W) return Mix(pixel, f, beside, 65535 - f, 65536);  // the last pixel's share in the edge
+    return Blend(pixel, i > 0 ? from.At(r, i - 1, start) : beside, f);
+  });
+}
+
+Picture Stretched(const Picture& source, Lines lines, int width, int height) {
+  const LinesOf from(source, lines);
+  const std::int64_t length = lines == Lines::Rows ? width : height;
+  const std::int64_t perSource = length * 32768 / from.length;  // what one pixel covers, in units
+  const std::int64_t perResult = perSource * from.length / length;
+  return FromLines(lines, width, height, [=](std::int64_t line, std::int64_t i) {
+    const std::int64_t begin = i * perResult, end = begin + perResult;
+    WeightedSum sum;
+    for (std::int64_t j = begin / perSource; j * perSource < end; ++j) {
+      const std::int64_t units = std::min(end, (j + 1) * perSource) - std::max(begin, j * perSource);
+      sum.Add(from.At(line, j, 0), static_cast<std::uint32_t>(units));
     }
-  }
+    return sum.DividedBy(static_cast<std::uint32_t>(perResult));
+  });
 }
 
-Outcome FlipRotate(const StoredPicture* source, std::uint8_t flipH, std::uint8_t flipV, int rotation, int yield,
-                   const MakePicture& make) {
-  if (rotation < -89 || rotation > 359) return Failure(31);
-  if (source == nullptr) return Failure(2);
-  if (source->fault != Fault::None) return Failure(4);
-  const int quarter = rotation / 90;
-  const bool swapped = quarter == 1 || quarter == 3;
-  Outcome outcome;
-  StoredPicture* result =
-      MakeResult(outcome, swapped ? source->height : source->width, swapped ? source->width : source->height, make);
-  if (result == nullptr) {
-    outcome.code = 6;
-    return outcome;
-  }
-  outcome.result = 1;
-  const bool eachIsFalseOrTrue = flipH <= 1 && flipV <= 1;
-  if (eachIsFalseOrTrue) FlipRotatePass(*source, *result, flipH == 1, flipV == 1, quarter, outcome, yield, 1);
-  return outcome;
+Picture Trimmed(const Picture& source, const Rectangle& area, std::uint32_t frameColour) {
+  return {area.width, area.height, [=](std::int64_t x, std::int64_t y, auto) {
+            x += area.left;
+            y += area.top;
+            const bool inside = x >= 0 && x < source.width && y >= 0 && y < source.height;
+            return inside ? source.At(x, y) : frameColour & 0xFFFFFF;
+          }};
 }
 
-Outcome Stretch(const StoredPicture* source, int width, int height, int yield, const MakePicture& make) {
-  if (height <= 0) return Failure(35);
-  if (width <= 0) return Failure(34);
-  if (source == nullptr) return Failure(2);
-  if (source->fault != Fault::None) return Failure(4);
-  if (StretchIsTooFar(source->height, height)) return Failure(35);
-  if (StretchIsTooFar(source->width, width)) return Failure(34);
+// ---------------------------------------------------------------------------------------- rotation
 
-  Outcome outcome;
-  StoredPicture* result = MakeResult(outcome, width, height, make);
-  if (result == nullptr) return outcome;
-  outcome.result = 1;
-  StoredPicture* temporary = source->width == 0 ? nullptr : MakeTemporary(outcome, result->width, source->height, make);
-  if (temporary == nullptr) {
-    outcome.code = 5;
-    return outcome;
-  }
-  if (temporary->height == 0) return outcome;  // a host out of memory may make one of 0 x 0
-  StretchPass(*source, *temporary, false, Pass(outcome, yield, 2, Order::TopDown, {1, 2}));
-  StretchPass(*temporary, *result, true, Pass(outcome, yield, 1, Order::LeftRight, {1, 2}));
-  return outcome;
+namespace {
+
+double Normalised(double angle) {
+  if (angle < 0.0) angle += 6.28318;
+  if (angle > 6.28318) angle -= 6.28318;
+  return angle;
 }
 
-Outcome Trim(const StoredPicture* source, const Rectangle& area, std::uint32_t frameColour, int /*yield*/,
-             const MakePicture& make) {
-  if (source == nullptr) return Failure(2);
-  if (source->fault != Fault::None) return Failure(4);
-  constexpr std::int64_t kLast = std::numeric_limits<std::int32_t>::max();
-  if (area.width < 1 || area.height < 1) return Failure(39);
-  if (std::int64_t{area.left} + area.width - 1 > kLast || std::int64_t{area.top} + area.height - 1 > kLast) {
-    return Failure(39);
-  }
-  Outcome outcome;
-  StoredPicture* result = MakeResult(outcome, area.width, area.height, make);
-  if (result == nullptr) {
-    outcome.code = 6;
-    return outcome;
-  }
-  for (int r = 0; r < result->height; ++r) {
-    for (int c = 0; c < result->width; ++c) {
-      const int x = area.left + c;
-      const int y = area.top + r;
-      const bool inside = x >= 0 && x < source->width && y >= 0 && y < source->height;
-      result->Write(c, r, inside ? source->Read(x, y) : frameColour & 0xFFFFFF);
-    }
-  }
-  outcome.result = 1;
-  return outcome;
+// The box round a rectangle that is turned by d degrees (theta in radians).
+std::pair<int, int> BoxOfTurned(int width, int height, double d, double theta) {
+  if (d == 0) return {width, height};
+  const double w = width, h = height;
+  const double a = reference::ArcTangent(h / w);
+  const double A1 = Normalised(theta + a);
+  const double A2 = Normalised((3.14159 - a) + theta);
+  const double A3 = Normalised(theta - a);
+  const double diagonal = 2 * std::sqrt((h * h + w * w) * 0.25);
+  return {IntegerPart(std::ceil(diagonal * reference::Cosine(d > 0 ? A3 : A1))),
+          IntegerPart(std::ceil(reference::Sine(d > 0 ? A1 : A2) * diagonal))};
+}
+
+// The length of the lines of a sheared picture, or 0 where a 32-bit integer cannot hold what it is
+// made from.
+int ShearedLength(int length, int lines, double shear) {
+  const std::int64_t k = std::abs(std::int64_t{IntegerPart(shear * 65536.0)});
+  const std::int64_t sum = std::int64_t{length} * 65536 + 65535 + k * lines;
+  return sum > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<int>(sum / 65536);
+}
+
+}  // namespace
+
+std::vector<RotationStep> RotationSteps(int width, int height, double degrees) {
+  if (std::isnan(degrees)) degrees = 0;
+  const int quarters = IntegerPart(std::floor((degrees + 45.0) / 90.0));
+  const double d = degrees - quarters * 90;
+  const double theta = d * 3.14159 / 180.0;
+  const double along = -reference::Tangent(theta * -0.5), down = reference::Sine(-theta);
+  const auto [w, h] = TurnedSize(width, height, quarters);
+  const int sheared = ShearedLength(w, h, along);
+  const int shearedDown = ShearedLength(h, sheared, down);
+  if (sheared == 0 || shearedDown == 0) return {};
+  const auto [resultWidth, resultHeight] = BoxOfTurned(w, h, d, theta);
+
+  const auto shear = [](Lines lines, double factor) {
+    constexpr std::uint32_t kClear = 0xFF000000;
+    return [=](const Picture& source, int toWidth, int toHeight) {
+      return Sheared(source, lines, toWidth, toHeight, factor, kClear);
+    };
+  };
+  const auto turn = [=](const Picture& source, int, int) { return FlipRotated(source, false, false, quarters % 4); };
+  return {{w, h, turn},
+          {sheared, h, shear(Lines::Rows, along)},
+          {sheared, shearedDown, shear(Lines::Columns, down)},
+          {resultWidth, resultHeight, shear(Lines::Rows, along)}};
 }
 
 }  // namespace model
