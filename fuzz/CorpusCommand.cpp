@@ -5,11 +5,13 @@
 //   fuzz_corpus unpack FILE FOLDER    writes the inputs of a corpus, one file each
 //   fuzz_corpus pack FOLDER FILE      makes the files of a folder the corpus, and says what has
 //                                     changed. An input that was a finding stays in any case.
+//                                     Inputs of methods name their method as the table does.
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
 
 #include "Corpus.h"
+#include "MethodInput.h"
 #include "Seeds.h"
 
 namespace fuzz {
@@ -50,6 +52,9 @@ bool WasFinding(const std::string& name) {
 void Pack(const std::filesystem::path& folder, const std::filesystem::path& file) {
   const Corpus before = std::filesystem::exists(file) ? Unpacked(ReadBytes(file)) : Corpus();
   Corpus corpus = FilesIn(folder);
+  for (auto& [name, bytes] : corpus) {
+    if (file.stem() == "methods" && !bytes.empty()) bytes[0] = MethodByte(bytes[0]);
+  }
   for (const auto& [name, bytes] : before) {
     if (WasFinding(name)) corpus[name] = bytes;
   }

@@ -5,6 +5,8 @@
 
 #include <stdexcept>
 
+#include "support/MethodTable.h"
+
 namespace {
 
 using fuzz::Bytes;
@@ -45,6 +47,14 @@ TEST(Corpus, RefusesWhatItWouldNotWrite) {
 TEST(Corpus, OfEveryTargetIsThere) {
   for (const std::string target : {"methods", "kernels", "picture_file", "command_line"}) {
     EXPECT_GT(fuzz::Unpacked(fuzz::ReadBytes(LMX_FUZZ_FOLDER "/" + target + ".corpus")).size(), 100u) << target;
+  }
+}
+
+// Any other byte would mean another method when one is added.
+TEST(Corpus, NamesMethodsByTheirPlaces) {
+  for (const auto& [name, bytes] : fuzz::Unpacked(fuzz::ReadBytes(LMX_FUZZ_FOLDER "/methods.corpus"))) {
+    ASSERT_FALSE(bytes.empty()) << name;
+    EXPECT_LT(bytes[0], support::Methods().size()) << name;
   }
 }
 

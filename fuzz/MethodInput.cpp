@@ -204,8 +204,13 @@ Value ArgumentOf(const ArgumentInput& argument, char type, const StoredPicture* 
 
 }  // namespace
 
+std::uint8_t MethodByte(std::uint8_t byte) {
+  constexpr std::uint8_t kFirstMethods = 16;  // stays when methods are added
+  return byte < Methods().size() ? byte : byte % kFirstMethods;
+}
+
 const Method& MethodOf(const MethodInput& input) {
-  return Methods()[input.method % Methods().size()];
+  return Methods()[MethodByte(input.method)];
 }
 
 MethodInput Decode(const std::uint8_t* bytes, std::size_t size) {

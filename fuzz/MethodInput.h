@@ -64,6 +64,9 @@ struct MethodInput {
   std::vector<std::uint32_t> words;
 };
 
+/// The method that a byte means, as its place in the table: in a corpus, a byte that is not a place
+/// would mean another method once there is one at that place.
+std::uint8_t MethodByte(std::uint8_t byte);
 const Method& MethodOf(const MethodInput& input);
 
 MethodInput Decode(const std::uint8_t* bytes, std::size_t size);
