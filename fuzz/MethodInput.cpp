@@ -149,6 +149,54 @@ support::NewPicture NewPictureOf(const PictureInput& input) {
   return {form, LayoutOf(input, form, 0), FaultOf(input), VariantOf(input)};
 }
 
+// Adds the picture's defect to its shape.
+void Spoil(const PictureInput& input, host::PictureShape& shape) {
+  static constexpr int kDepths[] = {1, 8, 16, 24, 31, 33, 64, 128};
+  const bool context = shape.storage == host::Storage::BitmapContext;
+  const int amount = (input.amount ^ 0x80) - 0x80;
+  switch (WrongKind(input.defect)) {
+    case 1:
+      shape.width = std::max(shape.width + amount, 0);
+      break;
+    case 2:
+      shape.height = std::max(shape.height + amount, 0);
+      break;
+    case 3:
+      shape.width = amount < 0 ? amount : -1;
+      break;
+    case 4:
+      shape.height = amount < 0 ? INT_MIN : -1;
+      break;
+    case 5:
+      if (context) shape.defects.bytesPerRow = amount;
+      break;
+    case 6:
+      if (context) shape.defects.bytesPerRow = -4 * shape.width - (amount & 15);
+      break;
+    case 7:
+      if (context) shape.defects.bitsPerPixel = kDepths[amount & 7];
+      break;
+    case 8:
+      if (!context) shape.defects.nilRowTable = true;
+      break;
+    case 9:
+      if (!context && shape.height > 0) shape.defects.nilRows = {(amount & 127) % shape.height};
+      break;
+    case 10:
+      // One form that claims to be the other would be a lie that nobody can notice.
+      if (const auto type = static_cast<std::uint32_t>(amount);
+          type != kPictureTypeBitmapContext && type != kPictureTypeBuffer) {
+        shape.defects.pictureType = type;
+      }
+      break;
+    case 11:
+      (context ? shape.defects.nilPixels : shape.defects.nilData) = true;
+      break;
+    default:
+      break;
+  }
+}
+
 std::int32_t Integer(const ArgumentInput& argument, const StoredPicture* source) {
   static constexpr std::int32_t kAwkward[] = {INT_MIN, INT_MIN + 1, INT_MAX, INT_MAX - 1, -90,   -89,   -1,    90,
                                               180,     270,         359,     360,         32767, 32768, 65535, 65536};
@@ -232,6 +280,16 @@ support::Setting SettingOf(const MethodInput& input) {
   support::Setting setting;
   setting.mostPixels = kMostNewPixels;
   for (const PictureInput& picture : input.newPictures) setting.newPictures.push_back(NewPictureOf(picture));
+  const std::vector<PictureInput> made(std::begin(input.newPictures), std::end(input.newPictures));
+  setting.spoilNew = [made](int ordinal, host::PictureShape& shape) {
+    const auto index = static_cast<std::size_t>(ordinal) - 1;
+    if (index < made.size()) Spoil(made[index], shape);
+  };
+  setting.spoilSource = [picture = input.sourcePicture](host::PictureShape& shape) {
+    const int height = shape.height;
+    Spoil(picture, shape);
+    if (shape.height != height) shape.defects.nilRows.clear();
+  };
   if (!MethodOf(input).hasSource || input.source.flaw == 255) return setting;
   setting.source = SourceOf(input);
   setting.layout = LayoutOf(input.sourcePicture, setting.source->form, setting.source->height);
@@ -262,61 +320,12 @@ bool HasDefects(const MethodInput& input) {
          std::any_of(std::begin(input.newPictures), std::end(input.newPictures), spoiled);
 }
 
-void Spoil(const PictureInput& input, host::PictureShape& shape) {
-  static constexpr int kDepths[] = {1, 8, 16, 24, 31, 33, 64, 128};
-  const bool context = shape.storage == host::Storage::BitmapContext;
-  const int amount = (input.amount ^ 0x80) - 0x80;
-  switch (WrongKind(input.defect)) {
-    case 1:
-      shape.width = std::max(shape.width + amount, 0);
-      break;
-    case 2:
-      shape.height = std::max(shape.height + amount, 0);
-      break;
-    case 3:
-      shape.width = amount < 0 ? amount : -1;
-      break;
-    case 4:
-      shape.height = amount < 0 ? INT_MIN : -1;
-      break;
-    case 5:
-      if (context) shape.defects.bytesPerRow = amount;
-      break;
-    case 6:
-      if (context) shape.defects.bytesPerRow = -4 * shape.width - (amount & 15);
-      break;
-    case 7:
-      if (context) shape.defects.bitsPerPixel = kDepths[amount & 7];
-      break;
-    case 8:
-      if (!context) shape.defects.nilRowTable = true;
-      break;
-    case 9:
-      if (!context && shape.height > 0) shape.defects.nilRows = {(amount & 127) % shape.height};
-      break;
-    case 10:
-      // One form that claims to be the other would be a lie that nobody can notice.
-      if (const auto type = static_cast<std::uint32_t>(amount);
-          type != kPictureTypeBitmapContext && type != kPictureTypeBuffer) {
-        shape.defects.pictureType = type;
-      }
-      break;
-    case 11:
-      (context ? shape.defects.nilPixels : shape.defects.nilData) = true;
-      break;
-    default:
-      break;
-  }
-}
-
-FaultKind KindOf(const FaultInput& fault) {
+support::HostFault HostFaultOf(const FaultInput& fault) {
+  using support::FaultKind;
   static constexpr FaultKind kKinds[] = {FaultKind::Fail, FaultKind::Throw, FaultKind::Withhold,
                                          FaultKind::ConstructorThrows};
-  return fault.kind < kWrong ? FaultKind::None : kKinds[fault.kind % std::size(kKinds)];
-}
-
-host::Service ServiceOf(const FaultInput& fault) {
-  return host::kServices[fault.service % host::kServiceCount];
+  const FaultKind kind = fault.kind < kWrong ? FaultKind::None : kKinds[fault.kind % std::size(kKinds)];
+  return {kind, host::kServices[fault.service % host::kServiceCount], fault.at + 1};
 }
 
 }  // namespace fuzz

@@ -5,9 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/Service.h"
-#include "support/MethodTable.h"
-#include "support/PluginTest.h"
+#include "support/Expectation.h"
 
 namespace fuzz {
 
@@ -46,7 +44,7 @@ struct ArgumentInput {
 };
 
 struct FaultInput {
-  std::uint8_t kind = 0;     ///< see KindOf
+  std::uint8_t kind = 0;     ///< see HostFaultOf
   std::uint8_t service = 0;  ///< index of host::kServices
   std::uint8_t at = 0;       ///< which call, or new picture, counted from 0
 };
@@ -74,18 +72,12 @@ std::vector<std::uint8_t> Encode(const MethodInput& input);
 
 // What an input means.
 
-/// What the reference model knows of: everything but defects and faults of services.
 support::Setting SettingOf(const MethodInput& input);
 std::vector<host::Value> Arguments(const MethodInput& input);
 double HostVersion(const MethodInput& input);
+support::HostFault HostFaultOf(const FaultInput& fault);
 
-/// Whether the reference model does not know what comes of it.
+/// Whether a picture is malformed.
 bool HasDefects(const MethodInput& input);
-/// Adds the picture's defect to its shape.
-void Spoil(const PictureInput& input, host::PictureShape& shape);
-
-enum class FaultKind { None, Fail, Throw, Withhold, ConstructorThrows };
-FaultKind KindOf(const FaultInput& fault);
-host::Service ServiceOf(const FaultInput& fault);
 
 }  // namespace fuzz

@@ -1,8 +1,7 @@
-// The methods: a call with any arguments on any picture, in a host that works or does not. A call
-// that the reference model covers is compared with it to the last pixel and yield.
-
-#include "FaultyCall.h"
+// The methods: a call with any arguments on any picture, in a host that works or does not, compared
+// with the reference model.
 #include "Finding.h"
+#include "InputCall.h"
 #include "host/Host.h"
 #include "support/PluginTest.h"
 
@@ -11,11 +10,7 @@ namespace {
 
 class CleanCall : public support::PluginTest {
  public:
-  void Check(const MethodInput& input) {
-    const Method& method = MethodOf(input);
-    const support::Setting setting = SettingOf(input);
-    CheckCall({method, Arguments(input)}, setting);
-  }
+  void Check(const MethodInput& input) { CheckCall({MethodOf(input), Arguments(input)}, SettingOf(input)); }
 
  private:
   void TestBody() override {}
@@ -43,11 +38,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const fuzz::MethodInput input = fuzz::Decode(bytes, size);
   if (fuzz::ConcernsLoading(input)) {
     fuzz::CheckLoad(input);
-  } else if (fuzz::KindOf(input.fault) == fuzz::FaultKind::None && !fuzz::HasDefects(input) &&
+  } else if (fuzz::HostFaultOf(input.fault).kind == support::FaultKind::None && !fuzz::HasDefects(input) &&
              fuzz::MethodOf(input).byModel) {
     fuzz::CleanCall().Check(input);
   } else {
-    fuzz::CheckFaultyCall(input);
+    fuzz::CheckInputCall(input);
   }
   return 0;
 }

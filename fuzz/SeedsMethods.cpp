@@ -12,6 +12,8 @@
 namespace fuzz {
 namespace {
 
+using support::FaultKind;
+
 constexpr std::uint8_t kNearWidth = 1;   // of an integer: the source's width and a little
 constexpr std::uint8_t kNearHeight = 2;  // the same for its height
 constexpr std::uint8_t kRaw = 4;         // its 32 bits
@@ -176,8 +178,9 @@ class Collection {
         for (std::uint8_t at = 0; at < 4; ++at) {
           MethodInput input = usual;
           input.fault = {kind, service, at};
-          const bool once = KindOf(input.fault) == FaultKind::Withhold || ConcernsStart(input.fault);
-          const bool byService = KindOf(input.fault) != FaultKind::ConstructorThrows;
+          const support::HostFault fault = HostFaultOf(input.fault);
+          const bool once = fault.kind == FaultKind::Withhold || fault.service <= host::Service::GetClassRef;
+          const bool byService = fault.kind != FaultKind::ConstructorThrows;
           if ((at == 0 || !once) && (service == 0 || byService)) Add(input);
         }
       }
@@ -192,8 +195,6 @@ class Collection {
   std::vector<Bytes> Take() { return std::move(seeds_); }
 
  private:
-  static bool ConcernsStart(const FaultInput& fault) { return ServiceOf(fault) <= host::Service::GetClassRef; }
-
   std::vector<Bytes> seeds_;
 };
 

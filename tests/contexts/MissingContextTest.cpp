@@ -4,16 +4,14 @@
 
 #include <string>
 
-#include "plugin/FaultsCases.h"
+#include "plugin/FaultsTest.h"
 
 namespace faults {
 
-using host::PictureShape;
-using host::Storage;
+using model::Form;
 
 namespace {
 
-constexpr Forms kBuffersOnly = {Storage::Buffer, Storage::Buffer};
 const char* const kFunctions[] = {"CGBitmapContextGetWidth", "CGBitmapContextGetHeight",
                                   "CGBitmapContextGetBitsPerPixel", "CGBitmapContextGetBytesPerRow",
                                   "CGBitmapContextGetData"};
@@ -22,15 +20,14 @@ const char* const kFunctions[] = {"CGBitmapContextGetWidth", "CGBitmapContextGet
 
 class MissingContext : public FaultsTest {
  protected:
-  // The nth new picture is a bitmap context, the others are buffers.
-  Ran RunWithContext(const MethodCase& method, std::size_t made) {
-    const Ran ran = Run(method, kBuffersOnly, [&] {
-      host_->newPictures.change = [made](int ordinal, PictureShape& shape) {
-        if (ordinal == static_cast<int>(made) + 1) shape.storage = Storage::BitmapContext;
-      };
-    });
-    host_->newPictures.change = nullptr;
-    return ran;
+  // With a source of that form, and buffers as new pictures.
+  static void ForEveryOperationOn(Form source, const Body& body) {
+    for (const Operation& operation : support::Operations()) {
+      SCOPED_TRACE(operation.name);
+      Setting setting = SettingOf(operation, source, Form::Buffer);
+      setting.lacksContexts = true;
+      body(CallOf(operation), setting);
+    }
   }
 };
 
@@ -42,42 +39,29 @@ TEST_F(MissingContext, ItAloneIsMissing) {
 }
 
 TEST_F(MissingContext, SourcesCannotBeLocked) {
-  for (const MethodCase& method : Methods()) {
-    if (!method.hasSource) continue;
-    SCOPED_TRACE(method.name);
-    const Ran ran = Run(method, Forms{Storage::BitmapContext, Storage::Buffer});
-    ExpectFailure(method, method.source, ran);
-    EXPECT_TRUE(ran.leaks.empty());
-    EXPECT_EQ(Sequence(method, ran), std::vector<std::string>({"lock S", "unlock S"}));
-  }
+  ForEveryOperationOn(Form::BitmapContext, [this](const MethodCall& call, const Setting& setting) {
+    if (!call.method->hasSource) return;
+    Check(call, setting);
+    EXPECT_EQ(ServiceCalls(*call.method, *host_), std::vector<std::string>({"lock S", "unlock S"}));
+  });
 }
 
 TEST_F(MissingContext, NewPicturesCannotBeLocked) {
-  for (const MethodCase& method : Methods()) {
-    for (std::size_t made = 0; made < method.made.size(); ++made) {
-      SCOPED_TRACE(testing::Message() << method.name << ", new picture " << made + 1);
-      const bool result = method.made[made] == Role::Result;
-      const Failure& expected = result ? method.resultLock : method.temporary;
-      const Ran ran = RunWithContext(method, made);
-      ExpectFailure(method, expected, ran);
-      const bool left = result && !expected.returnsResult;
-      EXPECT_EQ(ran.leaks.size(), left ? 1u : 0u) << "a temporary picture is given up, a result never";
+  ForEveryOperationOn(Form::Buffer, [this](const MethodCall& call, const Setting& setting) {
+    for (std::size_t made = 0; made < std::string(call.method->made).size(); ++made) {
+      SCOPED_TRACE(made);
+      Setting context = setting;
+      context.newPictures[made].form = Form::BitmapContext;
+      Check(call, context);
     }
-  }
+  });
 }
 
 TEST_F(MissingContext, BuffersWork) {
-  for (const MethodCase& method : Methods()) {
-    SCOPED_TRACE(method.name);
-    const Ran ran = Run(method, kBuffersOnly);
-    EXPECT_EQ(ran.code, 0);
-    EXPECT_EQ(Sequence(method, ran), method.sequence);
-    ASSERT_EQ(!ran.result.IsNil(), method.MakesResult());
-    if (ran.result) {
-      EXPECT_FALSE(ran.result.SamePixels(host::Picture(ran.result.Shape()))) << "nothing has been painted";
-    }
-    EXPECT_TRUE(ran.leaks.empty());
-  }
+  ForEveryOperationOn(Form::Buffer, [this](const MethodCall& call, const Setting& setting) {
+    EXPECT_EQ(Check(call, setting), 0);
+    EXPECT_EQ(ServiceCalls(*call.method, *host_), ServiceCalls(*call.method));
+  });
 }
 
 }  // namespace faults

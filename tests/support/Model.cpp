@@ -238,8 +238,11 @@ Outcome Stretch(const StoredPicture* source, int width, int height, int yield, c
       outcome.code = 5;
       return;
     }
-    if (temporary->height == 0) return;  // a host out of memory may make one of 0 x 0
     const auto paint = [&](const StoredPicture& from, Lines lines, StoredPicture& to, std::size_t number) {
+      const bool alongRows = lines == Lines::Rows;
+      const int length = alongRows ? from.width : from.height, newLength = alongRows ? to.width : to.height;
+      // The host may make pictures of other sizes than it was asked for.
+      if (length < 1 || newLength < 1 || StretchIsTooFar(length, newLength)) return;
       Pass pass(outcome, yield, Rule::YieldMakeCount, number, {1, 2});
       pass.Paint(Stretched(View(from), lines, to.width, to.height), to);
     };

@@ -122,12 +122,36 @@ host::Defects DefectsFor(Fault fault, Form form, unsigned variant) {
   return defects;
 }
 
-host::Picture ToHost(const StoredPicture& picture, const host::Layout& layout, unsigned variant) {
+host::PictureShape ShapeOf(const StoredPicture& picture, const host::Layout& layout, unsigned variant) {
   host::PictureShape shape = {picture.width, picture.height, picture.form, layout,
                               DefectsFor(picture.fault, picture.form, variant)};
   shape.defects.nilRows.assign(picture.missingRows.begin(), picture.missingRows.end());
-  host::Picture made(shape);
-  if (!shape.defects.nilPixels) made.SetStoredPixels(picture.words);
+  return shape;
+}
+
+StoredPicture ValueOf(const host::PictureShape& shape) {
+  constexpr std::int64_t kMostPixels = 1 << 28;  // for more the host has no memory
+  const host::Defects& defects = shape.defects;
+  const bool context = shape.storage == host::Storage::BitmapContext;
+  const bool tooLarge = shape.width > 0 && std::int64_t{shape.width} * shape.height > kMostPixels;
+  const bool nilData = defects.nilData || tooLarge;
+  StoredPicture value(shape.storage, nilData ? 0 : shape.width, nilData ? 0 : shape.height, host::kUnwritten);
+  value.missingRows.insert(defects.nilRows.begin(), defects.nilRows.end());
+  if (defects.bitsPerPixel != 32 || defects.nilRowTable) {
+    for (int y = 0; y < value.height; ++y) value.missingRows.insert(y);
+  }
+  if (context && (nilData || (defects.nilPixels && !value.words.empty()))) value.fault = Fault::NoPixels;
+  if (defects.refusesLock || defects.pictureType) value.fault = Fault::UnusableType;
+  return value;
+}
+
+bool HasWords(const host::PictureShape& shape) {
+  return shape.defects.bitsPerPixel == 32 && !shape.defects.nilPixels && !shape.defects.nilData;
+}
+
+host::Picture ToHost(const StoredPicture& picture, const host::Layout& layout, unsigned variant) {
+  host::Picture made(ShapeOf(picture, layout, variant));
+  if (!made.Shape().defects.nilPixels) made.SetStoredPixels(picture.words);
   return made;
 }
 
@@ -152,6 +176,14 @@ std::string Difference(const StoredPicture& expected, const StoredPicture& got) 
     }
   }
   return Shape(expected) + ", " + std::to_string(count) + " pixels differ:" + text;
+}
+
+std::string Difference(const StoredPicture& expected, const host::Picture& got) {
+  if (expected.fault != Fault::None) return "";
+  if (HasWords(got.Shape())) return Difference(expected, FromHost(got));
+  const bool isContext = got.Shape().storage == host::Storage::BitmapContext;
+  const bool unchanged = !isContext || got.TakeSnapshot() == host::Picture(got.Shape()).TakeSnapshot();
+  return unchanged ? "" : "a picture whose pixels cannot be told has changed";
 }
 
 }  // namespace support

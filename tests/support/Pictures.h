@@ -23,10 +23,18 @@ host::Layout RandomLayout(Random& random, model::Form form);
 /// picks.
 host::Defects DefectsFor(model::Fault fault, model::Form form, unsigned variant);
 
+/// The shape of a picture, and what a picture of a shape is to the plug-in when nobody has written
+/// to it: one that hides its pixels has no row that could be read.
+host::PictureShape ShapeOf(const model::StoredPicture& picture, const host::Layout& layout, unsigned variant = 0);
+model::StoredPicture ValueOf(const host::PictureShape& shape);
+/// Whether the picture has words that a test can read.
+bool HasWords(const host::PictureShape& shape);
 host::Picture ToHost(const model::StoredPicture& picture, const host::Layout& layout, unsigned variant = 0);
 model::StoredPicture FromHost(const host::Picture& picture);
 
 /// Where two pictures differ, in words; empty if they do not.
 std::string Difference(const model::StoredPicture& expected, const model::StoredPicture& got);
+/// The same; of a picture that hides its pixels, whether any memory has changed.
+std::string Difference(const model::StoredPicture& expected, const host::Picture& got);
 
 }  // namespace support

@@ -65,7 +65,15 @@ struct Setting {
   unsigned variant = 0;                        ///< of the source's fault
   std::vector<NewPicture> newPictures;         ///< in order; more are like the default
   std::int64_t mostPixels = 1 << 17;           ///< for a larger new picture the host has no memory
+
+  // Malformed pictures. These change shapes after everything above.
+  std::function<void(host::PictureShape& shape)> spoilSource = {};
+  std::function<void(int ordinal, host::PictureShape& shape)> spoilNew = {};
+  bool lacksContexts = false;  ///< no process function tells the pixels of a bitmap context
 };
+
+/// What a picture of a shape is to the plug-in then.
+model::StoredPicture ValueIn(const Setting& setting, const host::PictureShape& shape);
 
 /// What the host makes in that setting, which must outlive them: as values, and as the host is told
 /// (host::NewPictures).

@@ -1,5 +1,4 @@
-// A call in which the host does something wrong whose outcome the reference
-// model alone cannot tell.
+// What an input of the methods' target means is done, and compared with the reference model.
 #pragma once
 
 #include <optional>
@@ -9,11 +8,9 @@
 
 namespace fuzz {
 
-/// Makes the call and reports what must not come of it. What must come of a single fault of a
-/// service is told by the reference model; with defective pictures only what holds for every call
-/// is checked: no lock or reference is lost, nothing is written beside or into pictures that are
-/// not the call's to write, a failure gives nothing, the next call works.
-void CheckFaultyCall(const MethodInput& input);
+/// Makes the call and reports whatever is not as support::CheckFaultyCall expects. The next call
+/// must work.
+void CheckInputCall(const MethodInput& input);
 
 /// The same in a host that has had the plug-in for a while, and that was told to collect
 /// complaints. The fault is none that withholds a service, since the plug-in may know it already.
