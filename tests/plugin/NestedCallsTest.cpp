@@ -1,10 +1,10 @@
 // Calls from inside a yield of another call, to any depth: both must give what the reference model
 // gives, also where they share a picture, and where an exception leaves some of them.
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 
 #include "support/Cases.h"
+#include "support/Expectation.h"
 #include "support/Pictures.h"
 #include "support/RandomArguments.h"
 #include "support/RandomSettings.h"
@@ -18,54 +18,38 @@ using model::Form;
 using model::Outcome;
 using model::StoredPicture;
 using support::FromHost;
-using support::Method;
+using support::MethodCall;
 using support::NewPicture;
 using support::OneIn;
+using support::Operation;
 using support::Setting;
 
 constexpr Form kForms[] = {Form::BitmapContext, Form::Buffer};
-constexpr int kWidth = 9;
-constexpr int kHeight = 7;
+constexpr support::Size kResult = {9, 8};
+constexpr const char* kNeverYields = "LMX_Trim";
 
 class Interrupted : public std::runtime_error {
  public:
   Interrupted() : std::runtime_error("interrupted") {}
 };
 
-// The methods that work on pictures.
-std::vector<const Method*> PictureMethods() {
-  std::vector<const Method*> methods;
-  for (const Method& method : support::Methods()) {
-    if (method.byModel) methods.push_back(&method);
-  }
-  return methods;
+// One operation of every method, with the odd arguments of tests where there are such.
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> operations = [] {
+    std::vector<Operation> ofMethods;
+    for (const Operation& operation : support::Operations()) {
+      const bool isFirst = ofMethods.empty() || std::string(ofMethods.back().method) != operation.method;
+      if (isFirst) ofMethods.push_back(operation);
+      if (ofMethods.back().measured && !operation.measured) ofMethods.back() = operation;
+    }
+    return ofMethods;
+  }();
+  return operations;
 }
 
-const Method& MethodOf(const std::string& name) {
-  return *std::find_if(support::Methods().begin(), support::Methods().end(),
-                       [&](const Method& method) { return method.name == name; });
-}
-
-// What stands between the source and the pace of yields.
-const std::vector<Value>& ArgumentsOf(const Method& method) {
-  static const Value kFrame = Colour{0x40208060}, kOther = Colour{0x00F0A010};
-  static const std::map<std::string, std::vector<Value>> arguments = {
-      {"LMX_AdjustHSV", {1, 1, 5, 4, 40.0, 1.0, 2.0, false}},
-      {"LMX_AdjustHSV_InPlace", {1, 1, 5, 4, -70.0, 2.0, 1.0, false}},
-      {"LMX_GetAverageHSV", {1, 0, 6, 5, -7.0, -8.0, -9.0}},
-      {"LMX_AdjustRGB", {1, 1, 5, 4, 10, -20, 30}},
-      {"LMX_AdjustRGB_InPlace", {0, 0, 8, 6, 30, 20, -10}},
-      {"LMX_GetAverageRGB", {1, 0, 6, 5, -7, -8, -9}},
-      {"LMX_FlipRotate", {true, false, 90}},
-      {"LMX_FreeRotateByShear", {130.0, kFrame}},
-      {"LMX_MakeGradient", {kWidth, kHeight, kFrame, kOther}},
-      {"LMX_MakeDoubleGradient", {kHeight, kWidth, kOther, kFrame, kOther}},
-      {"LMX_ShearHorizontal", {14, 8, 0.4, kFrame}},
-      {"LMX_ShearVertical", {8, 12, -0.6, kOther}},
-      {"LMX_Stretch", {13, 5}},
-      {"LMX_Trim", {-1, 1, 10, 7, kFrame}},
-  };
-  return arguments.at(method.name);
+// With a yield after every line.
+MethodCall CallOf(const Operation& operation) {
+  return MethodCall(operation, kResult, Colour{0x40208060}, 1);
 }
 
 Setting NewPicturesOf(Form form) {
@@ -94,13 +78,12 @@ class NestedCalls : public testing::Test {
 
   // Calls a method on a picture of the host and compares everything with the reference model. What
   // it yields to may call this again.
-  void Check(const Method& method, const std::vector<Value>& arguments, Setting setting, Picture source,
-             const AtYield& atYield = nullptr) {
-    SCOPED_TRACE(method.name);
+  void Check(const MethodCall& call, Setting setting, Picture source, const AtYield& atYield = nullptr) {
+    SCOPED_TRACE(call.method->name);
     if (source && !setting.source) setting.source = FromHost(source);
-    const Outcome expected = method.byModel(setting.source ? &*setting.source : nullptr, arguments, NewValues(setting));
-    std::vector<Value> passed = arguments;
-    if (method.hasSource) passed.insert(passed.begin(), Value(source));
+    const Outcome expected = call.ByModel(setting.source, NewValues(setting));
+    std::vector<Value> passed = call.arguments;
+    if (call.method->hasSource) passed.insert(passed.begin(), Value(source));
     const int locksBefore = source ? source.Locks() : 0;
     code_ = expected.code;
 
@@ -108,12 +91,12 @@ class NestedCalls : public testing::Test {
     levels_.push_back(&level);
     support::Called called;
     try {
-      host::Outcome outcome = host_.Call(method.name, passed);
+      host::Outcome outcome = host_.Call(call.method->name, passed);
       called.result = outcome.result.AsPicture();
       called.arguments = std::move(outcome.arguments);
     } catch (const Interrupted&) {
       levels_.pop_back();
-      CheckLeft(expected, level, source);
+      CheckLeft(call, level, source);
       throw;
     }
     levels_.pop_back();
@@ -126,22 +109,18 @@ class NestedCalls : public testing::Test {
     support::CheckResults(expected, setting, passed, called);
   }
 
-  // The same with the method's usual arguments, and a picture of its own.
-  void Check(const Method& method, Form form, const AtYield& atYield = nullptr) {
+  // The same with a picture of its own.
+  void Check(const Operation& operation, Form form, const AtYield& atYield = nullptr) {
     Random random(static_cast<std::uint64_t>(form));
+    const MethodCall call = CallOf(operation);
     Setting setting = NewPicturesOf(form);
     Picture source;
-    if (method.hasSource) {
-      setting.source = support::RandomPicture(random, form, kWidth, kHeight);
+    if (call.method->hasSource) {
+      const auto [width, height] = operation.SourceOf(kResult);
+      setting.source = support::RandomPicture(random, form, width, height);
       source = support::ToHost(*setting.source, {}, 0);
     }
-    Check(method, EveryLine(method), setting, source, atYield);
-  }
-
-  static std::vector<Value> EveryLine(const Method& method) {
-    std::vector<Value> arguments = ArgumentsOf(method);
-    arguments.emplace_back(1);
-    return arguments;
+    Check(call, setting, source, atYield);
   }
 
   int LastError() { return host_.Call("GetLastError", {}).result.AsInteger(); }
@@ -163,18 +142,13 @@ class NestedCalls : public testing::Test {
     if (level.atYield) level.atYield(yield);
   }
 
-  // A result that was begun is nobody's any more; in place, the lines that were done are done.
-  void CheckLeft(const Outcome& expected, const Level& level, const Picture& source) {
-    const model::Yield& last = expected.yields.at(static_cast<std::size_t>(level.yields - 1));
-    if (expected.result != 0) {
-      lost_ += static_cast<std::size_t>(std::count(last.alive.begin(), last.alive.end(), expected.result));
-    }
+  void CheckLeft(const MethodCall& call, const Level& level, const Picture& source) {
+    const support::HostFault fault = {support::FaultKind::ProgramThrows, {}, level.yields};
+    const support::Expectation expected = Expect(call, level.setting, fault);
+    lost_ += expected.leaks;
     if (!source) return;
     EXPECT_EQ(source.Locks(), 0);
-    StoredPicture want = *level.setting.source;
-    if (expected.changed) {
-      std::copy_n(expected.changed->words.begin(), last.linesDone * want.width, want.words.begin());
-    }
+    const StoredPicture& want = expected.outcome.changed.value_or(*level.setting.source);
     EXPECT_EQ(support::Difference(want, FromHost(source)), "") << "the source of a call that was left";
   }
 
@@ -186,19 +160,19 @@ class NestedCalls : public testing::Test {
 // ------------------------------------------------------------------------------------------- pairs
 
 TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
-  for (const Method* outer : PictureMethods()) {
-    for (const Method* inner : PictureMethods()) {
-      SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
+  for (const Operation& outer : Operations()) {
+    for (const Operation& inner : Operations()) {
+      SCOPED_TRACE(testing::Message() << inner.name << " inside " << outer.name);
       int yields = 0;
       for (const Form form : kForms) {
         for (const Form innerForm : kForms) {
-          Check(*outer, form, [&](int) {
+          Check(outer, form, [&](int) {
             ++yields;
-            Check(*inner, innerForm);
+            Check(inner, innerForm);
           });
         }
       }
-      ASSERT_EQ(yields == 0, std::string(outer->name) == "LMX_Trim") << "only a trim never yields";
+      ASSERT_EQ(yields == 0, std::string(outer.method) == kNeverYields);
       if (HasFailure()) return;
     }
   }
@@ -214,8 +188,8 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
     std::size_t made = 0;  // the new picture that is unusable
   };
   constexpr auto kUnusable = model::Fault::UnusableType;
-  const std::vector<Value>& hsv = ArgumentsOf(MethodOf("LMX_AdjustHSV"));
-  const std::vector<Value>& rgb = ArgumentsOf(MethodOf("LMX_AdjustRGB"));
+  const std::vector<Value> hsv = {1, 1, 5, 4, 40.0, 1.0, 2.0, false};
+  const std::vector<Value> rgb = {1, 1, 5, 4, 10, -20, 30};
   const auto with = [](std::vector<Value> arguments, std::size_t index, const Value& value) {
     arguments[index] = value;
     return arguments;
@@ -238,23 +212,23 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
       {44, "LMX_AdjustHSV", with(hsv, 5, 1000.0)},
       {45, "LMX_AdjustHSV", with(hsv, 6, 1000.0)},
   };
-  for (const Method* outer : PictureMethods()) {
+  for (const Operation& outer : Operations()) {
     for (const Failing& inner : failing) {
-      SCOPED_TRACE(testing::Message() << inner.code << " inside " << outer->name);
+      SCOPED_TRACE(testing::Message() << inner.code << " inside " << outer.name);
       const auto fail = [&](int yield) {
         if (yield != 0) return;
-        std::vector<Value> arguments = inner.arguments;
-        arguments.emplace_back(0);
+        MethodCall call(inner.name, inner.arguments);
+        call.arguments.emplace_back(0);
         Setting setting = NewPicturesOf(Form::Buffer);
         if (inner.made != 0) setting.newPictures[inner.made - 1].fault = kUnusable;
-        if (inner.code == 2) return Check(MethodOf(inner.name), arguments, setting, {});
-        setting.source = StoredPicture(Form::Buffer, kWidth, kHeight);
+        if (inner.code == 2) return Check(call, setting, Picture());
+        setting.source = StoredPicture(Form::Buffer, kResult.width, kResult.height);
         setting.source->fault = inner.source;
         const Picture source = support::ToHost(*setting.source, {}, 0);
-        Check(MethodOf(inner.name), arguments, setting, source);
+        Check(call, setting, source);
         EXPECT_EQ(LastError(), inner.code);
       };
-      Check(*outer, Form::BitmapContext, fail);
+      Check(outer, Form::BitmapContext, fail);
       if (HasFailure()) return;
     }
   }
@@ -263,34 +237,68 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
 // --------------------------------------------------------------------------------- shared pictures
 
 TEST_F(NestedCalls, CallsInsideReadTheSameSource) {
-  for (const Method* outer : PictureMethods()) {
-    for (const Method* inner : PictureMethods()) {
-      if (!outer->hasSource || !inner->hasSource || inner->InPlace()) continue;
+  for (const Operation& outer : Operations()) {
+    for (const Operation& inner : Operations()) {
+      const MethodCall outerCall = CallOf(outer), innerCall = CallOf(inner);
+      if (!outerCall.method->hasSource || !innerCall.method->hasSource || innerCall.method->InPlace()) continue;
       for (const Form form : kForms) {
-        SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
+        SCOPED_TRACE(testing::Message() << inner.name << " inside " << outer.name);
         Random random(1);
-        const Picture source = support::ToHost(support::RandomPicture(random, form, kWidth, kHeight), {}, 0);
-        Check(*outer, EveryLine(*outer), NewPicturesOf(form), source, [&](int) {
+        const auto [width, height] = outer.SourceOf(kResult);
+        const Picture source = support::ToHost(support::RandomPicture(random, form, width, height), {}, 0);
+        Check(outerCall, NewPicturesOf(form), source, [&](int) {
           EXPECT_EQ(source.Locks(), 1);
-          Check(*inner, EveryLine(*inner), NewPicturesOf(form), source);
+          Check(innerCall, NewPicturesOf(form), source);
         });
       }
     }
   }
 }
 
+TEST_F(NestedCalls, EachHoldsALockOfTheSameSource) {
+  constexpr int kDepth = 20;
+  const MethodCall call("AdjustHSV", {1, 1, 5, 4, 40.0, 1.0, 2.0, false, 1});
+  Random random(1);
+  const Picture source = support::ToHost(support::RandomPicture(random, Form::Buffer, 9, 8), {}, 0);
+  int depth = 0;
+  const std::function<void(int)> inside = [&](int yield) {
+    if (yield != 0 || depth == kDepth) return;
+    EXPECT_EQ(source.Locks(), ++depth);
+    Check(call, NewPicturesOf(Form::Buffer), source, inside);
+  };
+  Check(call, NewPicturesOf(Form::Buffer), source, inside);
+  EXPECT_EQ(depth, kDepth);
+}
+
+// Both add 1: rows before the yield by the outer call first, rows after it by the inner one.
+TEST_F(NestedCalls, ChangesOfTheSamePictureAddUp) {
+  for (const Form form : kForms) {
+    const StoredPicture before(form, 6, 5, form == Form::Buffer ? 0x00203040 : 0xFF203040);
+    const Picture source = support::ToHost(before, {}, 0);
+    int yields = 0;
+    host_.onYield = [&] {
+      if (++yields == 3) host_.Call("AdjustRGB_InPlace", {source, 0, 0, 5, 4, 1, 1, 1, 1});
+    };
+    host_.Call("AdjustRGB_InPlace", {source, 0, 0, 5, 4, 1, 1, 1, 1});
+    for (const std::uint32_t word : source.StoredPixels()) EXPECT_EQ(word & 0xFFFFFF, 0x223242u);
+    EXPECT_EQ(source.Locks(), 0);
+  }
+}
+
 TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
-  for (const Method* outer : PictureMethods()) {
-    for (const Method* inner : PictureMethods()) {
-      if (outer->Result() == 0 || !inner->hasSource || inner->InPlace()) continue;
+  for (const Operation& outer : Operations()) {
+    for (const Operation& inner : Operations()) {
+      const MethodCall call = CallOf(inner);
+      if (support::FindMethod(outer.method).Result() == 0 || !call.method->hasSource || call.method->InPlace())
+        continue;
       for (const Form form : kForms) {
-        SCOPED_TRACE(testing::Message() << inner->name << " inside " << outer->name);
+        SCOPED_TRACE(testing::Message() << inner.name << " inside " << outer.name);
         host_.ResetCounts();
-        Check(*outer, form, [&](int) {
+        Check(outer, form, [&](int) {
           const auto pictures = support::LiveNewPictures(host_);
           ASSERT_FALSE(pictures.empty());
           for (const auto& [number, picture] : pictures) {
-            Check(*inner, EveryLine(*inner), NewPicturesOf(form), picture);
+            Check(call, NewPicturesOf(form), picture);
           }
         });
       }
@@ -302,14 +310,16 @@ TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
 // afterwards.
 TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
   const std::vector<Value> change = {0, 0, 100, 100, 40, -50, 60, 0};
-  for (const Method* outer : PictureMethods()) {
-    if (outer->Result() != 1 || std::string(outer->name) == "LMX_Stretch") continue;
+  for (const Operation& outer : Operations()) {
+    const MethodCall call = CallOf(outer);
+    if (std::string(call.method->made).size() != 1) continue;
     for (const Form form : kForms) {
-      SCOPED_TRACE(outer->name);
+      SCOPED_TRACE(outer.name);
       Random random(2);
-      const StoredPicture source = support::RandomPicture(random, form, kWidth, kHeight);
+      const auto [width, height] = outer.SourceOf(kResult);
+      const StoredPicture source = support::RandomPicture(random, form, width, height);
       Setting setting = NewPicturesOf(form);
-      const Outcome plain = outer->byModel(outer->hasSource ? &source : nullptr, EveryLine(*outer), NewValues(setting));
+      const Outcome plain = call.ByModel(source, NewValues(setting));
       if (plain.yields.empty()) continue;
       const model::Yield& yield = plain.yields[plain.yields.size() / 2];
       const StoredPicture& made = plain.made[0];
@@ -324,9 +334,9 @@ TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
         arguments.insert(arguments.begin(), Value(support::LiveNewPictures(host_)[0].second));
         host_.Call("AdjustRGB_InPlace", arguments);
       };
-      std::vector<Value> arguments = EveryLine(*outer);
-      if (outer->hasSource) arguments.insert(arguments.begin(), Value(support::ToHost(source, {}, 0)));
-      const StoredPicture got = FromHost(host_.Call(outer->name, arguments).result.AsPicture());
+      std::vector<Value> arguments = call.arguments;
+      if (call.method->hasSource) arguments.insert(arguments.begin(), Value(support::ToHost(source, {}, 0)));
+      const StoredPicture got = FromHost(host_.Call(outer.method, arguments).result.AsPicture());
       StoredPicture want = made;
       for (int y = 0; y < want.height; ++y) {
         for (int x = 0; x < want.width; ++x) {
@@ -355,12 +365,12 @@ class NestedChains : public NestedCalls {
       if (leaves) throw Interrupted();
       return;
     }
-    const Method& method = *methods_[random.Below(static_cast<std::uint32_t>(methods_.size()))];
+    const MethodCall call = CallOf(AnyOperation(random, true));
     const Form form = support::RandomForm(random);
     Setting setting = support::RandomNewPictures(random);
     for (NewPicture& plan : setting.newPictures) plan.fault = model::Fault::None;
     Picture source;
-    if (method.hasSource) {
+    if (call.method->hasSource) {
       setting.source = support::RandomPicture(random, form, random.Between(8, 90), random.Between(8, 90));
       setting.layout = support::RandomLayout(random, form);
       source = support::ToHost(*setting.source, setting.layout, 0);
@@ -377,7 +387,7 @@ class NestedChains : public NestedCalls {
       }
     };
     try {
-      Check(method, EveryLine(method), setting, source, inside);
+      Check(call, setting, source, inside);
     } catch (const Interrupted&) {
       --depth_;
       throw;
@@ -391,24 +401,22 @@ class NestedChains : public NestedCalls {
  private:
   // Faults included.
   void CallAnything(Random& random) {
-    const std::vector<const Method*> methods = PictureMethods();
-    const Method& method = *methods[random.Below(static_cast<std::uint32_t>(methods.size()))];
+    MethodCall call = CallOf(AnyOperation(random, false));
+    call.arguments.back() = support::RandomYield(random, 10);
     Setting setting = support::RandomSetting(random);
     Picture source;
-    if (!method.hasSource) setting.source.reset();
+    if (!call.method->hasSource) setting.source.reset();
     if (setting.source) source = support::ToHost(*setting.source, setting.layout, setting.variant);
-    std::vector<Value> arguments = ArgumentsOf(method);
-    arguments.emplace_back(support::RandomYield(random, 10));
-    Check(method, arguments, setting, source);
+    Check(call, setting, source);
   }
 
-  static std::vector<const Method*> YieldingMethods() {
-    std::vector<const Method*> methods = PictureMethods();
-    methods.pop_back();  // the trim
-    return methods;
+  static const Operation& AnyOperation(Random& random, bool yields) {
+    for (;;) {
+      const Operation& operation = Operations()[random.Below(static_cast<std::uint32_t>(Operations().size()))];
+      if (!yields || std::string(operation.method) != kNeverYields) return operation;
+    }
   }
 
-  const std::vector<const Method*> methods_ = YieldingMethods();
   int depth_ = 0;
 };
 
@@ -443,16 +451,16 @@ constexpr bool kInstrumented = false;
 TEST_F(NestedCalls, WaitOnLittleOfTheStackEach) {
   constexpr int kDepth = 40;
   constexpr std::size_t kMostBytes = 16 * 1024;
-  for (const Method* method : PictureMethods()) {
-    if (std::string(method->name) == "LMX_Trim") continue;
-    SCOPED_TRACE(method->name);
+  for (const Operation& operation : Operations()) {
+    if (std::string(operation.method) == kNeverYields) continue;
+    SCOPED_TRACE(operation.name);
     std::vector<std::uintptr_t> stack;
     std::function<void(int)> inside = [&](int yield) {
       if (yield != 0) return;
       stack.push_back(reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
-      if (stack.size() < kDepth) Check(*method, Form::BitmapContext, inside);
+      if (stack.size() < kDepth) Check(operation, Form::BitmapContext, inside);
     };
-    Check(*method, Form::BitmapContext, inside);
+    Check(operation, Form::BitmapContext, inside);
     ASSERT_EQ(stack.size(), static_cast<std::size_t>(kDepth));
     for (std::size_t i = 1; i < stack.size() && !kInstrumented; ++i) EXPECT_LE(stack[i - 1] - stack[i], kMostBytes);
   }
