@@ -31,31 +31,22 @@ ArgumentInput Double(double value) {
   return argument;
 }
 
-// What a method's arguments mean, for values that lead somewhere.
-double UsualDouble(const Method& method, std::size_t index) {
-  if (std::strstr(method.name, "Shear_") != nullptr || std::strstr(method.name, "LMX_Shear") != nullptr) return 0.3;
-  return std::strstr(method.name, "Rotate") != nullptr ? 30.0 : 40.0 - 19.5 * static_cast<double>(index % 3);
+ArgumentInput ArgumentOf(const host::Value& value, char type) {
+  if (type == 'i') return Integer(value.AsInteger());
+  if (type == 'd') return Double(value.AsDouble());
+  if (type == 'c') return {0, value.AsColour().value};
+  if (type == 'b') return {kAnyByte, value.AsBooleanByte()};
+  return {};
 }
 
-std::int32_t UsualInteger(const Method& method, std::size_t index) {
-  if (std::strstr(method.name, "FlipRotate") != nullptr && index == 2) return 90;
-  if (index + 1 == std::strlen(method.types)) return 1;  // yields after every line
-  static constexpr std::int32_t kUsual[] = {1, 2, 5, 4, 10, -20, 30};
-  return kUsual[index % std::size(kUsual)];
-}
-
-MethodInput Usual(std::size_t index) {
+// A call of a method with arguments after the source.
+MethodInput Usual(const Method& method, const support::Arguments& arguments) {
   MethodInput input;
-  input.method = static_cast<std::uint8_t>(index);
+  input.method = static_cast<std::uint8_t>(&method - Methods().data());
   input.source.width = 9;
   input.source.height = 7;
-  const Method& method = MethodOf(input);
-  for (std::size_t i = 0; method.types[i] != '\0'; ++i) {
-    const char type = method.types[i];
-    if (type == 'i') input.arguments.push_back(Integer(UsualInteger(method, i)));
-    if (type == 'd') input.arguments.push_back(Double(UsualDouble(method, i)));
-    if (type == 'c') input.arguments.push_back({0, 0x40C08020u * (i + 1) & 0xFFFFFFFF});
-    if (std::strchr("bID", type) != nullptr) input.arguments.push_back({1, 0});
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    input.arguments.push_back(ArgumentOf(arguments[i], method.types[i]));
   }
   // Opaque, translucent, clear, and colours above their alpha; read as either form.
   input.words = {0xFF102030, 0x80706050, 0x00010203, 0x10FFFFFF, 0x7F336699, 0xFFFFFFFF, 0x40804020, 0xC8FF00FF};
@@ -155,7 +146,7 @@ class Collection {
 
   void AddWrongPictures(const MethodInput& usual) {
     for (int wrong = kWrong; wrong < kWrong + 12; ++wrong) {
-      for (std::size_t which = 0; which <= MethodOf(usual).Result(); ++which) {
+      for (std::size_t which = 0; which <= std::strlen(MethodOf(usual).made); ++which) {
         for (const int form : {0, 1}) {
           MethodInput input = usual;
           PictureInput& picture = which == 0 ? input.sourcePicture : input.newPictures[which - 1];
@@ -201,9 +192,14 @@ class Collection {
 }  // namespace
 
 std::vector<Bytes> MethodSeeds() {
+  std::vector<MethodInput> inputs = {Usual(support::FindMethod("GetLastError"), {}),
+                                     Usual(support::FindMethod("GetErrorMessage"), {1})};
+  for (const support::Operation& operation : support::Operations()) {
+    const support::MethodCall call(operation, {9, 7}, host::Colour{0x40C08020}, 1);
+    inputs.push_back(Usual(*call.method, call.arguments));
+  }
   Collection seeds;
-  for (std::size_t i = 0; i < Methods().size(); ++i) {
-    const MethodInput usual = Usual(i);
+  for (const MethodInput& usual : inputs) {
     seeds.Add(usual);
     seeds.AddEdgesOfArguments(usual);
     seeds.AddPictures(usual);
