@@ -67,7 +67,7 @@ TEST(HostEntryLoad, WorksFromTheFirstVersionOn) {
     SCOPED_TRACE(version);
     host::Host host(OfVersion(version));
     host.Load(LibraryPath());
-    EXPECT_EQ(host.Methods().size(), 16u);
+    EXPECT_EQ(host.Methods().size(), support::Methods().size());
     EXPECT_TRUE(host.messageBoxes.empty());
     EXPECT_EQ(host.Lookups(Service::MessageBox), 0);
     EXPECT_EQ(host.Lookups(Service::BuildString), 0);
@@ -195,7 +195,7 @@ TEST(HostEntryLoad, WorksWithoutThePictureClass) {
   host::Host host;
   host.Withhold(Service::GetClassRef);
   host.Load(LibraryPath());
-  EXPECT_EQ(host.Methods().size(), 16u);
+  EXPECT_EQ(host.Methods().size(), support::Methods().size());
   EXPECT_EQ(host.Lookups(Service::GetClassRef), 1);
 }
 
@@ -230,7 +230,7 @@ TEST(HostEntryLoad, DoesWithoutServicesThatItDoesNotNeedThen) {
     host.Withhold(service);
   }
   host.Load(LibraryPath());
-  EXPECT_EQ(host.Methods().size(), 16u);
+  EXPECT_EQ(host.Methods().size(), support::Methods().size());
 }
 
 // ------------------------------------------------------------------------------------ loaded twice

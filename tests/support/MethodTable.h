@@ -1,4 +1,4 @@
-// The one catalogue of the sixteen methods: what tests, fuzzers and benchmarks know of a method
+// The one catalogue of the methods: what tests, fuzzers and benchmarks know of a method
 // stands here, and in Operations.h, which has its ordinary arguments.
 #pragma once
 

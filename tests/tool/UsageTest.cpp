@@ -6,6 +6,7 @@
 #include "Files.h"
 #include "Process.h"
 #include "host/Declaration.h"
+#include "host/Host.h"
 #include "tool/CommandLine.h"
 #include "tool/Errors.h"
 #include "tool/PictureFile.h"
@@ -86,10 +87,10 @@ TEST_F(UsageTest, ListsTheMethodsInThePluginsOrderWithALineEach) {
   const Ended ended = Lmx({"list"});
   EXPECT_EQ(ended.status, 0);
   const std::vector<std::string> lines = Lines(ended.out);
-  ASSERT_EQ(lines.size(), 16u);
-  EXPECT_PRED2(StartsWith, lines.front(), "LMX_GetLastError ");
-  EXPECT_PRED2(StartsWith, lines[8], "LMX_FlipRotate ");
-  EXPECT_PRED2(StartsWith, lines.back(), "LMX_Trim ");
+  host::Host plugin;
+  plugin.Load(LMX_LIBRARY);
+  ASSERT_EQ(lines.size(), plugin.Methods().size());
+  for (std::size_t i = 0; i < lines.size(); ++i) EXPECT_PRED2(StartsWith, lines[i], plugin.Methods()[i].name + " ");
   for (const std::string& line : lines) EXPECT_GT(WithSingleBlanks(line).size(), line.find(' ') + 10) << line;
 }
 
