@@ -71,7 +71,7 @@ TEST_F(FaultsOrder, RefusedArgumentsAskForNothing) {
   });
 }
 
-// ------------------------------------------------------------------------ services that fail, throw
+// ----------------------------------------------------------------------- services that fail, throw
 
 class FaultsServices : public FaultsTest {
  protected:

@@ -1,5 +1,5 @@
-// Every method with ordinary arguments for a picture of any size, some methods several times. Tests,
-// fuzzers and benchmarks take them from here.
+// Every method with ordinary arguments for a picture of any size, some methods several times.
+// Tests, fuzzers and benchmarks take them from here.
 #pragma once
 
 #include <string>
