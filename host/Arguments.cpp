@@ -6,7 +6,7 @@ namespace host {
 namespace {
 
 constexpr std::uint8_t kBeside = 0xC7;
-// What the word of a boolean holds above its byte, which is all that counts.
+// The upper bits of a boolean argument's word. Methods must look at the lowest byte only.
 constexpr std::uint32_t kAboveBoolean = 0xC7C7C700;
 
 std::size_t SizeOf(Type type) {
@@ -24,7 +24,8 @@ std::size_t SizeOf(Type type) {
   }
 }
 
-// A value of the declared type, or nil if it cannot be one. Integers serve for all numbers.
+// Converts a value to the declared type; nil if that is impossible. Integers are accepted for all
+// number types.
 Value Convert(Type type, const Value& value) {
   const bool integer = value.Is<std::int32_t>();
   switch (type) {
@@ -48,7 +49,7 @@ Value Convert(Type type, const Value& value) {
   return {};
 }
 
-// Writes a value of a number type to memory, as the method reads it.
+// Writes a value of a number type to memory, in the layout that the method reads.
 void Store(const Value& value, std::uint8_t* place) {
   const auto copy = [place](auto number) { std::memcpy(place, &number, sizeof number); };
   if (value.Is<std::int32_t>()) copy(value.AsInteger());
@@ -86,7 +87,7 @@ Arguments::Arguments(const Method& method, const std::vector<Value>& values) : m
   if (values.size() != count) {
     throw Error(method.name + " takes " + std::to_string(count) + " arguments, not " + std::to_string(values.size()));
   }
-  places_.reserve(count);  // their addresses are passed
+  places_.reserve(count);  // methods get addresses of these, so they must not move
   for (std::size_t i = 0; i < count; ++i) {
     const Parameter& parameter = method.parameters[i];
     if (parameter.byRef) {

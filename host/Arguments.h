@@ -1,4 +1,4 @@
-// The arguments of one call on their way to a method and back.
+// The arguments of one call: converted for the method, and read back after it.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@
 
 namespace host {
 
-/// Converts values to what a declaration says, and keeps what they refer to until the call is over.
+/// Converts values to the declared types and keeps what the method's arguments point to alive.
 class Arguments {
  public:
   /// Throws host::Error for a wrong number of arguments or one that cannot be converted.
@@ -23,13 +23,13 @@ class Arguments {
   Arguments& operator=(const Arguments&) = delete;
 
   const NativeCall& Native() const { return native_; }
-  /// The arguments with what the method left in those that it got by reference.
+  /// The arguments after the call; ByRef arguments with the values that the method wrote.
   std::vector<Value> Results() const;
-  /// The ByRef parameters beside which the method wrote.
+  /// Names the ByRef parameters around which the method wrote where it must not.
   std::vector<std::string> Overwritten() const;
 
  private:
-  // Where a ByRef argument lies, between bytes that the method must not touch.
+  // A ByRef argument, between guard bytes that the method must not change.
   struct Place {
     std::size_t index;
     alignas(8) std::array<std::uint8_t, 8> before;

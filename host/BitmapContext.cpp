@@ -1,6 +1,6 @@
 // The five functions through which the plug-in reads a bitmap context. The process exports them, as
-// the host's framework would; a test can leave out any. A Host's context is good while its picture
-// is locked.
+// the host's framework does; a test can leave out any of them. A context of a Host is valid while
+// its picture is locked.
 #include "BitmapContext.h"
 
 #include <string>
@@ -12,7 +12,7 @@ namespace {
 
 ContextKeeper gKeeper = DescribeContext;
 
-// Sizes are reported as they are, negative ones too.
+// Passes sizes on unchanged, negative ones too.
 std::size_t Reported(int value) {
   return static_cast<std::size_t>(static_cast<std::ptrdiff_t>(value));
 }

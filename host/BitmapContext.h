@@ -16,14 +16,15 @@ struct BitmapContext {
   void* pixels = nullptr;
 };
 
-/// Describes a context; `function` is the name of the one that asks. Zeros for what is no context.
+/// Describes a context. `function` is the name of the function that asks. The answer is all zeros
+/// if the pointer is no context.
 using ContextKeeper = BitmapContext (*)(CGContextRef context, const char* function);
 
-/// From now on the functions ask this keeper. A Host installs its own; so must whoever plays the
-/// host instead.
+/// Makes the functions ask this keeper from now on. A Host installs its own keeper; a program that
+/// plays the host itself must install one, too.
 void SetContextKeeper(ContextKeeper keeper);
 
-/// The keeper of Host: only contexts of locked pictures, and a complaint about any other.
+/// The keeper of Host. It knows the contexts of locked pictures and complains about any other.
 BitmapContext DescribeContext(CGContextRef context, const char* function);
 
 }  // namespace host

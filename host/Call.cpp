@@ -1,4 +1,4 @@
-// One call of a method: arguments in, result out, and whether the books are balanced afterwards.
+// One call of a method: passes the arguments, takes the result, and checks locks and references.
 
 #include <cstddef>
 #include <utility>
@@ -14,8 +14,8 @@ ObjectTable& Table() {
   return ObjectTable::Instance();
 }
 
-// Compares the locks at the end of a call with those at its start. A call inside a yield has the
-// outer call's locks.
+// Compares the locks at the end of a call with those at its start. A call inside a yield starts
+// with the locks of the outer call.
 class LockBalance {
  public:
   LockBalance() {
@@ -24,7 +24,7 @@ class LockBalance {
     }
   }
 
-  /// Complains about locks that are left, and ends them.
+  /// Complains about locks that the call left, and ends them.
   void Check(HostState& state, const std::string& method) const {
     const bool excused = state.Book(Service::UnlockPictureDescription).wasWithheld;
     for (PictureObject* picture : Table().Pictures()) {
@@ -54,8 +54,8 @@ const void* Pointer(std::uint64_t word) {
   return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(word));
 }
 
-// The object that a method returned with a reference for the caller; nil with a complaint if it is
-// no such object.
+// The object that a method returned, with a reference that the caller owns. Nil, with a complaint,
+// if the handle is no such object.
 Object* ReturnedObject(HostState& state, const Method& method, Object::Kind kind, const void* handle) {
   if (handle == nullptr) return nullptr;
   Object* object = Table().Find(handle);

@@ -29,7 +29,7 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Reads a declaration from front to back.
+// Reads a declaration from left to right.
 class Parser {
  public:
   explicit Parser(std::string_view text) : text_(text) {}

@@ -17,7 +17,7 @@ struct Parameter {
   std::string name;
   Type type = Type::None;
   bool byRef = false;    ///< the method stores a result through it
-  bool extends = false;  ///< the method can also be called as a method of this argument; only on the first
+  bool extends = false;  ///< the argument can also be the object of the call, as in p.Trim(...); first parameter only
 };
 
 /// A declared method.
@@ -25,17 +25,17 @@ struct Method {
   std::string name;
   std::vector<Parameter> parameters;
   Type result = Type::None;
-  std::string declaration;    ///< the text that was parsed
-  void (*entry)() = nullptr;  ///< filled by the host
+  std::string declaration;    ///< the text as it was registered
+  void (*entry)() = nullptr;  ///< set by the host
 };
 
-/// Parses a declaration. Upper and lower case are the same, and blanks matter only between words.
-/// Throws host::Error naming the place on anything that is no declaration: a word missing or too
-/// many, an unknown type, a parameter twice, `extends` after the first parameter, ByRef of a
-/// picture or string.
+/// Parses a declaration. Case does not matter; blanks matter only between words. Anything that is
+/// no declaration throws host::Error with its position: a missing or surplus word, an unknown type,
+/// a parameter declared twice, `extends` on a parameter other than the first, ByRef on a picture or
+/// string.
 Method ParseDeclaration(std::string_view text);
 
-/// Whether two names of the host's language are the same.
+/// Whether two names are the same in the host's language, which ignores case.
 bool SameName(std::string_view a, std::string_view b);
 
 }  // namespace host

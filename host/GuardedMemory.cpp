@@ -20,7 +20,8 @@ std::size_t PageSize() {
 }
 
 #if UINTPTR_MAX > UINT32_MAX
-// The kernel offers a part of the low addresses by itself; the rest is searched in steps.
+// Reserves memory below 4 GiB. The kernel offers a part of these addresses; the rest is searched in
+// steps.
 void* ReserveLow(std::size_t size) {
   constexpr std::uintptr_t kFirst = 0x10000000, kEnd = 0x100000000, kStep = 0x400000;
 #ifdef MAP_32BIT
@@ -70,7 +71,7 @@ void* ReserveInaccessible(std::size_t size, GuardedMemory::Where where) {
 GuardedMemory::GuardedMemory(std::size_t blocks, std::uint64_t blockSize, Flush flush, Where where) : blocks_(blocks) {
   const std::uint64_t page = PageSize();
   const std::uint64_t pages = (blockSize + page - 1) / page * page;
-  // Many blocks take as many calls; a single one may have as many bytes as there are addresses.
+  // Each of many blocks takes a system call of its own. A single block may have any size.
   const std::uint64_t most = blocks == 1 ? SIZE_MAX - page : kMostBytes;
   if (blockSize > most - 2 * page || blocks > most / (pages + page)) throw Error("no memory for so many pixels");
   blockSize_ = static_cast<std::size_t>(blockSize);
@@ -96,7 +97,7 @@ void GuardedMemory::Protect(Access access) {
   if (access == access_) return;
   access_ = access;
   if (blockPages_ == 0) return;
-  if (access == Access::None) {  // the pages between are inaccessible already, so one call serves for all blocks
+  if (access == Access::None) {  // one call covers all blocks: the pages between them stay inaccessible
     if (mprotect(map_, mapSize_, PROT_NONE) != 0) throw Error(std::string("mprotect: ") + std::strerror(errno));
     return;
   }

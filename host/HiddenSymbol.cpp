@@ -26,7 +26,7 @@ Record RecordAt(const std::vector<char>& bytes, std::size_t offset) {
   return record;
 }
 
-// Relative to where the library is loaded; 0 if there is none.
+// The symbol's address relative to the start of the library; 0 if the file has no such symbol.
 std::size_t AddressIn(const std::string& file, const std::string& name) {
   const std::vector<char> bytes = ReadFile(file);
   const auto header = RecordAt<ElfW(Ehdr)>(bytes, 0);

@@ -7,14 +7,14 @@
 //   source.Fill(0x00336699);
 //   host::Picture result = host.Call("Stretch", {source, 8, 6, 0}).result.AsPicture();
 //
-// The host is strict. It counts references and locks, answers only what it was asked for correctly,
-// and records every breach of the contract as a complaint; a Call that ends with new complaints
-// throws them as host::Misuse, unless the host was told to collect. It knows no method by name:
-// what it can call is what the plug-in registered.
+// The host is strict. It counts references and locks, checks every request of the plug-in, and
+// records every breach of the contract as a complaint. A Call that ends with new complaints throws
+// them as host::Misuse, unless the host was told only to collect them. The host knows no method by
+// name: it can call what the plug-in registered.
 //
-// One Host lives at a time, because the resolver that the plug-in gets is a plain function.
-// Everything happens on one thread. Services can be withheld, made to fail and made to throw before
-// Load as well as between calls.
+// Only one Host can live at a time, because the resolver that the plug-in gets is a plain function.
+// Everything happens on one thread. Services can be withheld, made to fail and made to throw,
+// before Load and between calls.
 #pragma once
 
 #include <functional>
@@ -32,40 +32,40 @@
 
 namespace host {
 
-/// How pictures that the plug-in makes ("CreateInstance" and the constructor) come out.
+/// The pictures that the plug-in makes ("CreateInstance" and the constructor).
 struct NewPictures {
   Storage storage = Storage::BitmapContext;
   Layout layout = {};
-  /// Called with each new picture's number (1 is the first since the Host was made, or since
-  /// ResetCounts) and its shape, which it may change: other size, other form, defects. A shape that
-  /// cannot be made (no memory, or one that contradicts itself) becomes a picture with nil data.
+  /// Called for each new picture, with its number (from 1 since the Host was made or ResetCounts)
+  /// and its shape. It may change size, form and defects. A shape that cannot be made (no memory,
+  /// or it contradicts itself) becomes a picture with nil data.
   std::function<void(int ordinal, PictureShape& shape)> change;
 };
 
 struct Options {
-  /// What "REALGetRBVersion" answers.
+  /// The answer of "REALGetRBVersion".
   double version = 2011.04;
   NewPictures newPictures = {};
-  /// Whether complaints are thrown as host::Misuse at the end of Load and Call, or only kept for
-  /// Complaints().
+  /// Whether Load and Call throw their complaints as host::Misuse at the end. If not, they are only
+  /// kept for Complaints().
   bool throwComplaints = true;
-  /// Whether service calls are written to Log().
+  /// Whether service calls are recorded in Log().
   bool keepLog = true;
 };
 
-/// What a method call gave.
+/// The result of a method call.
 struct Outcome {
   Value result;                  ///< nil for a method without a result
-  std::vector<Value> arguments;  ///< as passed; ByRef arguments with what the method left there
+  std::vector<Value> arguments;  ///< as passed; ByRef arguments with the values that the method wrote
 };
 
-/// An object that is alive, for reports of leaks.
+/// A live object, for reports of leaks.
 struct LiveObject {
   std::uint32_t id;      ///< see Picture::Id
   const char* kind;      ///< "picture" or "string"
-  bool constructed;      ///< false: made by "CreateInstance", constructor never called
-  int references;        ///< of everybody
-  int pluginReferences;  ///< of which no Picture of the program accounts for
+  bool constructed;      ///< false if the constructor was never called
+  int references;        ///< all references
+  int pluginReferences;  ///< the references that no Picture of the program holds
   int locks;
 };
 
@@ -75,64 +75,67 @@ class Host {
  public:
   /// Throws host::Error if another Host lives.
   explicit Host(const Options& options = {});
-  /// Unloads the library; gives up what the plug-in left: references and locks. Pictures of the
-  /// program stay.
+  /// Unloads the library, and releases the references and locks that the plug-in left. Pictures of
+  /// the program stay.
   ~Host();
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 
   // Loading.
 
-  /// Loads the library and calls its REALPluginMain with the resolver. A library that an earlier
-  /// Host could not unload is loaded as a private copy, so the plug-in always starts with fresh
-  /// variables. Throws host::Error if it cannot be loaded or lacks the entry, host::Misuse for
-  /// complaints.
+  /// Loads the library and calls its REALPluginMain with the resolver. If an earlier Host could not
+  /// unload the library, a private copy is loaded, so the plug-in always starts with fresh
+  /// variables. Throws host::Error if the library cannot be loaded or lacks the entry, host::Misuse
+  /// for complaints.
   void Load(const std::string& path);
-  /// Calls the entry of a plug-in that is linked into the program, with the same checks. The host
-  /// has nothing to unload then, and variables are as the program has left them.
+  /// Calls the entry of a plug-in that is linked into the program, with the same checks. Nothing is
+  /// unloaded at the end, and the plug-in's variables are not reset.
   void Start(REALPluginMainFunction* entry);
-  /// Calls the entry once more, as no host should.
+  /// Calls the entry once more, which no host should do.
   void CallPluginMainAgain();
-  /// Whether the library at this path is in the process; after a Host is gone, it should not be.
+  /// Whether the library at this path is loaded in the process. After the end of its Host it should
+  /// not be.
   static bool IsLoaded(const std::string& path);
-  /// Loads the library for the life of the process. Load then puts its variables back to what they
-  /// were before its REALPluginMain ran, which takes microseconds: for programs that start with a
-  /// fresh plug-in very often, and for those that measure what of it has been executed. Throws
-  /// host::Error if it cannot be loaded, or is loaded.
+  /// Loads the library for the life of the process. Load then restores its variables to what they
+  /// were before its REALPluginMain ran, which takes microseconds. For programs that start a fresh
+  /// plug-in very often, and for those that measure code coverage. Throws host::Error if the
+  /// library cannot be loaded or is loaded already.
   static void KeepLoaded(const std::string& path);
 
   // The registered module.
 
-  /// The plug-in's own record as it lies in the plug-in's memory; nil before registration.
+  /// The plug-in's own record, in the plug-in's memory; nil before registration.
   const REALmoduleDefinition* Module() const;
-  /// The methods of the module in their order; those whose declaration cannot be parsed are missing
-  /// (a complaint).
+  /// The methods of the module in their order. A method whose declaration cannot be parsed is left
+  /// out, with a complaint.
   const std::vector<Method>& Methods() const;
-  /// By name, with or without the module's name and an underscore before it, in upper or lower
-  /// case; nil if unknown.
+  /// Finds a method by name, with or without the module's name and an underscore before it. Case
+  /// does not matter. Nil if there is none.
   const Method* FindMethod(std::string_view name) const;
-  /// What was passed to "RegisterPluginVersion", call by call.
+  /// The arguments of all calls of "RegisterPluginVersion", in order.
   const std::vector<int>& PluginVersions() const;
 
   // Calling.
 
-  /// Calls a method with arguments in the declared order. Integers serve for doubles, booleans (0
-  /// and 1) and colours as well, a BooleanByte for a boolean; anything else must have the declared
-  /// type. Nil serves for pictures, strings and ByRef arguments, and is passed as a nil pointer.
-  /// The value of a ByRef argument is what it holds when the method starts. May be called again
-  /// from onYield. Throws host::Error before the call for a call that the declaration does not
-  /// allow, host::Misuse after it for complaints, and passes on whatever leaves the method; locks
-  /// that the call left are then complaints, too, and ended by the host.
+  /// Calls a method with arguments in the declared order. An argument must have the declared type,
+  /// but integers are accepted for doubles, booleans (0 and 1) and colours, and a BooleanByte for a
+  /// boolean. Nil is accepted for pictures, strings and ByRef arguments, and is passed as a nil
+  /// pointer. The value of a ByRef argument is what the method finds there at the start. onYield
+  /// may call this function again.
+  ///
+  /// Throws host::Error, before the call, if the declaration does not allow the arguments. Throws
+  /// host::Misuse after the call for complaints. An exception that leaves the method is passed on;
+  /// locks that the call left are then complaints, too, and the host ends them.
   Outcome Call(std::string_view name, const std::vector<Value>& values);
 
-  /// 32-bit x86: the stack pointer modulo 16 (0, 4, 8, 12) at the call instruction of methods; 0 is
-  /// what a compiler gives. Without a setting it changes from call to call. No effect on other
-  /// ABIs, where it is always 0.
+  /// 32-bit x86: the stack pointer modulo 16 (0, 4, 8, 12) at the call instruction of methods.
+  /// Compilers use 0. Without a setting it changes from call to call. On other ABIs it is always 0,
+  /// and this function does nothing.
   void SetStackMisalignment(std::optional<unsigned> bytes);
 
-  // What the program does meanwhile.
+  // What the program does during a call.
 
-  /// Runs inside "REALYieldToRB". May call methods, use pictures, or throw: the exception leaves
+  /// Runs inside "REALYieldToRB". May call methods, use pictures, or throw; the exception leaves
   /// through the method.
   std::function<void()> onYield;
   /// May be changed at any time.
@@ -140,40 +143,40 @@ class Host {
   /// The texts of all message boxes, in order.
   std::vector<std::string> messageBoxes;
 
-  // Faults. Lookups and calls are counted from 1 since the Host was made, or since ResetCounts.
+  // Faults. Lookups and calls are counted from 1, since the Host was made or since ResetCounts.
 
-  /// The resolver answers nil from the given lookup on.
+  /// The resolver answers nil from this lookup on.
   void Withhold(Service service, int fromLookup = 1);
-  /// The given call does nothing and answers nil, 0 or, for a lock, an unusable picture type. What
-  /// ends a lock or gives up a reference is done all the same, since nobody could make up for it.
+  /// This call does nothing and answers nil or 0; a lock answers an unusable picture type. A call
+  /// that ends a lock or releases a reference still does so: the plug-in has no second chance.
   void FailAt(Service service, int call);
-  /// The given call throws host::Thrown instead of doing anything (what ends a lock or gives up a
-  /// reference: as well).
+  /// This call throws host::Thrown and does nothing else. A call that ends a lock or releases a
+  /// reference does so first.
   void ThrowAt(Service service, int call);
-  /// Takes back all three, for every service.
+  /// Removes all three kinds of faults from every service.
   void ClearFaults();
 
   // Observation.
 
   int Lookups(Service service) const;
   int Calls(Service service) const;
-  /// Calls of all services, and of constructors, in order.
+  /// Calls of all services and of constructors, in order.
   const std::vector<ServiceCall>& Log() const;
-  /// Sets all counts to 0 and empties the log.
+  /// Sets all counts to 0 and clears the log.
   void ResetCounts();
 
-  /// Every breach of the contract so far, in clear words.
+  /// Every breach of the contract so far, one sentence each.
   const std::vector<std::string>& Complaints() const;
   void ClearComplaints();
 
-  /// Every object that is alive and not solely the program's: with references, locks or both of the
-  /// plug-in.
+  /// Every live object that the plug-in holds references to or locks of.
   std::vector<LiveObject> Leaks() const;
   /// Every object that is alive.
   std::vector<LiveObject> LiveObjects() const;
-  /// Objects that "CreateInstance" made, whose constructor never ran and which nobody has given up.
+  /// The number of objects that "CreateInstance" made, whose constructor never ran and which nobody
+  /// has released.
   int AbandonedObjects() const;
-  /// Gives up what Leaks() lists (abandoned objects included), for tests that go on after a leak.
+  /// Releases what Leaks() lists, abandoned objects included, for tests that go on after a leak.
   void DropLeaks();
 
  private:

@@ -1,4 +1,4 @@
-// What a Host keeps between calls; shared by the files that make it up.
+// The state of a Host between calls, shared by the files that implement it.
 #pragma once
 
 #include <array>
@@ -14,14 +14,14 @@
 
 namespace host {
 
-/// What one service was asked, and what it shall do wrong.
+/// The calls that one service has got, and the faults that it is told to show.
 struct ServiceBook {
   int lookups = 0;
   int calls = 0;
-  int withheldFrom = 0;      ///< first lookup that is answered with nil; 0: none
-  bool wasWithheld = false;  ///< ever, to this plug-in
-  std::set<int> failing;     ///< calls
-  std::set<int> throwing;    ///< calls
+  int withheldFrom = 0;      ///< the first lookup that is answered with nil; 0: none
+  bool wasWithheld = false;  ///< whether a lookup by this plug-in was ever answered with nil
+  std::set<int> failing;     ///< numbers of the calls that fail
+  std::set<int> throwing;    ///< numbers of the calls that throw
 };
 
 struct HostState {
@@ -29,14 +29,14 @@ struct HostState {
 
   ServiceBook& Book(Service service) { return books[static_cast<std::size_t>(service)]; }
   void Complain(std::string text) { complaints.push_back(std::move(text)); }
-  /// Throws the complaints that were not thrown before, if the host shall throw at all.
+  /// Throws the complaints that were not thrown before, unless the host only collects them.
   void ThrowNewComplaints();
   void CheckModule(const REALmoduleDefinition& definition);
 
   Host& host;
   const Options options;
   Library library;
-  REALPluginMainFunction* entry = nullptr;  ///< of the plug-in, once it has been started
+  REALPluginMainFunction* entry = nullptr;  ///< the plug-in's entry, once it has been started
 
   const REALmoduleDefinition* module = nullptr;
   std::vector<Method> methods;
@@ -45,16 +45,16 @@ struct HostState {
   std::array<ServiceBook, kServiceCount> books;
   std::vector<ServiceCall> log;
   std::vector<std::string> complaints;
-  std::size_t thrownComplaints = 0;  ///< how many of them have been thrown
-  int newPictures = 0;               ///< constructors run
+  std::size_t thrownComplaints = 0;  ///< the first so many complaints have been thrown
+  int newPictures = 0;               ///< how many constructors have run
   std::optional<unsigned> misalignment;
   unsigned methodCalls = 0;
 
-  /// The one that lives, or nil.
+  /// The Host that lives, or nil.
   static HostState* current;
 };
 
-/// The resolver that the plug-in gets.
+/// The resolver that is passed to the plug-in.
 void* Resolve(const char* entryName);
 
 }  // namespace host

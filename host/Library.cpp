@@ -23,8 +23,8 @@ void* Open(const std::string& path) {
   return handle;
 }
 
-// The loader knows a library by its name and its file, so the copy needs a name of its own; once
-// loaded, it needs none.
+// The loader recognises a library by name and file, so the copy needs a name of its own until it is
+// loaded.
 void* OpenCopy(const std::string& path) {
   std::string copy = (std::filesystem::temp_directory_path() / "library-XXXXXX").string();
   const int file = mkstemp(copy.data());

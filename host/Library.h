@@ -14,23 +14,23 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
-  /// Loads the file with fresh variables: as itself, or as a private copy if it is in the process
-  /// already. Throws host::Error.
+  /// Loads the file with fresh variables. If the file is already in the process, a private copy is
+  /// loaded. Throws host::Error.
   void Load(const std::string& path);
-  /// Unloads it, if it is loaded. One that is kept resident only becomes free for the next Load.
+  /// Unloads the library, if there is one. A resident library stays, and the next Load may use it.
   void Unload();
-  /// The address of the library's symbol; throws host::Error when it has none of that name.
+  /// The address of an exported symbol. Throws host::Error if there is none of that name.
   void* Symbol(const char* name) const;
 
-  /// Whether this very file is in the process.
+  /// Whether this very file is loaded in the process.
   static bool IsResident(const std::string& path);
-  /// Loads the file for good: from now on, Load puts its variables back instead of mapping it anew.
-  /// Throws host::Error.
+  /// Loads the file and never unloads it. From then on, Load restores its variables and does not
+  /// map it again. Throws host::Error.
   static void KeepResident(const std::string& path);
 
  private:
   void* handle_ = nullptr;
-  ResidentLibrary* resident_ = nullptr;  // whose handle it is, if it is kept resident
+  ResidentLibrary* resident_ = nullptr;  // set if the handle belongs to a resident library
 };
 
 }  // namespace host

@@ -46,8 +46,8 @@ void NativeCall::AddDouble(double value) {
   AddStackWord(word);
 }
 
-// A callee takes what it knows of and leaves the rest, so one signature with all registers serves
-// for every method. The function's real type is another one, on purpose.
+// Passes all registers to every method: a callee reads the ones it knows and ignores the rest. The
+// function's real type is a different one, on purpose.
 template <class Result>
 #if defined(__clang__)
 __attribute__((no_sanitize("function")))
@@ -90,11 +90,11 @@ void NativeCall::AddDouble(double value) {
   stack_.insert(stack_.end(), words, words + 2);
 }
 
-// lmx_host_call(function, words, count, misalignment) copies the words to the stack, with the stack
-// pointer `misalignment` modulo 16, and calls. It leaves the result registers alone;
-// lmx_host_call_double is the same code for functions whose result is a double (a compiler that saw
-// one name with two types would read the wrong register). The frame is found through ebp from the
-// first push to the last pop, so exceptions pass whatever the stack pointer is.
+// lmx_host_call(function, words, count, misalignment) copies the words to the stack, sets the stack
+// pointer to `misalignment` modulo 16, and calls. It keeps the result registers.
+// lmx_host_call_double is the same code for functions that return a double: one name declared with
+// two types would let the compiler read the wrong register. ebp holds the frame from the first push
+// to the last pop, so exceptions can be unwound whatever the stack pointer is.
 asm(R"(
   .pushsection .text, "ax", @progbits
   .p2align 4

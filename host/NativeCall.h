@@ -1,8 +1,9 @@
-// Calls of functions whose signature is known only at run time, after the C calling convention of
-// the ABI.
+// Calls functions whose signature is known only at run time, by the C calling convention of the
+// ABI.
 //
-// 64-bit x86: the first six words in registers, the first eight doubles in vector registers, the
-// rest on the stack in order. 32-bit x86: everything on the stack in order, a double as two words.
+// 64-bit x86: the first six words go in registers, the first eight doubles in vector registers, the
+// rest on the stack in order. 32-bit x86: everything goes on the stack in order, a double as two
+// words.
 #pragma once
 
 #include <array>
@@ -16,16 +17,16 @@ class NativeCall {
  public:
   using Function = void (*)();
 
-  // Arguments, in order. Throws host::Error when there are more than the call can carry.
+  // Arguments, in order. These throw host::Error when there are more than a call can carry.
 
   void AddInteger(std::int32_t value);  ///< sign extended to the full word
   void AddWord(std::uint32_t value);    ///< zero extended
   void AddPointer(const void* value);
   void AddDouble(double value);
 
-  /// Calls a function that returns nothing, an integer or a pointer, and gives the raw result
-  /// register. 32-bit: the stack pointer is `misalignment` (a multiple of 4) modulo 16 at the call
-  /// instruction.
+  /// Calls a function that returns nothing, an integer or a pointer; gives the raw result register.
+  /// 32-bit: at the call instruction the stack pointer is `misalignment` (a multiple of 4) modulo
+  /// 16.
   std::uint64_t Call(Function function, unsigned misalignment) const;
   double CallDouble(Function function, unsigned misalignment) const;
 

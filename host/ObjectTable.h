@@ -1,5 +1,4 @@
-// The books of the process: every object that lives, under the address that the plug-in knows it
-// by.
+// All live objects of the process, each with the address by which the plug-in knows it.
 #pragma once
 
 #include <cstdint>
@@ -23,13 +22,13 @@ struct Object {
 
   const Kind kind;
   const std::uint32_t id;
-  void* handle = nullptr;     ///< the address that stands for the object; nothing lies there
-  int references = 0;         ///< of everybody
-  int programReferences = 0;  ///< of which values of the program account for
-  std::string text;           ///< of a string; name of a class
+  void* handle = nullptr;     ///< the address that stands for the object; there is nothing at it
+  int references = 0;         ///< all references
+  int programReferences = 0;  ///< references that values of the program hold
+  std::string text;           ///< the text of a string, the name of a class
 };
 
-/// A picture, of which memory is nil until its constructor has run.
+/// A picture. `memory` is nil until its constructor has run.
 struct PictureObject : Object {
   explicit PictureObject(std::uint32_t objectId) : Object(Kind::Picture, objectId) {}
 
@@ -41,13 +40,13 @@ struct PictureObject : Object {
 
 class ObjectTable {
  public:
-  /// The one table. It is never destroyed, so pictures in static variables can be.
+  /// The only table. It is never destroyed, so that pictures in static variables can still be.
   static ObjectTable& Instance();
 
   /// A new object without references.
   PictureObject& AddPicture();
   Object& Add(Object::Kind kind, std::string text);
-  /// Gives up one reference; the object goes with the last.
+  /// Releases one reference. The object is destroyed with the last one.
   void Release(Object& object);
 
   /// The live object at this address, or nil.
@@ -55,19 +54,20 @@ class ObjectTable {
   PictureObject* FindPicture(const void* handle) const;
   /// The picture whose context this is, while it is locked; or nil.
   PictureObject* FindContext(const void* context) const;
-  /// Names whatever is or was at the address, for messages.
+  /// Describes, for messages, the object that is or was at the address.
   std::string Describe(const void* handle) const;
 
-  /// Starts or ends a lock. The first one brings a fresh context, which the last one takes away.
+  /// Starts or ends a lock. The first lock makes a new context, and the end of the last one removes
+  /// it.
   void Lock(PictureObject& picture);
   void Unlock(PictureObject& picture);
 
-  /// Sets what the plug-in can do with each picture's pixels from now on: while it is not locked,
-  /// nothing.
+  /// Sets the plug-in's access to the pixels of every picture; none to a picture that is not
+  /// locked.
   void ProtectAll();
   static void Protect(const PictureObject& picture);
 
-  /// In the order in which they were made.
+  /// All objects, in the order in which they were made.
   std::vector<Object*> Objects() const;
   std::vector<PictureObject*> Pictures() const;
 
@@ -79,8 +79,8 @@ class ObjectTable {
 
   std::uint32_t lastId_ = 0;
   std::uint8_t* handles_ = nullptr;      // inaccessible addresses, one for each object
-  std::deque<void*> freeHandles_;        // the longest unused first
-  std::vector<std::uint32_t> lastIdAt_;  // by handle: the last object that it stood for
+  std::deque<void*> freeHandles_;        // the one that is unused for longest comes first
+  std::vector<std::uint32_t> lastIdAt_;  // for each handle, the last object that it stood for
   std::unordered_map<const void*, std::unique_ptr<Object>> objects_;
   std::unordered_map<const void*, PictureObject*> contexts_;
 };

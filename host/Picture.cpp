@@ -17,7 +17,7 @@ PictureObject* Retain(PictureObject* object) {
   return object;
 }
 
-// The picture's memory, accessible, if it holds words.
+// The picture's memory, made accessible. Throws host::Error if it has no readable words.
 const PictureMemory& Words(const PictureObject& object) {
   const Defects& defects = object.memory->Shape().defects;
   if (defects.nilPixels || defects.bitsPerPixel != 32) throw Error(NameOf(object) + " has no readable pixels");
@@ -37,7 +37,7 @@ std::size_t PixelCount(const PictureShape& shape) {
   return static_cast<std::size_t>(std::max(shape.width, 0)) * static_cast<std::size_t>(std::max(shape.height, 0));
 }
 
-// Quotient of non-negative numbers, rounded to the nearest.
+// Quotient of two unsigned numbers, rounded to the nearest integer.
 std::uint32_t Nearest(std::uint32_t dividend, std::uint32_t divisor) {
   return (dividend + divisor / 2) / divisor;
 }

@@ -11,10 +11,10 @@ namespace host {
 namespace {
 
 constexpr std::uint64_t kMostPixelBytes = std::uint64_t{1} << 30;
-constexpr std::uint64_t kMostMappedBytes = std::uint64_t{2} << 30;  // where rows lie far apart
+constexpr std::uint64_t kMostMappedBytes = std::uint64_t{2} << 30;  // for scattered rows
 constexpr std::uint8_t kRecordFiller = 0xB6;
 
-// Differs from place to place, so that padding copied from elsewhere shows as well.
+// Differs from place to place, so that padding copied from another place is noticed.
 std::uint8_t PaddingByte(std::size_t row, std::size_t offset) {
   return static_cast<std::uint8_t>(0x80 | ((row * 37 + offset * 11 + 5) & 0x7F));
 }
@@ -129,10 +129,10 @@ std::uint8_t* PictureMemory::RowStart(int y) const {
     return pixels_->Block(static_cast<std::size_t>(block));
   }
   if (pixelHeight_ == 0) return pixels_->Block(0);
-  // Rows that lie upwards in memory start with the last one.
+  // Where the distance from row to row is negative, the last row has the lowest address.
   const std::int64_t last = static_cast<std::int64_t>(pixelHeight_) - 1;
   const std::int64_t row = bytesPerRow_ < 0 ? y - last : y;
-  const auto offset = static_cast<std::uintptr_t>(row * bytesPerRow_);  // beyond what is signed in 32 bits
+  const auto offset = static_cast<std::uintptr_t>(row * bytesPerRow_);  // may exceed a signed 32-bit number
   return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(pixels_->Block(0)) + offset);
 }
 
@@ -176,7 +176,7 @@ void PictureMemory::StoreRow(int y, const std::uint32_t* words) const {
   }
 }
 
-// Calls visit(byte, pattern) for every byte between the rows until it answers false.
+// Calls visit(byte, pattern) for every byte between the rows until it returns false.
 template <class Visit>
 void PictureMemory::VisitPadding(Visit visit) const {
   const std::size_t distance = static_cast<std::size_t>(std::llabs(bytesPerRow_));

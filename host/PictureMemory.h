@@ -1,5 +1,4 @@
-// How one picture lies in memory, in both storage forms, well-formed or not, and the stored words
-// in it.
+// The memory of one picture, in both storage forms, well-formed or not, and its stored words.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +18,7 @@ class PictureMemory {
 
   const PictureShape& Shape() const { return shape_; }
 
-  // What the plug-in is told.
+  // What the plug-in is told about the picture.
 
   /// Distance between the starts of neighbouring rows.
   std::int32_t BytesPerRow() const { return bytesPerRow_; }
@@ -28,12 +27,12 @@ class PictureMemory {
   /// Buffers: the record, or nil.
   void* Record() const { return shape_.defects.nilData ? nullptr : record_->Block(0); }
 
-  /// What the plug-in can do from now on. Records and row tables can never be written.
+  /// Sets the plug-in's access to the pixels. Records and row tables are never writable.
   void Protect(GuardedMemory::Access access) const;
   /// Makes the pixels accessible for the host.
   void Open() const { Protect(GuardedMemory::Access::Write); }
 
-  // Stored words. The caller opens first.
+  // Stored words. The caller must call Open() first.
 
   std::uint8_t* Pixel(int x, int y) const;
   std::uint32_t Load(int x, int y) const;
@@ -53,7 +52,7 @@ class PictureMemory {
   void VisitPadding(Visit visit) const;
 
   PictureShape shape_;
-  std::size_t pixelWidth_ = 0;  // columns and rows that have memory
+  std::size_t pixelWidth_ = 0;  // the columns and rows that exist in memory
   std::size_t pixelHeight_ = 0;
   std::size_t rowBytes_ = 0;
   std::int32_t bytesPerRow_ = 0;

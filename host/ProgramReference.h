@@ -1,4 +1,4 @@
-// How the host makes the program's picture values out of objects.
+// Makes the program's Picture values out of the host's objects.
 #pragma once
 
 #include "ObjectTable.h"
@@ -7,9 +7,9 @@
 namespace host {
 
 struct ProgramReference {
-  /// A value with a reference of its own.
+  /// A new reference to the object.
   static Picture Share(PictureObject& object);
-  /// A value that takes over a reference that the plug-in owned.
+  /// Takes over a reference that the plug-in owned.
   static Picture Adopt(PictureObject& object);
 };
 

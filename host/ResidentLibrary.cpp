@@ -12,8 +12,8 @@
 namespace host {
 namespace {
 
-// Word by word, and not by a function that looks at what lies there: between the variables, address
-// sanitizers keep memory that nobody may touch.
+// Copies word by word and without instrumentation: address sanitizers forbid access to the gaps
+// that they leave between variables, and memcpy would check for that.
 __attribute__((no_sanitize("address"))) void CopyWords(volatile std::uintptr_t* to, const volatile std::uintptr_t* from,
                                                        std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) to[i] = from[i];
@@ -32,8 +32,8 @@ std::uintptr_t PageStart(std::uintptr_t address) {
   return address & ~(static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE)) - 1);
 }
 
-// Finds what of a library is still writable when it is loaded: the relocations at the start of it
-// are not.
+// Finds the part of a library that is still writable after loading. The relocations at its start no
+// longer are.
 int FindWritable(dl_phdr_info* info, std::size_t, void* context) {
   auto& search = *static_cast<Search*>(context);
   if (info->dlpi_addr != search.base) return 0;
@@ -53,7 +53,8 @@ int FindWritable(dl_phdr_info* info, std::size_t, void* context) {
 }
 
 std::map<std::string, ResidentLibrary>& Kept() {
-  static auto& kept = *new std::map<std::string, ResidentLibrary>;  // for static variables that use it to the last
+  // Never destroyed: destructors of static variables use it.
+  static auto& kept = *new std::map<std::string, ResidentLibrary>;
   return kept;
 }
 

@@ -1,4 +1,4 @@
-// Libraries that stay in the process for good and can be had fresh all the same.
+// Libraries that stay loaded, and whose variables can be reset.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,11 @@
 
 namespace host {
 
-/// One library, and what its variables held when it had just been loaded. What its constructors and
-/// methods did elsewhere, on the heap for example, is not undone.
+/// A loaded library and a copy of its variables as they were right after loading.
+/// PutVariablesBack() does not undo what its code did elsewhere, for example on the heap.
 class ResidentLibrary {
  public:
-  /// Takes over the library, of which nothing but the constructors has run.
+  /// Takes over a library of which only the constructors have run.
   explicit ResidentLibrary(void* handle);
 
   void* Handle() const { return handle_; }
@@ -24,7 +24,7 @@ class ResidentLibrary {
   bool inUse = false;
 
  private:
-  // Writable memory of the library.
+  // A piece of the library's writable memory.
   struct Stretch {
     std::uintptr_t first;
     std::vector<std::uintptr_t> words;

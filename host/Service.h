@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// One per entry name that the resolver knows.
+/// One for each entry name that the resolver knows.
 enum class Service {
   RegisterPluginVersion,     // "RegisterPluginVersion"
   GetRBVersion,              // "REALGetRBVersion"
@@ -26,7 +26,7 @@ enum class Service {
 
 constexpr std::size_t kServiceCount = 12;
 
-/// Every service, for sweeps.
+/// All services.
 constexpr std::array<Service, kServiceCount> kServices = {
     Service::RegisterPluginVersion,
     Service::GetRBVersion,
@@ -42,10 +42,10 @@ constexpr std::array<Service, kServiceCount> kServices = {
     Service::YieldToRB,
 };
 
-/// The name under which the resolver knows the service.
+/// The name by which the resolver knows the service.
 const char* EntryName(Service service);
 
-/// What a service throws that was told to with Host::ThrowAt.
+/// Thrown by a service that Host::ThrowAt has told to.
 class Thrown : public std::runtime_error {
  public:
   explicit Thrown(Service service)
@@ -56,14 +56,14 @@ class Thrown : public std::runtime_error {
   Service service_;
 };
 
-/// What became of one call of a service.
+/// How one call of a service ended.
 enum class ServiceOutcome { Done, Failed, Threw };
 
 /// One line of the host's log.
 struct ServiceCall {
   const char* name;        ///< the entry name, or "Constructor" for the method of the picture class
-  std::uint32_t object;    ///< Picture::Id of the picture (or number of the text) concerned; 0: none, or unknown
-  ServiceOutcome outcome;  ///< Failed and Threw only where FailAt or ThrowAt said so
+  std::uint32_t object;    ///< Picture::Id of the picture, or number of the text; 0: none or unknown
+  ServiceOutcome outcome;  ///< Failed and Threw only by FailAt and ThrowAt
   bool operator==(const ServiceCall& other) const {
     return std::string(name) == other.name && object == other.object && outcome == other.outcome;
   }

@@ -11,7 +11,7 @@ constexpr const char* kPictureClass = "picture";
 constexpr const char* kConstructor = "Constructor(width as integer, height as integer)";
 constexpr const char* kConstructorName = "Constructor";
 
-// The signature is spelled out at each use and must be the contract's.
+// Each use spells the signature out, so that the compiler compares it with the contract's.
 template <class Function>
 void* AddressOf(Function* function) {
   return reinterpret_cast<void*>(function);
@@ -30,7 +30,7 @@ void Log(HostState& state, const char* name, std::uint32_t object, ServiceOutcom
   if (state.options.keepLog) state.log.push_back({name, object, outcome});
 }
 
-// Counts one call and answers whether it shall do its work; throws when it shall throw.
+// Counts one call. Returns whether the service shall do its work; throws if it is told to throw.
 bool Begin(HostState& state, Service service, std::uint32_t object) {
   ServiceBook& book = state.Book(service);
   ++book.calls;
@@ -43,7 +43,7 @@ bool Begin(HostState& state, Service service, std::uint32_t object) {
   return !fails;
 }
 
-// Complaints open with the service.
+// Complaints begin with the name of the service.
 void Complain(Service service, const std::string& text) {
   HostState::current->Complain(std::string(EntryName(service)) + ": " + text);
 }
@@ -116,7 +116,7 @@ REALobjectStruct* NewInstance(REALclassRefStruct* classRef) {
   return static_cast<REALobjectStruct*>(picture.handle);
 }
 
-// A shape that cannot be made leaves a picture without data, as a host that finds no memory does.
+// If the shape cannot be made, the picture has no data, as in a host that is out of memory.
 std::unique_ptr<PictureMemory> MakeMemory(const PictureShape& shape) {
   try {
     return std::make_unique<PictureMemory>(shape);
@@ -181,7 +181,7 @@ void UnlockObject(REALobjectStruct* handle) {
   Begin(*HostState::current, Service::UnlockObject, id);
 }
 
-// The whole description is the host's to fill.
+// Fills in the whole description.
 void Describe(const PictureObject& picture, REALpictureDescription& description) {
   const PictureShape& shape = picture.memory->Shape();
   if (shape.defects.refusesLock) return;
@@ -224,7 +224,7 @@ void EndLock(REALpictureStruct* handle) {
                     "called with " + Table().Describe(handle) + ", which is no picture");
   }
   if (picture->locks == 0) {
-    // A plug-in that could not lock may end the lock all the same.
+    // A plug-in that could not lock is allowed to end the lock all the same.
     if (state.Book(Service::LockPictureDescription).wasWithheld) return;
     return Complain(Service::UnlockPictureDescription, NameOf(*picture) + " is not locked");
   }
@@ -241,7 +241,7 @@ void YieldToRB() {
   HostState& state = *HostState::current;
   if (!Begin(state, Service::YieldToRB, 0) || !state.host.onYield) return;
   state.host.onYield();
-  Table().ProtectAll();  // what the program looked at is open
+  Table().ProtectAll();  // the program may have opened pictures to look at them
 }
 
 struct Entry {

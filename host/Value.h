@@ -12,14 +12,14 @@
 
 namespace host {
 
-/// The program asked for something that cannot be: no such method, an argument of the wrong type,
-/// no such library.
+/// The program asked for something impossible: an unknown method, an argument of the wrong type, a
+/// missing library.
 class Error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// The plug-in broke the contract; the text lists how, one complaint per line.
+/// The plug-in broke the contract. The text has one complaint per line.
 class Misuse : public Error {
  public:
   using Error::Error;
@@ -31,8 +31,7 @@ struct Colour {
   bool operator==(const Colour& other) const { return value == other.value; }
 };
 
-/// What lies in memory where a value of type `boolean` should be: a byte that need be neither 0
-/// (false) nor 1 (true).
+/// The byte of a `boolean` as it lies in memory. It need be neither 0 (false) nor 1 (true).
 struct BooleanByte {
   std::uint8_t value = 0;
   bool operator==(const BooleanByte& other) const { return value == other.value; }
@@ -55,7 +54,7 @@ class Value {
   Value(std::string text) : data_(std::move(text)) {}
   Value(const char* text) : data_(std::string(text)) {}
   template <class T>
-  Value(T* pointer) = delete;  // would be taken for a Boolean
+  Value(T* pointer) = delete;  // else a pointer would convert to a Boolean
 
   bool IsNil() const { return std::holds_alternative<std::monostate>(data_); }
   template <class T>
@@ -66,7 +65,7 @@ class Value {
   std::int32_t AsInteger() const { return As<std::int32_t>("an integer"); }
   double AsDouble() const { return As<double>("a double"); }
   bool AsBoolean() const { return As<bool>("a boolean"); }
-  /// A boolean's is 0 or 1.
+  /// The byte of a boolean: 0 or 1, or any byte of a BooleanByte.
   std::uint8_t AsBooleanByte() const { return Is<BooleanByte>() ? As<BooleanByte>("").value : AsBoolean() ? 1 : 0; }
   Colour AsColour() const { return As<Colour>("a color"); }
   const std::string& AsText() const { return As<std::string>("a string"); }
