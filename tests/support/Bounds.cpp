@@ -6,9 +6,9 @@
 namespace support {
 namespace {
 
-constexpr int kLongest = 1000;  // of lengths that every method is tried with
+constexpr int kLongest = 1000;  // every method is tried with all lengths up to this
 
-// Where that many pixels are reached, in so many rows.
+// Widths around the one at which `rows` rows have that many pixels.
 std::vector<int> Widths(int pixels, int rows) {
   return {pixels / rows - 1, pixels / rows, pixels / rows + 1};
 }
@@ -26,7 +26,7 @@ std::vector<int> Join(std::vector<int> a, const std::vector<int>& b) {
 
 const std::vector<Bound>& Bounds() {
   static const std::vector<Bound> bounds = {
-      // Pixels in a register, in several, in a block of sums, in a line of the cache.
+      // Pixels in a register, in several registers, in a block of sums, in a cache line.
       Length("kPixels", "4", 4),
       Length("kPixels", "8", 8),
       Length("kPixels", "16", 16),

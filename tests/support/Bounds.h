@@ -1,6 +1,6 @@
-// The constants of the plug-in that bound a tile, a band, an array or a threshold, each with sizes
-// at it, one below and one above. A test compares this list with the sources: a constant that is
-// new or has another value belongs here.
+// The constants of the plug-in that bound a tile, a band, an array or a threshold. Each comes with
+// lengths equal to it, one below and one above. A test compares this list with the sources, so a
+// constant that is new or has another value must be entered here.
 #pragma once
 
 #include <string>
@@ -10,22 +10,22 @@ namespace support {
 
 struct Bound {
   std::string name;
-  std::string value;         ///< as the sources have it
-  std::vector<int> lengths;  ///< of rows or columns
+  std::string value;         ///< as the sources write it
+  std::vector<int> lengths;  ///< numbers of rows or columns
 };
 
 const std::vector<Bound>& Bounds();
 
-/// Integers that bound nothing of the kind, and why.
+/// Integer constants that are no such bound, and why.
 struct OtherConstant {
   std::string name;
   std::string reason;
 };
 const std::vector<OtherConstant>& OtherConstants();
 
-/// All lengths of all bounds, sorted, but for those of more than a few hundred pixels.
+/// The lengths of all bounds, sorted, without those of more than a few hundred pixels.
 std::vector<int> LengthsAtBounds();
-/// Lengths of one bound.
+/// The lengths of one bound.
 const std::vector<int>& LengthsAt(const std::string& name);
 
 }  // namespace support

@@ -69,7 +69,7 @@ std::int32_t NearPowerOfTwo(Random& random, std::int32_t most) {
 
 namespace {
 
-// That number, or one of the two doubles next to it.
+// The number, or one of the two doubles next to it.
 double OrNext(Random& random, double number) {
   if (OneIn(random, 2)) return number;
   return std::nextafter(number, OneIn(random, 2) ? -DBL_MAX : DBL_MAX);

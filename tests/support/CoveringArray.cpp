@@ -9,8 +9,8 @@ namespace support {
 namespace {
 
 using Row = std::vector<int>;
-using Choice = std::pair<std::size_t, int>;  // the factor, and which of its choices
-using Pair = std::pair<Choice, Choice>;      // the factor of the first is the lower one
+using Choice = std::pair<std::size_t, int>;  // a factor, and the number of its choice
+using Pair = std::pair<Choice, Choice>;      // the lower factor comes first
 
 constexpr int kOpen = -1;
 
@@ -26,7 +26,7 @@ std::set<Pair> AllPairs(const std::vector<int>& counts) {
   return pairs;
 }
 
-// The pairs that a choice makes with what stands in a row.
+// The pairs of this choice with the choices that the row already has.
 std::set<Pair> PairsWith(const Row& row, const Choice& choice) {
   std::set<Pair> pairs;
   for (std::size_t f = 0; f < row.size(); ++f) {
@@ -37,8 +37,8 @@ std::set<Pair> PairsWith(const Row& row, const Choice& choice) {
   return pairs;
 }
 
-// A row that begins with a pair which no row has; then each factor makes the choice that adds most
-// pairs of that kind, of equal ones the choice that was made least often.
+// A row that begins with a missing pair. Each other factor takes the choice that adds most missing
+// pairs; among equal choices, the one that was used least.
 Row GreedyRow(const std::vector<int>& counts, const std::set<Pair>& missing, std::map<Choice, int>& uses) {
   Row row(counts.size(), kOpen);
   const auto [first, second] = *missing.begin();

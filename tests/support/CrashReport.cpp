@@ -24,7 +24,7 @@ void CrashReport::Restore() {
   for (std::size_t i = 0; i < kCrashes.size(); ++i) sigaction(kCrashes[i], &before_[i], nullptr);
 }
 
-// What crashed then happens once more, to whoever was responsible before.
+// Returns to the faulting instruction, so that the fault repeats and the previous handler gets it.
 void CrashReport::Report(int) {
   if (write(STDERR_FILENO, text_, std::strlen(text_)) < 0) _exit(1);
   Restore();

@@ -1,4 +1,4 @@
-// Says where a process was when it crashed.
+// Tells where a process was when it crashed.
 #pragma once
 
 #include <signal.h>
@@ -8,8 +8,8 @@
 
 namespace support {
 
-/// While one lives, a crash writes the place that was set last. Then whoever was responsible before
-/// has its turn.
+/// While an object lives, a crash prints the place that was set last. Then the previous signal
+/// handler runs.
 class CrashReport {
  public:
   CrashReport();
@@ -17,7 +17,7 @@ class CrashReport {
   CrashReport(const CrashReport&) = delete;
   CrashReport& operator=(const CrashReport&) = delete;
 
-  /// Up to 180 bytes of the text are kept.
+  /// Keeps up to 180 bytes of the text.
   static void SetPlace(const std::string& place);
 
  private:

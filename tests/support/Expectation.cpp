@@ -32,7 +32,7 @@ class FaultyModel {
       case FaultKind::Throw:
         if (fault_.service == Service::YieldToRB) return LeftAtYield();
         if (Makes(fault_.service)) return LeftMaking(Concerned(), fault_.service);
-        break;  // releases are done all the same
+        break;  // a release takes effect even if it fails
       case FaultKind::Withhold:
         return Withheld();
       case FaultKind::ConstructorThrows:
@@ -44,7 +44,7 @@ class FaultyModel {
   }
 
  private:
-  // With a picture that is of no use: the source, or a new one, counted from 1.
+  // A call in which one picture is unusable: the source (kSource), or a new one (from 1).
   Outcome Call(std::optional<std::size_t> useless) const {
     std::optional<StoredPicture> source = setting_.source;
     if (source && useless == kSource) source->fault = Fault::UnusableType;
@@ -58,14 +58,15 @@ class FaultyModel {
 
   std::size_t Nth() const { return static_cast<std::size_t>(fault_.n); }
 
-  // Whether the arguments let the method come that far: then it cannot but fail if that is refused.
+  // Whether the arguments let the method come as far as locking the source. If so, a refused lock
+  // makes it fail.
   bool LocksSource() const {
     if (!setting_.source) return false;
     const int code = Call(kSource).code;
     return code == 0 || code == 4;
   }
 
-  // The picture that the fault is about.
+  // The number of the picture that the fault affects.
   std::size_t Concerned() const {
     const bool locks = fault_.service == Service::LockPictureDescription;
     return Nth() - (locks && LocksSource() ? 1 : 0);
@@ -73,8 +74,8 @@ class FaultyModel {
 
   Expectation Clean() const { return {clean_, {}, static_cast<std::size_t>(clean_.lost), 0}; }
 
-  // One that is refused by a service: it is as if its type were of no use, but that there may be
-  // less to abandon.
+  // A service refuses the picture. The result is the same as for an unusable picture type, but
+  // fewer objects may be abandoned.
   Expectation WithoutPicture(std::size_t number) const {
     if (number > clean_.made.size()) return Clean();
     Outcome outcome = Call(number);
@@ -85,7 +86,8 @@ class FaultyModel {
     return {std::move(outcome), {}, leaks, made && fault_.service == Service::LoadObjectMethod ? 1u : 0u};
   }
 
-  // What was done when an exception left the call: some yields, and in place the rows before them.
+  // The state when an exception leaves the call: some yields were made, and in place the rows
+  // before them are changed.
   Outcome Left(std::size_t yields) const {
     Outcome outcome;
     outcome.yields.assign(clean_.yields.begin(), clean_.yields.begin() + static_cast<std::ptrdiff_t>(yields));
@@ -97,7 +99,7 @@ class FaultyModel {
     return outcome;
   }
 
-  // A result that is begun is nobody's any more.
+  // An unfinished result has no owner any more.
   Expectation LeftAtYield() const {
     if (Nth() > clean_.yields.size()) return Clean();
     const std::vector<std::size_t>& alive = clean_.yields[Nth() - 1].alive;
@@ -105,8 +107,9 @@ class FaultyModel {
     return {Left(Nth()), Service::YieldToRB, static_cast<std::size_t>(results), 0};
   }
 
-  // Left while a picture was made; `like` is a service that leaves as much when it throws. The
-  // stretch's result, made before its temporary picture, is abandoned, too.
+  // An exception left the call while a picture was made. `like` is a service that abandons as much
+  // when it throws. The stretch makes its result before its temporary picture, so the result is
+  // abandoned, too.
   Expectation LeftMaking(std::size_t number, Service like) const {
     if (number > clean_.made.size()) return Clean();
     const Service thrower = fault_.kind == FaultKind::ConstructorThrows ? Service::NewInstance : fault_.service;

@@ -1,5 +1,5 @@
-// What must come of a call of a method in which one service fails, throws or is missing, told by
-// the reference model.
+// The outcome of a method call in which one service fails, throws or is missing, as the reference
+// model predicts it.
 #pragma once
 
 #include <cstddef>
@@ -14,22 +14,22 @@ enum class FaultKind {
   Fail,               ///< the nth call of a service does nothing
   Throw,              ///< the nth call of a service throws
   Withhold,           ///< the service is missing
-  ConstructorThrows,  ///< that of the nth new picture
-  ProgramThrows,      ///< at the nth yield
+  ConstructorThrows,  ///< the constructor of the nth new picture throws
+  ProgramThrows,      ///< the program throws at the nth yield
 };
 
-/// What the host gets wrong in one call.
+/// The fault that the host shows in one call.
 struct HostFault {
   FaultKind kind = FaultKind::None;
   host::Service service = {};
-  int n = 1;  ///< counted from 1
+  int n = 1;  ///< which call, counted from 1
 };
 
 struct Expectation {
-  model::Outcome outcome;                ///< of a call that is left, as far as it came
-  std::optional<host::Service> thrower;  ///< whose exception leaves the method
-  std::size_t leaks = 0;                 ///< objects that nobody can give up any more
-  std::size_t unconstructed = 0;         ///< of these, those whose constructor has not run
+  model::Outcome outcome;                ///< of an interrupted call: what was done until then
+  std::optional<host::Service> thrower;  ///< the service whose exception leaves the method
+  std::size_t leaks = 0;                 ///< objects that nobody can release any more
+  std::size_t unconstructed = 0;         ///< of the leaks, those whose constructor has not run
 };
 
 Expectation Expect(const MethodCall& call, const Setting& setting, const HostFault& fault);

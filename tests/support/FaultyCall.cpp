@@ -33,7 +33,7 @@ void AddRelease(const std::string& picture, Steps& steps) {
   if (picture[0] == 'T') steps.push_back("give up " + picture);
 }
 
-// Rows that share memory.
+// Whether rows of the picture share memory.
 bool IsTangled(const host::PictureShape& shape) {
   return shape.height > 1 && shape.defects.bytesPerRow.has_value() &&
          std::abs(std::int64_t{*shape.defects.bytesPerRow}) < std::int64_t{shape.width} * 4;
@@ -50,7 +50,7 @@ class FaultyCall {
   }
 
   std::optional<int> Check() {
-    host_.Call("Trim", {Value(), 0, 0, 1, 1, host::Colour{}, 0});  // which leaves 2
+    host_.Call("Trim", {Value(), 0, 0, 1, 1, host::Colour{}, 0});  // leaves code 2
     Call();
     CheckBooks();
     CheckOrder();
@@ -157,9 +157,9 @@ class FaultyCall {
     EXPECT_TRUE(picture.PaddingIntact()) << "written between the rows";
   }
 
-  // A call that ends early does what one without faults begins with. Then it releases what it
-  // holds: a picture whose type is of no use, which is abandoned; temporary pictures, the latest
-  // first; the result; the source.
+  // A call that ends early starts with the same calls as one without faults. Then it releases what
+  // it holds, in this order: a picture of unusable type, which is abandoned; temporary pictures,
+  // the latest first; the result; the source.
   void CheckOrder() const {
     if (fault_.kind == FaultKind::Withhold || host_.Log().empty()) return;
     const Steps got = ServiceCalls(method_, host_);

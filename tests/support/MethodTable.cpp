@@ -15,8 +15,8 @@ using model::MakePicture;
 using model::Outcome;
 using model::StoredPicture;
 
-// Takes what the model wants to know from a call, one parameter after the other. The model is not
-// told what ByRef arguments hold.
+// Passes a call's arguments to the model, parameter by parameter. The model does not get the values
+// of ByRef arguments.
 class Call {
  public:
   Call(const StoredPicture* source, const Arguments& arguments, const MakePicture& make, const char* types)
@@ -69,7 +69,7 @@ Method Row(const char* name, const char* types, const char* made, Outcome (*byMo
           made,
           [=](const StoredPicture* source, const Arguments& arguments, const MakePicture& make) {
             Call call(source, arguments, make, types);
-            // Braces, so that they are taken in this order.
+            // Braces evaluate these in order.
             return std::apply(byModel,
                               std::tuple<std::decay_t<Parameters>...>{call.Take<std::decay_t<Parameters>>()...});
           },

@@ -1,4 +1,4 @@
-// The methods: argument tests, codes, the life of pictures, and yields.
+// The methods: argument checks, codes, lifetimes of pictures, and yields.
 
 #include "Model.h"
 
@@ -33,20 +33,20 @@ std::size_t StoredPicture::Index(std::int64_t x, std::int64_t y) const {
 
 namespace {
 
-// The row that a walk along a column reaches on its way. In a buffer it ends at the first or last
-// row, and before a missing one; in a bitmap context it goes on.
+// The last row that a walk along a column reaches. In a buffer the walk ends at the first or last
+// row, or before a missing one; in a bitmap context it continues.
 std::int64_t RowReached(const StoredPicture& picture, std::int64_t from, std::int64_t to) {
   if (picture.form == Form::BitmapContext || from == to) return to;
   const std::set<int>& missing = picture.missingRows;
   if (to > from) {
-    const auto next = missing.lower_bound(static_cast<int>(from));  // or the row itself
+    const auto next = missing.lower_bound(static_cast<int>(from));  // `from` itself is included
     return std::max(from, std::min<std::int64_t>(to, (next == missing.end() ? picture.height : *next) - 1));
   }
   const auto previous = std::make_reverse_iterator(missing.upper_bound(static_cast<int>(from)));
   return std::min(from, std::max<std::int64_t>(to, previous == missing.rend() ? 0 : *previous + 1));
 }
 
-// A picture as long as it is stored.
+// The stored picture as a function. It must outlive the result.
 Picture View(const StoredPicture& stored) {
   return {stored.width, stored.height,
           [&stored](auto x, auto y, auto start) { return stored.Read(x, RowReached(stored, start, y)); }};
@@ -60,23 +60,23 @@ Outcome Failure(int code) {
   return outcome;
 }
 
-// The new picture that the host makes, which may be one that cannot be locked; nil if a size is
-// below 1.
+// A new picture, made by the host, that may be impossible to lock; nil if a size is below 1.
 StoredPicture* Make(Outcome& outcome, int width, int height, const MakePicture& make) {
   if (width < 1 || height < 1) return nullptr;
   outcome.made.push_back(make(outcome.made.size() + 1, width, height));
   return &outcome.made.back();
 }
 
-// A new picture that the caller gets. Nil if it cannot be made or locked.
+// A new picture that is returned to the caller. Nil if it cannot be made or locked.
 StoredPicture* MakeResult(Outcome& outcome, int width, int height, const MakePicture& make) {
   StoredPicture* picture = Make(outcome, width, height, make);
   if (picture == nullptr || picture->fault == Fault::None) return picture;
-  ++outcome.lost;  // a result is the caller's from the start, and never given up
+  ++outcome.lost;  // the caller owns a result from the start, so it is never released
   return nullptr;
 }
 
-// A new picture that is given up at the end of the pass that reads it. Nil likewise.
+// A new picture that is released at the end of the pass that reads it. Nil if it cannot be made or
+// locked.
 StoredPicture* MakeTemporary(Outcome& outcome, int width, int height, const MakePicture& make) {
   StoredPicture* picture = Make(outcome, width, height, make);
   if (picture == nullptr || picture->fault == Fault::None) return picture;
@@ -84,10 +84,10 @@ StoredPicture* MakeTemporary(Outcome& outcome, int width, int height, const Make
   return nullptr;
 }
 
-// When a pass looks whether a yield is due, and when it counts the pixels of a line.
+// The order in which a pass checks for a yield, makes a line, and counts the line's pixels.
 enum class Rule { YieldMakeCount, MakeYieldCount, MakeCountYield };
 
-// One pass over the lines of a picture, with a count of its own of the pixels since the last yield.
+// One pass over the lines of a picture. It counts the pixels since its own last yield.
 class Pass {
  public:
   Pass(Outcome& outcome, int yield, Rule rule, std::size_t writing, std::vector<std::size_t> alive)
@@ -99,7 +99,7 @@ class Pass {
     PaintLines(picture, result, 0, (columns ? result.width : result.height) - 1);
   }
 
-  // Makes lines `first` to `last`, counted in the picture's order.
+  // Makes the lines `first` to `last`, counted in the picture's order.
   void PaintLines(const Picture& picture, StoredPicture& result, int first, int last) {
     state_.order = picture.order;
     for (int n = first; n <= last; ++n) {
@@ -136,7 +136,7 @@ class Pass {
   std::int64_t pixels_ = 0;
 };
 
-// What a method does that makes one picture: the first code tells that there is none.
+// A method that makes one picture. The first code is returned if the picture cannot be made.
 template <class Paint>
 Outcome MakeOne(int code, int width, int height, const MakePicture& make, Paint paint) {
   Outcome outcome;
@@ -181,7 +181,7 @@ Outcome Shear(const StoredPicture* source, Lines lines, int width, int height, d
   });
 }
 
-// Beyond these sizes the units of coverage become 0, or overflow.
+// Beyond these sizes the units of coverage become 0 or overflow.
 bool StretchIsTooFar(int from, int to) {
   return to > 65535 || std::int64_t{from} > std::int64_t{32768} * to;
 }
@@ -211,7 +211,7 @@ Outcome FreeRotateByShear(const StoredPicture* source, double rotation, std::uin
     const bool isLast = number == steps.size();
     StoredPicture* to = (isLast ? MakeResult : MakeTemporary)(outcome, step.width, step.height, make);
     if (isLast && (to != nullptr || outcome.made.back().fault == Fault::NoPixels)) {
-      outcome.result = number;  // returned as it is if it cannot be locked
+      outcome.result = number;  // returned unchanged if it cannot be locked
       outcome.lost = 0;
     }
     if (to == nullptr) return outcome;
@@ -241,7 +241,7 @@ Outcome Stretch(const StoredPicture* source, int width, int height, int yield, c
     const auto paint = [&](const StoredPicture& from, Lines lines, StoredPicture& to, std::size_t number) {
       const bool alongRows = lines == Lines::Rows;
       const int length = alongRows ? from.width : from.height, newLength = alongRows ? to.width : to.height;
-      // The host may make pictures of other sizes than it was asked for.
+      // The host may make pictures of other sizes than requested.
       if (length < 1 || newLength < 1 || StretchIsTooFar(length, newLength)) return;
       Pass pass(outcome, yield, Rule::YieldMakeCount, number, {1, 2});
       pass.Paint(Stretched(View(from), lines, to.width, to.height), to);
@@ -304,7 +304,7 @@ Outcome AdjustCopy(const StoredPicture* source, const Rectangle& rectangle, cons
   });
 }
 
-// Paints these rows of the source itself.
+// Changes these rows of the source in place.
 template <class Change>
 Outcome AdjustRows(const StoredPicture& source, const Rectangle& rectangle, const Change& change, int yield, int first,
                    int last) {
@@ -349,7 +349,7 @@ Outcome AdjustRgb(const StoredPicture* source, const Rectangle& selection, const
   return AdjustCopy(source, selection, change, yield, make);
 }
 
-// Rows without a selected pixel are left alone, and do not count.
+// Rows without a selected pixel are skipped and not counted.
 Outcome AdjustRgbInPlace(const StoredPicture* source, const Rectangle& selection, const RgbChange& change, int yield) {
   if (const int code = AdjustCode(source, selection, change)) return Failure(code);
   const Selection selected = Select(*source, selection);

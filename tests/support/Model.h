@@ -1,10 +1,10 @@
 // The reference model: what every method of the plug-in does, written as plainly as possible, one
-// pixel at a time, without a host, runs of pixels, or any line of the plug-in's own. Tests compare
-// the plug-in with it, so it is slow on purpose and obvious first of all.
+// pixel at a time. It needs no host and no runs of pixels, and shares no code with the plug-in.
+// Tests compare the plug-in with it, so it is obvious rather than fast.
 //
-// What a method does to pixels is in ModelPixel.h, and to pictures, as functions of a place, in
-// ModelPicture.h. Here a method is a function from its arguments to an Outcome: the code, every
-// picture that it makes, the moments at which it yields and how far it is by then.
+// ModelPixel.h has the operations on single pixels. ModelPicture.h has the operations on pictures,
+// which are functions of a place. Here a method is a function from its arguments to an Outcome: the
+// code, all pictures that it makes, the moments at which it yields, and its progress at each.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ enum class Fault { None, NoPixels, UnusableType };
 struct StoredPicture {
   StoredPicture(Form pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word = 0);
 
-  // What is outside, or in a missing row, reads as 0 and ignores writes.
+  // Pixels outside the picture or in a missing row read as 0 and ignore writes.
   bool Has(std::int64_t x, std::int64_t y) const;
   std::uint32_t Read(std::int64_t x, std::int64_t y) const {
     return Has(x, y) ? ReadPixel(form, words[Place(x, y)]) : 0;
@@ -39,8 +39,8 @@ struct StoredPicture {
   Form form;
   int width;
   int height;
-  std::vector<std::uint32_t> words;  ///< row after row, top row first
-  std::set<int> missingRows;         ///< of a buffer
+  std::vector<std::uint32_t> words;  ///< row by row, top row first
+  std::set<int> missingRows;         ///< rows that a buffer lacks
   Fault fault = Fault::None;
 
  private:
@@ -49,33 +49,32 @@ struct StoredPicture {
   std::size_t Index(std::int64_t x, std::int64_t y) const;
 };
 
-/// What the host makes when it is asked for its nth new picture (from 1) of a size of at least
-/// 1 x 1.
+/// Makes the host's new picture number n (from 1), of a requested size of at least 1 x 1.
 using MakePicture = std::function<StoredPicture(std::size_t number, int width, int height)>;
 
 /// One call of the host's yield service.
 struct Yield {
-  std::size_t writing;             ///< number of the new picture that is being written; 0: the source, or none
-  int linesDone;                   ///< lines that are complete; no other line has been touched
-  Order order;                     ///< what a line is, and which ones are done
-  std::vector<std::size_t> alive;  ///< numbers of the new pictures that exist at the moment
+  std::size_t writing;             ///< the number of the new picture that is being written; 0: the source, or none
+  int linesDone;                   ///< number of complete lines; no other line has been touched
+  Order order;                     ///< what a line is, and which lines are complete
+  std::vector<std::size_t> alive;  ///< numbers of the new pictures that exist at this moment
 };
 
 struct Outcome {
   int code = 0;
   std::deque<StoredPicture> made;  ///< the new pictures, in order, as the method left them
-  std::size_t result = 0;          ///< number of the one that is returned; 0 is nil
-  int lost = 0;                    ///< new pictures whose reference nobody holds or gives up
+  std::size_t result = 0;          ///< number of the returned picture; 0 is nil
+  int lost = 0;                    ///< new pictures whose reference is neither held nor released
   std::vector<Yield> yields;
 
   std::optional<StoredPicture> changed;          ///< the source after a method that works in place
-  std::optional<std::array<double, 3>> meanHsv;  ///< nothing: the caller's values stay
+  std::optional<std::array<double, 3>> meanHsv;  ///< nothing: the caller's values stay unchanged
   std::optional<std::array<int, 3>> meanRgb;
 };
 
 // The methods. A nil source is a null pointer.
 
-// Booleans of a method are bytes: 0 is false, 1 is true.
+// Boolean arguments are bytes: 0 is false, 1 is true.
 Outcome FlipRotate(const StoredPicture* source, std::uint8_t flipH, std::uint8_t flipV, int rotation, int yield,
                    const MakePicture& make);
 Outcome ShearHorizontal(const StoredPicture* source, int width, int height, double shear, std::uint32_t frameColour,

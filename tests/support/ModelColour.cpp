@@ -1,4 +1,4 @@
-// Adjustments and averages of a selection's colours, and gradients.
+// Adjustments and averages of the colours in a selection, and gradients.
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,7 @@ Selection::Selection(const Rectangle& r, int width, int height) {
 
 Picture Adjusted(const Picture& source, const Rectangle& rectangle, const HsvChange& change) {
   const Selection selection(rectangle, source.width, source.height);
-  const auto scale = [](double factor) {  // 0 for a factor that is no number
+  const auto scale = [](double factor) {  // 0 for NaN
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(IntegerPart(factor)) * 1024);
   };
   const std::int32_t hueShift = IntegerPart(std::floor(change.hueDegrees * 1024.0 / 60.0));
@@ -26,7 +26,7 @@ Picture Adjusted(const Picture& source, const Rectangle& rectangle, const HsvCha
   return {source.width, source.height, [=](auto x, auto y, auto) {
             std::uint32_t pixel = source.At(x, y);
             if (selection.Contains(x, y)) pixel = AdjustHsv(pixel, hueShift, saturation, value);
-            return negative ? ~pixel & 0xFFFFFF : pixel;  // clear, whatever it was
+            return negative ? ~pixel & 0xFFFFFF : pixel;  // a negative is always clear
           }};
 }
 
@@ -66,8 +66,7 @@ std::array<double, 3> Sums::MeanHsv() const {
 
 namespace {
 
-// One channel of colour P with weight tP and colour N with weight tN. Both products lose their
-// fractions.
+// One channel of colour P with weight tP plus colour N with weight tN. Both products are truncated.
 std::uint32_t BlendChannel(std::uint32_t P, double tP, std::uint32_t N, double tN) {
   return static_cast<std::uint32_t>(std::clamp(IntegerPart(IntegerPart(N * tN) + P * tP), 0, 255));
 }
@@ -77,8 +76,8 @@ std::uint32_t BlendColours(std::uint32_t P, double tP, std::uint32_t N, double t
               BlendChannel(Green(P), tP, Green(N), tN), BlendChannel(Blue(P), tP, Blue(N), tN));
 }
 
-// Row y of the rows from `first` to `last`: colour P in the first, N in the last one. A single row
-// divides 0 by 0.
+// The colour of row y: P in row `first`, N in row `last`, a mixture between. A single row divides 0
+// by 0.
 std::uint32_t RowColour(std::int64_t y, double first, double last, std::uint32_t P, std::uint32_t N) {
   const double d = last - first, row = static_cast<double>(y);
   return BlendColours(P, (last - row) / d, N, (row - first) / d);

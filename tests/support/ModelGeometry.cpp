@@ -12,7 +12,7 @@
 namespace model {
 namespace {
 
-// A picture seen as its rows or its columns.
+// A picture as a list of rows or of columns.
 struct LinesOf {
   LinesOf(const Picture& ofPicture, Lines lines)
       : picture(ofPicture),
@@ -20,7 +20,7 @@ struct LinesOf {
         count(columns ? picture.width : picture.height),
         length(columns ? picture.height : picture.width) {}
 
-  // Place i of a line that is read from place `start` on.
+  // Pixel i of a line, by a walk along the line that begins at pixel `start`.
   std::uint32_t At(std::int64_t line, std::int64_t i, std::int64_t start) const {
     return columns ? picture.walkTo(line, i, start) : picture.At(i, line);
   }
@@ -52,7 +52,7 @@ std::pair<int, int> TurnedSize(int width, int height, int quarters) {
 
 Picture FlipRotated(const Picture& source, bool flipH, bool flipV, int quarter) {
   const std::int64_t W = source.width, H = source.height;
-  // Where a pixel was before it was turned, then before it was mirrored.
+  // The place of a pixel before the turn, and before the flip that precedes the turn.
   const auto origin = [=](std::int64_t x, std::int64_t y) {
     if (quarter == 1) std::tie(x, y) = std::pair(y, H - 1 - x);
     if (quarter == 2) std::tie(x, y) = std::pair(W - 1 - x, H - 1 - y);
@@ -64,13 +64,13 @@ Picture FlipRotated(const Picture& source, bool flipH, bool flipV, int quarter) 
   return {width, height,
           [=](auto x, auto y, auto) {
             const auto [column, row] = origin(x, y);
-            // A turned row is a walk along a column.
+            // A row of the result may be a walk along a column of the source.
             return source.walkTo(column, row, quarter % 2 == 1 ? origin(0, y).second : row);
           },
           bottomUp ? Order::BottomUp : Order::TopDown};
 }
 
-// A line lies at an offset in 1/65536 pixels, whose fraction blends each pixel with the one before.
+// Lines are displaced in steps of 1/65536 pixel; the fraction blends each pixel with the one before.
 Picture Sheared(const Picture& source, Lines lines, int width, int height, double shear, std::uint32_t frameColour) {
   if (std::isnan(shear)) shear = 0;
   const LinesOf from(source, lines);
@@ -80,7 +80,7 @@ Picture Sheared(const Picture& source, Lines lines, int width, int height, doubl
   const auto natural =
       static_cast<std::int64_t>(std::floor(static_cast<double>(W) + static_cast<double>(H) * std::fabs(shear)));
   const auto step = static_cast<std::int64_t>(std::floor(shear * 65536.0));
-  const std::int64_t margin = (count - H) / 2;  // lines of frame, or, below 0, of the source that are cut off
+  const std::int64_t margin = (count - H) / 2;  // lines of frame; below 0, lines of the source that are cut off
   const std::int64_t offsetOfFirst = (length - natural) / 2 * 65536 + (step > 0 ? H * step : 0);
   const std::uint32_t frame = frameColour ^ 0xFF000000;
 
@@ -95,9 +95,9 @@ Picture Sheared(const Picture& source, Lines lines, int width, int height, doubl
 
     const std::int64_t start = std::max<std::int64_t>(-whole - 1, 0);
     const std::uint32_t pixel = from.At(r, std::min(i, W - 1), start);
-    // An opaque frame does not tint the image's edges.
+    // An opaque frame does not tint the edges of the image.
     const std::uint32_t beside = Alpha(frame) == 255 ? pixel | 0xFF000000 : frame;
-    if (i == W) return Mix(pixel, f, beside, 65535 - f, 65536);  // the last pixel's share in the edge
+    if (i == W) return Mix(pixel, f, beside, 65535 - f, 65536);  // the last pixel's share of the edge
     return Blend(pixel, i > 0 ? from.At(r, i - 1, start) : beside, f);
   });
 }
@@ -105,7 +105,7 @@ Picture Sheared(const Picture& source, Lines lines, int width, int height, doubl
 Picture Stretched(const Picture& source, Lines lines, int width, int height) {
   const LinesOf from(source, lines);
   const std::int64_t length = lines == Lines::Rows ? width : height;
-  const std::int64_t perSource = length * 32768 / from.length;  // what one pixel covers, in units
+  const std::int64_t perSource = length * 32768 / from.length;  // units that one source pixel covers
   const std::int64_t perResult = perSource * from.length / length;
   return FromLines(lines, width, height, [=](std::int64_t line, std::int64_t i) {
     const std::int64_t begin = i * perResult, end = begin + perResult;
@@ -137,7 +137,7 @@ double Normalised(double angle) {
   return angle;
 }
 
-// The box round a rectangle that is turned by d degrees (theta in radians).
+// The bounding box of a rectangle turned by d degrees (theta in radians).
 std::pair<int, int> BoxOfTurned(int width, int height, double d, double theta) {
   if (d == 0) return {width, height};
   const double w = width, h = height;
@@ -150,8 +150,8 @@ std::pair<int, int> BoxOfTurned(int width, int height, double d, double theta) {
           IntegerPart(std::ceil(reference::Sine(d > 0 ? A1 : A2) * diagonal))};
 }
 
-// The length of the lines of a sheared picture, or 0 where a 32-bit integer cannot hold what it is
-// made from.
+// The length of the lines of a sheared picture; 0 if a step of the computation exceeds a 32-bit
+// integer.
 int ShearedLength(int length, int lines, double shear) {
   const std::int64_t k = std::abs(std::int64_t{IntegerPart(shear * 65536.0)});
   const std::int64_t sum = std::int64_t{length} * 65536 + 65535 + k * lines;

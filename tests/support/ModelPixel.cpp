@@ -14,7 +14,7 @@ std::uint32_t ReadPixel(Form form, std::uint32_t word) {
   const std::uint32_t alpha = Alpha(word);
   if (alpha == 0) return 0;
   if (alpha == 255) return word;
-  // A colour above alpha gives more than 255 and carries into its neighbour; the sum wraps in 32
+  // A colour above alpha gives more than 255 and carries into the next channel. The sum wraps at 32
   // bits.
   return (alpha << 24) + ((Red(word) * 255 / alpha) << 16) + ((Green(word) * 255 / alpha) << 8) +
          Blue(word) * 255 / alpha;
@@ -50,7 +50,7 @@ Hsv HsvFromPixel(std::uint32_t pixel) {
 }
 
 std::uint32_t PixelFromHsv(const Hsv& hsv) {
-  // Nothing is cut to a byte: a channel below 0 reaches into those above it.
+  // Channels are not clamped or masked: a channel below 0 changes those above it.
   const auto pack = [&](std::int32_t red, std::int32_t green, std::int32_t blue) {
     return static_cast<std::uint32_t>(hsv.alpha) << 24 | static_cast<std::uint32_t>(red) << 16 |
            static_cast<std::uint32_t>(green) << 8 | static_cast<std::uint32_t>(blue);
@@ -58,7 +58,7 @@ std::uint32_t PixelFromHsv(const Hsv& hsv) {
   const std::int32_t value = hsv.value;
   const std::int32_t s = hsv.saturation;
   if (s == 0) return pack(value, value, value);
-  const std::int32_t i = hsv.hue / 1024;  // truncated: sector 0 begins at -1023
+  const std::int32_t i = hsv.hue / 1024;  // truncated: -1023 to 1023 is sector 0
   if (i < 0 || i > 5) return pack(0, 0, 0);
   const std::int32_t p = (1024 - s) * value / 1024;
   const std::int32_t f = hsv.hue - i * 1024;

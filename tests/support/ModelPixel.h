@@ -1,5 +1,5 @@
-// One pixel in the reference model: how pictures store it, and what methods make of its channels.
-// The kernels' tests compare with these functions, too.
+// One pixel in the reference model: the storage forms, and the operations on its channels. The
+// tests of the kernels compare with these functions, too.
 #pragma once
 
 #include <array>
@@ -32,14 +32,13 @@ constexpr std::uint32_t Pack(std::uint32_t alpha, std::uint32_t red, std::uint32
   return alpha << 24 | red << 16 | green << 8 | blue;
 }
 
-/// Sums of each channel of pixels that have weights. The weights add up to 65536 at most, so that a
-/// sum is below 2^24.
+/// Weighted sums of each channel. The weights add up to at most 65536, so a sum is below 2^24.
 class WeightedSum {
  public:
   void Add(std::uint32_t pixel, std::uint32_t weight) {
     for (std::size_t i = 0; i < 4; ++i) sums_[i] += (pixel >> 8 * i & 0xFF) * weight;
   }
-  /// Fractions are cut off. The divisor is at least the sum of the weights.
+  /// Divides and truncates. The divisor is at least the sum of the weights.
   std::uint32_t DividedBy(std::uint32_t divisor) const {
     return Pack(sums_[3] / divisor, sums_[2] / divisor, sums_[1] / divisor, sums_[0] / divisor);
   }
@@ -56,7 +55,7 @@ inline std::uint32_t Mix(std::uint32_t a, std::uint32_t weightA, std::uint32_t b
   return sum.DividedBy(divisor);
 }
 
-/// A pixel of a sheared line, of which the pixel before takes a fraction in 1/65535.
+/// A pixel of a sheared line. The pixel before it has a share of `fraction` / 65535.
 inline std::uint32_t Blend(std::uint32_t pixel, std::uint32_t before, std::uint32_t fraction) {
   return Mix(pixel, 65535 - fraction, before, fraction, 65535);
 }
@@ -70,16 +69,16 @@ struct Hsv {
 Hsv HsvFromPixel(std::uint32_t pixel);
 std::uint32_t PixelFromHsv(const Hsv& hsv);
 
-/// Turns the hue, by less than a circle, and scales the others. Scales are in 1/1024 and not
-/// negative.
+/// Turns the hue by less than a circle, and scales saturation and value. Scales are in 1/1024 and
+/// not negative.
 std::uint32_t AdjustHsv(std::uint32_t pixel, std::int32_t hueShift, std::int32_t saturationScale,
                         std::int32_t valueScale);
-/// Adds to each colour, within 0 and 255.
+/// Adds to each colour channel and clamps to 0 to 255.
 std::uint32_t AdjustRgb(std::uint32_t pixel, int red, int green, int blue);
 
-/// Addition of 32-bit numbers that wraps.
+/// The sum in 32 bits, which wraps.
 std::int32_t WrappingSum(std::int32_t a, std::int32_t b);
-/// The integer part. What is no number, or does not fit, gives the most negative integer.
+/// The integer part. NaN, and what does not fit, gives the most negative integer.
 std::int32_t IntegerPart(double value);
 
 }  // namespace model

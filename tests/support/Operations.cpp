@@ -10,7 +10,7 @@ using host::Colour;
 
 constexpr Colour kSky = {0x3070D0}, kWhite = {0xF0F8FF};
 
-// A part of a length, never nothing.
+// A part of a length, at least 1.
 int Scaled(int length, int numerator, int denominator) {
   return std::max(length * numerator / denominator, 1);
 }
@@ -25,14 +25,14 @@ Arguments Rotate(Size, Size, Colour frame) {
   return {double{degrees}, frame};
 }
 
-// Into results that hold the whole slanted picture.
+// The result holds the whole slanted picture.
 Arguments ShearH(Size s, Size, Colour frame) {
   return {s.width + s.height * 3 / 10, s.height, 0.3, frame};
 }
 Arguments ShearV(Size s, Size, Colour frame) {
   return {s.width, s.height + s.width * 3 / 10, 0.3, frame};
 }
-// Into results that crop it, and have lines of frame only.
+// The result crops the slanted picture, and has lines that are all frame.
 Arguments CroppingShearH(Size s, Size, Colour frame) {
   return {s.width + 5, s.height + 3, 0.3, frame};
 }
@@ -57,7 +57,7 @@ Arguments TrimWhole(Size s, Size, Colour frame) {
 Arguments TrimInside(Size s, Size, Colour frame) {
   return {s.width / 8, s.height / 8, Scaled(s.width, 3, 4), Scaled(s.height, 3, 4), frame};
 }
-// A twentieth of each side around the picture.
+// Adds a twentieth of each side around the picture.
 Arguments TrimBorder(Size s, Size, Colour frame) {
   const int x = s.width / 20, y = s.height / 20;
   return {-x, -y, s.width + 2 * x, s.height + 2 * y, frame};
@@ -78,7 +78,7 @@ Arguments AdjustRGB(Size s, Size, Colour) {
 Arguments AdjustRGBInside(Size s, Size, Colour) {
   return {1, 2, s.width - 4, s.height - 5, 10, -20, 30};
 }
-// The ByRef arguments hold something else than any mean.
+// The ByRef arguments start with values that no mean can have.
 Arguments AverageHSV(Size s, Size, Colour) {
   return {0, 0, s.width, s.height, -7.0, -8.0, -9.0};
 }
@@ -115,7 +115,7 @@ Size Operation::SourceOf(Size result) const {
 
 const std::vector<Operation>& Operations() {
   constexpr bool kMeasured = true, kTestsOnly = false;
-  constexpr Ratio kTurned = {4, 3};  // of a turned picture and the box round it
+  constexpr Ratio kTurned = {4, 3};  // a turned picture and its bounding box
   static const std::vector<Operation> operations = {
       {"flip horizontal", "LMX_FlipRotate", kMeasured, Turn<true, false, 0>},
       {"flip vertical", "LMX_FlipRotate", kMeasured, Turn<false, true, 0>},

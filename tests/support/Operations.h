@@ -1,5 +1,5 @@
-// Every method with ordinary arguments for a picture of any size, some methods several times.
-// Tests, fuzzers and benchmarks take them from here.
+// Ordinary arguments of every method for a picture of any size, for some methods several sets.
+// Tests, fuzzers and benchmarks use them.
 #pragma once
 
 #include <string>
@@ -15,21 +15,22 @@ struct Size {
   int width, height;
 };
 
-/// How many result pixels a number of source pixels becomes.
+/// The number of result pixels per source pixel.
 struct Ratio {
   int result = 1, source = 1;
 };
 
-/// A method with arguments that depend on nothing but a size and a colour.
+/// A method with arguments that depend only on a size and a colour.
 struct Operation {
   const char* name;
   const char* method;
-  bool measured;  ///< by the benchmarks: what programs do most, on whole pictures
-  /// After the source, and before the yield. A method without a source makes a picture of `result`.
+  bool measured;  ///< by the benchmarks: the most frequent uses, on whole pictures
+  /// The arguments after the source, without the yield. A method without a source makes a picture
+  /// of the size `result`.
   Arguments (*arguments)(Size source, Size result, host::Colour colour);
   Ratio across = {}, down = {};
 
-  /// The size of a result, about, and of a source that gives about that result.
+  /// The approximate size of the result, and a source size that gives about that result.
   Size ResultOf(Size source) const;
   Size SourceOf(Size result) const;
 };
@@ -39,7 +40,7 @@ bool WorksInPlace(const std::string& method);
 
 /// All operations, method by method.
 const std::vector<Operation>& Operations();
-/// Throws std::logic_error if there is none of that name.
+/// Finds an operation by name. Throws std::logic_error if there is none.
 const Operation& OperationNamed(const std::string& name);
 
 }  // namespace support

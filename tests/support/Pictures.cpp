@@ -130,7 +130,7 @@ host::PictureShape ShapeOf(const StoredPicture& picture, const host::Layout& lay
 }
 
 StoredPicture ValueOf(const host::PictureShape& shape) {
-  constexpr std::int64_t kMostPixels = 1 << 28;  // for more the host has no memory
+  constexpr std::int64_t kMostPixels = 1 << 28;  // the host has no memory for more
   const host::Defects& defects = shape.defects;
   const bool context = shape.storage == host::Storage::BitmapContext;
   const bool tooLarge = shape.width > 0 && std::int64_t{shape.width} * shape.height > kMostPixels;

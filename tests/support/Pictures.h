@@ -1,4 +1,4 @@
-// Pictures for tests: random ones, and the same picture as a value and as the host has it.
+// Random pictures for tests, and conversions between the model's pictures and the host's.
 #pragma once
 
 #include <string>
@@ -9,22 +9,21 @@
 
 namespace support {
 
-/// Anything a picture may hold: opaque, proper, any bytes (colours above alpha, transparencies
-/// above 127), opaque with translucent stretches, or clear with colours left in it.
+/// Any content: all opaque, well-formed, any bytes (colours above alpha, transparencies above 127),
+/// opaque with translucent stretches, or clear pixels that still have colours.
 model::StoredPicture RandomPicture(Random& random, model::Form form, int width, int height);
-/// The same with a random form and size: mostly small, some of a row's or column's shape, a few
-/// empty.
+/// The same with a random form and size: mostly small, some a single row or column, a few empty.
 model::StoredPicture RandomPicture(Random& random);
 model::Form RandomForm(Random& random);
 /// Padded rows, scattered rows, or neither.
 host::Layout RandomLayout(Random& random, model::Form form);
 
-/// How a picture with that fault is described to the host. There is more than one way; `variant`
-/// picks.
+/// The host's defects for a picture with that fault. There are several for most faults; `variant`
+/// selects one.
 host::Defects DefectsFor(model::Fault fault, model::Form form, unsigned variant);
 
-/// The shape of a picture, and what a picture of a shape is to the plug-in when nobody has written
-/// to it: one that hides its pixels has no row that could be read.
+/// The host's shape of a picture, and the value that an unwritten picture of a shape has for the
+/// plug-in. A picture that hides its pixels has no row that can be read.
 host::PictureShape ShapeOf(const model::StoredPicture& picture, const host::Layout& layout, unsigned variant = 0);
 model::StoredPicture ValueOf(const host::PictureShape& shape);
 /// Whether the picture has words that a test can read.
@@ -32,9 +31,10 @@ bool HasWords(const host::PictureShape& shape);
 host::Picture ToHost(const model::StoredPicture& picture, const host::Layout& layout, unsigned variant = 0);
 model::StoredPicture FromHost(const host::Picture& picture);
 
-/// Where two pictures differ, in words; empty if they do not.
+/// Describes where two pictures differ; empty if they are equal.
 std::string Difference(const model::StoredPicture& expected, const model::StoredPicture& got);
-/// The same; of a picture that hides its pixels, whether any memory has changed.
+/// The same for a picture in the host. If it hides its pixels, tells whether any memory has
+/// changed.
 std::string Difference(const model::StoredPicture& expected, const host::Picture& got);
 
 }  // namespace support

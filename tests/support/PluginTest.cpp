@@ -22,9 +22,9 @@ using model::StoredPicture;
 
 namespace {
 
-// Pixels that are compared at the yields of one call.
+// The most pixels that are compared at the yields of one call.
 constexpr std::size_t kMostLookedAt = 100000;
-// A process has room for a limited number of separate pieces of memory.
+// The most scattered rows: a process can have only a limited number of memory mappings.
 constexpr int kMostScatteredRows = 2000;
 
 NewPicture Planned(const Setting& setting, std::size_t number, int width, int height) {
@@ -61,7 +61,7 @@ Size SizeOf(Resized resized, Size asked) {
   return asked;
 }
 
-// A buffer picture without pixels can be locked: it has a size of 0 x 0.
+// A buffer picture without pixels can be locked. Its size is 0 x 0.
 bool IsEmptyBuffer(const NewPicture& plan) {
   return plan.form == Form::Buffer && plan.fault == Fault::NoPixels;
 }
@@ -90,7 +90,7 @@ bool IsDone(const model::Yield& yield, const StoredPicture& picture, int x, int 
   return line < yield.linesDone;
 }
 
-// Whether the lines that are done at a yield are as in `after`, and the others as in `before`.
+// Compares the lines that are complete at a yield with `after`, and all others with `before`.
 std::string Progress(const model::Yield& yield, const StoredPicture& before, const StoredPicture& after,
                      const StoredPicture& now) {
   if (now.words.size() != after.words.size()) return Difference(after, now);
@@ -108,7 +108,7 @@ std::string Progress(const model::Yield& yield, const StoredPicture& before, con
 
 void CheckMeans(const Outcome& expected, const std::vector<Value>& before, const std::vector<Value>& after) {
   for (std::size_t i = 0; i < before.size(); ++i) {
-    const std::size_t mean = i - 5;  // after the source and the rectangle
+    const std::size_t mean = i - 5;  // arguments 0 to 4 are the source and the rectangle
     const std::string which = "argument " + std::to_string(i);
     const bool isMean = i >= 5 && mean < 3 && !before[i].IsNil();
     if (isMean && expected.meanHsv) {
@@ -232,8 +232,8 @@ Called PluginTest::Run(const std::string& name, const std::vector<Value>& argume
   return called;
 }
 
-// Looks at the pictures at every yield, or, where that would be many pixels, at every nth and the
-// last.
+// Checks the pictures at every yield. If that would be too many pixels, checks at every nth yield
+// and at the last one.
 class PluginTest::Watch {
  public:
   Watch(PluginTest& test, const Outcome& expected, const Picture& source, const std::optional<StoredPicture>& before)
@@ -261,7 +261,7 @@ class PluginTest::Watch {
         model::Yield progress = yield;
         if (number != yield.writing) progress.linesDone = 0;
         CheckProgress(index, progress, picture, Unwritten(number), expected_.made[number - 1]);
-      } else {  // nobody but the plug-in sees it: what it holds is free
+      } else {  // a temporary picture, which no caller sees: any content is allowed
         EXPECT_TRUE(picture.PaddingIntact()) << "at yield " << index + 1 << ", of new picture " << number;
       }
     }

@@ -1,5 +1,5 @@
-// The fixture of tests of the built plug-in: a host that has loaded it, and calls whose books are
-// checked.
+// The fixture of tests of the built plug-in: a host that has loaded it, and calls whose locks and
+// references are checked.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,24 +18,24 @@
 
 namespace support {
 
-/// The library under test: the built one, or what LMX_LIBRARY names.
+/// The library under test: the built one, or the one that LMX_LIBRARY names.
 std::string LibraryPath();
 
-/// What a call gave.
+/// The outcome of a call.
 struct Called {
-  host::Picture result;  ///< nil for a method without one
-  int code = 0;          ///< of the call, as LMX_GetLastError tells it
+  host::Picture result;  ///< nil for a method without a result
+  int code = 0;          ///< the error code, from LMX_GetLastError
   int yields = 0;
-  std::vector<host::Value> arguments;  ///< with what ByRef ones hold now
+  std::vector<host::Value> arguments;  ///< as passed; ByRef arguments with the values that the method wrote
 };
 
-/// One row that a buffer lacks.
+/// The row that a buffer lacks, if any.
 enum class MissingRow { None, First, Inner, Last };
-/// The rows that a picture of a height lacks then.
+/// The numbers of the missing rows in a picture of that height.
 std::set<int> MissingRows(MissingRow missing, int height);
 
-/// A size that differs from the one that was asked for in one thing; halves are rounded up, and
-/// nothing is below 1.
+/// How the size of a new picture differs from the requested one. Halves are rounded up, and no size
+/// is below 1.
 enum class Resized {
   No,
   WiderByOne,
@@ -58,25 +58,25 @@ struct NewPicture {
   Resized resized = Resized::No;
 };
 
-/// What surrounds a call of a method.
+/// The circumstances of a method call.
 struct Setting {
-  std::optional<model::StoredPicture> source;  ///< nothing: nil, or a method without a source
-  host::Layout layout = {};                    ///< of the source
-  unsigned variant = 0;                        ///< of the source's fault
-  std::vector<NewPicture> newPictures;         ///< in order; more are like the default
-  std::int64_t mostPixels = 1 << 17;           ///< for a larger new picture the host has no memory
+  std::optional<model::StoredPicture> source;  ///< empty: the source is nil, or the method has none
+  host::Layout layout = {};                    ///< layout of the source
+  unsigned variant = 0;                        ///< variant of the source's fault
+  std::vector<NewPicture> newPictures;         ///< in order; further ones are like the default
+  std::int64_t mostPixels = 1 << 17;           ///< the host has no memory for a larger new picture
 
-  // Malformed pictures. These change shapes after everything above.
+  // Malformed pictures: these change shapes after all of the above.
   std::function<void(host::PictureShape& shape)> spoilSource = {};
   std::function<void(int ordinal, host::PictureShape& shape)> spoilNew = {};
-  bool lacksContexts = false;  ///< no process function tells the pixels of a bitmap context
+  bool lacksContexts = false;  ///< a bitmap context function is missing from the process
 };
 
-/// What a picture of a shape is to the plug-in then.
+/// The value that a picture of this shape has for the plug-in in this setting.
 model::StoredPicture ValueIn(const Setting& setting, const host::PictureShape& shape);
 
-/// What the host makes in that setting, which must outlive them: as values, and as the host is told
-/// (host::NewPictures).
+/// The new pictures of a setting, as the model's values and as the host's option
+/// (host::NewPictures). The setting must outlive both.
 model::MakePicture NewValues(const Setting& setting);
 std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Setting& setting);
 
@@ -84,7 +84,7 @@ std::function<void(int ordinal, host::PictureShape& shape)> NewShapes(const Sett
 struct MethodCall {
   MethodCall(const Method& called, Arguments values) : method(&called), arguments(std::move(values)) {}
   MethodCall(const std::string& name, Arguments values) : MethodCall(FindMethod(name), std::move(values)) {}
-  /// An operation on a source that gives a result of about that size.
+  /// An operation, on a source whose size gives a result of about that size.
   MethodCall(const Operation& operation, Size result, host::Colour colour, int yield);
 
   model::Outcome ByModel(const std::optional<model::StoredPicture>& source, const model::MakePicture& make) const {
@@ -95,8 +95,8 @@ struct MethodCall {
   Arguments arguments;  ///< after the source
 };
 
-/// Compares what a call gave with the model: the result, the values, and the source afterwards.
-/// `before` are the arguments as they were passed, the source included.
+/// Compares the outcome of a call with the model: the result, the values, and the source
+/// afterwards. `before` are the arguments as they were passed, including the source.
 void CheckResults(const model::Outcome& expected, const Setting& setting, const std::vector<host::Value>& before,
                   const Called& called);
 
@@ -104,14 +104,14 @@ class PluginTest : public testing::Test {
  protected:
   PluginTest() { host_.Load(LibraryPath()); }
 
-  /// Calls a method and checks what holds for every call: no lock is left, padding is intact, every
-  /// picture argument is untouched (but by methods that work in place), references are as before,
-  /// the result has exactly one, the caller's, and `lost` new pictures are left without an owner.
+  /// Calls a method and checks what holds for every call: no lock is left; padding is intact;
+  /// picture arguments are unchanged, except by methods that work in place; references are as
+  /// before; the result has one reference, the caller's; and `lost` new pictures have no owner.
   Called Run(const std::string& name, const std::vector<host::Value>& arguments, int lost = 0);
 
   /// Does the same and compares everything with the model: result, code, values, the changed
-  /// source, every yield, what is complete and what is untouched at each yield, and which new
-  /// pictures exist then.
+  /// source, every yield, the complete and the untouched lines at each yield, and the new pictures
+  /// that exist at each yield.
   void CheckCall(const MethodCall& call, const Setting& setting);
 
   int LastError() { return host_.Call("GetLastError", {}).result.AsInteger(); }
@@ -122,8 +122,8 @@ class PluginTest : public testing::Test {
   class Watch;
 };
 
-/// The new pictures that exist, with the number in the order in which the host made them since
-/// ResetCounts (from 1).
+/// The new pictures that exist, each with its number: the order, from 1, in which the host made
+/// them since ResetCounts.
 std::vector<std::pair<std::size_t, host::Picture>> LiveNewPictures(const host::Host& host);
 
 }  // namespace support

@@ -1,16 +1,15 @@
-// Random numbers that are the same everywhere: a seed in a failure's text brings the same case
-// back.
+// Random numbers that are the same everywhere: the seed in a failure message repeats the case.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-/// SplitMix64, or the bytes of somebody who wants to choose.
+/// SplitMix64, or bytes that the caller chooses.
 class Random {
  public:
   explicit Random(std::uint64_t seed) : state_(seed) {}
-  /// Makes the numbers from the bytes as long as they last, a choice of up to 256 from a single
-  /// one, and from there on as with seed 0. The bytes stay the caller's.
+  /// Makes numbers from the bytes as long as there are any; a choice of up to 256 takes a single
+  /// byte. Then continues as with seed 0. The bytes must outlive the object.
   Random(const std::uint8_t* bytes, std::size_t size) : state_(0), bytes_(bytes), left_(size) {}
 
   std::uint64_t Next() {
@@ -23,13 +22,13 @@ class Random {
 
   std::uint32_t Word() { return static_cast<std::uint32_t>(left_ != 0 ? Take(4) : Next() >> 32); }
 
-  /// 0 to limit - 1.
+  /// A number from 0 to limit - 1.
   std::uint32_t Below(std::uint32_t limit) {
     const std::uint64_t word = left_ != 0 && limit <= 256 ? Take(1) << 24 : Word();
     return static_cast<std::uint32_t>(word * limit >> 32);
   }
 
-  /// first to last, both included.
+  /// A number from `first` to `last`, both included.
   std::int32_t Between(std::int32_t first, std::int32_t last) {
     return first + static_cast<std::int32_t>(Below(static_cast<std::uint32_t>(last - first) + 1));
   }
@@ -40,7 +39,7 @@ class Random {
   }
 
  private:
-  // As many bytes as there are, the lowest first.
+  // Takes up to `count` bytes, the lowest first.
   std::uint64_t Take(std::size_t count) {
     std::uint64_t number = 0;
     for (std::size_t i = 0; i < count && left_ != 0; ++i, --left_) number |= std::uint64_t{*bytes_++} << 8 * i;

@@ -11,7 +11,7 @@ namespace {
 using host::BooleanByte;
 using host::Value;
 
-// A rectangle near the picture, and more.
+// A rectangle near the picture, followed by more arguments.
 Arguments WithRectangle(Random& random, Size picture, const std::function<Arguments()>& more) {
   Arguments arguments;
   for (const int size : {picture.width, picture.height, picture.width, picture.height}) {
@@ -22,7 +22,7 @@ Arguments WithRectangle(Random& random, Size picture, const std::function<Argume
   return arguments;
 }
 
-// For lines along either side.
+// A yield for lines along either side.
 std::int32_t RandomYieldOfSide(Random& random, Size picture) {
   return RandomYield(random, (OneIn(random, 2) ? picture.width : picture.height) % 5000);
 }
@@ -89,7 +89,7 @@ host::Colour RandomColour(Random& random) {
   return {OneIn(random, 4) ? colour | 0xFF000000 : colour};
 }
 
-// Braces evaluate what they list in order, so that a seed means the same everywhere.
+// Braces evaluate their elements in order, so a seed gives the same arguments with every compiler.
 
 Arguments RandomAdjustHSV(Random& random, Size source) {
   return WithRectangle(random, source, [&]() -> Arguments {

@@ -1,5 +1,5 @@
-// Random arguments of every method for a source of a given size, the awkward ones more often: what
-// the catalogue's rows in MethodTable.cpp refer to.
+// Random arguments of every method for a source of a given size; awkward ones are more frequent.
+// The rows of MethodTable.cpp refer to these functions.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,12 @@
 
 namespace support {
 
-/// A pace of yields for lines of that many pixels: often about a line, or a few, or never, or any
-/// integer.
+/// A yield argument for lines of that many pixels: often about a line or a few lines, or never, or
+/// any integer.
 std::int32_t RandomYield(Random& random, std::int32_t line);
-/// A position or size near 0 to `size`, or any integer.
+/// A position or size near the range 0 to `size`, or any integer.
 std::int32_t RandomNear(Random& random, std::int32_t size);
-/// Any colour, the opaque ones more often.
+/// Any colour; opaque ones are more frequent.
 host::Colour RandomColour(Random& random);
 
 Arguments RandomAdjustHSV(Random& random, Size source);

@@ -47,9 +47,9 @@ Setting RandomSetting(Random& random) {
   setting.layout = RandomLayout(random, setting.source->form);
   setting.variant = random.Below(4);
   setting.source->fault = RandomFault(random);
-  if (setting.source->words.empty()) setting.variant = 0;  // without pixels an empty context lacks nothing
+  if (setting.source->words.empty()) setting.variant = 0;  // an empty context has only one way to lack pixels
   if (setting.source->form == Form::Buffer) {
-    // Without pixels it is a picture of 0 x 0, which can be locked.
+    // A buffer without pixels is a picture of 0 x 0, which can be locked.
     if (setting.source->fault == Fault::NoPixels) setting.source = StoredPicture(Form::Buffer, 0, 0);
     if (setting.source->fault == Fault::None && OneIn(random, 15)) TakeRowsAway(random, *setting.source);
   }

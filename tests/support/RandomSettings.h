@@ -1,4 +1,4 @@
-// What surrounds a random call: a source, and the new pictures that the host will make.
+// The circumstances of a random call: a source, and the new pictures that the host will make.
 #pragma once
 
 #include "PluginTest.h"
@@ -6,8 +6,8 @@
 
 namespace support {
 
-/// A picture, new pictures of either form and any layout; now and then a nil source, faults, or
-/// missing rows.
+/// A source and new pictures of any form and layout; sometimes a nil source, faults or missing
+/// rows.
 Setting RandomSetting(Random& random);
 /// The same without a source.
 Setting RandomNewPictures(Random& random);

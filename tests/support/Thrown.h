@@ -1,11 +1,11 @@
-// The text of an exception that is expected.
+// The text of an expected exception.
 #pragma once
 
 #include <functional>
 #include <string>
 
-/// What the action's exception says; "nothing was thrown" if there is none. An exception of another
-/// type passes through.
+/// The text of the exception that the action throws; "nothing was thrown" if there is none. An
+/// exception of another type passes through.
 template <class Exception>
 std::string ThrownBy(const std::function<void()>& action) {
   try {
