@@ -1,5 +1,5 @@
-// Inputs as bytes: a function that visits the members of a structure in order serves to read it and
-// to write it.
+// Inputs as bytes. One function visits the members of a structure in order; it both reads and
+// writes the structure.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,8 @@
 
 namespace fuzz {
 
-/// Reads numbers, the lowest byte first; zeros past the end, so that any bytes are an input.
+/// Reads numbers, the lowest byte first. Past the end it reads zeros, so any bytes are a valid
+/// input.
 class Reader {
  public:
   Reader(const std::uint8_t* bytes, std::size_t size) : bytes_(bytes), left_(size) {}
@@ -26,7 +27,7 @@ class Reader {
   const std::uint8_t* Bytes() const { return bytes_; }
   std::size_t Left() const { return left_; }
 
-  /// All that is left, as words.
+  /// Reads everything that is left, as words.
   void Rest(std::vector<std::uint32_t>& words) {
     words.resize((left_ + 3) / 4);
     for (std::uint32_t& word : words) (*this)(word);
@@ -37,7 +38,7 @@ class Reader {
   std::size_t left_;
 };
 
-/// Writes what a Reader reads.
+/// Writes the format that a Reader reads.
 class Writer {
  public:
   template <class Number>

@@ -1,6 +1,6 @@
-// Texts as users and plug-ins write them. The first byte says what the text is: a command line, one
-// word a line, which is carried out on a small picture if it means something; the value of an
-// argument; or a declaration.
+// Texts as users and plug-ins write them. The first byte selects the kind of text: a command line,
+// one word per line, which is run on a small picture if it is valid; the value of an argument; or a
+// declaration.
 
 #include <algorithm>
 #include <cmath>
@@ -40,7 +40,7 @@ host::Picture SmallPicture(host::Storage storage) {
 
 void RefuseLargePictures(int, host::PictureShape& shape) {
   if (std::int64_t{shape.width} * shape.height <= kMostNewPixels) return;
-  shape.width = shape.height = 0;  // making them takes long even if nobody can lock them
+  shape.width = shape.height = 0;  // making them takes long, even if they cannot be locked
   shape.defects.nilData = true;
 }
 
@@ -48,7 +48,7 @@ bool IsOneLine(const std::string& text) {
   return !text.empty() && text.find('\n') == text.size() - 1;
 }
 
-// As lmx does it, without its files.
+// Does what lmx does, without its files.
 void CarryOut(const tool::CommandLine& line) {
   host::Options options;
   options.newPictures.storage = line.storage;
@@ -81,8 +81,8 @@ bool Same(const host::Value& a, const host::Value& b) {
   return noNumbers || a == b;
 }
 
-// A value that is understood comes back the same from what lmx writes for programs, and for
-// scripts.
+// If a value can be read, lmx can write it, for programs and for scripts, and read it back
+// unchanged.
 void CheckValue(host::Type type, const std::string& text) {
   host::Value value;
   try {
@@ -100,7 +100,7 @@ void CheckValue(host::Type type, const std::string& text) {
   if (hasJson && !Same(tool::ParseValue(type, json), value)) Report("a number is not what a script has");
 }
 
-// A declaration that is understood keeps its text, and every name in it is a part of that.
+// If a declaration can be parsed, it keeps its text, and every name in it is a part of the text.
 void CheckDeclaration(const std::string& text) {
   host::Method method;
   try {

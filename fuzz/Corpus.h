@@ -1,7 +1,6 @@
 // A target's corpus: the inputs that are worth replaying, packed into one file.
 //
-// Of each input, in the order of the names: a line with its size and its name, its bytes, and the
-// end of a line.
+// For each input, sorted by name: a line with its size and its name, its bytes, and a newline.
 #pragma once
 
 #include <cstdint>
@@ -14,20 +13,20 @@ namespace fuzz {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Inputs by name. libFuzzer names an input after the hash of its bytes; what was a finding has a
-/// name that says so.
+/// Inputs by name. libFuzzer names an input by the hash of its bytes; a former finding has a name
+/// that says what it was.
 using Corpus = std::map<std::string, Bytes>;
 
-// All of these throw std::runtime_error where a file cannot be read or written.
+// All of these throw std::runtime_error if a file cannot be read or written.
 
 Bytes ReadBytes(const std::filesystem::path& file);
 void WriteBytes(const Bytes& bytes, const std::filesystem::path& file);
 
-/// Packs and unpacks. Bytes that Packed() does not give are refused.
+/// Packs and unpacks. Unpacking refuses bytes that Packed() cannot produce.
 Bytes Packed(const Corpus& corpus);
 Corpus Unpacked(const Bytes& bytes);
 
-/// The files of a folder.
+/// The files in a folder.
 Corpus FilesIn(const std::filesystem::path& folder);
 
 }  // namespace fuzz

@@ -1,11 +1,11 @@
-// What scripts/fuzz does with corpora:
+// The corpus commands of scripts/fuzz:
 //
 //   fuzz_corpus seeds TARGET FOLDER   writes the seeds of a target, one file each
-//   fuzz_corpus words DICT FILE       writes a dictionary with the words of the command line added
+//   fuzz_corpus words DICT FILE       writes a dictionary and adds the words of the command line
 //   fuzz_corpus unpack FILE FOLDER    writes the inputs of a corpus, one file each
-//   fuzz_corpus pack FOLDER FILE      makes the files of a folder the corpus, and says what has
-//                                     changed. An input that was a finding stays in any case.
-//                                     Inputs of methods name their method as the table does.
+//   fuzz_corpus pack FOLDER FILE      packs the files of a folder into the corpus, and prints what
+//                                     has changed. Former findings are always kept. In inputs of
+//                                     methods, the method byte becomes the method's place.
 #include <cstdio>
 #include <exception>
 #include <stdexcept>

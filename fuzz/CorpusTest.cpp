@@ -1,4 +1,4 @@
-// The packed corpora: what is written is read again, and nothing else is.
+// The packed corpora: they can be read back, and damaged ones are refused.
 #include "Corpus.h"
 
 #include <gtest/gtest.h>
@@ -50,7 +50,7 @@ TEST(Corpus, OfEveryTargetIsThere) {
   }
 }
 
-// Any other byte would mean another method when one is added.
+// Any other byte would mean another method after a method is added.
 TEST(Corpus, NamesMethodsByTheirPlaces) {
   for (const auto& [name, bytes] : fuzz::Unpacked(fuzz::ReadBytes(LMX_FUZZ_FOLDER "/methods.corpus"))) {
     ASSERT_FALSE(bytes.empty()) << name;

@@ -8,7 +8,7 @@
 namespace fuzz {
 namespace {
 
-// Comes after GoogleTest's own listener, which has written the text of the failure by then.
+// Runs after GoogleTest's own listener, so the text of the failure is already printed.
 class Reporter : public testing::EmptyTestEventListener {
   void OnTestPartResult(const testing::TestPartResult& result) override {
     if (result.failed()) Report("a failed assertion");

@@ -1,11 +1,11 @@
-// How a target says that it has found something.
+// How a target reports a finding.
 #pragma once
 
 #include <string>
 
 namespace fuzz {
 
-/// Tells what was found and ends the process with SIGABRT, which fuzzers take for a crash.
+/// Prints the finding and ends the process with SIGABRT, which fuzzers treat as a crash.
 [[noreturn]] void Report(const std::string& finding);
 
 /// From now on, a failed assertion of GoogleTest is a finding.

@@ -18,7 +18,7 @@ bool Is(const HostFault& fault, FaultKind kind, Service service) {
   return fault.kind == kind && fault.service == service;
 }
 
-// Failing and missing come to the same at the first call.
+// A service that is missing and one that fails have the same effect at the first call.
 bool Lacks(const HostFault& fault, Service service) {
   return Is(fault, FaultKind::Withhold, service) || (Is(fault, FaultKind::Fail, service) && fault.n == 1);
 }
@@ -34,7 +34,7 @@ void Require(bool holds, const char* what) {
 host::Options OptionsOf(const MethodInput& input) {
   host::Options options;
   options.version = HostVersion(input);
-  options.throwComplaints = false;  // they are judged here
+  options.throwComplaints = false;  // the callers check them
   return options;
 }
 
@@ -71,7 +71,7 @@ void CheckMessage(host::Host& host, const MethodInput& input) {
   Require(host.Leaks().empty() && host.Complaints().empty(), "a text was lost");
 }
 
-// Asking for the code does not change it.
+// Asking for the code must not change it.
 int CheckLastError(host::Host& host) {
   const Value code = host.Call("GetLastError", {}).result;
   Require(host.Call("GetLastError", {}).result == code, "the code is gone when it has been read");
@@ -80,7 +80,7 @@ int CheckLastError(host::Host& host) {
 
 // ----------------------------------------------------------------------------------------- loading
 
-// Which service's exception leaves the plug-in's entry.
+// The service whose exception leaves the plug-in's entry.
 std::optional<Service> LoadThrower(const HostFault& fault, bool recent) {
   for (const Service service : {Service::RegisterPluginVersion, Service::GetClassRef, Service::GetRBVersion}) {
     if (ThrowsAtOnce(fault, service)) return service;
@@ -130,7 +130,7 @@ void CheckLoad(const MethodInput& input) {
     thrower = thrown.service();
   }
   Require(thrower == expected, "an exception was lost, or came from nowhere");
-  // A box without a text is up to the host.
+  // The host may show a box without a text.
   const bool noText = !recent && Lacks(fault, Service::BuildString);
   Require(host.Complaints().size() == (noText ? 1 : 0), "a breach of the contract, or none where one must be");
   const bool registers = recent && !thrower && !Lacks(fault, Service::RegisterModule);
@@ -139,7 +139,7 @@ void CheckLoad(const MethodInput& input) {
   Require(host.messageBoxes.size() == (tells ? 1 : 0), "a message, or none");
   if (!registers) return;
   Require(host.Methods().size() == Methods().size(), "not all methods are registered");
-  host.ClearFaults();  // which may be of other services
+  host.ClearFaults();  // of all services, not only the one that is called
   const Value made = host.Call("MakeGradient", {1, 1, host::Colour{}, host::Colour{}, 0}).result;
   const int code = host.Call("GetLastError", {}).result.AsInteger();
   const bool hasClass = !Lacks(fault, Service::GetClassRef);

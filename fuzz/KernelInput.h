@@ -1,4 +1,4 @@
-// One input of the kernels' target: which kernel, and where its operands lie.
+// One input of the kernels' target: a kernel, and the addresses of its operands.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,14 @@ struct KernelInput {
   static constexpr std::uint8_t kLongRun = 255;
 
   std::uint8_t kernel = 0;   ///< modulo the number of kernels
-  std::uint8_t n = 0;        ///< pixels; kLongRun: `length`
-  std::uint16_t length = 0;  ///< modulo the longest run
-  std::uint8_t place = 0;    ///< bit 0: of the two ends, the first touches the inaccessible page
-  std::uint8_t shift = 0;    ///< of the output, in bytes from that page
-  std::uint8_t inPlace = 0;  ///< which of the inputs that may be is the output; 0: none
+  std::uint8_t n = 0;        ///< number of pixels; kLongRun: see `length`
+  std::uint16_t length = 0;  ///< number of pixels of a long run, modulo the longest
+  std::uint8_t place = 0;    ///< bit 0: the first byte, not the last, touches the inaccessible page
+  std::uint8_t shift = 0;    ///< distance of the output from that page, in bytes
+  std::uint8_t inPlace = 0;  ///< which of the possible inputs is also the output; 0: none
 };
 
-/// Reads or writes one, see Archive.h. The choices of arguments and contents are the bytes after
-/// it.
+/// Reads or writes an input, see Archive.h. The bytes after it choose arguments and contents.
 template <class Archive, class Input>
 void Visit(Archive& archive, Input& input) {
   archive(input.kernel);

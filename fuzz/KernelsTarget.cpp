@@ -1,6 +1,6 @@
-// The kernels: every level that runs here, on the same operands, must do what the pixel functions
-// say, and touch nothing else. The choices of arguments and contents come from the input, byte by
-// byte.
+// The kernels. Every level that this processor has runs on the same operands. It must compute what
+// the pixel functions compute, and touch nothing else. The input's bytes choose arguments and
+// contents.
 
 #include <string>
 

@@ -19,7 +19,7 @@ using model::Form;
 using model::StoredPicture;
 
 constexpr int kLongest = 3000;
-constexpr int kUsual = 41;  // sizes are below it
+constexpr int kUsual = 41;  // sizes are below this
 constexpr std::int64_t kMostNewPixels = 1 << 14;
 constexpr int kMostScatteredRows = 500;
 constexpr std::uint8_t kWrong = 240;  // from here on, a byte stands for something wrong
@@ -34,7 +34,8 @@ void VisitPicture(Archive& archive, Picture& picture) {
   archive(picture.amount);
 }
 
-// A boolean of one of these 32 kinds is the byte that follows; of the others, odd kinds are true.
+// Of 256 kinds, 32 mean that the next byte is the boolean's value. Of the others, odd kinds are
+// true.
 bool IsAnyByte(std::uint8_t kind) {
   return kind >> 5 == 5;
 }
@@ -45,12 +46,12 @@ std::size_t BytesOf(char type, std::uint8_t kind) {
   return type == 'i' || type == 'c' ? 4 : 0;
 }
 
-// 0 if the byte means nothing, else one of 16 kinds, from 1 on.
+// 0 if the byte means nothing wrong, else one of 16 kinds, from 1.
 int WrongKind(std::uint8_t byte) {
   return byte < kWrong ? 0 : byte - kWrong + 1;
 }
 
-// The number after `kind`, as wide as the type needs it.
+// The number that follows `kind`. Its size depends on the type.
 template <class Archive, class Argument>
 void VisitArgument(Archive& archive, Argument& argument, char type) {
   archive(argument.kind);
@@ -130,12 +131,12 @@ StoredPicture SourceOf(const MethodInput& input) {
   const SourceInput& source = input.source;
   const bool longWidth = source.width == 255;
   const bool longHeight = source.height == 255 && !longWidth;
-  const int across = longWidth || longHeight ? 8 : kUsual;  // long ones are narrow
+  const int across = longWidth || longHeight ? 8 : kUsual;  // long pictures are narrow
   const int width = longWidth ? source.length % (kLongest + 1) : source.width % across;
   const int height = longHeight ? source.length % (kLongest + 1) : source.height % across;
   const Form form = FormOf(input.sourcePicture);
   const Fault fault = FaultOf(input.sourcePicture);
-  // Without pixels, a buffer is a picture of 0 x 0, which can be locked.
+  // A buffer without pixels is a picture of 0 x 0, which can be locked.
   if (form == Form::Buffer && fault == Fault::NoPixels) return StoredPicture(form, 0, 0);
   StoredPicture picture = ContentOf(input, form, width, height);
   picture.fault = fault;
@@ -183,7 +184,7 @@ void Spoil(const PictureInput& input, host::PictureShape& shape) {
       if (!context && shape.height > 0) shape.defects.nilRows = {(amount & 127) % shape.height};
       break;
     case 10:
-      // One form that claims to be the other would be a lie that nobody can notice.
+      // Nobody can notice that one form claims to be the other, so this defect is left out.
       if (const auto type = static_cast<std::uint32_t>(amount);
           type != kPictureTypeBitmapContext && type != kPictureTypeBuffer) {
         shape.defects.pictureType = type;
@@ -253,7 +254,7 @@ Value ArgumentOf(const ArgumentInput& argument, char type, const StoredPicture* 
 }  // namespace
 
 std::uint8_t MethodByte(std::uint8_t byte) {
-  constexpr std::uint8_t kFirstMethods = 16;  // stays when methods are added
+  constexpr std::uint8_t kFirstMethods = 16;  // must not change when methods are added
   return byte < Methods().size() ? byte : byte % kFirstMethods;
 }
 
@@ -293,7 +294,7 @@ support::Setting SettingOf(const MethodInput& input) {
   if (!MethodOf(input).hasSource || input.source.flaw == 255) return setting;
   setting.source = SourceOf(input);
   setting.layout = LayoutOf(input.sourcePicture, setting.source->form, setting.source->height);
-  // Without pixels an empty context lacks nothing.
+  // An empty context has only one way to lack pixels.
   setting.variant = setting.source->words.empty() ? 0 : VariantOf(input.sourcePicture);
   return setting;
 }

@@ -1,5 +1,5 @@
-// The methods: a call with any arguments on any picture, in a host that works or does not, compared
-// with the reference model.
+// The methods: a call with any arguments on any picture, in a host with or without a fault,
+// compared with the reference model.
 #include "Finding.h"
 #include "InputCall.h"
 #include "host/Host.h"

@@ -1,6 +1,6 @@
-// Picture files as lmx reads them: a file is refused with a message, or it is a picture that comes
-// back the same when it is written and read again. The checksums of a PNG's parts are made right
-// first, which a fuzzer does not manage.
+// Picture files as lmx reads them. A file is refused with a message, or it is a picture that can be
+// written and read back unchanged. The target first corrects the checksums of PNG chunks, because a
+// fuzzer cannot find them.
 
 #include <zlib.h>
 
@@ -18,7 +18,7 @@
 namespace fuzz {
 namespace {
 
-// Larger pictures take long, and are decoded no differently.
+// Larger pictures take long and use no other code.
 constexpr std::int64_t kMostDecoded = 1 << 16;
 constexpr std::size_t kMostWritten = 1 << 12;
 
@@ -26,14 +26,14 @@ std::uint32_t BigEndian(const std::uint8_t* bytes) {
   return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
-// Whether decoding would take long: the size is within lmx's limits and beyond ours.
+// Whether decoding would take long: the size is within lmx's limits but exceeds kMostDecoded.
 bool IsLarge(const std::uint8_t* bytes, std::size_t size) {
   std::int64_t width = 0, height = 0;
   if (size >= 24 && bytes[0] == 0x89) {
     width = BigEndian(bytes + 16);
     height = BigEndian(bytes + 20);
   } else {
-    const bool isJpeg = size != 0 && bytes[0] == 0xFF;  // whatever else it is, lmx gives it to no decoder
+    const bool isJpeg = size != 0 && bytes[0] == 0xFF;  // lmx decodes only JPEG and PNG
     if (!isJpeg || !tool::HuffmanTablesFit({bytes, bytes + size})) return false;
     int x = 0, y = 0, channels = 0;
     if (stbi_info_from_memory(bytes, static_cast<int>(size), &x, &y, &channels) == 0) return false;

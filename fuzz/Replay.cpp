@@ -1,6 +1,5 @@
-// Calls a target with inputs instead of a fuzzer: those of every packed corpus (FILE.corpus) that
-// is given, or the files themselves. What a fuzzer would call a crash ends the process, after the
-// name of the input.
+// Replays inputs without a fuzzer: those of every packed corpus (FILE.corpus) on the command line,
+// or the files themselves. A crash ends the process after the name of the input is printed.
 #include <cstdio>
 #include <exception>
 

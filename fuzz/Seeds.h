@@ -1,4 +1,4 @@
-// What the fuzzers start with: the cases that the tests name, as inputs of the targets.
+// The inputs that the fuzzers start with: the cases that the tests name.
 #pragma once
 
 #include <vector>
@@ -12,7 +12,7 @@ std::vector<Bytes> KernelSeeds();
 std::vector<Bytes> PictureFileSeeds();
 std::vector<Bytes> CommandLineSeeds();
 
-/// What the command line's dictionary has from the tables of lmx.
+/// The words of the command line's dictionary, from the tables of lmx.
 std::vector<std::string> CommandLineWords();
 
 }  // namespace fuzz

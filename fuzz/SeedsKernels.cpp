@@ -1,5 +1,5 @@
-// Seeds of the kernels: each at widths around those of the vectors, flush with either page, in
-// place and not.
+// Seeds of the kernels: each kernel at widths near those of the vectors, touching either
+// inaccessible page, in place and not in place.
 
 #include "Archive.h"
 #include "KernelCases.h"

@@ -1,5 +1,5 @@
-// Seeds of the methods: every method in its usual form, at the edges of its arguments, on every
-// kind of picture, and with every fault of the host.
+// Seeds of the methods: every method with ordinary arguments, with arguments at their limits, on
+// every kind of picture, and with every fault of the host.
 
 #include <cfloat>
 #include <climits>
@@ -14,11 +14,11 @@ namespace {
 
 using support::FaultKind;
 
-constexpr std::uint8_t kNearWidth = 1;   // of an integer: the source's width and a little
-constexpr std::uint8_t kNearHeight = 2;  // the same for its height
-constexpr std::uint8_t kRaw = 4;         // its 32 bits
-constexpr std::uint8_t kRawDouble = 3;   // of a double: its 64 bits
-constexpr std::uint8_t kAnyByte = 160;   // of a boolean: its byte
+constexpr std::uint8_t kNearWidth = 1;   // an integer: the source's width and a little
+constexpr std::uint8_t kNearHeight = 2;  // an integer: the source's height and a little
+constexpr std::uint8_t kRaw = 4;         // an integer: its 32 bits
+constexpr std::uint8_t kRawDouble = 3;   // a double: its 64 bits
+constexpr std::uint8_t kAnyByte = 160;   // a boolean: its byte
 constexpr std::uint8_t kWrong = 240;     // see MethodInput.h
 
 ArgumentInput Integer(std::int32_t value) {
@@ -39,7 +39,7 @@ ArgumentInput ArgumentOf(const host::Value& value, char type) {
   return {};
 }
 
-// A call of a method with arguments after the source.
+// A call of a method with these arguments after the source.
 MethodInput Usual(const Method& method, const support::Arguments& arguments) {
   MethodInput input;
   input.method = static_cast<std::uint8_t>(&method - Methods().data());
@@ -48,7 +48,7 @@ MethodInput Usual(const Method& method, const support::Arguments& arguments) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     input.arguments.push_back(ArgumentOf(arguments[i], method.types[i]));
   }
-  // Opaque, translucent, clear, and colours above their alpha; read as either form.
+  // Opaque, translucent and clear pixels, and colours above their alpha, in either form.
   input.words = {0xFF102030, 0x80706050, 0x00010203, 0x10FFFFFF, 0x7F336699, 0xFFFFFFFF, 0x40804020, 0xC8FF00FF};
   return input;
 }
@@ -133,7 +133,7 @@ class Collection {
     Add(nil);
   }
 
-  // Around a line of the source, and two of them.
+  // Yields near one line and near two lines of the source.
   void AddPaces(const MethodInput& usual) {
     for (int pixels = -1; pixels <= 1; ++pixels) {
       for (const std::uint8_t size : {kNearWidth, kNearHeight}) {
@@ -162,7 +162,7 @@ class Collection {
     }
   }
 
-  // Each service at its first calls; the kinds of faults differ in their last two bits.
+  // Each service at its first calls. The last two bits of a fault select its kind.
   void AddFaults(const MethodInput& usual) {
     for (std::uint8_t kind = kWrong; kind < kWrong + 4; ++kind) {
       for (std::uint8_t service = 0; service < host::kServiceCount; ++service) {

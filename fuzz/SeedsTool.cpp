@@ -70,7 +70,7 @@ std::vector<Bytes> PictureFileSeeds() {
   AddChanged(seeds, png, kWidth, {0xFF, 0xFF, 0xFF, 0xFF});
   AddChanged(seeds, png, kHeight, {0x80, 0, 0, 0});
   AddChanged(seeds, png, kWidth, {0, 0, 0x20, 1, 0, 0, 0x20, 0});
-  const std::string exif("II*\0\x08\0\0\0\1\0\x12\1\3\0\1\0\0\0\6\0\0\0", 22);  // a photo that lies on its side
+  const std::string exif("II*\0\x08\0\0\0\1\0\x12\1\3\0\1\0\0\0\6\0\0\0", 22);  // a photo to be turned
   seeds.push_back(Inserted(png, 33, Text(std::string("\0\0\0\x16", 4) + "eXIf" + exif + "CRC?")));
   seeds.push_back(Inserted(Jpeg(19, 11, 3, 60), 2,
                            Text(std::string("\xFF\xE1\0\x1E"

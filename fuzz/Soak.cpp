@@ -1,15 +1,14 @@
-// A soak: very many calls, one after another, in one process and one host, as a program makes them
-// that runs for weeks.
+// Makes very many calls one after another, in one process and one host, as a program does that runs
+// for weeks.
 //
 //   soak [--calls=N] [--seed=N] [--first=N]     20000 calls of seed 1, from call 1 on
 //
-// Calls are random: any of the methods, small pictures of both storage forms, any pace of
-// yields, and some with a nil source, a malformed picture, no memory for a new one, or a service
-// that fails or throws. Each is compared with the reference model to the last pixel, and must leave
-// no lock, reference or object. At the end the process must have the memory that it had when it was
-// warm.
+// Calls are random: any method, small pictures of both storage forms, any yield, and sometimes a
+// nil source, a malformed picture, no memory for a new picture, or a service that fails or throws.
+// Each call is compared with the reference model to the last pixel. It must leave no lock,
+// reference or object. At the end the process must use as much memory as it did after a warm-up.
 //
-// What a call is depends only on seed and number. A finding names both, and ends the process.
+// A call depends only on the seed and its number. A finding prints both and ends the process.
 #include <malloc.h>
 #include <unistd.h>
 
@@ -48,7 +47,7 @@ std::uint8_t Byte(Random& random) {
   return static_cast<std::uint8_t>(random.Below(256));
 }
 
-// Of bytes that mean something wrong only above 240, such a one once in n times.
+// With a probability of 1/n, a byte that stands for something wrong (from 240 on); else 0.
 std::uint8_t Wrong(Random& random, std::uint32_t n, std::uint32_t kinds) {
   return OneIn(random, n) ? static_cast<std::uint8_t>(240 + random.Below(kinds)) : std::uint8_t{0};
 }
@@ -75,7 +74,7 @@ SourceInput RandomSource(Random& random) {
   return source;
 }
 
-// A service that fails or throws, or a constructor that throws; none is withheld.
+// A service that fails or throws, or a constructor that throws. No service is withheld.
 FaultInput RandomFault(Random& random) {
   static constexpr std::uint8_t kKinds[] = {240, 241, 243};
   FaultInput fault;
@@ -86,7 +85,7 @@ FaultInput RandomFault(Random& random) {
   return fault;
 }
 
-// Mostly values that a method takes; the others are not so rare that there are none.
+// Mostly values that the method accepts, but often enough others.
 ArgumentInput RandomArgument(Random& random, char type) {
   ArgumentInput argument;
   argument.bits = random.Next();
@@ -124,7 +123,7 @@ MethodInput RandomCall(std::uint64_t seed, std::uint64_t number) {
 struct Memory {
   long residentKib = 0;
   long addressKib = 0;
-  std::size_t allocated = 0;  // bytes
+  std::size_t allocated = 0;  // in bytes
 };
 
 Memory MemoryNow() {
@@ -141,7 +140,7 @@ void Print(const char* when, const Memory& memory) {
               memory.addressKib, memory.allocated);
 }
 
-// A byte that is lost at every hundredth of a million calls shows.
+// In a million calls, a leak of one byte in every hundredth call is noticed.
 void CheckMemory(const Memory& warm, const Memory& end) {
   constexpr long kMostKib = 512;
   constexpr std::size_t kMostBytes = 8192;
@@ -195,7 +194,7 @@ class Soak {
     if (!host_.LiveObjects().empty()) Report("an object is left");
   }
 
-  // A soak of calls that all fail would prove little.
+  // If all calls failed, the soak would prove little.
   void CheckVariety(std::uint64_t calls) const {
     constexpr std::uint64_t kEnough = 2000;
     constexpr int kCodes[] = {0, 2, 4, 5, 6, 31, 33, 34, 35, 38, 39, 40, 41, 42, 43, 44, 45};
@@ -221,7 +220,7 @@ class Soak {
   std::set<std::string> succeeded_;
 };
 
-// Starts anew without the allocator's cache, whose pieces would count as allocated.
+// Restarts the program without the allocator's thread cache, whose blocks would count as allocated.
 void RunWithoutCache(char** arguments) {
   constexpr const char* kVariable = "GLIBC_TUNABLES";
   if (!kMemoryIsPlain || std::getenv(kVariable) != nullptr) return;

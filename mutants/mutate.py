@@ -16,7 +16,7 @@ from workbench import PROGRAMS, Workbench
 
 JUSTIFIED = pathlib.Path("mutants/justified.txt")
 FOLDER = pathlib.Path("build/mutants")
-SPEED = "Speed:"  # how a reason begins that is about nothing else
+SPEED = "Speed:"  # the reason of a mutant that changes only the speed begins with this
 TITLES = {"speed": "change the speed only", "same": "have another reason to live", "gap": "have no reason to live"}
 ENTRY = re.compile(r"(?P<file>.+?\.(?:cpp|h)) (?P<operator>[^ :]+): (?P<code>.*)")
 
@@ -148,7 +148,7 @@ def main():
     if not mutants:
         sys.exit("no such mutant")
     if arguments.list:
-        signal.signal(signal.SIGPIPE, signal.SIG_DFL)  # for whoever reads the first names only
+        signal.signal(signal.SIGPIPE, signal.SIG_DFL)  # the reader of the names may stop early
         print("\n".join(mutant.name for mutant in mutants))
         return
 

@@ -9,7 +9,7 @@ from source import Source
 BOUNDS = frozenset(re.findall(r'(?:Length\(|\{)"(k\w+)", "[^"]*", ', pathlib.Path(
     __file__).parent.parent.joinpath("tests/support/Bounds.cpp").read_text()))
 
-# A binary operator becomes another. All of them stand between blanks.
+# A binary operator becomes another one. Each stands between blanks.
 OPERATORS = {
     "<": ("lt-le", "<="), "<=": ("le-lt", "<"), ">": ("gt-ge", ">="), ">=": ("ge-gt", ">"),
     "==": ("eq-ne", "!="), "!=": ("ne-eq", "=="), "&&": ("and-or", "||"), "||": ("or-and", "&&"),
@@ -27,19 +27,19 @@ def both_ways(text):
     return pairs(text) + [(b, a) for a, b in pairs(text)]
 
 
-# Names that are easily confused. One takes the other's place only where that is in the same
-# function, too.
+# Names that are easily confused. A name is replaced only where the other one occurs in the same
+# function.
 NAMES = both_ways(
     "width height, left top, begin end, x0 x1, y0 y1, x0 y0, x y, red green, green blue, first last, first second, from to,"
     "source destination, source result, at_ end_, p tq, saturation brightness, saturation value, before pixel, high low,"
     "upper lower, even odd, rows columns, bitsPerPixel bytesPerPixel, perSource perDestination, firstLine begin, step count")
 
-# Names that are known everywhere.
+# Names that can be used everywhere.
 GLOBAL_NAMES = both_ways(
     "true false, min max, Min Max, floor ceil, sin cos, Alpha Blue, Red Green, kForward kBackward, kDown kUp,"
     "kContextForm kBufferForm, ContextForm BufferForm, ReadBuffer ReadContext, WriteBuffer WriteContext")
 
-# Parts of the names of vector functions, of which a kernel could take the wrong one.
+# Parts of the names of vector functions that a kernel could confuse.
 VECTOR_PARTS = both_ways(
     "Add Sub, MulLow MulHigh, Low High, AndNot And, And Or, Or Xor, Min Max, Left Right, Even Odd, Equal Greater") + pairs(
         "Average Max, SubSaturated Sub, AddSaturated Add")
@@ -284,7 +284,7 @@ def _halves(source):
         ends = ("&&", "||") if token.text == "&&" else ("||",)
         first, last = _operand(source, i, -1, ends), _operand(source, i, 1, ends)
         yield source.tokens[i - 1].end, source.tokens[last].end, "drop-right", ""
-        if source.tokens[first - 1].text != token.text:  # which has left it out already
+        if source.tokens[first - 1].text != token.text:  # the other mutation has left it out already
             yield source.tokens[first].start, source.tokens[i + 1].start, "drop-left", ""
 
 

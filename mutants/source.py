@@ -15,7 +15,7 @@ LEXEMES = re.compile(
       | (?P<mark><<=|>>=|\.\.\.|->|::|\+\+|--|<<|>>|<=|>=|==|!=|&&|\|\||[-+*/%&|^]=|\S)""",
     re.X | re.M | re.S)
 
-# What a statement that is no expression begins with.
+# Words with which a statement begins that is not an expression.
 NO_EXPRESSION = frozenset(
     "return using const static constexpr template typedef struct class enum union case default break continue else do "
     "namespace extern public private protected auto goto throw explicit friend operator static_assert virtual inline "

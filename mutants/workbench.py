@@ -10,9 +10,9 @@ import signal
 import subprocess
 import time
 
-# Programs are not run by CTest, so that it need not ask a mutant which tests it has.
+# CTest does not run the programs, so it must not ask every mutant which tests it has.
 OPTIONS = ["-DLMX_WERROR=OFF", "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
-# As Release, but at -O1 everywhere: results are the same, and the kernels compile in half the time.
+# Like Release, but with -O1: results are the same, and the kernels compile in half the time.
 QUICK = ["--preset", "native", "-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS_MUTANTS=-O1 -DNDEBUG"]
 WITHOUT_EMULATION = "-DSIMDE_INCLUDE_DIR="
 BUILDS = {
@@ -23,9 +23,9 @@ BUILDS = {
 BUILD_SECONDS = 1800
 MEMORY = 16 << 30
 
-# Programs of tests by kind, the quickest first: the program below the build folder, and its
-# arguments. "levels" are two of them once more with the capped builds; "sanitized" and "emulated"
-# (AVX-512) are builds of their own, for what has survived so far.
+# The test programs by kind, the fastest first: the program's path in the build folder, and its
+# arguments. "levels" runs two programs again with the capped builds. "sanitized" and "emulated"
+# (AVX-512) are separate builds, for mutants that have survived the others.
 PROGRAMS = {
     "source": [("tests/source/source_tests",)],
     "fuzz": [("fuzz/replay_methods", "fuzz/methods.corpus"), ("fuzz/replay_kernels", "fuzz/kernels.corpus")],
@@ -39,17 +39,17 @@ PROGRAMS = {
     "sanitized": [("fuzz/replay_methods", "fuzz/methods.corpus"), ("tests/source/source_tests",)],
     "emulated": [("tests/kernels/kernel_tests", "--gtest_filter=*emulated*:All*")],
 }
-# Those below the highest, which is the plug-in's own.
+# All levels but the highest, which the plug-in itself uses.
 LEVEL_HEADER = pathlib.Path(__file__).parent.parent / "source/kernels/KernelLevel.h"
 LEVELS = re.search(r"^enum class KernelLevel { (.*) };$", LEVEL_HEADER.read_text(), re.M).group(1).split(", ")[:-1]
 
-# Kinds that can notice only mutants of certain files. The kernels are a leaf: nothing else is
-# needed by their tests, in which every operand lies between inaccessible pages.
+# Kinds that can notice only mutants of certain files. The tests of the kernels use nothing but the
+# kernels, and put every operand between inaccessible pages.
 ONLY_FOR = {"kernels": "source/kernels/", "levels": "source/kernels/", "sanitized": "^(?!source/kernels/)",
             "emulated": "kernels/(Wide|.*_(wide|avx512))"}
 
-# What a mutant meets first, by its file: kinds, with the suites that are about it, or all.
-# Everything else follows.
+# The kinds that run first for a mutant, by its file, with a filter of suites ("" for all). All
+# other kinds follow.
 FIRST = [
     ("kernels/(Vector|RunKernels)_avx512", [("emulated", "")]),
     ("kernels/", [("fuzz", ""), ("golden", ""), ("kernels", "-All*:Some*:*transpose*")]),
@@ -160,7 +160,7 @@ class Workbench:
         build = self.builds["native"]
         commands = subprocess.run(["ninja", "-C", build, "-t", "commands", "LMX-sse2"], check=True, text=True,
                                   stdout=subprocess.PIPE).stdout
-        # Ninja would compile the others first.
+        # Ninja would compile the other files first.
         subprocess.run(commands.splitlines()[-1], shell=True, cwd=build, check=True, stdout=subprocess.DEVNULL)
         capped = {"LMX_LIBRARY": str(build / "libLMX-sse2.so")}
         programs = [PROGRAMS["fuzz"][0], *PROGRAMS["golden"], PROGRAMS["plugin"][0] + ("--gtest_filter=-*Large*",)]
@@ -223,7 +223,7 @@ class Workbench:
 
         def limit():
             resource.setrlimit(resource.RLIMIT_CPU, (int(processor), int(processor) + 5))
-            if kind != "sanitized":  # which has addresses for a shadow of everything
+            if kind != "sanitized":  # sanitizers need addresses for their shadow memory
                 resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
             resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
