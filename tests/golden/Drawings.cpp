@@ -17,8 +17,7 @@ std::uint32_t Slopes(int x, int y, Random& random) {
   return red << 16 | green << 8 | random.Below(256);
 }
 
-// Falls from 255 to 0 where the distance from the centre passes three quarters of the least half
-// side.
+// Falls from 255 to 0 around a circle. Its radius is three quarters of half the shorter side.
 std::uint32_t DiscAlpha(int x, int y, int width, int height) {
   const int dx = 2 * x + 1 - width, dy = 2 * y + 1 - height;
   const int radius = std::min(width, height) * 3 / 4;

@@ -1,5 +1,5 @@
-// Small pictures drawn by arithmetic on integers, the same everywhere. The hashes depend on every
-// bit of them.
+// Small pictures drawn by integer arithmetic, so they are the same everywhere. The hashes depend on
+// every bit of them.
 #pragma once
 
 #include "support/Model.h"
@@ -7,10 +7,10 @@
 namespace golden {
 
 enum class Subject {
-  Opaque,  ///< slopes and noise
-  Soft,    ///< a disc with soft edges on a clear ground
-  Grey,    ///< noise, opaque
-  Wild,    ///< any bytes: colours above their alpha, transparencies above 127
+  Opaque,  ///< gradients and noise
+  Soft,    ///< a disc with soft edges on a clear background
+  Grey,    ///< opaque noise
+  Wild,    ///< any bytes: colours above alpha, transparencies above 127
 };
 
 const char* NameOf(Subject subject);

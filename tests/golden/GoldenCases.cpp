@@ -1,4 +1,4 @@
-// The list of the cases.
+// The list of cases.
 #include "GoldenCases.h"
 
 #include "Drawings.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr int kWidth = 23;
 constexpr int kHeight = 17;
 
-// A method with one list of arguments.
+// A method with a list of arguments.
 struct Call {
   std::string name;  // method and arguments
   support::MethodCall call;
@@ -23,7 +23,7 @@ struct Call {
 
 class Calls {
  public:
-  // The last argument is the yield, which has no part in the name.
+  // The last argument is the yield; the name does not contain it.
   void Add(const std::string& method, const std::string& name, const Arguments& arguments) {
     calls_.push_back({method + ":" + name, {method, arguments}});
   }

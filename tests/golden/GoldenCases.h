@@ -1,4 +1,4 @@
-// The calls whose whole results are kept as hashes, and their results by the plug-in and by the
+// The calls whose complete results are kept as hashes, and their results by the plug-in and by the
 // reference model.
 #pragma once
 
@@ -11,21 +11,22 @@
 namespace golden {
 
 struct Case {
-  std::string name;  ///< method, pictures, arguments; one word
+  std::string name;  ///< method, pictures and arguments, in one word
   support::MethodCall call;
   std::optional<model::StoredPicture> source;
-  model::Form newPictures;  ///< the storage form of everything that the method makes
+  model::Form newPictures;  ///< the storage form of all pictures that the method makes
 };
 
-/// All of them, method by method.
+/// All cases, method by method.
 std::vector<Case> Cases();
 
-/// What a case gives, in one line: code, number of yields, and the picture's size and hash or the
-/// averages (doubles as their bits). By the plug-in that the host has loaded, and by the model.
+/// The result of a case in one line: code, number of yields, and either the picture's size and hash
+/// or the averages (doubles as their bits). By the plug-in that the host has loaded, and by the
+/// model.
 std::string ResultOfPlugin(host::Host& host, const Case& c);
 std::string ResultByModel(const Case& c);
 
-/// The lines of the file of hashes, each "<name> <result>".
+/// A line of the file of hashes: "<name> <result>".
 struct Line {
   std::string name;
   std::string result;

@@ -1,4 +1,4 @@
-// Writes the cases to standard output, a JSON object a line, for tests that run them elsewhere.
+// Prints the cases, one JSON object per line, for tests that run them elsewhere.
 #include <cstdio>
 #include <exception>
 

@@ -1,5 +1,4 @@
-// Writes the file of hashes to standard output, unless the plug-in and the reference model disagree
-// anywhere.
+// Prints the file of hashes, unless the plug-in and the reference model differ in any case.
 #include <cstdio>
 #include <exception>
 

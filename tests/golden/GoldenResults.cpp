@@ -1,4 +1,4 @@
-// What a case gives, as text.
+// The result of a case as text.
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
@@ -58,7 +58,7 @@ std::string TextOf(int code, std::size_t yields, const std::string& result) {
   return "code=" + std::to_string(code) + " yields=" + std::to_string(yields) + " " + result;
 }
 
-// The result of a call: a new picture, averages, or else the source, which is changed.
+// The result of a call: a new picture, averages, or else the changed source.
 std::string TextOf(const host::Outcome& outcome, const host::Method& method, const Picture& source) {
   if (method.result == host::Type::Picture) return TextOf(outcome.result.AsPicture());
   std::vector<Value> means;

@@ -1,6 +1,6 @@
-// Whole results against their hashes in hashes.txt, which are the same for every ABI, compiler and
-// instruction set, and against the reference model, so that a hash is never the plug-in's word
-// alone. scripts/golden writes the file anew.
+// Compares complete results with their hashes in hashes.txt, which are the same for every ABI,
+// compiler and instruction set, and with the reference model, so that every hash has an independent
+// check. scripts/golden rewrites the file.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -75,7 +75,7 @@ TEST(GoldenFile, CoversEveryMethodThatWorksOnPictures) {
   }
 }
 
-// Cases that all gave the same would prove nothing.
+// If all cases gave the same result, the hashes would prove nothing.
 TEST(GoldenFile, HashesOfDifferentArgumentsDiffer) {
   std::map<std::string, std::set<std::string>> results;
   std::map<std::string, int> counts;

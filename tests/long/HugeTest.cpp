@@ -1,5 +1,5 @@
-// Methods on whole pictures of gigabytes, which take seconds each and up to 6 GiB of memory: no
-// test of a build, but of scripts/endure.
+// Methods on whole pictures of gigabytes. They take seconds each and up to 6 GiB of memory, so they
+// run in scripts/endure, not in every build.
 #include <sys/resource.h>
 
 #include <cstdio>
@@ -15,9 +15,9 @@ using model::FlipRotated;
 using model::Lines;
 
 constexpr bool kHas64Bits = sizeof(void*) == 8;
-// 3.4 GiB of pixels, or what a 32-bit process has room for twice.
+// 3.4 GiB of pixels, or the most that fits into a 32-bit process twice.
 constexpr int kSide = kHas64Bits ? 30000 : 15000;
-constexpr int kRows = 64;  // of each band
+constexpr int kRows = 64;  // rows of each band
 constexpr int kStep = 101;
 constexpr std::uint32_t kFrame = 0x20402010;
 
@@ -25,7 +25,7 @@ double GibibytesOf(int width, int height) {
   return 4.0 * width * height / (1 << 30);
 }
 
-// As a temporary picture keeps it.
+// The working pixels after a temporary picture has stored them.
 model::Picture Stored(const model::Picture& picture) {
   return model::Stored(picture, Storage::BitmapContext);
 }
@@ -43,7 +43,7 @@ class Huge : public sparse::Pictures {
     std::printf("%ld MiB resident at most\n", usage.ru_maxrss / 1024);
   }
 
-  // Skips where a result, or the source that is changed, has no room.
+  // Skips the test if there is not enough memory for the result or the changed source.
   void Prepare(int width, int height, double gibibytes) {
     if (!sparse::HasMemory(gibibytes)) GTEST_SKIP() << "takes " << gibibytes << " GiB of memory";
     source_ = MakeSource(width, height, kRows);
@@ -86,7 +86,7 @@ TEST_F(Huge, ShearVertical) {
   CheckRows(got, model::Sheared(source_.pixels, Lines::Columns, kSide, kSide, -0.73, kFrame), kStep);
 }
 
-// Three pictures at a time, the source and two that are written.
+// Three pictures exist at a time: the source and two that are written.
 TEST_F(Huge, FreeRotateByShear) {
   constexpr int kLess = kHas64Bits ? 24000 : 11000;
   constexpr double kDegrees = 1.0;
@@ -124,7 +124,7 @@ TEST_F(Huge, Trim) {
   CheckRows(got, model::Trimmed(source_.pixels, {-5, 3, kSide, kSide}, 0), kStep);
 }
 
-// The copies and the changes in place, of all but the first column and row.
+// All adjustments, copying and in place, of everything except the first column and row.
 TEST_F(Huge, Adjustments) {
   Prepare(kSide, kSide, GibibytesOf(kSide, kSide));
   if (IsSkipped()) return;
@@ -142,7 +142,7 @@ TEST_F(Huge, Adjustments) {
   CheckRows(source_.picture, rgb, kStep);
 }
 
-// 2.1 thousand million pixels, so that not only the sums wrap, but also their count.
+// 2.1 thousand million pixels, so that both the sums and their count wrap.
 TEST_F(Huge, Averages) {
   const int side = kHas64Bits ? 46341 : kSide;
   Prepare(side, side, 1);

@@ -57,11 +57,11 @@ TEST_P(LongLines, Shears) {
 TEST_P(LongLines, Stretch) {
   Check("Stretch", {std::min(W() * 2, 65535), std::min(H(), 65535)});
   Check("Stretch", {std::min(W(), 31), std::min(H(), 31)}, 7);
-  Check("Stretch", {std::min(W(), 2), std::min(H(), 2)});  // by more than 1/32768, refused
-  Check("Stretch", {W() * 2, H() * 2});                    // beyond 65535 likewise
+  Check("Stretch", {std::min(W(), 2), std::min(H(), 2)});  // reductions below 1/32768 are refused
+  Check("Stretch", {W() * 2, H() * 2});                    // sizes above 65535 are refused, too
 }
 
-// Those of more than 32766 pixels are refused.
+// Lines of more than 32766 pixels are refused.
 TEST_P(LongLines, FreeRotateByShear) {
   for (const double rotation : {0.0, 90.0, 0.05, 180.05}) Check("FreeRotateByShear", {rotation, kFrame}, 10 * Most());
 }

@@ -17,7 +17,7 @@ host::Options SparseOptions() {
   return options;
 }
 
-// The opaque pixel at a place: different from its neighbours', and on the whole red.
+// The opaque pixel at a place. It differs from its neighbours, and is mostly red.
 std::uint32_t PixelAt(std::int64_t x, std::int64_t y) {
   const auto mixed = static_cast<std::uint32_t>(x * 0x9E3779B1 + y * 0x85EBCA6B);
   return 0xFF800000 | (mixed ^ mixed >> 13);

@@ -1,6 +1,6 @@
-// Methods on parts of pictures of gigabytes, which exist as addresses only: positions beyond 31 and
-// 32 bits, in pixels and in bytes. Each test takes what the method needs of the source, as a small
-// picture, to the reference model.
+// Methods on parts of pictures of gigabytes, most of which take addresses but no memory. Positions
+// exceed 31 and 32 bits, in pixels and in bytes. Each test copies the part of the source that the
+// method needs into a small picture for the reference model.
 #include "SparseFixture.h"
 #include "support/Model.h"
 
@@ -13,7 +13,7 @@ using model::Lines;
 using model::Rectangle;
 using model::StoredPicture;
 
-constexpr int kRows = 3;  // of each band
+constexpr int kRows = 3;  // rows of each band
 
 struct Size {
   int width;
@@ -35,7 +35,7 @@ class Sparse : public sparse::Pictures, public testing::WithParamInterface<Size>
     if (!source_.picture) GTEST_SKIP() << "a process of this ABI has not enough addresses";
   }
 
-  // Columns and rows of the source, both ends included, as a picture of its own.
+  // The given columns and rows of the source, both ends included, as a picture of its own.
   StoredPicture Cut(int x0, int y0, int x1, int y1) const {
     StoredPicture part(GetParam().storage, x1 - x0 + 1, y1 - y0 + 1);
     for (int y = y0; y <= y1; ++y) {
@@ -44,7 +44,7 @@ class Sparse : public sparse::Pictures, public testing::WithParamInterface<Size>
     return part;
   }
 
-  // A rectangle in each band, which ends at the right edge.
+  // Calls body with a rectangle in each band that ends at the right edge.
   template <class Body>
   void ForEachBand(Body body) const {
     for (const int y : Bands(W(), H(), kRows)) {
@@ -61,12 +61,12 @@ std::vector<Size> Sizes() {
   for (const auto& [width, height] :
        {std::pair(23171, 23171), std::pair(30000, 30000), std::pair(65535, 16385), std::pair(16385, 65535),
         std::pair(1000000, 1100), std::pair(1100, 1000000), std::pair(46341, 46341), std::pair(200000, 200000)}) {
-    // A 32-bit process has room for little more than the first.
+    // A 32-bit process has addresses for little more than the first size.
     const std::int64_t bytes = std::int64_t{4} * width * height;
     if (sizeof(void*) == 8 || bytes < 2200000000) sizes.push_back({width, height, Storage::BitmapContext});
   }
   for (const auto& [width, height] : {std::pair(16384, 16385), std::pair(23171, 23171), std::pair(540, 1000000)}) {
-    sizes.push_back({width, height, Storage::Buffer});  // below 4 GiB on every ABI
+    sizes.push_back({width, height, Storage::Buffer});  // pixels of a buffer lie below 4 GiB on every ABI
   }
   return sizes;
 }
@@ -112,8 +112,8 @@ TEST_P(Sparse, AdjustRGBInPlace) {
   });
 }
 
-// The middle of the picture, of which the result is a small window: positions of lines in 16.16
-// have up to 50 bits.
+// The result is a small window in the middle of the picture. Line positions in 16.16 have up to 50
+// bits.
 TEST_P(Sparse, Shears) {
   for (const double shear : {0.0, 1.0, -1.0, 0.3, -0.7}) {
     SCOPED_TRACE(shear);
@@ -125,7 +125,7 @@ TEST_P(Sparse, Shears) {
   }
 }
 
-// Hosts refuse a result of that size; the stand-in one, unless it is sparse, above 1 GiB.
+// The host refuses a result of more than 1 GiB unless it is sparse.
 class SparseSource : public sparse::Pictures {
  protected:
   static constexpr int kWidth = 32768;
