@@ -1,5 +1,5 @@
-// AVX-512 by way of SIMDe, which gives every intrinsic as portable code: includes its names, and
-// what its version in Debian 12 lacks.
+// AVX-512 by SIMDe, which implements every intrinsic as portable code: includes its native names,
+// and adds what its version in Debian 12 lacks.
 #pragma once
 
 #define SIMDE_ENABLE_NATIVE_ALIASES
@@ -10,7 +10,7 @@
 
 namespace emulated {
 
-// Applies operation(low half), or of two halves, and puts the results together.
+// Applies an operation to the low half and the high half of each operand, and joins the results.
 template <class Operation>
 inline __m512i ByHalves(__m512i a, Operation operation) {
   const __m512i low = _mm512_castsi256_si512(operation(_mm512_castsi512_si256(a)));
@@ -33,7 +33,7 @@ inline __m512i ByHalves(__m512i a, __m512i b, Operation operation) {
 #undef _mm512_shufflehi_epi16
 #define _mm512_shufflehi_epi16(a, i) emulated::ByHalves(a, [](__m256i x) { return _mm256_shufflehi_epi16(x, i); })
 
-// Masks come from lanes and become lanes again.
+// Masks are made from lanes and expanded to lanes again.
 #undef _mm512_cmpeq_epi16_mask
 #define _mm512_cmpeq_epi16_mask(a, b) \
   _mm512_movepi16_mask(emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_cmpeq_epi16(x, y); }))
@@ -41,7 +41,7 @@ inline __m512i ByHalves(__m512i a, __m512i b, Operation operation) {
 #define _mm512_cmpgt_epi16_mask(a, b) \
   _mm512_movepi16_mask(emulated::ByHalves(a, b, [](__m256i x, __m256i y) { return _mm256_cmpgt_epi16(x, y); }))
 
-// Masked loads and stores leave alone what their mask leaves out, which may be inaccessible.
+// Masked loads and stores must not touch what their mask leaves out: it may be inaccessible.
 namespace emulated {
 
 inline __m512i LoadLanes(__m512i a, std::uint32_t lanes, const void* p) {

@@ -1,4 +1,4 @@
-// What the tests over whole domains share.
+// Shared by the tests over whole domains.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,14 +12,14 @@
 
 using Pixels = std::vector<std::uint32_t>;
 
-/// Of the longest domains, kernel_tests takes every 61st value; kernel_domains takes all.
+/// In the longest domains, kernel_tests takes every 61st value; kernel_domains takes all of them.
 #ifdef LMX_WHOLE_DOMAINS
 constexpr std::uint32_t kDomainStep = 1;
 #else
 constexpr std::uint32_t kDomainStep = 61;
 #endif
 
-/// Whether two runs are equal; a difference is a failure that names the pixel.
+/// Whether two runs are equal. A difference is a failure that names the pixel.
 inline bool SameRun(const Pixels& inputs, const Pixels& expected, const Pixels& actual, const std::string& level) {
   for (std::size_t i = 0; i < expected.size(); ++i) {
     if (expected[i] == actual[i]) continue;
@@ -37,8 +37,8 @@ inline const std::uint8_t* Bytes(const Pixels& run) {
   return reinterpret_cast<const std::uint8_t*>(run.data());
 }
 
-/// Collects the pixels of a domain into runs, and compares what every level makes of a run with the
-/// plain arithmetic of its pixels: apply(kernels, out, in), define(pixel).
+/// Collects the pixels of a domain into runs. Compares the result of every level for a run with the
+/// plain arithmetic for each pixel: apply(kernels, out, in), define(pixel).
 template <class Apply, class Define>
 class Domain {
  public:
@@ -47,7 +47,7 @@ class Domain {
   Domain(const Domain&) = delete;
   Domain& operator=(const Domain&) = delete;
 
-  /// False after a failure: the rest can be left out.
+  /// False after a failure: the caller can stop.
   bool Add(std::uint32_t pixel) {
     inputs_.push_back(pixel);
     if (inputs_.size() == kRun) Flush();
@@ -55,7 +55,7 @@ class Domain {
   }
 
  private:
-  // Odd, so that every place of a vector meets every part of a domain sooner or later.
+  // Odd, so that every part of a domain comes to every lane of a vector.
   static constexpr std::size_t kRun = 4093;
 
   void Flush() {

@@ -1,5 +1,5 @@
-// The kernels of every level over whole domains, against plain arithmetic that shares nothing with
-// the product: stored pixels and adjustments.
+// The kernels of every level over whole domains, compared with plain arithmetic that shares nothing
+// with the product: stored pixels and adjustments.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -12,8 +12,8 @@ namespace {
 
 using model::Form;
 
-// Every channel value with every alpha, in all three places: once beside random channels, once
-// beside well-formed ones.
+// Every channel value with every alpha, in each of the three channels. The other channels are
+// random first, then well-formed.
 template <class Domain>
 void AddChannelsAndAlphas(Domain& domain) {
   Random random(1);
@@ -126,8 +126,7 @@ INSTANTIATE_TEST_SUITE_P(SomeAdjustments, AllColours,
                            return "Number" + std::to_string(adjustment.index);
                          });
 
-// Few colours, but every shift, and many by more than a turn, which do not come back into the
-// circle.
+// Few colours, but every shift. Many exceed a turn, and the hue stays outside the circle.
 TEST(AllShifts, AdjustHSV) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels colours;

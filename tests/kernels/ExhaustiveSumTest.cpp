@@ -1,5 +1,5 @@
-// The kernels of every level over whole domains, against plain arithmetic that shares nothing with
-// the product: blends, averages and sums.
+// The kernels of every level over whole domains, compared with plain arithmetic that shares nothing
+// with the product: blends, averages and sums.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,8 +25,8 @@ std::vector<std::uint32_t> ManyFractions() {
   return fractions;
 }
 
-// What a kernel makes of pairs of pixels: each second pixel of the run follows the one that it is
-// blended with.
+// The result of a kernel for pairs of pixels. Every second pixel of the run comes after the one
+// with which it is blended.
 void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels, const Pixels& before,
                 std::uint32_t fraction, Pixels* actual) {
   Pixels pairs, blended(2 * pixels.size());
@@ -35,8 +35,9 @@ void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels,
   for (std::size_t i = 0; i < pixels.size(); ++i) (*actual)[i] = blended[2 * i + 1];
 }
 
-// Every channel with every channel before it: pixel i has i % 256 in its channels, the one before
-// i / 256, in places that change with the fraction. Opaque pixels, which buffers keep as they are.
+// Every channel value with every channel value before it. Pixel i has i % 256 in its red and blue,
+// the pixel before it i / 256; green takes another pair, which changes with the fraction. The
+// pixels are opaque, so a buffer stores them unchanged.
 TEST(AllChannelsAndChannelsBefore, Blend) {
   const std::vector<NamedKernels> levels = LevelsHere();
   for (const std::uint32_t fraction : ManyFractions()) {
@@ -55,8 +56,8 @@ TEST(AllChannelsAndChannelsBefore, Blend) {
   }
 }
 
-// Every alpha with every alpha before it, without a colour: in a context the alpha alone, in the
-// lowest byte.
+// Every alpha with every alpha before it, without colours: in a context, alpha alone is stored, in
+// the lowest byte.
 TEST(AllAlphasAndAlphasBefore, Blend) {
   const std::vector<NamedKernels> levels = LevelsHere();
   for (const std::uint32_t fraction : ManyFractions()) {
@@ -116,8 +117,8 @@ Pixels Working(Pixels opaque) {
   return opaque;
 }
 
-// All distances of two channels with all weights, of units at which the arithmetic changes and of
-// some others.
+// All distances between two channel values with all weights, for the units at which the arithmetic
+// changes and some others.
 TEST(AllDistancesAndWeights, BoxOfTwo) {
   const std::vector<NamedKernels> levels = LevelsHere();
   Pixels first, second;
@@ -143,7 +144,7 @@ TEST(AllDistancesAndWeights, BoxOfTwo) {
   }
 }
 
-// A constant colour stays what it is, whatever the units.
+// The average of a constant colour is the colour, for any units.
 TEST(AllUnitsOfManyRuns, BoxesOfOneColour) {
   const std::vector<NamedKernels> levels = LevelsHere();
   const Pixels colours = EveryChannel(), working = Working(colours);
@@ -163,8 +164,8 @@ TEST(AllUnitsOfManyRuns, BoxesOfOneColour) {
   }
 }
 
-// An average may go where a run was that no later box has: one for another, if a box takes no less
-// than a run has.
+// An average may be stored over a run that no later box needs. If a box takes at least as much as a
+// run has, box i may be stored over run i.
 TEST(Boxes, MayTakeThePlaceOfTheirRuns) {
   constexpr std::size_t kRuns = 20, kMost = 100;
   Random random(3);
@@ -191,8 +192,9 @@ TEST(Boxes, MayTakeThePlaceOfTheirRuns) {
   }
 }
 
-// All units of a box, from half of a whole one on. Units of one colour give the lowest sum of that
-// colour; with one unit of the next darker colour it is the highest sum of the darker one.
+// All units of a box, from half of a whole one on. Units of one colour give the lowest sum that
+// yields the colour. With one unit of the next darker colour, they give the highest sum that yields
+// the darker one.
 TEST(AllUnits, AverageBoxes) {
   const std::vector<NamedKernels> levels = LevelsHere();
   const Pixels colours = EveryChannel();
@@ -203,7 +205,7 @@ TEST(AllUnits, AverageBoxes) {
   const Pixels workingColours = Working(colours), workingDarker = Working(darker);
   const std::uint8_t* const run = Bytes(workingColours);
   const std::uint8_t* const darkerRun = Bytes(workingDarker);
-  constexpr std::uint32_t kFewRuns = kWholeBox - kMostMissing;  // boxes of few runs have as many units, or more
+  constexpr std::uint32_t kFewRuns = kWholeBox - kMostMissing;  // boxes of few runs have at least this many units
   for (std::uint32_t units = kWholeBox / 2; units <= kWholeBox;
        units = units < kFewRuns ? std::min(units + kDomainStep, kFewRuns) : units + 1) {
     for (const NamedKernels& level : levels) {
@@ -238,8 +240,7 @@ TEST(AllPairsOfChannels, Halve) {
 
 // -------------------------------------------------------------------------------------------- sums
 
-// Every pair of a maximum and a minimum, in all places of the channels, one after the other into
-// one sum.
+// Every pair of a maximum and a minimum, in every order of the channels, all added to one sum.
 TEST(AllMaximaAndMinima, SumHSV) {
   Pixels pixels;
   for (std::uint32_t max = 0; max < 256; ++max) {
@@ -265,7 +266,7 @@ TEST(AllMaximaAndMinima, SumHSV) {
   }
 }
 
-// Long enough to pass many powers of two, in pieces of all lengths.
+// Long enough to exceed many powers of two, in runs of all lengths.
 TEST(SaturationSums, AreThoseOfOneTermAfterTheOther) {
   Random random(7);
   Pixels pixels(1 << 20);

@@ -1,4 +1,4 @@
-// The guard round a kernel's operands: it must see what it is there for.
+// The guards around a kernel's operands detect what they must.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -55,7 +55,7 @@ TEST(Guard, RingShowsEveryByteThatWasChanged) {
         EXPECT_EQ(memory.RingDamage(), "");
         const bool before = offset < -static_cast<std::ptrdiff_t>(shift) && flush == host::Flush::Start;
         const bool after = offset >= static_cast<std::ptrdiff_t>(10 + shift) && flush == host::Flush::End;
-        if (before || after) continue;  // inaccessible
+        if (before || after) continue;  // an inaccessible page
         run[offset] ^= 1;
         EXPECT_EQ(memory.RingDamage().empty(), offset >= 0 && offset < 10) << offset;
       }

@@ -15,7 +15,7 @@ extern "C" void LeaveFault(int, siginfo_t* info, void*) {
   siglongjmp(gBeforeFault, 1);
 }
 
-// Routes memory faults to LeaveFault while it lives.
+// Directs memory faults to LeaveFault while it lives.
 class FaultRoute {
  public:
   FaultRoute() {
@@ -37,7 +37,8 @@ class FaultRoute {
   struct sigaction bus_ = {};
 };
 
-// Keeps the variables of the caller out of the frame that sigsetjmp returns to twice.
+// Out of line, so that the caller's variables are not in the frame to which sigsetjmp returns
+// twice.
 __attribute__((noinline)) void CallUntilFault(void (*work)(void*), void* context) {
   if (sigsetjmp(gBeforeFault, 1) == 0) work(context);
 }

@@ -47,7 +47,7 @@ constexpr Operand kPairs = form == kContextForm ? Operand::ContextPairs : Operan
 template <PixelForm form>
 constexpr Operand kSlope = form == kContextForm ? Operand::ContextSlope : Operand::BufferSlope;
 
-// Where the table keeps what PairKernels and FormKernels have at an offset.
+// The offset in the table of a member of PairKernels or FormKernels.
 std::size_t Slot(PixelForm from, PixelForm to, std::size_t offset) {
   return offsetof(RunKernels, between) + (from * kPixelForms + to) * sizeof(PairKernels) + offset;
 }
@@ -55,7 +55,7 @@ std::size_t Slot(PixelForm form, std::size_t offset) {
   return offsetof(RunKernels, of) + form * sizeof(FormKernels) + offset;
 }
 
-// What happens to each pixel between reading and writing, and which slot does it to a run.
+// The operation on each pixel between reading and writing, and the slot that does it to a run.
 struct Copying {
   static constexpr std::size_t kOffset = offsetof(PairKernels, copy);
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
@@ -141,7 +141,7 @@ std::vector<Byte*> Addresses(Run* first, std::size_t stride, std::size_t count) 
   return addresses;
 }
 
-// Runs that are only fetched.
+// The number of rows that a kernel may only prefetch.
 constexpr std::size_t kAhead = 40;
 
 template <PixelForm from, PixelForm to>
@@ -188,7 +188,7 @@ KernelCase BlendCase(const std::string& name) {
           }};
 }
 
-// Of the rows, those that are left over at the end are the ones that are only fetched.
+// The rows beyond the slope are only prefetched.
 template <PixelForm from, PixelForm to>
 KernelCase BlendColumnsCase(const std::string& name) {
   return {name,
@@ -222,12 +222,12 @@ KernelCase BlendColumnsCase(const std::string& name) {
           }};
 }
 
-// Channel `byte` of a pixel, counted from the lowest.
+// Channel `byte` of a pixel; 0 is the lowest.
 std::uint32_t Channel(std::uint32_t pixel, int byte) {
   return pixel >> (8 * byte) & 0xFF;
 }
 
-// The average of one box: pixel(run) is a run's pixel, units[run] what is taken of it.
+// The average of one box. pixel(run) is a run's pixel, units[run] are the units that the box takes.
 template <class PixelOfRun>
 std::uint32_t BoxOf(const std::vector<std::uint32_t>& units, PixelOfRun pixel) {
   std::uint32_t average = 0;
@@ -243,8 +243,8 @@ std::uint32_t BoxOf(const std::vector<std::uint32_t>& units, PixelOfRun pixel) {
   return average;
 }
 
-// What box `box` takes of each run: run r has the units from r ofRun on, the box those from its
-// place on.
+// The units that box `box` takes of each run. Run r has the units from r * ofRun on; the boxes
+// begin at ofRun - left.
 std::vector<std::uint32_t> UnitsOfRuns(const KernelArguments& a, std::size_t box) {
   const std::int64_t begin = std::int64_t{a.box.ofRun} - a.box.left + static_cast<std::int64_t>(box) * a.box.ofBox;
   std::vector<std::uint32_t> units;
@@ -284,7 +284,8 @@ KernelCase BoxesCase(const std::string& name) {
           }};
 }
 
-// The two kernels of a box in steps, as they are used: the sums are theirs.
+// The two kernels that compute a box in steps, called as workers call them, since only they read
+// the sums.
 template <PixelForm to>
 KernelCase BoxInStepsCase(const std::string& name, std::size_t slot) {
   return {name,
@@ -299,7 +300,7 @@ KernelCase BoxInStepsCase(const std::string& name, std::size_t slot) {
             std::vector<std::uint32_t> sums(4 * ((a.n + kBoxSumsStep - 1) / kBoxSumsStep * kBoxSumsStep));
             for (std::size_t run = 0, same; run < a.runs; run += same) {
               for (same = 1; run + same < a.runs && same < kMostBoxRuns && units[run + same] == units[run];) ++same;
-              const std::uint32_t some = units[run] / 2, others = units[run] - some;  // all of them may be 32768
+              const std::uint32_t some = units[run] / 2, others = units[run] - some;  // all may be 32768
               if (some > 0) k.addToBoxes(sums.data(), runs.data() + run, same, some, a.n);
               if (others > 0) k.addToBoxes(sums.data(), runs.data() + run, same, others, a.n);
             }
@@ -381,7 +382,7 @@ KernelCase SumHSVCase(const std::string& name) {
 
 // -------------------------------------------------------------------------------------------- list
 
-// A form as a type, so that a lambda can have it as a template argument.
+// A form as a type, so that a lambda can use it as a template argument.
 template <PixelForm form>
 using Constant = std::integral_constant<PixelForm, form>;
 
@@ -413,7 +414,7 @@ void ForPairs(const Make& make) {
   ForForms([&](auto from) { ForForms([&](auto to) { make(from, to); }); });
 }
 
-// The fuzz corpus counts on their order.
+// The fuzz corpus depends on their order.
 std::vector<KernelCase> MakeCases() {
   std::vector<KernelCase> cases;
   const auto add = [&cases](KernelCase&& made) { cases.push_back(std::move(made)); };

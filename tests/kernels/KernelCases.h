@@ -1,5 +1,5 @@
-// One record per kernel: its operands, how to make inputs, how to call it, and what it computes.
-// The tests and the benchmarks go through the same list.
+// One record for each kernel: its operands, how to make inputs, how to call it, and what it
+// computes. Tests and benchmarks use the same list.
 #pragma once
 
 #include <cstddef>
@@ -10,19 +10,19 @@
 #include "kernels/RunKernels.h"
 #include "support/Random.h"
 
-/// The most columns that are transposed, and the most pixels between two runs.
+/// The most columns that are transposed, and the most pixels of a gap between two runs.
 constexpr std::size_t kMostColumns = 40;
 constexpr std::size_t kMostGap = 20;
 
-/// What lies at a pointer that a kernel gets, and so how many bytes.
+/// The kind of an operand, which gives its size.
 enum class Operand {
   ContextPixels,  ///< a stored run; any address
   BufferPixels,   ///< the same in the other form
   Pixels,         ///< a working run
-  OnePixel,       ///< a single stored pixel
+  OnePixel,       ///< one stored pixel
   ContextRows,    ///< n stored runs of `columns` pixels, `pitch` apart
   BufferRows,     ///< the same in the other form
-  WorkingRows,    ///< the same, working pixels
+  WorkingRows,    ///< the same with working pixels
   Columns,        ///< `columns` runs of n pixels of any form, `stride` apart
   RGBTotals,      ///< RGBSums
   HSVTotals,      ///< HSVSums
@@ -35,14 +35,14 @@ enum class Operand {
   Fractions,      ///< n weights of 0 to 65535, as 32-bit words
 };
 
-/// The arguments that are no runs. Each kernel uses some.
+/// The arguments other than runs. Each kernel uses some of them.
 struct KernelArguments {
   std::size_t n;
   std::size_t stride;
   std::size_t columns;
   std::size_t pitch;
-  std::size_t count;  // boxes
-  std::size_t runs;   // of which they are made
+  std::size_t count;  // number of boxes
+  std::size_t runs;   // number of runs of which the boxes are made
   std::int32_t slope;
   std::uint32_t before;
   std::uint32_t fraction;
@@ -51,7 +51,7 @@ struct KernelArguments {
   RGBAdjustment rgb;
 };
 
-/// One call.
+/// One call of a kernel.
 struct KernelCall {
   KernelArguments arguments;
   void* output;
@@ -65,37 +65,36 @@ struct KernelInput {
 
 struct KernelCase {
   std::string name;  ///< words and underscores: the kernel's name, and its forms
-  std::size_t slot;  ///< where the table keeps it, in bytes
+  std::size_t slot;  ///< its offset in the table, in bytes
   Operand output;
-  bool addsToOutput;  ///< the output is an input, too: sums, and pixels that are changed in place
+  bool addsToOutput;  ///< the output is read, too: sums, and pixels that are changed in place
   std::vector<KernelInput> inputs;
   void (*call)(const RunKernels& kernels, const KernelCall& call);
-  void (*define)(const KernelCall& call);  ///< one pixel after the other, by LMX_Pixel; never in place
+  void (*define)(const KernelCall& call);  ///< computes the output pixel by pixel, by LMX_Pixel; never called in place
 };
 
 /// Every kernel of the table.
 const std::vector<KernelCase>& KernelCases();
 
-/// How far down each of n columns begins that a slope displaces, in 16.16 a column; and the largest
-/// of that.
+/// For a slope: how far down each of n columns begins, at 16.16 per column; and the largest of
+/// these.
 std::vector<std::uint32_t> SlopeDowns(const KernelArguments& arguments);
 std::size_t SlopeDown(const KernelArguments& arguments);
 
-/// Bytes of an operand, and the address that it needs.
+/// The size of an operand, and the alignment of its address.
 std::size_t SizeOf(Operand operand, const KernelArguments& arguments);
 std::size_t AlignmentOf(Operand operand);
 
-/// Arguments for n pixels: often the edges of their ranges.
+/// Arguments for n pixels, often at the limits of their ranges.
 KernelArguments MakeArguments(std::size_t n, Random& random);
 
-/// Sets the boxes, as many of them, and the runs that they have.
+/// Sets the units of boxes, the number of boxes, and the number of runs that they need.
 void SetBoxes(const BoxUnits& units, std::size_t count, KernelArguments* arguments);
 
-/// Contents of an operand: runs that are wholly opaque, wholly clear, mostly the one or the other,
-/// well-formed and malformed, grey and coloured. `operand` can be an input, or an output that is
-/// added to.
+/// Makes the contents of an operand: runs that are all opaque, all clear, or mostly so; well-formed
+/// and malformed; grey and coloured. `operand` is an input, or an output that is also read.
 void MakeOperand(Operand operand, const KernelArguments& arguments, Random& random, void* bytes);
 
-/// Well-formed pixels that are all opaque or of any alpha, for times; false, and nothing done,
-/// where an operand's bytes are no pixels with an alpha that could matter.
+/// Makes well-formed pixels for benchmarks, all opaque or of any alpha. If the operand does not
+/// consist of pixels whose alpha could matter, returns false and does nothing.
 bool MakeOrdinaryPixels(Operand operand, const KernelArguments& arguments, bool opaque, Random& random, void* bytes);

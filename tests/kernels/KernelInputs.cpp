@@ -1,4 +1,4 @@
-// The input makers of the kernels' case list.
+// Makes the inputs of the kernels' case list.
 #include <algorithm>
 #include <cstring>
 
@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr std::size_t kMostRuns = 50;  // of kMostColumns + kMostGap
+constexpr std::size_t kMostRuns = 50;  // the most that fit with kMostColumns + kMostGap
 
-// What the alphas of a run are like. Kernels may treat whole blocks of the first kinds apart.
+// The alphas of a run. Kernels may treat blocks that are all opaque or all clear in another way.
 enum class Alphas { Opaque, Clear, OpaqueAndClear, OpaqueButOne, ClearButOne, Any };
 enum class Colours { Any, Extreme, Grey };
 
@@ -16,8 +16,8 @@ struct Style {
   Alphas alphas;
   Colours colours;
   bool wellFormed;        // context: no colour above its alpha; buffer: no transparency above 127
-  std::size_t odd;        // the pixel that is unlike the others
-  std::size_t malformed;  // a pixel whose colour is malformed all the same
+  std::size_t odd;        // the pixel that differs from the others
+  std::size_t malformed;  // a pixel whose colour is malformed even in a well-formed run
 };
 
 Style MakeStyle(std::size_t pixels, Random& random) {
@@ -50,7 +50,7 @@ std::uint32_t MakeAlpha(const Style& style, std::size_t i, Random& random) {
   return any < 32 ? random.OneOf(kEdges) : random.Below(256);
 }
 
-// Red, green, blue, each up to `most`.
+// Red, green and blue, each at most `most`.
 std::uint32_t MakeColour(const Style& style, std::uint32_t most, Random& random) {
   std::uint32_t colour[3];
   for (std::uint32_t& channel : colour) {
@@ -95,15 +95,15 @@ RGBSums MakeRGBSums(Random& random) {
   return {sum(), sum(), sum()};
 }
 
-// A saturation sum just below a power of two crosses it while the kernel adds.
+// Saturation sums just below a power of two, which they exceed while the kernel adds.
 HSVSums MakeHSVSums(Random& random) {
   constexpr double kEdges[] = {0.0, 0.0, 0.99999999, 3.99609375, 1023.999999999, 1048575.9999, 0.1, 7.333333333333};
   const double saturation = random.Below(2) == 0 ? random.OneOf(kEdges) : random.Word() / 4294967296.0 * 3e6;
   return {MakeRGBSums(random), saturation, random.Below(1 << 24) / 256.0};
 }
 
-// Runs that are worth as much as a box takes, or half of it, or more, or less, down to boxes of
-// kMostBoxRuns runs.
+// Runs of as many units as a box takes, or half of that, or more, or less; the shortest ones make
+// boxes of kMostBoxRuns runs.
 BoxUnits MakeBoxUnits(Random& random) {
   constexpr std::uint32_t kOfBox[] = {32704, 32705, 32766, 32767, 32767, 32768, 32768};
   const std::uint32_t ofBox = random.Below(4) != 0 ? random.OneOf(kOfBox) : 32704 + random.Below(65);
@@ -121,7 +121,7 @@ BoxUnits MakeBoxUnits(Random& random) {
   return {ofRun, ofBox, random.OneOf(lefts)};
 }
 
-// `count` runs of n pixels, `stride` pixels apart.
+// The size of `count` runs of n pixels, `stride` pixels apart.
 std::size_t SizeOfRuns(std::size_t count, std::size_t stride, std::size_t n) {
   return count == 0 || n == 0 ? 0 : 4 * ((count - 1) * stride + n);
 }
@@ -215,7 +215,7 @@ KernelArguments MakeArguments(std::size_t n, Random& random) {
   constexpr std::uint32_t kColumns[] = {0, 1, 4, 8, 16, 24, 32};
   arguments.columns = random.Below(2) == 0 ? random.OneOf(kColumns) : random.Below(kMostColumns + 1);
   arguments.pitch = arguments.columns + (random.Below(2) == 0 ? 0 : random.Below(kMostGap + 1));
-  // At most kMostColumns rows in all, and a row a column.
+  // At most kMostColumns rows in all, and at most one row per column.
   const std::int32_t steepest = static_cast<std::int32_t>(65536 * std::min<std::size_t>(kMostColumns, n + 1) / (n + 1));
   const std::int32_t slopes[] = {0, steepest, -steepest, steepest / 3, random.Between(-steepest, steepest)};
   arguments.slope = random.OneOf(slopes);
@@ -238,7 +238,7 @@ void MakeOperand(Operand operand, const KernelArguments& arguments, Random& rand
       return;
     case Operand::HSVTotals: {
       const HSVSums sums = MakeHSVSums(random);
-      auto* totals = static_cast<HSVSums*>(bytes);  // whose padding stays what it is
+      auto* totals = static_cast<HSVSums*>(bytes);  // padding bytes stay as they are
       totals->rgb = sums.rgb;
       totals->saturation = sums.saturation;
       totals->brightness = sums.brightness;

@@ -73,7 +73,8 @@ std::vector<std::size_t> WaysInPlace(const KernelCase& kernel) {
 KernelRig::KernelRig() : output_(kLargest), inputs_{GuardedRun(kLargest), GuardedRun(kLargest), GuardedRun(kLargest)} {}
 
 std::string KernelRig::Run(const KernelTrial& trial, const RunKernels& kernels) {
-  // What is not part of the operands differs between the two rounds, and the inputs lie elsewhere.
+  // The two rounds differ in everything but the operands: in the bytes around them, and in their
+  // places.
   std::string trouble = RunOnce(trial, kernels, 0x51, 0);
   if (trouble.empty()) trouble = RunOnce(trial, kernels, 0xA6, 5);
   return trouble.empty() ? trouble : trouble + Text(trial.arguments);

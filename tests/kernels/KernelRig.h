@@ -1,5 +1,5 @@
-// Runs a kernel on operands between guards, and compares what it did with the pixel functions. The
-// tests choose trials in order, the fuzzer by its input.
+// Runs a kernel on operands between guards, and compares the result with the pixel functions. The
+// tests choose trials in order; the fuzzer chooses them by its input.
 #pragma once
 
 #include <cstddef>
@@ -10,33 +10,33 @@
 #include "GuardedRun.h"
 #include "KernelCases.h"
 
-/// A call of a kernel, and where its operands lie.
+/// A call of a kernel, and the places of its operands.
 struct KernelTrial {
-  /// Makes arguments and operands for n pixels, in this order: the arguments, each input and its
-  /// shift, the output.
+  /// Makes the arguments and operands for n pixels, in this order: the arguments; each input and
+  /// its shift; the output.
   KernelTrial(const KernelCase& kernel, std::size_t n, std::size_t inPlace, Random& random);
 
   const KernelCase& kernel;
   KernelArguments arguments;
   std::vector<std::uint8_t> inputs[3];
-  std::size_t shifts[3] = {};        ///< of the inputs, in bytes, from the inaccessible page
-  std::vector<std::uint8_t> output;  ///< before the call; empty if the kernel only writes it
-  std::size_t inPlace;               ///< 1 + index of the input that is the output, or 0
+  std::size_t shifts[3] = {};        ///< distances of the inputs from the inaccessible page, in bytes
+  std::vector<std::uint8_t> output;  ///< contents before the call; empty if the kernel only writes the output
+  std::size_t inPlace;               ///< 1 + index of the input that is also the output; 0: none
   host::Flush flush = host::Flush::End;
-  std::size_t shift = 0;  ///< of the output
+  std::size_t shift = 0;  ///< distance of the output from the inaccessible page, in bytes
 };
 
-/// The choices that `inPlace` has for a kernel; 0 comes first.
+/// The values that `inPlace` can have for a kernel; 0 comes first.
 std::vector<std::size_t> WaysInPlace(const KernelCase& kernel);
 
-/// Has the memory for one trial after another.
+/// Owns the memory, which is used for one trial after another.
 class KernelRig {
  public:
   static constexpr std::size_t kMostPixels = 1100;
 
   KernelRig();
 
-  /// What the kernel of this table does wrong; empty if all is well.
+  /// Describes what this table's kernel does wrong; empty if it is right.
   std::string Run(const KernelTrial& trial, const RunKernels& kernels);
 
  private:

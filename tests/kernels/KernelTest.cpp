@@ -1,8 +1,8 @@
-// Every kernel of every level against the pixel functions: all small widths, all
+// Compares every kernel of every level with the pixel functions: all small widths, all
 // misalignments, in place where the contract allows it, between guards.
 //
-// A failure names the case. LMX_KERNEL_CASE="<the text between quotes>" runs this one alone, in the
-// test that failed; with a part of such a text, all that have it.
+// A failure names the case. LMX_KERNEL_CASE="<the text between quotes>" runs only this case in the
+// test that failed. A part of such a text runs all cases that contain it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,12 +18,12 @@
 
 namespace {
 
-// One case of one kernel. Everything else follows from these.
+// One case of one kernel. It determines everything else.
 struct Trial {
   std::size_t n;
   host::Flush flush;
-  std::size_t shift;    // of the output, in bytes, from the inaccessible page
-  std::size_t inPlace;  // 1 + index of the input that is the output, or 0
+  std::size_t shift;    // distance of the output from the inaccessible page, in bytes
+  std::size_t inPlace;  // 1 + index of the input that is also the output; 0: none
   std::uint64_t seed;
 };
 
@@ -47,7 +47,7 @@ bool Parse(const char* text, Trial* trial) {
   return true;
 }
 
-// Every width and shift, in place or not, each case with a seed of its own.
+// Every width and shift, in place or not. Each case has a seed of its own.
 std::vector<Trial> Trials(const KernelCase& kernel) {
   std::vector<std::size_t> widths;
   for (std::size_t n = 0; n <= 70; ++n) widths.push_back(n);
@@ -62,7 +62,8 @@ std::vector<Trial> Trials(const KernelCase& kernel) {
   std::uint64_t seed = 0;
   for (std::size_t i = 0; i < widths.size(); ++i) {
     for (const std::size_t place : inPlace) {
-      // Flush with the page after it, a width passes through all multiples of 4 by itself.
+      // With an end fixed at the page after it, the start takes all multiples of 4 as the width
+      // changes.
       for (std::size_t shift = 0; shift < (i < few ? 8 : 4); shift += step) {
         trials.push_back({widths[i], host::Flush::End, shift, place, ++seed});
       }
@@ -80,7 +81,7 @@ void* Entry(const RunKernels& kernels, const KernelCase& kernel) {
   return entry;
 }
 
-// Whether a lower level, where it is tested, has the very same code.
+// Whether a lower level that is tested has the same function.
 bool IsInherited(const std::string& level, const KernelCase& kernel) {
   for (const std::string& lower : LevelNames()) {
     if (lower == level) break;
@@ -89,8 +90,8 @@ bool IsInherited(const std::string& level, const KernelCase& kernel) {
   return false;
 }
 
-// Level and index of every kernel to test. What this processor lacks is there, too: to be seen as
-// skipped.
+// The level and the index of every kernel to test. Levels that this processor lacks are included,
+// so that their tests are reported as skipped.
 std::vector<std::tuple<std::string, std::size_t>> LevelsAndKernels() {
   std::vector<std::tuple<std::string, std::size_t>> all;
   for (const std::string& level : LevelNames()) {
@@ -134,7 +135,7 @@ std::string Name(const testing::TestParamInfo<Kernel::ParamType>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Levels, Kernel, testing::ValuesIn(LevelsAndKernels()), Name);
 
-// The slots of a table that are not empty, apart from its name.
+// The non-empty slots of a table, without its name.
 std::set<std::size_t> SlotsOf(const RunKernels& kernels) {
   std::set<std::size_t> slots;
   for (std::size_t slot = 0; slot < sizeof(RunKernels); slot += sizeof(void*)) {
@@ -158,7 +159,7 @@ TEST(KernelTable, HasItsNameAndOneCaseForEveryKernelAtEveryLevel) {
   }
 }
 
-// A pair of storage forms has all kernels of pairs, and a form all of its own.
+// A pair of storage forms has all kernels of pairs; a form has all kernels of forms.
 TEST(KernelTable, IsWholeForStorageForms) {
   const RunKernels kernels = KernelsOf("plain");
   const std::set<std::size_t> slots = SlotsOf(kernels);
@@ -173,7 +174,7 @@ TEST(KernelTable, IsWholeForStorageForms) {
   }
 }
 
-// What a level forgets to install is right all the same, and slow.
+// A kernel that a level forgets to install is correct but slow, so no other test notices.
 TEST(KernelTable, EveryLevelBringsEveryKernelOfItsOwn) {
   std::string below = "plain";
   for (const std::string& level : LevelNames()) {
@@ -190,7 +191,7 @@ TEST(KernelTable, EveryLevelBringsEveryKernelOfItsOwn) {
   }
 }
 
-// What the plug-in will use is the highest level that runs here, whole.
+// The plug-in uses the highest level that this processor has, with all its kernels.
 TEST(KernelTable, SelectedTablesAreThoseOfTheHighestLevelThatRunsHere) {
   RunKernels kernels = KernelsOf("plain"), nonTemporal = kernels;
   for (const std::string& level : LevelNames()) {

@@ -43,7 +43,7 @@ bool RunsHere(const std::string& level) {
 RunKernels KernelsOf(const std::string& level) {
   RunKernels kernels = {};
   for (const Level& l : Levels()) {
-    if (l.runsHere()) l.install(&kernels);  // installing takes the level's instructions, too
+    if (l.runsHere()) l.install(&kernels);  // the compiler may use the level's instructions in it
     if (level == l.name) break;
   }
   return kernels;

@@ -1,4 +1,4 @@
-// The levels of the kernels: those of the product, and their variants.
+// The levels of the kernels: those of the product, and variants for tests.
 #pragma once
 
 #include <string>
@@ -12,21 +12,20 @@ struct Level {
   bool (*runsHere)();
 };
 
-/// Lowest first; each is installed on top of those before it. Variants count as levels of their
-/// own: a level's non-temporal stores (_nt), and AVX-512 where it is emulated for processors
-/// without it.
+/// Lowest first; each is installed on top of the levels before it. Variants count as levels: a
+/// level with non-temporal stores (_nt), and AVX-512 emulated for processors without it.
 const std::vector<Level>& Levels();
 
 /// The names of all levels.
 std::vector<std::string> LevelNames();
 
-/// Whether it is a variant, "<level>_<what>", and not what a library starts with.
+/// Whether it is a variant, "<level>_<what>", which no library selects when it is loaded.
 bool IsVariant(const std::string& level);
 
 /// Whether this processor can run the level.
 bool RunsHere(const std::string& level);
 
-/// The kernels of a level, as a process that selected it has them.
+/// The kernels of a level, as in a process that has selected it.
 RunKernels KernelsOf(const std::string& level);
 
 struct NamedKernels {
@@ -34,9 +33,9 @@ struct NamedKernels {
   RunKernels kernels;
 };
 
-/// Those of every level that this processor can run.
+/// The kernels of every level that this processor can run.
 std::vector<NamedKernels> LevelsHere();
 
-/// AVX-512 from its own sources, whose instructions are emulated.
+/// AVX-512 from its own sources, with emulated instructions.
 void InstallAvx512Emulated(RunKernels* kernels);
 void InstallAvx512NonTemporalEmulated(RunKernels* kernels);

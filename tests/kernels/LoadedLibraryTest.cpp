@@ -1,5 +1,5 @@
-// That a library capped at a level runs this level, and the plug-in the best that this processor
-// has: seen in the table of the loaded library, which nothing exports.
+// A library capped at a level runs this level, and the plug-in runs the best level of this
+// processor. The test reads the table of the loaded library, which is not exported.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace {
 
-// The level that a library chose when the host loaded it.
+// The level that a library selected when the host loaded it.
 std::string LevelOf(const std::string& file) {
   host::Host host;
   host.Load(file);
@@ -21,7 +21,7 @@ std::string LevelOf(const std::string& file) {
   return kernels == nullptr ? "no table" : static_cast<const RunKernels*>(kernels)->level;
 }
 
-// The highest level that runs here, from those up to `cap`.
+// The highest level up to `cap` that runs here.
 std::string HighestUpTo(const std::string& cap) {
   std::string highest;
   for (const std::string& level : LevelNames()) {
@@ -47,7 +47,7 @@ TEST_P(CappedLibrary, RunsTheBestLevelUpToItsCap) {
 
 INSTANTIATE_TEST_SUITE_P(Levels, CappedLibrary, testing::ValuesIn(Caps()), [](const auto& cap) { return cap.param; });
 
-// LMX_EXPECTED_LEVEL names it where somebody else knows the processor.
+// LMX_EXPECTED_LEVEL names the level where the caller knows the processor.
 TEST(LoadedLibrary, RunsTheBestLevelWithoutACap) {
   const char* const expected = std::getenv("LMX_EXPECTED_LEVEL");
   EXPECT_EQ(LevelOf(LMX_LIBRARY_FILE), expected ? expected : HighestUpTo(""));

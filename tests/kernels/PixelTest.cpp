@@ -1,4 +1,4 @@
-// The functions of one pixel: named cases with values worked out by hand, and whole domains against
+// The pixel functions: named cases with values worked out by hand, and whole domains compared with
 // plain arithmetic.
 #include <gtest/gtest.h>
 
@@ -184,8 +184,7 @@ TEST(HSVToRGB, HuesJustBelowZeroAreInTheFirstSector) {
   EXPECT_EQ(FromHSV({-1, 512, 100, 255}), 0xFF643132u);
   // t = (1048576 - 2047 x 512) x 100 / 1048576 = 0.05
   EXPECT_EQ(FromHSV({-1023, 512, 100, 255}), 0xFF640032u);
-  // t = (1048576 - 1424 x 1024) x 255 / 1048576 = -99.6, of which no bit is cut off: -99 x 256 is
-  // 0xFFFF9D00
+  // t = (1048576 - 1424 x 1024) x 255 / 1048576 = -99.6. No bit is masked: -99 x 256 is 0xFFFF9D00.
   EXPECT_EQ(FromHSV({-400, 1024, 255, 16}), 0xFFFF9D00u);
 }
 
@@ -207,7 +206,7 @@ TEST(AllColours, ToHSV) {
   }
 }
 
-// Every hue, with the values and saturations at the edges and a grid between them.
+// Every hue; saturations and values at their limits and on a grid between them.
 TEST(AllHues, ToRGB) {
   std::vector<long> saturations = {0, 1, 2, 3, 511, 513, 1021, 1022, 1023, 1024};
   for (long s = 13; s < 1024; s += 47) saturations.push_back(s);

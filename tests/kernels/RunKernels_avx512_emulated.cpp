@@ -1,4 +1,4 @@
-// The kernels in AVX-512, from the same source, for processors that do not have it.
+// The AVX-512 kernels from the same source, for processors that do not have AVX-512.
 #include "EmulatedAvx512.h"
 //
 #include "Levels.h"

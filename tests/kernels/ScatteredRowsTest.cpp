@@ -1,5 +1,5 @@
-// Kernels that write several rows, which lie at no constant distance: what holds for one of them
-// need not hold for the next. All are aligned for any register but one, which begins a pixel later.
+// Kernels that write several rows, at irregular distances. What holds for one row need not hold for
+// the next: all rows are aligned for the widest register except one, which begins a pixel later.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::size_t kPixels = 64;
-constexpr std::size_t kPitch = kPixels + 16;  // a multiple of any register, and room for the pixel
+constexpr std::size_t kPitch = kPixels + 16;  // aligned for any register, with a gap for the shifted pixel
 constexpr std::size_t kRows = 37;
 constexpr std::size_t kAll = kPitch * kRows;
 
@@ -38,7 +38,7 @@ class Rows {
 
 using Call = std::function<void(const RunKernels& kernels, std::uint8_t* const* to, const std::uint8_t* const* from)>;
 
-// At every level, with every row in turn as the one that begins later.
+// Runs at every level. Each row in turn is the one that begins a pixel later.
 void ExpectSameAtEveryLevel(const Call& call) {
   const RunKernels plain = KernelsOf("plain");
   const Rows from(kRows, Random(2));
@@ -77,7 +77,7 @@ TEST(ScatteredRows, AreTransposed) {
   }
 }
 
-// Boxes of a third of a run: several rows are the same.
+// Boxes of a third of a run: several rows are equal.
 TEST(ScatteredRows, AreAveraged) {
   for (const std::uint32_t ofRun : {3 * kWholeBox, kWholeBox, 2 * kWholeBox / 3}) {
     const BoxUnits units = {ofRun, kWholeBox, ofRun};
