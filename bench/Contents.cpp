@@ -17,13 +17,13 @@ std::uint8_t Fading(int x, int, int width) {
   return static_cast<std::uint8_t>(x * 255 / std::max(width - 1, 1));
 }
 
-// Discs on clear ground, 8 pixels from opaque to clear.
+// Discs on a clear background; their edges go from opaque to clear within 8 pixels.
 std::uint8_t SoftDiscs(int x, int y, int) {
   const double outside = std::hypot(x % 400 - 200, y % 400 - 200) - 188;
   return static_cast<std::uint8_t>(std::clamp(255 - outside * 32, 0.0, 255.0));
 }
 
-// Sines make it smooth, like a photo; noise comes on top.
+// A smooth wave, like a photo; noise is added later.
 std::vector<float> Wave(int length, double step, double phase) {
   std::vector<float> wave(static_cast<std::size_t>(length));
   for (std::size_t i = 0; i < wave.size(); ++i)

@@ -1,4 +1,4 @@
-// Pictures to measure on: what real ones are like, as far as the time depends on it.
+// Pictures to measure on. They resemble real ones where that changes the time.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace bench {
 
-/// Straight alpha, 0xAARRGGBB, row after row from the top.
+/// Straight alpha, 0xAARRGGBB, row by row from the top.
 using Pixels = std::vector<std::uint32_t>;
 
 struct Content {
@@ -21,10 +21,10 @@ const std::vector<Content>& Contents();
 
 Pixels Draw(const Content& content, int width, int height);
 
-/// The same pixel as bitmap contexts have it, in a word.
+/// The word of a bitmap context for the same pixel.
 std::uint32_t Premultiplied(std::uint32_t straight);
 
-/// Writes pixels into a picture of their size, in its form.
+/// Writes pixels into a picture of the same size, in the picture's form.
 void Store(const Pixels& pixels, PoolPicture& picture);
 
 }  // namespace bench

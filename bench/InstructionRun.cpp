@@ -1,7 +1,7 @@
-// Calls every operation once on pictures of each kind, without yields and with them, each call with
-// a count of its instructions of its own: Callgrind writes one file per call, named by what was
-// called. Counts begin where the method is entered and end where it returns, so they include the
-// services that it asks for. scripts/instructions runs it under Callgrind and reads the files.
+// Calls every operation once on each kind of picture, without yields and with them. Callgrind
+// counts the instructions of each call and writes one file per call, named by the call. It counts
+// from the entry of the method to its return, including the services that the method calls.
+// scripts/instructions runs this program under Callgrind and reads the files.
 #include <valgrind/callgrind.h>
 
 #include <cstdio>
@@ -21,8 +21,8 @@ constexpr const char* kUsage =
   --help               this text
 )";
 
-// As in a photo, ten columns fit between two yields, and what a call does once is little beside its
-// pixels.
+// As in a photo, about ten columns lie between two yields, and the work done once per call is small
+// compared with the work on pixels.
 constexpr int kWidth = 320, kHeight = 1000;
 
 struct Kind {

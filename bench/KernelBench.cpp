@@ -1,5 +1,4 @@
-// Times every kernel at every level that this processor has, from the list of cases that the tests
-// use.
+// Times every kernel at every level that this processor has. Uses the tests' list of cases.
 #include <algorithm>
 #include <cstdio>
 #include <utility>
@@ -28,8 +27,7 @@ constexpr std::size_t kLengths[] = {16, 512, 1920};
 constexpr const char* kContents[] = {"opaque", "translucent"};
 constexpr double kBatchSeconds = 50e-6;
 
-// Arguments of ordinary use where MakeArguments looks for the edges, and runs that follow each
-// other without a gap.
+// Ordinary arguments, where MakeArguments prefers the limits, and runs without gaps between them.
 KernelArguments OrdinaryArguments(std::size_t n, Random& random) {
   KernelArguments arguments = MakeArguments(n, random);
   arguments.stride = n;
@@ -59,11 +57,11 @@ class Operands {
 
   const KernelCall& Call() const { return call_; }
   bool HaveAlpha() const { return haveAlpha_; }
-  /// How many a call works on: those of the largest operand.
+  /// The number of pixels that a call processes: those of the largest operand.
   std::size_t Pixels() const { return pixels_; }
 
  private:
-  // Where the operand lies, and whether it is pixels.
+  // The address of the operand, and whether it consists of pixels.
   std::pair<void*, bool> Make(Operand operand, bool opaque, Random& random) {
     constexpr std::size_t kLine = 64;
     const std::size_t size = SizeOf(operand, call_.arguments);
@@ -82,7 +80,7 @@ class Operands {
   bool haveAlpha_ = false;
 };
 
-// How many calls take about as long as a batch shall.
+// The number of calls that take about as long as a batch should.
 int BatchOf(const std::function<void()>& work) {
   int calls = 1;
   for (; calls < 1 << 20; calls *= 2) {

@@ -1,4 +1,4 @@
-// The command lines of the measuring programs: --name=value, and flags.
+// The command lines of the measuring programs: --name=value and flags.
 #pragma once
 
 #include <map>
@@ -15,22 +15,22 @@ struct Size {
 
 class Options {
  public:
-  /// `usage` tells all names. Ends the process with it on --help, and on a word that is not in it.
+  /// `usage` lists all names. Prints it and ends the process on --help and on an unknown word.
   Options(int argc, char** argv, const char* usage);
 
   bool Has(const std::string& name) const { return values_.count(name) != 0; }
   std::string Text(const std::string& name, const std::string& fallback) const;
   double Number(const std::string& name, double fallback) const;
-  /// Those that the value lists as WxH,... Throws host::Error for anything else.
+  /// The sizes that the value lists as WxH,... Throws host::Error for anything else.
   std::vector<Size> Sizes(const std::string& name, const std::string& fallback) const;
-  /// Whether `text` is wanted: part of it is the option's value, or the option was not given.
+  /// Whether `text` is selected: it contains the option's value, or the option was not given.
   bool Wants(const std::string& name, const std::string& text) const;
 
  private:
   std::map<std::string, std::string> values_;
 };
 
-/// The whole of main(): an exception of `run` is told on standard error, and is the status 1.
+/// The whole of main(). Prints an exception of `run` to standard error; the status is then 1.
 int RunProgram(int argc, char** argv, const char* usage, void (*run)(const Options&));
 
 }  // namespace bench

@@ -9,7 +9,8 @@
 #include "host/Value.h"
 #include "kernels/RunKernels.h"
 
-// On 32-bit the plug-in may call with any stack; the build realigns it in every function here.
+// In 32 bits the plug-in may call with any stack alignment; the build realigns it in every function
+// here.
 namespace bench {
 namespace {
 

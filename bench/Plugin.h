@@ -1,8 +1,7 @@
-// The plug-in under measurement: a built library, loaded into this process, and its methods called
-// on pictures of a pool, by their addresses. The services that it gets do what they must and
-// nothing more.
+// The plug-in to be measured: a built library, loaded into this process. Its methods are called
+// directly, by address, on pictures of a pool. The services that it gets do only what they must.
 //
-// Several can be loaded, one for each level of kernels; they share the one pool that lives.
+// Several plug-ins can be loaded, one for each level of kernels. They share the pool.
 #pragma once
 
 #include <array>
@@ -18,8 +17,8 @@
 
 namespace bench {
 
-/// The pool from which methods get their pictures, and the form in which new ones come. One lives
-/// at a time.
+/// The pool from which methods get their pictures, and the storage form of new ones. Only one can
+/// live at a time.
 class PluginPool : public Pool {
  public:
   explicit PluginPool(host::Storage form);
@@ -27,7 +26,7 @@ class PluginPool : public Pool {
   PluginPool(const PluginPool&) = delete;
   PluginPool& operator=(const PluginPool&) = delete;
 
-  /// A picture of the program's.
+  /// A picture that the program owns.
   PoolPicture* Make(int width, int height);
 
   const host::Storage storage;
@@ -36,9 +35,9 @@ class PluginPool : public Pool {
 /// A method with its arguments, to be called any number of times.
 class MethodCall {
  public:
-  /// `picture` and `yield` go where the declaration has them, the others in their order; a ByRef
-  /// argument gets a place of its own. Throws host::Error if there are too many or too few, or of
-  /// another type.
+  /// `picture` and `yield` take their places in the declaration; the other arguments fill the rest
+  /// in order. A ByRef argument gets a variable of its own. Throws host::Error if there are too
+  /// many or too few, or if one has the wrong type.
   MethodCall(const host::Method& method, PoolPicture* picture, const std::vector<host::Value>& arguments,
              std::int32_t yield);
   MethodCall(const MethodCall&) = delete;
@@ -56,15 +55,17 @@ class MethodCall {
 
 class Plugin {
  public:
-  /// Throws host::Error if it cannot be loaded or registers nothing.
+  /// Throws host::Error if the library cannot be loaded or registers nothing.
   explicit Plugin(const std::string& file);
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  /// With or without the module's name before it. Throws host::Error.
+  /// Finds a method by name, with or without the module's name before it. Throws host::Error if
+  /// there is none.
   const host::Method& Method(const std::string& name) const;
   std::int32_t LastError() const;
-  /// The level of kernels that it has chosen, as its own table says; a stripped library does not.
+  /// The level of kernels that it has selected, read from its table. Empty if the library was
+  /// stripped.
   const std::string& Level() const { return level_; }
 
  private:

@@ -20,7 +20,7 @@ std::uint8_t* Map(std::size_t size) {
     munmap(memory, size);
     return nullptr;
   }
-  std::memset(memory, 0x5A, size);  // touches every page
+  std::memset(memory, 0x5A, size);  // makes the system provide every page
   return static_cast<std::uint8_t*>(memory);
 }
 

@@ -1,5 +1,5 @@
-// Pictures that cost next to nothing, for measuring: their memory comes from blocks that were
-// touched before, below 4 GiB, and is used again for the next picture of that size. Nothing is
+// Pictures with very little overhead, for measuring. Their memory comes from blocks below 4 GiB
+// whose pages are already in use, and is reused for the next picture of the same size. Nothing is
 // checked.
 #pragma once
 
@@ -13,13 +13,13 @@
 
 namespace bench {
 
-/// A picture of the pool. Its address is the handle that methods get, and its own bitmap context.
+/// A picture of the pool. Its address is the handle that methods get, and also its bitmap context.
 struct PoolPicture {
   bool used = false;
   host::Storage storage = host::Storage::BitmapContext;
   int width = 0;
   int height = 0;
-  std::uint8_t* pixels = nullptr;  ///< rows without gaps from the top
+  std::uint8_t* pixels = nullptr;  ///< rows without gaps, from the top
   REALpictureBuffer* record = nullptr;
   std::uint32_t* rows = nullptr;
 
@@ -34,17 +34,17 @@ class Pool {
   Pool(const Pool&) = delete;
   Pool& operator=(const Pool&) = delete;
 
-  /// A picture without pixels as yet. Ends the process when all are used: somebody forgot to give
-  /// them back.
+  /// A picture without pixels. Ends the process when all are in use, because then a release is
+  /// missing.
   PoolPicture* Take();
-  /// Gives it memory, with whatever an earlier picture left there. Without memory its size is
-  /// 0 x 0.
+  /// Gives the picture memory, with the contents that an earlier picture left. Without memory its
+  /// size is 0 x 0.
   void SetSize(PoolPicture& picture, host::Storage storage, int width, int height);
   void GiveBack(PoolPicture& picture);
-  /// How many pictures have had no memory.
+  /// The number of pictures for which there was no memory.
   int Shortages() const { return shortages_; }
 
-  /// Returns the memory that no picture uses to the system, so that the next operation has room.
+  /// Returns unused memory to the system, so that the next operation can have it.
   void ReleaseUnused();
 
  private:

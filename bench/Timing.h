@@ -1,4 +1,4 @@
-// Times of pieces of work, measured in turn so that whatever disturbs one disturbs all.
+// Measures pieces of work in turn, so that a disturbance affects all of them.
 #pragma once
 
 #include <functional>
@@ -6,33 +6,33 @@
 
 namespace bench {
 
-/// Seconds of processor time that one repetition took, of all threads; what other processes took is
-/// not in it.
+/// Processor time of one repetition in seconds, of all threads. The time of other processes is not
+/// included.
 struct Timing {
   double median = 0;
   double low = 0;   ///< a quarter of the repetitions was faster
-  double high = 0;  ///< a quarter was slower
+  double high = 0;  ///< a quarter of the repetitions was slower
 };
 
-/// How long to go on: until both `least` rounds and `seconds` are reached, but after one round no
-/// longer than `most` seconds.
+/// How long to measure: until both `least` rounds and `seconds` are reached. After the first round,
+/// no longer than `most` seconds.
 struct Budget {
   int least = 5;
   double seconds = 0.15;
   double most = 10;
 };
 
-/// A piece of work, and what is done before each time it is, without being timed.
+/// A piece of work, and its preparation, which is not timed.
 struct Work {
   std::function<void()> run;
   std::function<void()> prepare = nullptr;
 };
 
-/// Does all works once without looking, then round by round, each in its turn.
+/// Runs all works once without timing them, then measures them round by round.
 std::vector<Timing> MeasureInTurn(const std::vector<Work>& works, const Budget& budget);
 
-/// Keeps the process on one of the cores that it may use: the last, which systems use least for
-/// their own work.
+/// Binds the process to the last core that it may use. Systems use that one least for their own
+/// work.
 void PinToOneCore();
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// A picture, and works that plug-ins and memcpy do on it, ready to be measured.
+// A picture, and works on it by plug-ins and by memcpy, ready to be measured.
 #pragma once
 
 #include <cstdint>
@@ -18,24 +18,24 @@ using support::Operation;
 /// The operations that are measured.
 const std::vector<Operation>& Operations();
 
-/// What programs pass as `yield`: their windows stay alive.
+/// The yield that programs usually pass, so that their windows stay responsive.
 constexpr std::int32_t kUsualYield = 10000;
 
-/// The capped builds in a folder that run the level that they are named after, lowest first: those
-/// of the levels that this processor has. If there are none, the plug-in itself.
+/// The capped builds in a folder, lowest level first, as far as this processor has their levels.
+/// The plug-in itself if there are none.
 std::vector<std::unique_ptr<Plugin>> LoadLevels(const std::string& folder);
 
 class Workbench {
  public:
-  /// One lives at a time: it has the pool.
+  /// Only one can live at a time, because it owns the pool.
   Workbench(host::Storage storage, const Pixels& pixels, int width, int height);
 
-  /// What memcpy of the picture into a picture as results are takes, seconds. It is measured by
-  /// itself, so that it finds the caches as it left them, whatever was measured before.
+  /// The time of memcpy from the picture into a new one. It is measured alone, so the state of the
+  /// caches does not depend on earlier measurements.
   Timing Memcpy(const Budget& budget);
-  /// A call right after memcpy of the picture, which has succeeded once. A method that works in
-  /// place changes the copy. Throws host::Error if it gives no picture or leaves an error code. The
-  /// work is good as long as the plug-in.
+  /// A call, prepared by memcpy of the picture; it has succeeded once. A method that works in place
+  /// changes the copy. Throws host::Error if the call gives no picture or leaves an error code. The
+  /// plug-in must outlive the work.
   Work Call(const Plugin& plugin, const Operation& operation, std::int32_t yield);
   /// Returns the memory of results to the system.
   void Clear() { pool_.ReleaseUnused(); }

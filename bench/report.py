@@ -26,7 +26,7 @@ def output_of(*command):
 
 
 def machine(command):
-    """What a number means nothing without."""
+    """The machine and the versions, without which no figure means anything."""
     cpu = re.search(r"^Model name:\s*(.*)$", output_of("lscpu"), re.M)
     caches = re.findall(r"^(L\d\w?) cache:\s*(.*)$", output_of("lscpu"), re.M)
     versions = output_of("dpkg-query", "-W", "-f=${Package} ${Version}\n", *PACKAGES).splitlines()

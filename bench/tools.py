@@ -10,9 +10,9 @@ import subprocess
 import report
 
 TOOLS = ("lmx", "gm", "convert", "vips")
-# The result's name, its size where all agree on it, and the words after each tool's name. Of every
-# tool the way that its manual recommends. {p} is the photo, {w} and {h} its size, {o} the result.
-# Nothing: the tool cannot do it in one command.
+# The result's name; its size, where all tools agree on it; the words after each tool's name, in the
+# way that the tool's manual recommends. {p} is the photo, {w} and {h} are its size, {o} is the
+# result. Empty: the tool cannot do it in one command.
 JOBS = {
     "turn by 90°": (
         "turned.jpg", "{h}x{w}",

@@ -8,7 +8,7 @@ namespace {
 
 using Picture = std::shared_ptr<Image>;
 
-// Every function reports to one.
+// Receives the errors of every function.
 class Report {
  public:
   Report() { GetExceptionInfo(&info_); }
@@ -29,7 +29,7 @@ Picture Wrap(const PeerPicture& p) {
   return image;
 }
 
-// A function that makes a picture of another, with its arguments.
+// A function that makes a picture from another one, with its arguments.
 template <class Make, class... Arguments>
 std::function<void()> Making(const char* name, const Picture& image, const Make& make, const Arguments&... arguments) {
   return [=] {
@@ -40,7 +40,7 @@ std::function<void()> Making(const char* name, const Picture& image, const Make&
   };
 }
 
-// A copy of the rectangle lives as long as the work.
+// The work keeps a copy of the rectangle.
 template <Image* function(const Image*, const RectangleInfo*, ExceptionInfo*)>
 Image* ByRectangle(const Image* from, const RectangleInfo& rectangle, ExceptionInfo* info) {
   return function(from, &rectangle, info);

@@ -37,7 +37,7 @@ Image Make(int width, int height) {
   return image;
 }
 
-// Changes the picture itself.
+// A function that changes the picture itself.
 template <class Change>
 std::function<void()> InPlace(const Image& image, const Change& change) {
   return [=] {
@@ -65,7 +65,7 @@ std::function<void()> Scale(const PeerPicture& s, const Image& image, double fac
   });
 }
 
-// The picture drawn as a parallelogram with the given sides.
+// Draws the picture as a parallelogram with the given sides.
 std::function<void()> Skew(const PeerPicture& s, const Image& image, int width, int height, int x, int y, int hx,
                            int hy, int vx, int vy) {
   const Image to = Make(width, height);

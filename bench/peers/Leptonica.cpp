@@ -13,7 +13,7 @@ void Destroy(Pix* pix) {
   pixDestroy(&pix);
 }
 
-// Its words are 0xRRGGBBAA.
+// The library's words are 0xRRGGBBAA.
 Image Wrap(const PeerPicture& p) {
   Image image(pixCreate(p.width, p.height, 32), Destroy);
   Require(image != nullptr, "pixCreate");

@@ -61,7 +61,7 @@ std::function<void()> Border(const PeerPicture& from) {
   };
 }
 
-// Row by row: displaced by whole pixels, blended with the neighbour by the rest.
+// Row by row: displaced by whole pixels, and blended with the neighbour for the fraction.
 std::function<void()> ShearHorizontal(const PeerPicture& from) {
   const Canvas to(from.width + from.height * 3 / 10 + 2, from.height);
   return [=] {
@@ -77,7 +77,7 @@ std::function<void()> ShearHorizontal(const PeerPicture& from) {
   };
 }
 
-// One pass adds what grows, one subtracts what shrinks.
+// One pass adds to the channels that grow, another subtracts from those that shrink.
 std::function<void()> AddColour(const PeerPicture& from) {
   const Canvas to(from.width, from.height), more(from.width, 1), less(from.width, 1);
   for (int x = 0; x < from.width; ++x) {

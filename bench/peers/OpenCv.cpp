@@ -36,7 +36,7 @@ std::function<void()> Border(const PeerPicture& s) {
   };
 }
 
-// `matrix` maps source to result.
+// `matrix` maps places of the source to places of the result.
 std::function<void()> Warp(const PeerPicture& s, const cv::Matx23d& matrix, int width, int height) {
   return [from = Wrap(s), to = Result(width, height), matrix]() mutable {
     cv::warpAffine(from, to, matrix, to.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, cv::Scalar(0, 0, 0, 0));
@@ -56,7 +56,7 @@ std::function<void()> Resize(const PeerPicture& s, double factor, int mode) {
   return [from = Wrap(s), to = Result(width, height), mode]() mutable { cv::resize(from, to, to.size(), 0, 0, mode); };
 }
 
-// Works on each strip of the picture, as three channels of hue, saturation and value.
+// Works on each strip of the picture, as hue, saturation and value.
 template <class Work>
 void ForEachStrip(const cv::Mat& from, const Work& work) {
   thread_local cv::Mat colours, hsv;

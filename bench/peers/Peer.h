@@ -1,9 +1,9 @@
-// Other libraries that do the same work, or what comes closest. Each gets the same picture, as
-// words 0xAARRGGBB in the machine's byte order, premultiplied, and gives one piece of work for
-// every operation that it has.
+// Other libraries that do the same work, or the nearest they can. Each gets the same picture, as
+// premultiplied words 0xAARRGGBB in the machine's byte order, and offers one work for every
+// operation that it has.
 //
-// A work starts from buffers that were touched before. Libraries that allocate their results get
-// memory back that was touched as well, because the program never returns any to the system.
+// A work starts with buffers whose pages are already in use. This also holds for results that a
+// library allocates, because the program never returns memory to the system.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +28,7 @@ struct PeerPicture {
   }
 };
 
-/// Memory for a picture, touched, from a cache line's start on.
+/// Memory for a picture, its pages in use, aligned to a cache line.
 class Canvas {
  public:
   Canvas(int width, int height);
@@ -41,15 +41,15 @@ class Canvas {
 };
 
 struct PeerWork {
-  const char* operation;   ///< the name among Operations()
-  const char* difference;  ///< what it does otherwise than the plug-in
+  const char* operation;   ///< its name in Operations()
+  const char* difference;  ///< how the result differs from the plug-in's
   std::function<void()> work;
 };
 
 struct Peer {
   const char* name;
   std::string version;
-  bool knowsAlpha;  ///< a translucent picture means to it what it means to the plug-in, but for rounding
+  bool knowsAlpha;  ///< a translucent picture has the same meaning to it as to the plug-in, except for rounding
   std::function<std::vector<PeerWork>(const PeerPicture& source)> prepare;
 };
 
@@ -62,7 +62,7 @@ Peer Pixman();
 Peer StbResize();
 Peer Vips();
 
-/// Ends the work with host::Error if a library says no.
+/// Ends the work with host::Error if a library reports a failure.
 void Require(bool done, const char* what);
 
 }  // namespace bench

@@ -1,5 +1,5 @@
-// Times the operations of the plug-in beside the same work done by other libraries, each pair in
-// turn in one run.
+// Times the plug-in's operations and the same work by other libraries. The two of a pair take turns
+// in one run.
 #include <malloc.h>
 
 #include <algorithm>
@@ -61,7 +61,7 @@ class PeerBench {
         const Operation& operation = Operations()[IndexOf(work)];
         const bool hasSource = plugin_.Method(operation.method).parameters[0].type == host::Type::Picture;
         if (!options_.Wants("operation", operation.name) || (translucent && !hasSource)) continue;
-        // A copy before each, so that both find their source equally warm.
+        // A copy precedes each, so that both find their source in the same caches.
         const Timing copy = workbench.Memcpy({budget_.least, 0});
         const Work call = workbench.Call(plugin_, operation, 0);
         const auto copyTheirs = [&] { std::memcpy(spare.Picture().words, source.Picture().words, 4 * pixels.size()); };
@@ -97,7 +97,7 @@ class PeerBench {
 };
 
 void Run(const Options& options) {
-  // Memory that was freed is used again, touched as it is.
+  // The process keeps freed memory and reuses it, so that its pages are already in use.
   mallopt(M_MMAP_MAX, 0);
   mallopt(M_TRIM_THRESHOLD, INT_MAX);
   PinToOneCore();

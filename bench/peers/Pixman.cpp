@@ -13,7 +13,7 @@ Image Wrap(const PeerPicture& p) {
   return {pixman_image_create_bits(PIXMAN_a8r8g8b8, p.width, p.height, p.words, p.Stride()), pixman_image_unref};
 }
 
-// A picture, how its pixels are found from those of the result, and by which filter.
+// A picture, the map from places of the result to its own, and a filter.
 struct Mapped {
   pixman_f_transform matrix;
   pixman_filter_t filter;
@@ -55,7 +55,7 @@ std::function<void()> Scale(const PeerPicture& s, double factor) {
   return Transform(s, Affine(1 / factor, 0, 0, 0, 1 / factor, 0, PIXMAN_FILTER_BILINEAR), width, height);
 }
 
-// The filter that weighs every source pixel by the area that it covers.
+// The filter that weights every source pixel by the area that it covers.
 std::function<void()> ScaleByArea(const PeerPicture& s, double factor) {
   const int width = static_cast<int>(s.width * factor), height = static_cast<int>(s.height * factor);
   const Image from = Wrap(s);

@@ -28,7 +28,7 @@ Image Apply(const Image& from, const Step& step) {
   return {to, Drop};
 }
 
-// Builds the pipeline, as every call of the plug-in builds its own, and runs it into memory.
+// Builds the pipeline, as every call of the plug-in does, and runs it into memory.
 std::function<void()> Run(const Image& source, const std::vector<Step>& steps) {
   return [=] {
     Image image = source;
@@ -40,7 +40,7 @@ std::function<void()> Run(const Image& source, const std::vector<Step>& steps) {
   };
 }
 
-// Runs it into the sums of channels.
+// Builds the pipeline and runs it into the sums of the channels.
 std::function<void()> Measure(const Image& source, const std::vector<Step>& steps) {
   return [=] {
     Image image = source;
@@ -56,7 +56,7 @@ Step Linear(std::vector<double> factors, std::vector<double> offsets) {
   };
 }
 
-// One function of the library with its arguments.
+// A function of the library with its arguments.
 template <class Function, class... Arguments>
 Step By(Function apply, Arguments... arguments) {
   return [=](VipsImage* from, VipsImage** to) { return apply(from, to, arguments..., nullptr); };
@@ -70,7 +70,7 @@ Step Enlarge(double factor) {
   return By(vips_resize, factor, "kernel", VIPS_KERNEL_LINEAR);
 }
 
-// In HSV the bands are taken as red, green, blue, alpha; the order costs nothing.
+// HSV bands are treated as red, green, blue and alpha; the order does not change the time.
 std::vector<PeerWork> Prepare(const PeerPicture& s) {
   const Image p = Wrap(s);
   const int w = s.width, h = s.height, x = w / 20, y = h / 20;
