@@ -1,5 +1,5 @@
-// Sizes at, one below and one above every constant that bounds a tile, a band, an array or a
-// threshold; and that no such constant of the sources lacks them.
+// Sizes equal to, one below and one above every constant that bounds a tile, a band, an array or a
+// threshold. Also checks that the list of these constants is complete.
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -28,7 +28,7 @@ std::string WithoutBlanks(const std::string& text) {
   return std::regex_replace(text, std::regex("\\s+"), " ");
 }
 
-// Named integers, and arrays of eight and more elements whose size is a bare number.
+// Named integers, and arrays of eight or more elements whose size is a bare number.
 std::vector<Found> ConstantsOf(const std::string& code, const std::string& file) {
   static const std::regex kComment("//[^\n]*");
   static const std::regex kNamed(
@@ -100,7 +100,7 @@ TEST(BoundsOfTheSources, AreFoundInEveryForm) {
 
 class BoundsTest : public support::PluginTest {
  protected:
-  // Forms and contents that change from call to call.
+  // Forms and contents change from call to call.
   void Check(const Operation& operation, Size size) {
     Setting setting = NextSetting();
     const support::Method& method = support::FindMethod(operation.method);
@@ -119,7 +119,7 @@ class BoundsTest : public support::PluginTest {
     CheckCall({"Stretch", {to.width, to.height, yield}}, setting);
   }
 
-  // No yields, one at every line, or after a few lines of that length.
+  // A yield argument: none, every line, or a few lines of that length.
   int NextYield(int line) {
     const int yields[] = {0, 1, 3 * line + 1};
     return yields[calls_++ % 3];
@@ -167,7 +167,7 @@ TEST_F(BoundsTest, StretchesFromLengthToLength) {
   }
 }
 
-// A box of a reduced picture takes about as many runs as the reduction says.
+// A box of a reduced picture takes about as many runs as the factor of the reduction.
 TEST_F(BoundsTest, ReductionsToBoxesOfAsManyRunsAsAKernelTakes) {
   for (const int most : LengthsAt("kMostBoxRuns")) {
     for (int ratio = most - 3; ratio <= most + 1; ++ratio) {

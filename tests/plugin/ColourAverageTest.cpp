@@ -1,5 +1,5 @@
 // LMX_GetAverageHSV and LMX_GetAverageRGB: exact results, sums that wrap, and results that the
-// caller leaves out.
+// caller does not ask for.
 #include <cmath>
 #include <limits>
 
@@ -26,7 +26,7 @@ std::string Bits(const std::array<double, 3>& means) {
 
 class ColourAverage : public ColourTest {
  protected:
-  // Of opaque colours in one row, which both storage forms must measure alike.
+  // The averages of opaque colours in one row, which must be the same in both storage forms.
   std::string HSVOf(const Words& colours) {
     const int width = static_cast<int>(colours.size());
     Words opaque;
@@ -36,7 +36,7 @@ class ColourAverage : public ColourTest {
     return bits;
   }
 
-  // A picture that costs the memory of one row.
+  // A picture that takes only the memory of one row.
   static Picture OneRowRepeated(int width, int height, std::uint32_t word) {
     host::PictureShape shape = {width, height, kContext};
     shape.defects.bytesPerRow = 0;

@@ -1,4 +1,4 @@
-// The codes of the colour methods, in their order, and that a failure changes nothing.
+// The codes of the colour methods and their order; a failing call changes nothing.
 #include <climits>
 #include <limits>
 
@@ -25,7 +25,7 @@ class ColourErrors : public ColourTest {
     return picture;
   }
 
-  // The code of a call that must fail: no result, and the source untouched.
+  // The code of a call that must fail without a result and leave the source unchanged.
   int CodeOf(const std::string& method, const std::vector<Value>& arguments) {
     const Picture source = arguments[0].AsPicture();
     const host::Snapshot before = source ? source.TakeSnapshot() : host::Snapshot();
@@ -37,7 +37,7 @@ class ColourErrors : public ColourTest {
     return called.code;
   }
 
-  // The code of both forms, which must agree.
+  // The code of the copying and the in-place method, which must be the same.
   int HSVCode(Trouble trouble, const Area& area, const HSVFactors& by) {
     const int code = CodeOf("AdjustHSV", HSVArguments(Source(trouble), area, by, true, 1));
     EXPECT_EQ(CodeOf("AdjustHSV_InPlace", HSVArguments(Source(trouble), area, by, true, 1)), code);
@@ -49,7 +49,7 @@ class ColourErrors : public ColourTest {
     return code;
   }
 
-  // The code of a failing average, which must leave what the caller had.
+  // The code of a failing average, which must leave the caller's values unchanged.
   int AverageCode(const std::string& method, const Value& before, const Picture& source, const Area& area) {
     std::vector<Value> arguments = Arguments(source, area);
     arguments.insert(arguments.end(), {before, before, before, 1});
@@ -67,7 +67,7 @@ class ColourErrors : public ColourTest {
 
 // ---------------------------------------------------------------------------------- HSV adjustment
 
-// All that can be wrong is wrong; then one thing after the other is right.
+// At first all arguments are wrong; then they become right one by one.
 TEST_F(ColourErrors, OfTheHSVAdjustmentComeInOrder) {
   EXPECT_EQ(HSVCode(Trouble::Nil, kInvalid, {360, -1, 1000}), 2);
   EXPECT_EQ(HSVCode(Trouble::Unlockable, kInvalid, {360, -1, 1000}), 43);

@@ -1,5 +1,5 @@
-// What the tests of the colour methods share: small pictures, the methods with their declared
-// arguments, and single pixels taken through both forms of an adjustment.
+// Shared by the tests of the colour methods: small pictures, the methods with their declared
+// arguments, and single pixels passed through the copying and the in-place method.
 #pragma once
 
 #include <array>
@@ -17,12 +17,12 @@ using host::Value;
 using support::Called;
 using Words = std::vector<std::uint32_t>;
 
-/// A selection as it is passed. Its far ends are included.
+/// A selection as it is passed. Both ends are included.
 struct Area {
   int left, top, width, height;
 };
 
-/// More than any picture here has.
+/// Larger than any picture here.
 constexpr Area kEverything = {0, 0, INT32_MAX, INT32_MAX};
 
 struct HSVFactors {
@@ -32,7 +32,7 @@ struct RGBDeltas {
   int red, green, blue;
 };
 
-/// Stored words of a colour that is opaque, or of transparent black.
+/// The stored word of an opaque colour, or of transparent black.
 constexpr std::uint32_t Opaque(Storage storage, std::uint32_t colour) {
   return storage == Storage::Buffer ? colour : colour | 0xFF000000;
 }
@@ -43,7 +43,7 @@ inline Picture MakePicture(Storage storage, int width, const Words& words) {
   return picture;
 }
 
-/// All pixels the same.
+/// A picture whose pixels are all equal.
 inline Picture MakePlain(Storage storage, int width, int height, std::uint32_t word) {
   Picture picture({width, height, storage});
   picture.Fill(word);
@@ -68,8 +68,8 @@ class ColourTest : public support::PluginTest {
     return arguments;
   }
 
-  /// The stored pixels of a successful copy in the source's storage form, unless another one is
-  /// set.
+  /// The stored pixels of the result of a successful call. The result has the source's storage form
+  /// unless another one is set.
   Words Copy(const std::string& method, const std::vector<Value>& arguments) {
     const Called called = Run(method, arguments);
     EXPECT_EQ(called.code, 0) << method;
@@ -77,13 +77,13 @@ class ColourTest : public support::PluginTest {
     ADD_FAILURE() << method << " gave no result";
     return {};
   }
-  /// Changes the picture, and gives what it holds then.
+  /// Changes the picture and returns its words.
   Words InPlace(const std::string& method, const std::vector<Value>& arguments) {
     EXPECT_EQ(Run(method, arguments).code, 0) << method;
     return arguments[0].AsPicture().StoredPixels();
   }
 
-  /// What both forms of the adjustment make of a picture of one pixel; a failure unless they agree.
+  /// The word that both methods make of a picture of one pixel. It is a failure if they differ.
   std::uint32_t AdjustHSV(Storage storage, std::uint32_t word, const HSVFactors& by, const Value& negative = false) {
     return Agreed("AdjustHSV", storage, word,
                   [&](const Picture& p) { return HSVArguments(p, kEverything, by, negative); });

@@ -1,5 +1,5 @@
-// The selection of the colour methods, which all six share: which pixels of a picture of 5 x 4 it
-// holds.
+// The selection, which is the same in all six colour methods: the pixels that it contains in a
+// picture of 5 x 4.
 #include <climits>
 #include <ostream>
 
@@ -70,7 +70,7 @@ class ColourSelection : public ColourTest, public testing::WithParamInterface<st
     return map;
   }
 
-  // Which pixels an adjustment changes.
+  // The pixels that an adjustment changes.
   std::string ChangedBy(const std::string& method, const std::vector<Value>& arguments, bool inPlace) {
     const std::uint32_t before = Opaque(storage_, 0x102030);
     const Called called = Run(method, arguments);
@@ -82,7 +82,7 @@ class ColourSelection : public ColourTest, public testing::WithParamInterface<st
     return kNone;
   }
 
-  // Which pixels an average sees: for each one, whether it matters that it alone is white.
+  // The pixels that an average sees: each is made the only white one, and the result must change.
   std::string SeenBy(const std::string& method, const Area& area, const Value& nothing) {
     Words seen(kWidth * kHeight, 0);
     for (int i = 0; i < kWidth * kHeight; ++i) {

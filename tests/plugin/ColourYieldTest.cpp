@@ -1,5 +1,5 @@
-// When the colour methods hand control to the host: how often, and what is done by then. Pictures
-// are 10 pixels wide.
+// The yields of the colour methods: how many, and which rows are complete at each. Pictures are 10
+// pixels wide.
 #include "ColourFixture.h"
 
 namespace {
@@ -14,8 +14,8 @@ class ColourYield : public ColourTest {
  protected:
   static Picture Source(int height) { return MakePlain(Storage::Buffer, kWidth, height, kBefore); }
 
-  // At each yield, the last row (from 1) that is not as it was; a failure if a row is changed
-  // partly.
+  // At each yield, the last row (from 1) that has changed. A row that is changed in part is a
+  // failure.
   Rows RowsAtYields(const std::string& method, const std::vector<Value>& arguments, bool inPlace) {
     Rows rows;
     const std::uint32_t before = inPlace ? kBefore : host::kUnwritten;
@@ -65,7 +65,7 @@ class ColourYield : public ColourTest {
   }
 };
 
-// The row is counted first, so that the last row can yield, too.
+// The row is counted before the test, so even the last row can yield.
 TEST_F(ColourYield, OfCopiesIsAfterEveryRowThatReachesThePace) {
   for (const int yield : {1, 9, 10}) {
     EXPECT_EQ(HSVCopy(4, yield), (Rows{1, 2, 3, 4})) << yield;
@@ -86,7 +86,7 @@ TEST_F(ColourYield, OfCopiesIsAfterEveryRowThatReachesThePace) {
 TEST_F(ColourYield, OfHSVInPlaceCountsEveryRow) {
   EXPECT_EQ(HSVInPlace(4, kEverything, 10), (Rows{1, 2, 3, 4}));
   EXPECT_EQ(HSVInPlace(8, kEverything, 25), (Rows{3, 6}));
-  // Rows 3 to 5 alone are selected; all rows count.
+  // Only rows 3 to 5 are selected, but all rows count.
   EXPECT_EQ(HSVInPlace(6, {0, 2, 99, 2}, 10), (Rows{0, 0, 3, 4, 5, 5}));
   EXPECT_EQ(HSVInPlace(6, {0, 2, 99, 2}, 20), (Rows{0, 4, 5}));
 }
@@ -100,7 +100,7 @@ TEST_F(ColourYield, OfRGBInPlaceCountsTheSelectedRows) {
   EXPECT_EQ(RGBInPlace(6, {0, 2, 99, 2}, 31), (Rows{}));
 }
 
-// A row counts with its whole width, however few of its pixels are selected.
+// A row counts with its whole width, even if few of its pixels are selected.
 TEST_F(ColourYield, OfAdjustmentsCountsWholeRows) {
   std::vector<Value> arguments = RGBArguments(Source(6), {4, 0, 0, 5}, {1, 1, 1}, 10);
   EXPECT_EQ(Run("AdjustRGB_InPlace", arguments).yields, 6);
@@ -122,8 +122,7 @@ TEST_F(ColourYield, OfAveragesCountsTheSelectedPixels) {
   }
 }
 
-// What the host draws during a yield into rows that come later is seen; into earlier ones, it is
-// not.
+// What the host draws during a yield is seen in later rows, and not in earlier ones.
 TEST_F(ColourYield, OfAveragesIsBetweenTheRows) {
   for (const char* method : {"GetAverageHSV", "GetAverageRGB"}) {
     const bool hsv = std::string(method) == "GetAverageHSV";

@@ -1,6 +1,5 @@
-// Pictures that are not what they should be, of every kind: the source of every method, and each of
-// its new pictures. No crash, the outcome that the reference model tells, and no pixel outside of a
-// picture read or written.
+// Malformed pictures of every kind: as the source of every method and as each of its new pictures.
+// No crash, the outcome of the reference model, and no access to memory outside the pixels.
 #include <climits>
 #include <set>
 
@@ -151,7 +150,7 @@ TEST_F(FaultsPictures, NewPicturesAreOfEveryKind) {
   });
 }
 
-// Yields count the lines of the result that the host made, and the pixels that these have.
+// Yields count the lines of the result that the host made, with its width or height.
 TEST_F(FaultsPictures, YieldsCountThePixelsThatTheHostMade) {
   for (const auto& [times, parts] : {std::pair(2, 1), std::pair(1, 2)}) {
     ForEveryOperation([&, scale = times, divisor = parts](MethodCall call, Setting setting) {
@@ -173,7 +172,7 @@ TEST_F(FaultsPictures, YieldsCountThePixelsThatTheHostMade) {
   }
 }
 
-// Positions in the sheared pictures are 16.16 numbers of 32 bits.
+// Positions in sheared pictures are 16.16 numbers of 32 bits.
 TEST_F(FaultsPictures, SourcesAreTooLargeToRotate) {
   host_->newPictures.storage = host::Storage::Buffer;
   for (const auto& [width, height] :

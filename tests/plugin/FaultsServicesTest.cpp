@@ -1,6 +1,6 @@
-// Every service call of every method fails, or throws: one at a time, at every position. The method
-// ends as its rules say, no lock or reference is lost that the rules do not give up, and the next
-// call works. Without faults, it asks for the right services in the right order.
+// Every service call of every method fails or throws, one at a time, at every position. The outcome
+// is that of the reference model, no lock or reference is lost that the method does not abandon,
+// and the next call works. Without faults, the method calls the right services in the right order.
 #include <algorithm>
 #include <climits>
 
@@ -59,7 +59,7 @@ TEST_F(FaultsOrder, ErrorMethodsAskForTextsOnly) {
   }
 }
 
-// What a method does before it has accepted its arguments.
+// The calls of a method before it has accepted its arguments.
 TEST_F(FaultsOrder, RefusedArgumentsAskForNothing) {
   ForEveryOperation([this](const MethodCall& call, Setting setting) {
     if (!call.method->hasSource) return;
@@ -75,7 +75,7 @@ TEST_F(FaultsOrder, RefusedArgumentsAskForNothing) {
 
 class FaultsServices : public FaultsTest {
  protected:
-  // The fault at every position, and at one that is not reached.
+  // The fault at every position, and at one that is never reached.
   void Sweep(const MethodCall& call, const Setting& setting, HostFault fault, int last) {
     for (fault.n = 1; fault.n <= last + 1; ++fault.n) {
       SCOPED_TRACE(testing::Message() << host::EntryName(fault.service) << ", fault of kind "
@@ -98,7 +98,7 @@ TEST_F(FaultsServices, EachFailsAndThrowsAtEveryPosition) {
   });
 }
 
-// Both are the host's code, too.
+// The constructor and the yield handler are the host's code, too.
 TEST_F(FaultsServices, ConstructorsAndProgramsThrow) {
   ForEveryOperation([this](const MethodCall& call, const Setting& setting) {
     Check(call, setting);
@@ -118,7 +118,8 @@ TEST_F(FaultsServices, TheLockOfAnUnusablePictureIsGivenBackWhateverThatThrows) 
 
 // ------------------------------------------------------------------------------ services that lack
 
-// A service that makes something ends the call; one that does not is asked for again every time.
+// If a service that makes something is missing, the call ends. Any other missing service is looked
+// up again at every call.
 TEST_F(FaultsServices, EachIsMissing) {
   ForEveryOperation([this](const MethodCall& call, const Setting& setting) {
     for (const Service service : host::kServices) {

@@ -1,5 +1,5 @@
-// Calls of every method, with arguments that lead through all of its passes, in hosts that do
-// something wrong.
+// Calls of every method, with arguments that reach all of its passes, in hosts that do something
+// wrong.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ class FaultsTest : public testing::Test {
  protected:
   FaultsTest() { Restart(); }
 
-  /// Goes on with a new host and a plug-in that has just been loaded.
+  /// Continues with a new host and a newly loaded plug-in.
   void Restart() {
     host_.reset();
     host::Options options;
@@ -57,7 +57,8 @@ class FaultsTest : public testing::Test {
 
   using Body = std::function<void(const MethodCall& call, const Setting& setting)>;
 
-  /// Runs `body` for every operation, until one fails, with all forms that make a difference to it.
+  /// Runs `body` for every operation, with all storage forms that change its calls. Stops at the
+  /// first failure.
   static void ForEveryOperation(const Body& body) {
     using model::Form;
     for (const Operation& operation : support::Operations()) {
@@ -78,7 +79,7 @@ class FaultsTest : public testing::Test {
   std::unique_ptr<host::Host> host_;
 
  private:
-  // Of a method with odd arguments for tests, no others are needed.
+  // Skips the ordinary operations of a method that has one with unusual arguments for tests.
   static bool IsLeftOut(const Operation& operation) {
     const auto isOddOne = [&](const Operation& other) {
       return !other.measured && std::string(other.method) == operation.method;

@@ -1,5 +1,5 @@
-// The fixture of the geometric methods' tests: every test runs with sources and results of both
-// storage forms.
+// The fixture of the tests of the geometric methods. Every test runs with sources and results of
+// both storage forms.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ constexpr Colour kClearFrame = {0xFF000000};
 
 struct Forms {
   Storage source;
-  Storage result;  ///< of everything that the plug-in makes
+  Storage result;  ///< the storage form of all pictures that the plug-in makes
 };
 
 class Geometry : public support::PluginTest, public testing::WithParamInterface<Forms> {
@@ -61,7 +61,7 @@ class Geometry : public support::PluginTest, public testing::WithParamInterface<
     return Source(width, height, pixels);
   }
   static std::uint32_t Number(int i) { return 0xFF000000 | static_cast<std::uint32_t>(i) * 0x030507; }
-  /// The pixels of a Numbered source by their numbers from 1, row after row; 0 is a clear pixel.
+  /// The pixels of a Numbered source by their numbers, from 1, row by row; 0 is a clear pixel.
   static Words Numbers(const std::vector<int>& numbers) {
     Words pixels;
     for (int i : numbers) pixels.push_back(i == 0 ? 0 : Number(i));
@@ -73,14 +73,14 @@ class Geometry : public support::PluginTest, public testing::WithParamInterface<
     shape.defects.pictureType = 9;
     return Picture(shape);
   }
-  /// Nothing that the plug-in makes can be locked, from the nth picture on.
+  /// New pictures cannot be locked, from the nth one on.
   void MakeUnusable(int from = 1) {
     host_.newPictures.change = [from](int number, host::PictureShape& shape) {
       if (number >= from) shape.defects.pictureType = 9;
     };
   }
 
-  /// What the result must be, in stored words of its own form.
+  /// Checks the size and the stored words of the result.
   void ExpectStored(const Called& called, int width, int height, const Words& words) {
     EXPECT_EQ(called.code, 0);
     ASSERT_FALSE(called.result.IsNil());
@@ -95,14 +95,14 @@ class Geometry : public support::PluginTest, public testing::WithParamInterface<
     EXPECT_EQ(called.code, code);
     EXPECT_TRUE(called.result.IsNil());
   }
-  /// A call that fails by its arguments alone: no picture is made or even locked.
+  /// Expects a call to fail by its arguments alone: no picture is made or even locked.
   void ExpectRefused(const std::string& name, const std::vector<Value>& arguments, int code) {
     ExpectFailure(Run(name, arguments), code);
     EXPECT_EQ(host_.Calls(host::Service::NewInstance), 0);
     EXPECT_EQ(host_.Calls(host::Service::LockPictureDescription), 0);
   }
 
-  /// One of two literals, by the form of the results.
+  /// One of two literals, selected by the storage form of the results.
   static std::uint32_t ByForm(std::uint32_t context, std::uint32_t buffer) {
     return GetParam().result == kContext ? context : buffer;
   }

@@ -1,5 +1,5 @@
-// LMX_FlipRotate: where every pixel goes, which angles count as which quarter, and what storing
-// does to a pixel.
+// LMX_FlipRotate: the new place of every pixel, the quarter that each angle means, and the effect
+// of storing on a pixel.
 
 #include <climits>
 
@@ -116,7 +116,7 @@ TEST_P(GeometryFlipRotate, FourQuartersGoRoundAndThreeDoNot) {
     ASSERT_FALSE(called.result.IsNil());
     picture = called.result;
     if (i == 3) {
-      // The top right corner has come to the top left.
+      // The top right corner is now at the top left.
       EXPECT_EQ(picture.Stored(0, 0), Stored(GetParam().result, Number(19)));
     }
   }
@@ -146,7 +146,7 @@ TEST_P(GeometryFlipRotate, EmptySourcesHaveNoResult) {
 struct Conversion {
   Storage from;
   std::uint32_t stored;
-  std::uint32_t context, buffer;  // as it arrives in a result of that form
+  std::uint32_t context, buffer;  // as stored in a result of that form
 };
 
 const Conversion kConversions[] = {
@@ -179,7 +179,7 @@ TEST_P(GeometryFlipRotate, PixelsAreConvertedBetweenTheForms) {
     SCOPED_TRACE(testing::Message() << std::hex << conversion.stored);
     const std::uint32_t expected = ByForm(conversion.context, conversion.buffer);
     for (int rotation : {0, 90, 180, 270}) {
-      // Wide enough for any way of working on several pixels at once.
+      // Wide enough for any kernel that processes several pixels at once.
       const Picture source = StoredSource(67, 2, Words(134, conversion.stored));
       const bool upright = rotation % 180 == 0;
       ExpectStored(FlipRotate(source, false, false, rotation), upright ? 67 : 2, upright ? 2 : 67,

@@ -1,5 +1,5 @@
-// LMX_FreeRotateByShear: exact quarters, the size of the result, the sense of the turn, and sizes
-// that it refuses.
+// LMX_FreeRotateByShear: exact quarters, the size of the result, the direction of the turn, and
+// sizes that are refused.
 
 #include <climits>
 #include <cmath>
@@ -36,7 +36,7 @@ TEST_P(GeometryFreeRotate, QuartersAreExact) {
 }
 
 TEST_P(GeometryFreeRotate, EveryPassRunsAtZeroToo) {
-  // The turn and three shears, the last of which is stored in the result.
+  // A turn and three shears; the last one is stored in the result.
   const Called called =
       Rotate(GetParam().source == kContext ? StoredSource(1, 1, {0x80640000}) : StoredSource(1, 1, {0x3FC70000}), 0.0);
   // A context keeps red 99, 98, 97, 96 of alpha 128, or 100, 99, 98, 97 of alpha 129; a buffer
@@ -63,13 +63,13 @@ TEST_P(GeometryFreeRotate, TheResultIsTheBoxRoundTheTurnedRectangle) {
 }
 
 TEST_P(GeometryFreeRotate, ThePiOfTheSizeIsALittleShort) {
-  // 10.000000007 x 4.000000017; the width is measured round a full turn of 6.28318, which takes
-  // more than that away.
+  // 10.000000007 x 4.000000017. The width is measured with a full turn of 6.28318, which subtracts
+  // more than the fraction.
   ExpectSize(1e-7, 10, 5);
 }
 
 TEST_P(GeometryFreeRotate, SizesThatTheLastBitDecides) {
-  // Each of them is another size by the functions of some C library, which err in the last bit.
+  // Some C libraries err in the last bit, and would give each of these another size.
   const struct {
     double degrees;
     int width, height, resultWidth, resultHeight;
@@ -106,7 +106,7 @@ TEST_P(GeometryFreeRotate, PositiveAnglesTurnClockwise) {
   Words halves;
   for (int i = 0; i < 31 * 31; ++i) halves.push_back(i % 31 < 15 ? 0xFFFF0000 : 0xFF0000FF);
   const Picture source = Source(31, 31, halves);
-  // Where the red half, left of the centre, has come to.
+  // The new place of the red half, which is left of the centre at first.
   const struct {
     double degrees;
     int dx, dy;
@@ -151,8 +151,8 @@ TEST_P(GeometryFreeRotate, TheFrameColourHasNoEffect) {
 }
 
 TEST_P(GeometryFreeRotate, EdgesFadeIntoClearBlack) {
-  // Every colour of a white picture's edge is its alpha, or a little less by rounding; none is
-  // brighter.
+  // Every colour of a white picture's edge equals its alpha, or is a little less by rounding, and
+  // never more.
   const Called called = Rotate(Source(9, 9, Words(81, 0xFFFFFFFF)), 20);
   ASSERT_FALSE(called.result.IsNil());
   int between = 0;
@@ -217,8 +217,8 @@ TEST_P(GeometryFreeRotate, LinesThatTheSizesCannotHoldAreRefused) {
   ExpectPixels(Rotate(Source(1, 32767, Words(32767, 0xFF010203)), 0.0), 1, 32767, Words(32767, 0xFF010203));
   ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 90.0), 1, 32767, Words(32767, 0xFF010203));
   ExpectPixels(Rotate(Source(32767, 1, Words(32767, 0xFF010203)), 0.0), 32767, 1, Words(32767, 0xFF010203));
-  // Of a line that is as long as that, a displacement by 1/65536 is too much: by tan(d / 2) of a
-  // row, by sin(d) of a column.
+  // In a line of that length, a displacement by 1/65536 is too much: by tan(d / 2) for a row, by
+  // sin(d) for a column.
   EXPECT_FALSE(Rotate(Picture({32767, 1, GetParam().source}), 0.0017).result.IsNil());
   ExpectFailure(Rotate(Picture({32767, 1, GetParam().source}), 0.0018), 0);
   EXPECT_FALSE(Rotate(Picture({1, 32767, GetParam().source}), 0.0008).result.IsNil());

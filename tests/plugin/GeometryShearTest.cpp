@@ -1,7 +1,7 @@
 // LMX_ShearHorizontal and LMX_ShearVertical: placement, edges and frames worked out by hand.
 //
-// Every picture here is written as the horizontal shear sees it; the vertical one gets it with rows
-// and columns exchanged, and must give the exchanged result.
+// Every picture here is written for the horizontal shear. The vertical shear gets it with rows and
+// columns exchanged, and must give the exchanged result.
 
 #include <climits>
 #include <cmath>
@@ -14,7 +14,7 @@ namespace {
 
 class GeometryShear : public Geometry {
  protected:
-  // A shear of a source of stored words into a result of stored words, in both directions.
+  // Shears a source of stored words into a result of stored words, in both directions.
   void Check(int width, int height, const Words& source, double shear, Colour frame, int resultWidth, int resultHeight,
              const Words& expected) {
     {
@@ -29,15 +29,15 @@ class GeometryShear : public Geometry {
                  resultHeight, resultWidth, Exchanged(resultWidth, resultHeight, expected));
   }
 
-  // The same with a numbered source and clear frame.
+  // The same with a numbered source and a clear frame.
   void CheckNumbers(int width, int height, double shear, int resultWidth, int resultHeight,
                     const std::vector<int>& expected) {
     Check(width, height, Numbered(width, height).StoredPixels(), shear, kClearFrame, resultWidth, resultHeight,
           Stored(GetParam().result, Numbers(expected)));
   }
 
-  // The alphas of one sheared column of opaque white pixels in a result one pixel wide; each row is
-  // one value.
+  // The alphas of one sheared column of opaque white pixels, in a result one pixel wide: one value
+  // per row.
   void CheckAlphas(int height, double shear, const std::vector<std::uint32_t>& alphas) {
     Words expected;
     for (std::uint32_t alpha : alphas) expected.push_back(White(alpha));
@@ -127,8 +127,7 @@ TEST_P(GeometryShear, ATranslucentFrameBlendsIntoTheEdges) {
          ByForm(0xBE005E5E, 0x20007F7F)});
 }
 
-// The largest fraction: the first pixel is all frame, the pixel after the last one all but a
-// 65536th of it.
+// The largest fraction: the first pixel is all frame, the one after it all red but for 1/65536.
 TEST_P(GeometryShear, TheLargestFractionStillBlendsBothEdges) {
   const double kLargest = 65535 / 65536.0;
   const Words red = {Stored(GetParam().source, kRed)};
@@ -137,7 +136,7 @@ TEST_P(GeometryShear, TheLargestFractionStillBlendsBothEdges) {
   Check(1, 1, red, kLargest, Colour{0x800000FF}, 4, 1, {frame, frame, last, frame});
   Check(1, 1, red, kLargest, Colour{0x000000FF}, 4, 1,
         {ByForm(0xFF0000FF, 0x000000FF), ByForm(0xFFFF0000, 0x00FF0000), last, ByForm(0xFF0000FF, 0x000000FF)});
-  // The second row lies as far to the right of the first.
+  // The second row is displaced to the right of the first by as much.
   const std::uint32_t whole = ByForm(0xFFFF0000, 0x00FF0000);
   Check(1, 2, {red[0], red[0]}, -kLargest, Colour{0x800000FF}, 3, 2, {whole, frame, frame, frame, last, frame});
 }
@@ -177,8 +176,8 @@ TEST_P(GeometryShear, TheStepIsRoundedDown) {
   Check(1, 2, {white[0], white[0]}, -1.0 / 3, kClearFrame, 2, 2, {White(255), White(0), White(169), White(85)});
 }
 
-// A line and its displacement are 60000.9999 pixels long, of which 60000 are counted: 29998 are cut
-// off at the start.
+// A line and its displacement are 60000.9999 pixels long. 60000 of them count: 29998 are cut off at
+// the start.
 TEST_P(GeometryShear, LengthsAreRoundedDown) {
   CheckNumbers(60000, 1, -0.9999, 3, 1, {29999, 30000, 30001});
 }
@@ -198,7 +197,7 @@ TEST_P(GeometryShear, NotANumberCountsAsZero) {
 }
 
 TEST_P(GeometryShear, TheTinyShearsOfBothSignsDiffer) {
-  // Anything above 0 but below a step is 0; anything below 0 is a step of -1.
+  // A positive shear below one step is 0; a negative one is a step of -1.
   CheckNumbers(2, 2, std::numeric_limits<double>::denorm_min(), 2, 2, {1, 2, 3, 4});
   const Called called = Run("ShearHorizontal", {Source(2, 2, Words(4, 0xFFFFFFFF)), 2, 2,
                                                 -std::numeric_limits<double>::denorm_min(), kClearFrame, 0});

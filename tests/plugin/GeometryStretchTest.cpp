@@ -1,4 +1,4 @@
-// LMX_Stretch: averages worked out by hand, limits of sizes, and what is left when a picture is
+// LMX_Stretch: averages worked out by hand, limits of sizes, and what remains when a picture is
 // missing.
 
 #include <climits>
@@ -23,8 +23,7 @@ class GeometryStretch : public Geometry {
 INSTANTIATE_FOR_FORMS(GeometryStretch);
 
 TEST_P(GeometryStretch, ThreeBecomeTwo) {
-  // (30 * 21845 + 60 * 10922) / 32767 and (60 * 10923 + 90 * 21844) / 32767, without their
-  // fractions.
+  // (30 * 21845 + 60 * 10922) / 32767 and (60 * 10923 + 90 * 21844) / 32767, truncated.
   ExpectPixels(Stretch(Source(3, 1, Reds({30, 60, 90})), 2, 1), 2, 1, Reds({39, 79}));
   ExpectPixels(Stretch(Source(1, 3, Reds({30, 60, 90})), 1, 2), 1, 2, Reds({39, 79}));
 }
@@ -41,7 +40,7 @@ TEST_P(GeometryStretch, FourBecomeTwoByPairs) {
 TEST_P(GeometryStretch, BothDirectionsAverage) {
   // Rows first: 1 and 5; then 3.
   ExpectPixels(Stretch(Source(2, 2, Reds({0, 2, 4, 6})), 1, 1), 1, 1, Reds({3}));
-  // Every pass cuts its fraction: (0 + 1) / 2 is 0, (1 + 2) / 2 is 1, and between them 0.
+  // Every pass truncates: (0 + 1) / 2 is 0, (1 + 2) / 2 is 1, and between them 0.
   ExpectPixels(Stretch(Source(2, 2, Reds({0, 1, 1, 2})), 1, 1), 1, 1, Reds({0}));
 }
 

@@ -1,4 +1,4 @@
-// LMX_Trim: cuts inside, across and outside the source, the frame, and areas that do not exist.
+// LMX_Trim: areas inside, across and outside the source, the frame, and areas without pixels.
 
 #include <climits>
 

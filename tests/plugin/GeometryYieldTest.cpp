@@ -1,5 +1,5 @@
-// When the geometric methods yield, by hand: a count of pixels since the last yield, tested before
-// every line.
+// The yields of the geometric methods, by hand: before every line, the pixels since the last yield
+// are compared with the yield argument.
 
 #include <algorithm>
 #include <climits>
@@ -20,7 +20,7 @@ class GeometryYield : public Geometry {
     return called.yields;
   }
 
-  // The pixels of the new picture that are written, at each yield, as one character each.
+  // The pixels of the new picture that are written at each yield, one character each.
   std::vector<std::string> PicturesAtYields(const std::string& name, const std::vector<Value>& arguments) {
     std::vector<std::string> seen;
     host_.onYield = [&] {
@@ -142,7 +142,7 @@ TEST_P(GeometryYield, ThePlainQuarterTurnGoesFromTheLastRowUp) {
 }
 
 TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
-  // Far more columns than anybody would work on at once.
+  // Far more columns than any worker processes at once.
   Texts expected;
   for (std::size_t done = 7; done < 100; done += 7) {
     expected.push_back(std::string(done, '#') + std::string(100 - done, '.'));
@@ -155,8 +155,8 @@ TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
   EXPECT_EQ(seen, expected);
 }
 
-// Windows stay alive: a temporary picture is made ahead of its yields, but not by more than 2^18
-// pixels.
+// The host's windows stay responsive: a temporary picture is made before its yields, but by no more
+// than 2^18 pixels.
 TEST_P(GeometryYield, FindsATemporaryPictureNotFarAhead) {
   constexpr int kWidth = 6000, kHeight = 100;
   int yields = 0, furthest = 0;
@@ -167,7 +167,7 @@ TEST_P(GeometryYield, FindsATemporaryPictureNotFarAhead) {
     while (rows < kHeight && live[1].second.Stored(kWidth - 1, rows) != host::kUnwritten) ++rows;
     if (++yields < kHeight) furthest = std::max(furthest, rows - yields);
   };
-  // Columns grow: each row of the first pass is written where it belongs.
+  // Columns are enlarged: each row of the first pass is written at its final place.
   Run("Stretch", {Numbered(kWidth / 2, kHeight), kWidth, kHeight + 1, kWidth});
   host_.onYield = nullptr;
   EXPECT_GT(yields, kHeight);
@@ -214,7 +214,7 @@ TEST_P(GeometryYield, MayEndTheCallByAnException) {
     EXPECT_THROW(host_.Call(name, arguments), std::runtime_error);
     EXPECT_EQ(source.Locks(), 0);
     EXPECT_EQ(source.PluginReferences(), 0);
-    // A result stays behind, because nobody got it; nothing else does, and nothing is locked.
+    // The result is abandoned, because nobody received it. Nothing else is, and nothing is locked.
     const bool rotation = std::string(name) == "FreeRotateByShear";
     EXPECT_EQ(host_.Leaks().size(), rotation ? 0u : 1u);
     for (const host::LiveObject& object : host_.Leaks()) EXPECT_EQ(object.locks, 0);

@@ -26,7 +26,7 @@ class Gradient : public support::PluginTest {
     return Run("LMX_MakeDoubleGradient", {width, height, Colour{colour1}, Colour{colour2}, Colour{colour3}, yield});
   }
 
-  // The stored word of every row; a failure unless each row has only one.
+  // The stored word of every row. A row with several words is a failure.
   static Words Rows(const Picture& picture) {
     Words rows;
     for (int y = 0; y < picture.Height(); ++y) {
@@ -46,7 +46,7 @@ class Gradient : public support::PluginTest {
     return RowsOf(MakeDouble(3, height, colour1, colour2, colour3), height);
   }
 
-  // At each yield, the number of rows that are written; a failure unless they are the first ones.
+  // The number of written rows at each yield. It is a failure if they are not the first ones.
   std::vector<int> RowsDoneAtYields(const std::function<Called()>& make) {
     std::vector<int> done;
     host_.onYield = [&] {
@@ -95,21 +95,21 @@ TEST_F(Gradient, OfHeightTwoIsTheTwoColours) {
   EXPECT_EQ(SimpleRows(Storage::Buffer, 2, 0x40FF8001, 0x00102030), (Words{0x20FF8001, 0x00102030}));
 }
 
-// Each half of 255 is 127.5: the lower colour's is cut to 127 and the sum, 254.5, to 254. The
-// colour is then 127.
+// Each half of 255 is 127.5. The lower colour's half is truncated to 127, and the sum, 254.5, to
+// 254. The colour is then 127.
 TEST_F(Gradient, HalfwayRowIsCutTwiceInEveryChannelAlphaIncluded) {
   EXPECT_EQ(SimpleRows(Storage::BitmapContext, 3, kRed, 0), (Words{0xFFFF0000, 0xFE7E0000, 0xFF000000}));
   EXPECT_EQ(SimpleRows(Storage::Buffer, 3, kRed, 0), (Words{0x00FF0000, 0x007F0000, 0x00000000}));
   EXPECT_EQ(SimpleRows(Storage::Buffer, 3, 0x00FFFFFF, 0x00FFFFFF), (Words{0x00FFFFFF, 0x00FEFEFE, 0x00FFFFFF}));
 }
 
-// In row 1, 29 x 0.1 = 2.9 is cut to 2, and with 1 x 0.9 the sum is cut to 2, where 3.8 would give
-// 3.
+// In row 1, 29 x 0.1 = 2.9 is truncated to 2. With 1 x 0.9 the sum, 2.9, is truncated to 2. Without
+// the first truncation it would be 3.8, which gives 3.
 TEST_F(Gradient, LowerColoursPartIsCutBeforeTheSum) {
   EXPECT_EQ(SimpleRows(Storage::Buffer, 11, 1, 29), (Words{1, 2, 5, 8, 11, 14, 17, 20, 23, 26, 29}));
 }
 
-// 85 and 170 are exact thirds of 255, so nothing is cut and alpha stays 255.
+// 85 and 170 are exact thirds of 255, so nothing is truncated and alpha stays 255.
 TEST_F(Gradient, ExactPartsAreNotCut) {
   EXPECT_EQ(SimpleRows(Storage::BitmapContext, 4, kRed, 0), (Words{0xFFFF0000, 0xFFAA0000, 0xFF550000, 0xFF000000}));
 }
@@ -175,7 +175,7 @@ TEST_F(Gradient, DoubleBlendsBothSections) {
 
 // -------------------------------------------------------------------------------------------- size
 
-// The picture that the host makes need not have the size that it was asked for.
+// The host may make a picture of another size than requested.
 TEST_F(Gradient, FillsThePictureThatThereIs) {
   host_.newPictures.storage = Storage::Buffer;
   host_.newPictures.change = [](int, host::PictureShape& shape) { shape.width = 5, shape.height = 2; };
@@ -241,8 +241,8 @@ TEST_F(Gradient, SuccessClearsAnEarlierCode) {
 
 // ------------------------------------------------------------------------------------------ yields
 
-// After a row the count is tested first and grows then, so a row's own pixels count from the next
-// row on.
+// Before each row the count is tested; after the row it grows by the row's pixels. So these count
+// from the next row on.
 TEST_F(Gradient, YieldsAfterARowOnceTheEarlierOnesReachThePace) {
   EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 4, kRed, kBlue, 1); }), (std::vector<int>{2, 3, 4}));
   EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 4, kRed, kBlue, 10); }), (std::vector<int>{2, 3, 4}));

@@ -1,4 +1,4 @@
-// The error code from call to call, its messages, and what a host without picture class gets.
+// The error code from call to call, its messages, and the result in a host without a picture class.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -76,7 +76,7 @@ TEST_F(HostEntryErrors, BelongToTheLastOperation) {
       {6, {picture, 0, 0, INT_MAX, INT_MAX, Colour{0}, 0}},
       {2, {Value(), 0, 0, 0, 0, Colour{0}, 0}},
   };
-  // A picture that the host has no memory for cannot be locked.
+  // If the host has no memory for a picture, the picture cannot be locked.
   host_.newPictures.storage = Storage::BitmapContext;
   for (const auto& [code, arguments] : trims) {
     host_.Call("Trim", arguments);

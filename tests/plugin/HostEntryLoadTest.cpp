@@ -1,5 +1,5 @@
-// What happens when the host loads the plug-in: which services it asks for, in which order, and
-// what it does on hosts that are too old or lack a service.
+// Loading the plug-in: the services that it asks for, in which order, and its behaviour in hosts
+// that are too old or lack a service.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -74,7 +74,7 @@ TEST(HostEntryLoad, WorksFromTheFirstVersionOn) {
   }
 }
 
-// The message as a buffer of 200 bytes holds it.
+// The message, limited by a buffer of 200 bytes.
 std::string MessageFor(double version) {
   char number[400];
   std::snprintf(number, sizeof number, "%f", version);
@@ -108,8 +108,8 @@ TEST(HostEntryLoad, TheMessageHasTheseWords) {
                                       "Real Studio version: 2011.030000"}));
 }
 
-// A locale of the process whose decimal mark is another one. It is made on the spot, by localedef
-// with the character maps of the package `locales`: a machine need not have any locale besides C.
+// A locale with another decimal mark. localedef makes it from the character maps of the package
+// `locales`, because a machine need not have any locale but C.
 class Locale {
  public:
   explicit Locale(const std::string& mark) : folder_(testing::TempDir() + "lmx-locale-XXXXXX") {
@@ -139,7 +139,7 @@ class Locale {
 
 TEST(HostEntryLoad, TheMessageHasAPointInEveryLocale) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  // The longest ones reach the end of the message before, within and after their decimals.
+  // The longest numbers fill the message before, within or after their decimals.
   std::vector<std::pair<double, std::string>> expected;
   for (const double version : {2011.03,
                                0.0,
@@ -246,7 +246,7 @@ TEST(HostEntryLoadDeathTest, ASecondStartStopsTheProcess) {
       "!gResolver && \"Plugin loaded twice\\?\".*REALPluginMain.*Glue Code/PluginMain.*1922");
 }
 
-// The process ends in abort(), where it is asked what the host's books say.
+// The process ends in abort(). The handler checks that the host got no lookup and no call.
 TEST(HostEntryLoadDeathTest, ASecondStartAsksForNothing) {
   static const host::Host* loaded;
   constexpr int kNothing = 7;
@@ -268,7 +268,7 @@ TEST(HostEntryLoadDeathTest, ASecondStartAsksForNothing) {
 
 // --------------------------------------------------------------------------------- stack alignment
 
-// The host that is too old makes the plug-in format a number, which takes vector registers.
+// A host that is too old makes the plug-in format a number, which uses vector registers.
 TEST(HostEntryLoad, StartsOnAnyStack) {
   for (const double version : {2011.04, 2011.03}) {
     for (const unsigned misalignment : {0u, 4u, 8u, 12u}) {

@@ -1,5 +1,5 @@
-// What docs/methods.md says: its declarations and messages are those of the library, and what it
-// tells of results that surprise people is so.
+// docs/methods.md is right: its declarations and messages are those of the library, and so are the
+// surprising results that it describes.
 #include <algorithm>
 #include <cmath>
 #include <fstream>

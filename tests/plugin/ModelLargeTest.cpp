@@ -1,5 +1,5 @@
-// The methods against the reference model on pictures that are too large for the cache, whose
-// results the plug-in writes past it.
+// The methods compared with the reference model on pictures larger than the cache. The plug-in
+// writes their results by non-temporal stores.
 
 #include <algorithm>
 
@@ -13,13 +13,13 @@ using model::StoredPicture;
 using support::NewPicture;
 using support::Setting;
 
-// More than 3 x 2^20 pixels, in sizes that fill neither registers nor tiles.
+// More than 3 x 2^20 pixels, in sizes that are no multiples of registers or tiles.
 constexpr int kWidth = 2115;
 constexpr int kHeight = 1497;
 static_assert(kWidth * kHeight > 3 << 20);
 constexpr std::uint32_t kFrame = 0x00204060;
 
-// Opaque, but for a translucent strip across and a clear corner.
+// Opaque, except for a translucent band across the picture and a clear corner.
 std::uint32_t WordAt(Form form, int x, int y) {
   const std::uint32_t mixed = static_cast<std::uint32_t>(x) * 0x9E3779B1u ^ static_cast<std::uint32_t>(y) * 0x85EBCA6Bu;
   const std::uint32_t alpha = x + y < 300 ? 0 : (x / 2 + y) % 700 < 40 ? mixed >> 24 : 255;
@@ -41,7 +41,7 @@ class LargePictures : public support::PluginTest, public testing::WithParamInter
     return setting;
   }
 
-  // The result of a call, without what CheckCall looks at. Yields end with it.
+  // The result of a call, without the checks of CheckCall. Yields end with it.
   host::Picture Make(const std::string& name, const std::vector<host::Value>& arguments) {
     host_.ResetCounts();
     const host::Picture result = host_.Call(name, arguments).result.AsPicture();
@@ -62,7 +62,7 @@ TEST_P(LargePictures, FlipRotate) {
   }
 }
 
-// What a turn is to put at (x, y) of its result: a place in the source.
+// The place in the source of the pixel at (x, y) of a turned result.
 struct Place {
   int x;
   int y;
@@ -76,9 +76,9 @@ Place TurnedFrom(bool flipH, bool flipV, int quarter, int x, int y) {
 }
 
 // The sixteen turns into a result of the other form, half of them from each form. Some rows are
-// compared; at every yield, the last row that is due, and the first one that is not.
+// compared. At every yield, the last row that is due and the first row that is not are checked.
 TEST_P(LargePictures, EveryTurnToTheOtherForm) {
-  constexpr int kYield = 149705;  // inside of tiles, whichever way the result lies
+  constexpr int kYield = 149705;  // falls inside tiles, in either direction of the result
   const Form form = GetParam(), other = form == Form::Buffer ? Form::BitmapContext : Form::Buffer;
   const host::Picture source = support::ToHost(*Pictures().source, {});
   host_.newPictures.storage = other;
@@ -111,8 +111,8 @@ TEST_P(LargePictures, EveryTurnToTheOtherForm) {
   }
 }
 
-// The same pixels as without a yield, and at each yield of the second pass no column but those that
-// are due.
+// The same pixels as without yields. At each yield of the second pass, only the columns that are
+// due are written.
 TEST_P(LargePictures, StretchWithYields) {
   constexpr int kYield = 1000000, kSourceWidth = 700, kSourceHeight = 1900;
   const host::Picture source = support::ToHost(*Pictures(kSourceWidth, kSourceHeight).source, {});

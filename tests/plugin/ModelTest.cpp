@@ -1,4 +1,4 @@
-// Every method against the reference model, on random pictures with random arguments.
+// Every method compared with the reference model, on random pictures with random arguments.
 
 #include <cmath>
 
@@ -31,7 +31,7 @@ TEST_P(RandomCalls, AreAsTheModelSays) {
   });
 }
 
-// Displacements by tenths and hundredths that add up to whole pixels, or to just less.
+// Displacements by tenths and hundredths that add up to whole pixels, or to slightly less.
 TEST_F(Model, ShearsByWholePixelsInAll) {
   Random random(1);
   const auto check = [&](int lines, double shear) {
@@ -57,8 +57,8 @@ TEST_F(Model, ShearsByWholePixelsInAll) {
   }
 }
 
-// Sixteen columns together reach over as many rows as they can, in pictures that are higher than a
-// block of rows and what is fetched ahead of it.
+// Sixteen columns reach over as many rows as they can. The pictures are higher than a block of rows
+// and its prefetched rows.
 TEST_F(Model, SteepShearsOfHighPictures) {
   Random random(1);
   for (const double shear : {1.0, -1.0, 65535 / 65536.0, -65535 / 65536.0}) {
@@ -70,7 +70,7 @@ TEST_F(Model, SteepShearsOfHighPictures) {
   }
 }
 
-// Higher than a band of rows, or so wide that a band has only a few.
+// Higher than a band of rows, or so wide that a band has only a few rows.
 TEST_F(Model, StretchInBands) {
   ForEachCase(24, [this](Random& random) {
     const model::Form form = support::RandomForm(random);

@@ -1,5 +1,5 @@
-// Calls from inside a yield of another call, to any depth: both must give what the reference model
-// gives, also where they share a picture, and where an exception leaves some of them.
+// Calls from inside a yield of another call, to any depth. Both must give the results of the
+// reference model, even if they share a picture and if an exception leaves some of them.
 #include <algorithm>
 #include <stdexcept>
 
@@ -33,7 +33,7 @@ class Interrupted : public std::runtime_error {
   Interrupted() : std::runtime_error("interrupted") {}
 };
 
-// One operation of every method, with the odd arguments of tests where there are such.
+// One operation of every method; the one with unusual arguments for tests if there is one.
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> operations = [] {
     std::vector<Operation> ofMethods;
@@ -60,7 +60,7 @@ Setting NewPicturesOf(Form form) {
 
 class NestedCalls : public testing::Test {
  protected:
-  using AtYield = std::function<void(int yield)>;  // counted from 0
+  using AtYield = std::function<void(int yield)>;  // yields are counted from 0
 
   NestedCalls() {
     host_.Load(support::LibraryPath());
@@ -76,8 +76,8 @@ class NestedCalls : public testing::Test {
     for (const host::LiveObject& leak : host_.Leaks()) EXPECT_EQ(leak.locks, 0);
   }
 
-  // Calls a method on a picture of the host and compares everything with the reference model. What
-  // it yields to may call this again.
+  // Calls a method on a picture of the host and compares everything with the reference model. The
+  // yield handler may call this function again.
   void Check(const MethodCall& call, Setting setting, Picture source, const AtYield& atYield = nullptr) {
     SCOPED_TRACE(call.method->name);
     if (source && !setting.source) setting.source = FromHost(source);
@@ -178,14 +178,14 @@ TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
   }
 }
 
-// Every code that a call can leave, behind every other call.
+// Every code that a call can leave, followed by every other call.
 TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
   struct Failing {
     int code;
     const char* name;
-    std::vector<Value> arguments;  // without the pace of yields, of which these calls make none
+    std::vector<Value> arguments;  // without the yield, since these calls make none
     model::Fault source = model::Fault::None;
-    std::size_t made = 0;  // the new picture that is unusable
+    std::size_t made = 0;  // number of the new picture that is unusable
   };
   constexpr auto kUnusable = model::Fault::UnusableType;
   const std::vector<Value> hsv = {1, 1, 5, 4, 40.0, 1.0, 2.0, false};
@@ -270,7 +270,8 @@ TEST_F(NestedCalls, EachHoldsALockOfTheSameSource) {
   EXPECT_EQ(depth, kDepth);
 }
 
-// Both add 1: rows before the yield by the outer call first, rows after it by the inner one.
+// Both add 1. Rows before the yield are changed by the outer call first, rows after it by the inner
+// one.
 TEST_F(NestedCalls, ChangesOfTheSamePictureAddUp) {
   for (const Form form : kForms) {
     const StoredPicture before(form, 6, 5, form == Form::Buffer ? 0x00203040 : 0xFF203040);
@@ -306,8 +307,7 @@ TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
   }
 }
 
-// Lines of the result that are done stay as the inner call left them; the others are made
-// afterwards.
+// Complete lines of the result stay as the inner call left them. The others are made afterwards.
 TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
   const std::vector<Value> change = {0, 0, 100, 100, 40, -50, 60, 0};
   for (const Operation& outer : Operations()) {
@@ -353,8 +353,8 @@ TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
 
 // ------------------------------------------------------------------------------------------- depth
 
-// Chains of random calls, each inside a yield of the one before. At the end of some an exception
-// leaves a few of them.
+// Chains of random calls, each inside a yield of the one before. In some chains an exception leaves
+// the last few calls.
 class NestedChains : public NestedCalls {
  protected:
   void Nest(Random& random, int depth, bool leaves) {
@@ -447,7 +447,7 @@ constexpr bool kInstrumented = __has_feature(address_sanitizer);
 constexpr bool kInstrumented = false;
 #endif
 
-// Tiles and rings are not on the stack while a method yields.
+// While a method yields, no tiles or row rings are on the stack.
 TEST_F(NestedCalls, WaitOnLittleOfTheStackEach) {
   constexpr int kDepth = 40;
   constexpr std::size_t kMostBytes = 16 * 1024;

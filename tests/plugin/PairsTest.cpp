@@ -1,6 +1,6 @@
-// Every method with every two of: the picture's size, the pace of yields, and how the source, the
-// temporary pictures and the result lie in memory; compared with the reference model. Bugs live
-// where two of these meet.
+// Every method with every pair of choices from: the picture's size, the yield, and the memory
+// layouts of the source, the temporary pictures and the result. Results are compared with the
+// reference model. Many bugs need two such choices at a time.
 #include <climits>
 #include <map>
 
@@ -21,9 +21,9 @@ using support::Operations;
 using support::Setting;
 using support::Size;
 
-// Small; a bit more than a tile; wider or taller than every tile, band and array of the plug-in;
-// and more than 3 x 2^20 pixels, so that the result is written by non-temporal stores. None fills
-// registers or tiles.
+// Small; slightly larger than a tile; wider or taller than every tile, band and array of the
+// plug-in; and more than 3 x 2^20 pixels, so that non-temporal stores write the result. None is a
+// multiple of registers or tiles.
 enum SizeClass { kSmall, kTiles, kWide, kTall, kLarge, kSizeClasses };
 constexpr Size kSizes[kSizeClasses] = {{23, 17}, {83, 71}, {4501, 67}, {67, 1101}, {1801, 1787}};
 static_assert(1801 * 1787 > 3 << 20);
@@ -77,16 +77,16 @@ const std::vector<int>& Counts() {
   return counts;
 }
 
-// Where two things are odd, one may hide the other: a way that is fast, or that of a yield, is not
-// open then. So every method also meets one thing at a time.
+// Where two things are unusual, one may hide the other, because fast paths and yields are then not
+// used. So every method also runs with one unusual thing at a time.
 std::vector<std::vector<int>> WantedRows() {
   std::vector<std::vector<int>> rows;
   for (int operation = 0; operation < Counts()[0]; ++operation) {
-    // A large result in another form than that of the source, with yields.
+    // A large result in another form than the source, with yields.
     const int source = operation % 3;
     const int result = source == kContext ? (operation % 2 == 0 ? kBuffer : kScattered) : kContext;
     rows.push_back({operation, kLarge, kInsideABand, source, operation / 2 % 3, result});
-    // One row that is missing in one picture.
+    // One missing row in one picture.
     for (const std::size_t picture : {std::size_t{3}, std::size_t{4}, std::size_t{5}}) {
       for (int kind = kScattered + 1; kind < Counts()[picture]; ++kind) {
         for (const int pace : {kNoYield, kAFewLines}) {
@@ -158,7 +158,7 @@ NewPicture NewPictureOf(const Storage& storage) {
   return plan;
 }
 
-// Random rows, over and over: a prime number of pixels, so that neighbouring rows differ.
+// Random rows, repeated. The period is a prime number of pixels, so that neighbouring rows differ.
 StoredPicture SourceOf(const Storage& storage, Size size, Random& random) {
   StoredPicture picture(storage.form, size.width, size.height);
   const StoredPicture part = support::RandomPicture(random, storage.form, 1, 8191);

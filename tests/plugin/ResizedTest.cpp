@@ -1,6 +1,6 @@
-// Hosts that make one new picture, a result or a temporary one, of another size than the plug-in
-// asks for: wider, narrower, taller or lower, by one or by half. The call goes on with what it got,
-// and asks the host for the same in the same order.
+// Hosts that make a new picture, a result or a temporary one, of another size than requested:
+// wider, narrower, taller or lower, by one or by half. The call continues with that picture and
+// makes the same requests in the same order.
 #include <map>
 
 #include "support/Cases.h"
@@ -32,8 +32,7 @@ constexpr Size kSizes[] = {{23, 17}, {72, 75}};
 
 class ResizedTest : public support::PluginTest, public testing::WithParamInterface<Operation> {
  protected:
-  // The services that the last call has asked for, but for yields, each with its object's place
-  // among all objects.
+  // The services that the last call used, except yields, each with the number of its object.
   std::vector<std::string> Services() const {
     std::map<std::uint32_t, std::size_t> places;
     std::vector<std::string> services;
