@@ -1,4 +1,4 @@
-// Conversions between numbers at the bounds of 32 bits.
+// Conversions between numbers at the limits of 32 bits.
 #include "LMX_Convert.h"
 
 #include <gtest/gtest.h>

@@ -18,7 +18,7 @@ class DebugMessageTest : public LinkedTest {
     LinkedTest::TearDown();
   }
 
-  // As the host shows it.
+  // The text of the message box.
   std::string Message() {
     REALstringStruct* const text = LMX_GetDebugMessage();
     host_.messageBoxes.clear();

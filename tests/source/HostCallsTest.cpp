@@ -1,5 +1,5 @@
-// The layer of host calls, function by function: the name that each asks for, what it passes on,
-// and what it gives while the host lacks the service.
+// The layer of host calls, function by function: the name that each asks for, the arguments that it
+// passes on, and its result while the host lacks the service.
 #include "HostCalls.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ std::string TextOf(const void* handle) {
   return handle == nullptr ? "nil" : ObjectTable::Instance().Find(handle)->text;
 }
 
-// A text of which the plug-in owns a reference.
+// A text, with a reference that the plug-in owns.
 template <class Handle>
 Handle* NewText(const char* text) {
   host::Object& object = ObjectTable::Instance().Add(host::Object::Kind::String, text);
@@ -41,7 +41,7 @@ class HostCallsTest : public testing::Test {
 
   HostCallsTest() { gResolver = host::Resolve; }
 
-  // In an order in which nobody needs the service of a later one.
+  // In an order in which no service needs a later one.
   const std::vector<Case> cases_ = {
       {Service::BuildString, "abc", "nil", [] { return TextOf(REALBuildString("abcdef", 3)); }},
       {Service::MessageBox, "a text", "",
@@ -109,7 +109,7 @@ TEST_F(HostCallsTest, PassOnArgumentsAndResults) {
     host_.ClearComplaints();
     EXPECT_EQ(service.call(), service.answer);
     EXPECT_EQ(host_.Calls(service.service), 1);
-    if (service.service == Service::RegisterModule) continue;  // a module without methods
+    if (service.service == Service::RegisterModule) continue;  // complains: the module has no methods
     EXPECT_EQ(host_.Complaints(), std::vector<std::string>());
   }
 }
@@ -130,7 +130,7 @@ TEST_F(HostCallsTest, PassOnWhatTheHostThrows) {
 
 // In a process in which no service has been called yet.
 TEST_F(HostCallsTest, AMissingServiceIsAskedForUntilItIsFound) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";  // which starts a fresh process
+  testing::FLAGS_gtest_death_test_style = "threadsafe";  // starts a fresh process
   const auto expectLookups = [this] {
     EXPECT_EQ(REALnewInstance(nullptr), nullptr);
     EXPECT_EQ(host_.Lookups(Service::NewInstance), 0) << "for a class that is nil";

@@ -1,5 +1,5 @@
-// The fixture of tests of the product from within: a host that has started the plug-in that is
-// linked into the program, and pictures as workers get them.
+// The fixture of tests that call the product's functions directly: a host that has started the
+// plug-in that is linked into the program, and pictures as workers get them.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,8 +14,8 @@
 
 extern "C" REALPluginMainFunction REALPluginMain;
 
-/// Every test starts the plug-in anew. What else it keeps stays from test to test: the addresses of
-/// services that it has found, and the last error.
+/// Every test starts the plug-in anew. Its other variables keep their values from test to test: the
+/// addresses of services that it has found, and the last error.
 class LinkedTest : public testing::Test {
  protected:
   LinkedTest() {
@@ -28,7 +28,7 @@ class LinkedTest : public testing::Test {
     EXPECT_TRUE(host_.Leaks().empty());
   }
 
-  /// The services that have been called since the start, or since ResetCounts.
+  /// The services that were called since the start or since ResetCounts.
   std::vector<std::string> Calls() const {
     std::vector<std::string> calls;
     for (const host::ServiceCall& call : host_.Log()) calls.emplace_back(call.name);
@@ -42,7 +42,7 @@ inline host::PictureShape Context(int width, int height, const host::Defects& de
   return {width, height, host::Storage::BitmapContext, {}, defects};
 }
 
-/// Every row lies between inaccessible pages.
+/// A picture whose rows lie between inaccessible pages, each on its own.
 inline host::PictureShape Buffer(int width, int height, const host::Defects& defects = {}) {
   return {width, height, host::Storage::Buffer, {0, true, host::Flush::End}, defects};
 }
@@ -53,17 +53,17 @@ inline host::Defects WithoutRows(std::vector<int> rows) {
   return defects;
 }
 
-/// A picture, and the wrapper that has locked it.
+/// A picture and the wrapper that has locked it.
 struct LockedPicture {
   explicit LockedPicture(const host::PictureShape& shape) : picture(shape), wrapper(picture.Handle()) {
     EXPECT_TRUE(wrapper.Lock());
   }
 
   host::Picture picture;
-  LMX_Picture wrapper;  // goes first, and ends the lock
+  LMX_Picture wrapper;  // destroyed first, which ends the lock
 };
 
-/// The picture that a worker has returned, with the reference that came with it.
+/// The picture that a worker has returned; takes over its reference.
 inline host::Picture Returned(REALpictureStruct* handle) {
   host::PictureObject* const object = host::ObjectTable::Instance().FindPicture(handle);
   return object == nullptr ? host::Picture() : host::ProgramReference::Adopt(*object);

@@ -28,7 +28,8 @@ TEST_F(AddressTest, RowsOfAContextFollowEachOther) {
   }
 }
 
-// In 32 bits an offset beyond 2 GiB is no signed number, which instrumented builds find out.
+// In 32 bits an offset beyond 2 GiB is no signed number. Builds with sanitizers would report an
+// overflow.
 TEST_F(AddressTest, RowsMayLieBeyond2GiB) {
   LMX_Picture picture;
   picture.bytesPerRow = 1000000;
@@ -62,7 +63,7 @@ std::int32_t NextRow(const LMX_Picture& picture, std::int32_t row, ColumnWalk::D
   return walk.Row();
 }
 
-// Where a walk goes from row to row of a picture of four rows, and from those beside it.
+// The next row of a walk in a picture of four rows, from each row and from rows outside.
 TEST_F(AddressTest, AWalkStaysInABufferAndBeforeMissingRows) {
   const struct {
     const char* what;

@@ -1,5 +1,5 @@
-// The picture wrapper: what it holds, what locking makes known, what it gives back, and how it
-// makes a new picture. What the methods do when a service fails is asked of the built library.
+// The picture wrapper: its values, what locking reads, what it releases, and how it makes a new
+// picture. The tests of the built library cover what methods do when a service fails.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -22,7 +22,7 @@ const Names kCreated = {"CreateInstance", "REALLoadObjectMethod", "Constructor",
 
 class PictureTest : public LinkedTest {};
 
-// What a locked wrapper knows.
+// The values of a locked wrapper.
 struct Known {
   bool locked;
   std::int32_t width, height;
@@ -149,7 +149,7 @@ TEST_F(PictureTest, LocksContextsOfEveryDepth) {
   }
 }
 
-// No wrapper holds such a picture, unless somebody changes its description.
+// A wrapper gets such a picture only if somebody changes its description.
 TEST_F(PictureTest, DoesNotLockAnotherType) {
   for (const host::PictureShape& shape : {Context(3, 2), Buffer(3, 2)}) {
     for (const std::uint32_t type : {0u, 7u, 9u, 11u, 0xFFFFFFFFu}) {

@@ -1,4 +1,4 @@
-// The largest pictures that free rotation takes; docs/methods.md has the rule and these figures.
+// The largest pictures that free rotation accepts. docs/methods.md has the rule and these figures.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,8 +11,8 @@ namespace {
 
 class RotationSizes : public LinkedTest {
  protected:
-  // Whether the plug-in begins to rotate a picture of that size: it asks for a temporary picture,
-  // which this host refuses. So no pixel is touched, and one row stands for all.
+  // Whether the plug-in starts to rotate a picture of that size. It then asks for a temporary
+  // picture, which this host refuses. So no pixel is read, and all rows can share one row's memory.
   bool IsTaken(int width, int height, double degrees) {
     host::PictureShape shape = Context(width, height);
     shape.layout.sparse = true;
@@ -46,8 +46,8 @@ TEST_F(RotationSizes, EachSideAlone) {
   EXPECT_FALSE(IsTaken(10, 32768, 0));
 }
 
-// The rule in real numbers. Steps are cut to 1/65536 and pi has six digits, so that it is one pixel
-// off at most; the sides that are asked about stay clear of the bound by two.
+// The rule in real numbers. Steps are truncated to 1/65536 and pi has six digits, so the rule can
+// be wrong by one pixel. The tested sides keep a distance of two from the limit.
 TEST_F(RotationSizes, BothShearedSidesDecide) {
   constexpr double kBound = 32767;
   int taken = 0, refused = 0;

@@ -1,5 +1,5 @@
-// Runs of pixels against what they mean pixel by pixel: inside both pictures, reaching over any of
-// their edges, beside them, longer than what is taken at a time, and in rows that a picture lacks.
+// Runs of pixels compared with pixel-by-pixel loops: inside both pictures, across any of their
+// edges, outside them, longer than one piece, and in rows that a picture lacks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,10 +15,10 @@
 
 namespace {
 
-constexpr std::int32_t kWidth = 1300;  // more than two of the pieces in which runs go that are not inside
+constexpr std::int32_t kWidth = 1300;  // more than two pieces, in which runs are processed that are not inside
 constexpr std::int32_t kHeight = 3;
 
-// Buffers can do without rows: those of which `missing` has the bit, modulo 32.
+// Buffers can lack rows: row y if bit y modulo 32 of `missing` is set.
 host::PictureShape ShapeOf(bool isBuffer, std::int32_t width, std::int32_t height, unsigned missing) {
   std::vector<int> rows;
   for (std::int32_t y = 0; y < height; ++y) {
@@ -27,7 +27,7 @@ host::PictureShape ShapeOf(bool isBuffer, std::int32_t width, std::int32_t heigh
   return isBuffer ? Buffer(width, height, WithoutRows(rows)) : Context(width, height);
 }
 
-// A picture of either form, with any pixels that a host may give it.
+// A picture of either form with any content that a host may give it.
 struct TestPicture : LockedPicture {
   TestPicture(bool isBuffer, Random& random, std::int32_t width = kWidth, std::int32_t height = kHeight,
               unsigned missing = 0)
@@ -44,12 +44,12 @@ struct TestPicture : LockedPicture {
     return x >= 0 && x < wrapper.width && y >= 0 && y < wrapper.height && wrapper.RowAddress(y) != nullptr;
   }
 
-  /// The working pixel there, clear where the picture holds none.
+  /// The working pixel at a place; clear outside the picture and in missing rows.
   std::uint32_t Read(std::int32_t x, std::int32_t y) const {
     return Holds(x, y) ? wrapper.ReadPixel(wrapper.RowAddress(y) + 4 * x) : 0;
   }
 
-  /// Of a picture that holds every row.
+  /// All bytes of a picture that lacks no row.
   std::vector<std::uint8_t> Bytes() const {
     std::vector<std::uint8_t> bytes;
     for (std::int32_t y = 0; y < wrapper.height; ++y) {
@@ -59,7 +59,7 @@ struct TestPicture : LockedPicture {
   }
 };
 
-// Where a run is read and written.
+// The places from which a run is read and to which it is written.
 struct Places {
   PixelPosition to;
   PixelPosition from;
@@ -67,8 +67,8 @@ struct Places {
 };
 
 using Operation = std::function<void(const Places&)>;
-// The i-th working pixel that is written, from those of the source's row, of which 0 is the first
-// that is read.
+// The working pixel that is written at place i. read(0) is the first pixel that the run reads from
+// the source's row.
 using Meaning = std::function<std::uint32_t(const std::function<std::uint32_t(std::int32_t)>& read, std::int32_t i,
                                             std::int32_t n)>;
 
@@ -82,7 +82,7 @@ class RunsTest : public LinkedTest {
           TestPicture source(forms % 2 != 0, random), result(forms / 2 != 0, random);
           const std::int32_t fromX = random.Between(-700, 700), toX = random.Between(-700, 700);
           const std::int32_t fromY = random.Between(-1, kHeight), toY = random.Between(-1, kHeight);
-          const bool isInside = trial < 2;  // both runs, if there is room for them
+          const bool isInside = trial < 2;  // both runs, if the pictures are large enough
           CheckOnce(
               operation, meaning, source, result,
               {{result.wrapper, isInside ? std::max(0, std::min(toX, kWidth - n)) : toX, isInside ? 1 : toY},
@@ -162,7 +162,7 @@ TEST_F(RunsTest, Blends) {
         });
 }
 
-// A working pixel, written in a form and read again.
+// A working pixel, written in a form and read back.
 std::uint32_t Through(PixelForm form, std::uint32_t pixel) {
   std::uint8_t stored[4];
   form == kContextForm ? LMX_Pixel::WriteContext(stored, pixel) : LMX_Pixel::WriteBuffer(stored, pixel);
@@ -189,8 +189,8 @@ TEST_F(RunsTest, Halves) {
   }
 }
 
-// Rows of a picture as runs of its columns, wherever they lie; and runs as columns of another one,
-// or as rows of working pixels.
+// Rows of a picture, anywhere, as runs of its columns. Runs as columns of another picture, or as
+// rows of working pixels.
 TEST_F(RunsTest, ColumnsAreRuns) {
   Random random(5);
   std::uint32_t pixels[kTile][kTile], turned[kTile][kTile];
@@ -224,10 +224,10 @@ TEST_F(RunsTest, ColumnsAreRuns) {
   }
 }
 
-// Columns of one picture become rows of another, in both directions: of pictures that hold all of
-// them, of positions over any edge, and where rows are missing, so that the walk stays.
+// Columns of one picture become rows of another, in both directions: all inside, across any edge,
+// and with missing rows, at which the walk stops.
 TEST_F(RunsTest, ColumnsBecomeRows) {
-  constexpr std::int32_t kLong = 150;  // more than two of the pieces in which runs go
+  constexpr std::int32_t kLong = 150;  // more than two pieces, in which runs are processed
   Random random(6);
   for (int trial = 0; trial < 100; ++trial) {
     const bool isBuffer = trial % 2 != 0;
@@ -257,7 +257,8 @@ TEST_F(RunsTest, ColumnsBecomeRows) {
   }
 }
 
-// Columns are displaced along themselves, each by its own rows and fraction, and all else stays.
+// Columns are displaced along themselves, each by its own number of rows and fraction. Nothing else
+// changes.
 TEST_F(RunsTest, ColumnsAreBlendedWithWhatIsAbove) {
   constexpr std::int32_t kWide = 40, kHigh = 170;
   Random random(7);
@@ -289,7 +290,7 @@ TEST_F(RunsTest, ColumnsAreBlendedWithWhatIsAbove) {
   }
 }
 
-// Whatever lay on the stack before.
+// Whatever the stack contained before.
 TEST_F(RunsTest, SumsOfRunsBeginAtNothing) {
   for (const std::int32_t n : {1, 15, 16, 17, RunSums::kMostSums - 1, RunSums::kMostSums}) {
     SCOPED_TRACE(n);
@@ -345,8 +346,8 @@ TEST_F(RunsTest, SumsWhatIsInside) {
 
 constexpr std::int32_t kRun = 7;
 
-// Calls check(picture, x) for pictures of both forms, with any of their rows missing, and runs over
-// any of their edges.
+// Calls check(picture, x) for pictures of both forms that may lack any row, and for runs across any
+// of their edges.
 void ForGroups(const std::function<void(const TestPicture&, std::int32_t x)>& check) {
   Random random(3);
   for (const bool isBuffer : {false, true}) {
@@ -359,19 +360,19 @@ void ForGroups(const std::function<void(const TestPicture&, std::int32_t x)>& ch
   }
 }
 
-// The rows of a group, one after another in steps of 1 or -1.
+// The rows of a group, in steps of 1 or -1.
 using Rows = std::vector<std::int32_t>;
 
 constexpr std::int32_t kCount = kHeight + 2;
 
-// From beyond one edge to beyond the other.
+// From above or below the picture to the other side.
 Rows RowsInSteps(std::int32_t step) {
   Rows rows = {step > 0 ? -1 : kHeight};
   while (rows.size() < kCount) rows.push_back(rows.back() + step);
   return rows;
 }
 
-// A walk goes on from group to group.
+// A walk continues from group to group.
 constexpr std::int32_t kGroups[] = {2, kCount - 2};
 
 ColumnWalk WalkFor(const LMX_Picture& picture, std::int32_t step) {
@@ -414,7 +415,7 @@ TEST_F(RunsTest, FindsGroups) {
   });
 }
 
-// Another pixel at each place.
+// A different pixel at each place.
 std::uint32_t Written(std::int32_t i, std::int32_t j) {
   return 0xFF000000u + static_cast<std::uint32_t>(0x10000 * i + j);
 }
@@ -425,7 +426,7 @@ void WriteRuns(const LMX_Picture& picture, std::int32_t first, std::int32_t coun
   }
 }
 
-// Whether the last run that belongs into a row is there, and nothing else has changed.
+// Checks that each row has the last run that was written to it, and that nothing else has changed.
 void ExpectWritten(const TestPicture& picture, const std::vector<std::uint32_t>& before, std::int32_t x,
                    const Rows& rows) {
   for (std::int32_t row = 0; row < kHeight; ++row) {

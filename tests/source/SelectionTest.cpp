@@ -1,4 +1,4 @@
-// The rectangle of the colour methods, against its rules written out.
+// The rectangle of the colour methods, compared with its rules written out.
 #include "LMX_Selection.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace {
 constexpr std::int32_t kLowest = INT32_MIN;
 constexpr std::int32_t kHighest = INT32_MAX;
 
-// A picture of any size, of which no pixel is touched.
+// A picture of any size whose pixels are never read.
 struct Sized {
   Sized(std::int32_t width, std::int32_t height) {
     picture.width = width;

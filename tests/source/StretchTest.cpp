@@ -1,5 +1,5 @@
-// The passes of a stretch between pictures that a host may have made of any size or without rows,
-// with kernels that look at what they are asked for.
+// The passes of a stretch between pictures that a host may have made of any size or without rows.
+// The kernels check the calls that they get.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace {
 
-// Kernels that see to it that nobody asks for more than they take.
+// Kernels that fail if they are asked for more than they accept.
 class StrictKernels {
  public:
   StrictKernels() {
@@ -62,12 +62,12 @@ struct Stretch {
   Size source;
   Size temporary;
   Size result;
-  int forms = 0;  // a bit for each of the three: whether it is a buffer
+  int forms = 0;  // one bit for each of the three pictures: whether it is a buffer
   std::vector<int> missingRows[3];
   long yield = 0;
 };
 
-// What the result holds then, and how often the host was called.
+// The contents of the result, and the number of host calls.
 using Outcome = std::pair<std::vector<std::uint32_t>, std::size_t>;
 
 void Fill(const LockedPicture& locked, Random random) {
@@ -111,8 +111,8 @@ class StretchTest : public LinkedTest {
   }
 };
 
-// The temporary picture is wider, narrower, higher or lower than asked for, by one or by half, or
-// lacks a row, as may the others.
+// The temporary picture is wider, narrower, higher or lower than requested, by one or by half, or
+// lacks a row. The other pictures may lack rows, too.
 TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
   Random random(1);
   for (int i = 0; i < 250 && !HasFailure(); ++i) {
@@ -135,8 +135,8 @@ TEST_F(StretchTest, GoesThroughWhateverPictureTheHostMade) {
   }
 }
 
-// Boxes of as many runs as a kernel takes, of some less and more, in both directions: of 29.7 to
-// 32.7 runs, some of which begin and end within one.
+// Boxes of as many runs as a kernel accepts, of slightly fewer and of more, in both directions:
+// 29.7 to 32.7 runs. Some boxes begin and end within a run.
 TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
   for (const std::int32_t k : {1, 2, 5}) {
     for (std::int32_t whole = 29; whole <= 32; ++whole) {
@@ -149,8 +149,7 @@ TEST_F(StretchTest, AsksKernelsForNoMoreRunsThanTheyTake) {
   }
 }
 
-// Wider than the strips and sums of columns, with boxes of more runs than a kernel takes, and of
-// fewer.
+// Wider than the strips and sums of columns. Boxes have more runs than a kernel accepts, or fewer.
 TEST_F(StretchTest, MakesWidePicturesInStrips) {
   for (const std::int32_t width : {511, 512, 513, 1023, 1025}) {
     for (const std::int32_t height : {71, 5}) {

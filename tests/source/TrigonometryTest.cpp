@@ -1,4 +1,5 @@
-// The functions of free rotations, to the last bit. LMX_CASES multiplies the random arguments.
+// The functions of free rotations, to the last bit. LMX_CASES multiplies the number of random
+// arguments.
 #include "LMX_Trigonometry.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@
 #include "support/Random.h"
 #include "support/ReferenceFunctions.h"
 
-// Once more, for its pairs before they are rounded.
+// Included again, to compare the results before they are rounded.
 namespace unrounded {
 #include "../../source/LMX_Trigonometry.cpp"
 }
@@ -22,7 +23,7 @@ namespace {
 using support::ForEachCase;
 using support::Fraction;
 
-constexpr double kPi = 3.14159;  // that of free rotations
+constexpr double kPi = 3.14159;  // the value that free rotations use
 constexpr double kTwoPi = 6.28318;
 constexpr double kHighestAngle = 6.3;
 
@@ -53,14 +54,14 @@ void CompareArcTangent(double quotient) {
   Compare("arc tangent", quotient, ArcTangent(quotient), reference::ArcTangent(quotient));
 }
 
-// The functions that take an angle, as far as they take it.
+// The functions that take an angle, within their domains.
 void CompareAngle(double radians) {
   CompareSine(radians);
   if (radians >= 0) CompareCosine(radians);
   if (std::fabs(radians) <= 0.4) CompareTangent(radians);
 }
 
-// What a rotation by -45 to 45 degrees takes.
+// The functions that a rotation by -45 to 45 degrees calls.
 void CompareDegrees(double degrees) {
   const double theta = degrees * kPi / 180.0;
   CompareTangent(theta * -0.5);
@@ -136,7 +137,7 @@ TEST(Trigonometry, AnyArgument) {
 
 TEST(Trigonometry, TheArgumentsOfRotations) {
   ForEachCase(20000, [](Random& random) {
-    const int most = random.Between(1, 15) * 2185;  // to 32775
+    const int most = random.Between(1, 15) * 2185;  // up to 32775
     const double height = random.Between(1, most);
     const double width = random.Between(1, most);
     const double degrees = 90 * Fraction(random) - 45;
@@ -151,8 +152,8 @@ TEST(Trigonometry, TheArgumentsOfRotations) {
   });
 }
 
-// The bound that LMX_Trigonometry.cpp derives. Results show only errors above 2^-70, since few
-// values are that close to the middle between two doubles.
+// The error bound that LMX_Trigonometry.cpp derives. Rounded results show only errors above 2^-70,
+// because few values lie that close to the middle between two doubles.
 TEST(Trigonometry, ErrorsBeforeRounding) {
   using namespace unrounded;
   static constexpr double kBound = 0x1p-98;
@@ -173,7 +174,7 @@ TEST(Trigonometry, ErrorsBeforeRounding) {
 }
 
 TEST(Trigonometry, TheReferenceIsAnother) {
-  // Known digits, so that both cannot be wrong in the same way.
+  // Known digits, so that the product and the reference cannot have the same error.
   EXPECT_EQ(reference::Sine(1.0), 0.84147098480789650665);
   EXPECT_EQ(reference::Cosine(1.0), 0.54030230586813971740);
   EXPECT_EQ(reference::Tangent(0.25), 0.25534192122103626651);

@@ -1,5 +1,5 @@
 // Workers called directly, where no entry point leads: arguments that entry points never pass,
-// pictures that are parts of one another, and steps of a rotation one by one.
+// pictures that share memory, and the single steps of a rotation.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -42,8 +42,7 @@ struct Sizes {
   std::int32_t height;
 };
 
-// What a host may make of a picture: one that lacks a row, or all of whose rows are the same
-// memory.
+// Defects that a host's picture may have: one row is missing, or all rows are the same memory.
 struct Oddity {
   std::vector<int> missingRows;
   bool isOneRow = false;
@@ -57,8 +56,7 @@ PictureShape ShapeOf(const Sizes& size, const Oddity& odd) {
   return shape;
 }
 
-// A locked picture of opaque pixels of one colour, so that whoever reads what nobody wrote shows
-// it.
+// A locked picture of opaque pixels of one colour, so that reading an unwritten pixel is noticed.
 struct Stale : LockedPicture {
   Stale(const Sizes& size, bool isTemporary, const Oddity& odd) : LockedPicture(ShapeOf(size, odd)) {
     picture.Fill(odd.isOneRow ? 0xFFABCDEF : 0x00ABCDEF);
@@ -68,7 +66,7 @@ struct Stale : LockedPicture {
 };
 
 struct RotationSteps {
-  Sizes sizes[5];  // of source, turned, sheared, sheared twice, result
+  Sizes sizes[5];  // sizes of source, turned, sheared, sheared twice, result
   int quarter;
   double alongRows;
   double alongColumns;
@@ -76,7 +74,7 @@ struct RotationSteps {
   Oddity odd[5];
 };
 
-// What the result holds after the steps.
+// The contents of the result after the steps.
 std::vector<std::uint32_t> Rotated(const RotationSteps& steps, bool haveTemporaries) {
   constexpr unsigned int kClear = 0xFF000000;
   LockedPicture source(ShapeOf(steps.sizes[0], steps.odd[0]));
@@ -100,8 +98,7 @@ std::vector<std::uint32_t> Rotated(const RotationSteps& steps, bool haveTemporar
   return result.picture.StoredPixels();
 }
 
-// Whatever the sizes of the temporary pictures are, and where rows of any picture are missing or
-// coincide.
+// For any sizes of the temporary pictures, and where rows of any picture are missing or coincide.
 TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
   Random random(1);
   for (int i = 0; i < 200; ++i) {
@@ -137,7 +134,7 @@ TEST_F(WorkersTest, ARotationNeedsNoMoreOfItsTemporaryPicturesThanItMakes) {
 
 // ------------------------------------------------------------------------------------------ passes
 
-// Of or to no pixels, or more than 32768 of them to one.
+// Passes from or to no pixels, or from more than 32768 pixels to one.
 TEST_F(WorkersTest, PassesThatCannotBeMadeAreNotMade) {
   for (const int from : {0, 32769}) {
     LockedPicture wide(Context(from, 1)), high(Context(1, from)), result(Context(1, 1));
@@ -152,7 +149,7 @@ TEST_F(WorkersTest, PassesThatCannotBeMadeAreNotMade) {
 
 // ---------------------------------------------------------------------------------------- averages
 
-// 2^32 + 65536 pixels, of which only those of one row are there. In 32 bits their count is 65536.
+// 2^32 + 65536 pixels; only one row exists. In 32 bits their count is 65536.
 TEST_F(WorkersTest, AveragesDivideByACountThatWraps) {
   constexpr int kWidth = 65537, kHeight = 65536;
   PictureShape shape = {kWidth, kHeight, host::Storage::Buffer};
@@ -190,8 +187,8 @@ TEST_F(WorkersTest, AveragesStoreHueFirstAndBrightnessLast) {
 
 // ------------------------------------------------------------------------------------------- turns
 
-// The entry points turn by 0 to 3 quarters; no worker is for others, and only 1 and 3 exchange
-// width and height.
+// The entry points turn by 0 to 3 quarters. No worker handles other numbers, and only 1 and 3
+// exchange width and height.
 TEST_F(WorkersTest, OtherQuarterTurnsPaintNothing) {
   LockedPicture source(Buffer(3, 2));
   for (const int quarter : {4, 5, 7, -1, -3, INT_MAX, INT_MIN}) {
@@ -205,8 +202,8 @@ TEST_F(WorkersTest, OtherQuarterTurnsPaintNothing) {
 
 // ------------------------------------------------------------------------------------- adjustments
 
-// Every word of a row of opaque red after an adjustment in place; rows are long enough for any
-// kernel.
+// The equal words of a row of opaque red after an adjustment in place. The row is long enough for
+// any kernel.
 std::uint32_t AdjustedRed(double hue, double saturation, double brightness) {
   constexpr int kWidth = 70;
   LockedPicture red(Buffer(kWidth, 1));
@@ -227,8 +224,8 @@ TEST_F(WorkersTest, NegativeFactorsActAsZero) {
   }
 }
 
-// The entry points refuse a turn and more. A hue wraps once; what is still outside the sectors is
-// black, and the first sector goes on below 0.
+// The entry points refuse a turn or more. A hue wraps once. A hue that is then still outside the
+// sectors gives black, and the first sector continues below 0.
 TEST_F(WorkersTest, HuesWrapOnce) {
   EXPECT_EQ(AdjustedRed(-360, 1, 1), 0x00FF0000u);
   EXPECT_EQ(AdjustedRed(360, 1, 1), 0x00FF0000u);
@@ -239,7 +236,7 @@ TEST_F(WorkersTest, HuesWrapOnce) {
   EXPECT_EQ(AdjustedRed(800, 1, 1), 0x00000000u);
 }
 
-// Kernels that note which pixels they write before they do their work.
+// Kernels that record which pixels they write, and then do their work.
 class WriteNotes {
  public:
   WriteNotes() : kernels_(gRunKernels) {

@@ -1,4 +1,4 @@
-// The pace of yields, against the line-by-line rule in the three orders in which workers follow it.
+// The yields, compared with a rule applied line by line, in the three orders that workers use.
 #include "LMX_Yield.h"
 
 #include <gtest/gtest.h>
@@ -14,12 +14,12 @@ namespace {
 
 constexpr std::int32_t kLines = 40;
 
-// After how many complete lines each yield comes.
+// The number of complete lines at each yield.
 using Yields = std::vector<std::int32_t>;
 
 enum class Order { kYieldThenCountThenLine, kLineThenCountThenYield, kLineThenYieldThenCount };
 
-// The rule, one line at a time.
+// The rule, applied line by line.
 Yields Expected(Order order, long yield, std::int32_t pixelsPerLine) {
   Yields yields;
   std::int64_t counter = 0;
@@ -44,7 +44,7 @@ class YieldPaceTest : public LinkedTest {
     host_.onYield = [this] { yields_.push_back(done_); };
   }
 
-  // Runs a worker's loop over kLines lines; `lines` does some of them and says how many.
+  // Runs a worker's loop over kLines lines. `lines` makes some of them and returns how many.
   template <class Lines>
   Yields Run(Lines lines) {
     yields_.clear();
@@ -84,8 +84,8 @@ TEST_F(YieldPaceTest, ComesBeforeALine) {
   });
 }
 
-// Lines of a picture that nobody sees are done ahead; their yields come for each of them, as if
-// they were done one by one.
+// Lines that nobody sees are made before their yields. The yields then come for each line, as if
+// the lines were made one by one.
 TEST_F(YieldPaceTest, ComesOnceForEveryLineOfABandThatIsDone) {
   ForEveryPace([this](long yield, std::int32_t pixelsPerLine) {
     const std::size_t expected = Expected(Order::kYieldThenCountThenLine, yield, pixelsPerLine).size();
