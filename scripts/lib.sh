@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 #
-# What the scripts share; they source it first. Gives them strictness, --help (their header
-# comment), the repository as the working directory, and the functions below.
+# Shared by the scripts, which source it first. Sets strict mode, implements --help (which prints a
+# script's header comment), changes to the repository's folder, and defines the functions below.
 set -euo pipefail
 
 case ${1:-} in
@@ -17,10 +17,10 @@ jobs=$(nproc)
 bold='' plain=''
 if [[ -t 1 ]]; then bold=$'\e[1m' plain=$'\e[0m'; fi
 
-# say TEXT...: a heading.
+# say TEXT...: prints a heading.
 say() { printf '%s%s%s\n' "$bold" "$*" "$plain"; }
 
-# fail TEXT...: the end.
+# fail TEXT...: prints the reason and ends the script.
 fail() {
   printf '%s: %s\n' "${0##*/}" "$*" >&2
   exit 1
@@ -37,7 +37,7 @@ quietly() {
 }
 
 # build PRESET [TARGET...]: configures and builds in build/PRESET, quietly. Warnings are errors,
-# except in instrumented builds, where the compilers see things that are not there.
+# except in instrumented builds, where compilers give false warnings.
 build() {
   local preset=$1 folder=build/$1 werror=ON
   shift
@@ -47,7 +47,7 @@ build() {
     quietly "$folder/build.log" cmake --build "$folder" --parallel "$jobs" ${1:+--target "$@"}
 }
 
-# check NAME COMMAND...: says whether the command succeeds, and counts in `failures` if it does not.
+# check NAME COMMAND...: prints whether the command succeeds; if not, counts it in `failures`.
 failures=0
 check() {
   if "${@:2}"; then printf 'ok      %s\n' "$1"; else printf 'FAILED  %s\n' "$1" && ((++failures)); fi
@@ -56,7 +56,7 @@ check() {
 # kernel_levels: the names of all levels of kernels, lowest first.
 kernel_levels() { sed -n '/^enum class KernelLevel/ { s/.*{ //; s/ }.*//; s/, /\n/g; p }' source/kernels/KernelLevel.h; }
 
-# file_address FILE: the file as an address for a browser, all but plain characters escaped.
+# file_address FILE: the file's address for a browser, with all but plain characters escaped.
 file_address() {
   local LC_ALL=C path i c
   path=$(realpath -- "$1")
@@ -70,7 +70,7 @@ file_address() {
   done
 }
 
-# cpp_files: our C++ files, each ended by a zero byte.
+# cpp_files: our C++ files, each name ended by a zero byte.
 cpp_files() {
   find -- */ -path 'build*' -prune -o \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z
 }
