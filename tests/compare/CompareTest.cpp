@@ -1,6 +1,6 @@
-// What the plug-in and ImageMagick both do must come out alike: exact flips, quarter turns, trims,
-// enlargements by whole numbers and sums with a colour; reductions by whole numbers but for the
-// rounding. On opaque pictures, in both storage forms. Skipped where ImageMagick is not installed.
+// The plug-in and ImageMagick must agree. Exactly: flips, quarter turns, trims, enlargements by
+// whole numbers and sums with a colour. Except for rounding: reductions by whole numbers. On opaque
+// pictures, in both storage forms. Skipped if ImageMagick is not installed.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,7 +17,7 @@ using host::Picture;
 using host::Storage;
 using host::Value;
 
-// Slopes with noise, opaque.
+// Gradients with noise, opaque.
 Image MakeImage(int width, int height) {
   Random random(static_cast<std::uint64_t>(width * 1000 + height));
   Image image = {width, height, {}};
@@ -37,7 +37,7 @@ class Compare : public support::PluginTest {
     if (!magick_.IsInstalled()) GTEST_SKIP() << "ImageMagick is not installed (package imagemagick)";
   }
 
-  // What a method makes of the image in one storage form.
+  // The result of a method for the image in one storage form.
   Image Call(Storage storage, const std::string& method, const Image& image, std::vector<Value> arguments) {
     host_.newPictures.storage = storage;
     Picture source({image.width, image.height, storage});
@@ -49,7 +49,7 @@ class Compare : public support::PluginTest {
     return {called.result.Width(), called.result.Height(), called.result.Straight()};
   }
 
-  // Both storage forms against ImageMagick. Each channel may be up to `below` lower than there, and
+  // Compares both storage forms with ImageMagick. Each channel may be lower by up to `below`, and
   // never higher.
   void ExpectAlike(const Image& image, const std::string& method, const std::vector<Value>& arguments,
                    const std::string& operations, int below = 0) {
@@ -104,7 +104,7 @@ TEST_F(Compare, Trims) {
   const Image image = MakeImage(37, 22);
   ExpectAlike(image, "Trim", {5, 3, 20, 11, Colour{0}, 0}, "-crop 20x11+5+3 +repage");
   ExpectAlike(image, "Trim", {36, 21, 1, 1, Colour{0}, 0}, "-crop 1x1+36+21 +repage");
-  // Beyond the picture there is clear black.
+  // Outside the picture everything is clear black.
   const std::string clear = "-background '#00000000' -extent ";
   ExpectAlike(image, "Trim", {-4, -6, 50, 40, Colour{0}, 0}, clear + "50x40-4-6");
   ExpectAlike(image, "Trim", {30, 20, 10, 10, Colour{0}, 0}, clear + "10x10+30+20");
@@ -117,8 +117,8 @@ TEST_F(Compare, EnlargementsByWholeNumbersRepeatPixels) {
   ExpectAlike(image, "Stretch", {13, 63, 0}, "-sample '13x63!'");
 }
 
-// One pass truncates where ImageMagick rounds to the nearest, so a channel may be one lower; after
-// two passes, two.
+// A pass truncates where ImageMagick rounds to nearest. So a channel may be lower by one after one
+// pass, and by two after two passes.
 TEST_F(Compare, ReductionsByWholeNumbersAreMeans) {
   const Image image = MakeImage(60, 48);
   ExpectAlike(image, "Stretch", {30, 48, 0}, "-filter box -resize '30x48!'", 1);

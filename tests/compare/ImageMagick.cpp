@@ -13,9 +13,9 @@
 namespace compare {
 namespace {
 
-constexpr int kShifts[] = {16, 8, 0, 24};  // of a pixel's bytes in a file
+constexpr int kShifts[] = {16, 8, 0, 24};  // the place of each byte of a file's pixel in a word
 
-// What a command writes to its output. Throws when it fails.
+// The output of a command. Throws if the command fails.
 std::string OutputOf(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) throw std::runtime_error("cannot run " + command);

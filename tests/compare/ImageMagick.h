@@ -1,4 +1,4 @@
-// ImageMagick's command-line program, as a second opinion.
+// ImageMagick's command-line program, for comparison.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace compare {
 
-/// Straight pixels, 0xAARRGGBB, row after row.
+/// Straight pixels, 0xAARRGGBB, row by row.
 struct Image {
   int width = 0;
   int height = 0;
@@ -18,22 +18,22 @@ struct Image {
 
 class ImageMagick {
  public:
-  /// Looks for the program. What only bears its name does not count: it must tell its version.
+  /// Looks for the program. A program of that name counts only if it prints ImageMagick's version.
   ImageMagick();
   ~ImageMagick();
   ImageMagick(const ImageMagick&) = delete;
   ImageMagick& operator=(const ImageMagick&) = delete;
   bool IsInstalled() const { return !program_.empty(); }
 
-  /// What `operations` (as the program's options) make of an image. Throws std::runtime_error when
+  /// The result of `operations` (options of the program) on an image. Throws std::runtime_error if
   /// the program fails.
   Image Transform(const Image& image, const std::string& operations) const;
 
-  /// The mean of each of red, green and blue, 0 to 255.
+  /// The means of red, green and blue, 0 to 255.
   std::vector<double> Means(const Image& image) const;
 
  private:
-  /// What the program tells when it has read the image from a file and done the rest.
+  /// The output of the program after it has read the image from a file and applied the operations.
   std::string Run(const Image& image, const std::string& rest) const;
 
   const std::string file_;

@@ -1,5 +1,5 @@
-// A process that lacks a bitmap context function, LMX_MISSING ("all": every one): pictures of that
-// form cannot be locked, buffers work as ever.
+// A process that lacks the bitmap context function LMX_MISSING ("all": every one). Pictures of that
+// form cannot be locked; buffers are not affected.
 #include <dlfcn.h>
 
 #include <string>

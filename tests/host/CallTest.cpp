@@ -1,5 +1,5 @@
-// Arguments and results by their declaration, the stack at the call, and exceptions that pass
-// through a method.
+// Arguments and results by their declaration, the stack at the call, and exceptions that leave a
+// method.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// The guards of pixel memory stop the process: at both ends of the pixels, of every scattered row,
-// of the row table; round pictures that are not locked and pictures that may only be read.
+// The guards of pixel memory stop the process: at both ends of the pixels, of every scattered row
+// and of the row table, and for pictures that are not locked or may only be read.
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using host::Picture;
 using host::PictureShape;
 using host::Storage;
 
-// Not optimised away, and the death is the machine's.
+// Kept by the optimiser; the process must die by a signal of the machine.
 void Touch(std::uint8_t* address) {
   *static_cast<volatile std::uint8_t*>(address) = 1;
 }

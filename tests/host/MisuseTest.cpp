@@ -1,4 +1,4 @@
-// Every way to break the contract is noticed, named, and left behind.
+// Every breach of the contract is noticed and named, and later calls work.
 
 #include <fnmatch.h>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ using host::Picture;
 using host::Service;
 using host::Value;
 
-// A method of the odd plug-in, and the complaint that it gets, as a pattern.
+// A method of the odd plug-in, and a pattern of the complaint that it causes.
 using MisuseCase = std::pair<const char*, std::string>;
 
 class Misdeed : public testing::TestWithParam<MisuseCase> {
@@ -32,7 +32,7 @@ class Misdeed : public testing::TestWithParam<MisuseCase> {
   Picture picture_{{4, 2}};
 };
 
-// With #N for the numbers of objects.
+// Replaces the numbers of objects by #N.
 std::string WithoutNumbers(const std::string& complaint) {
   return std::regex_replace(complaint, std::regex("#[0-9]+"), "#N");
 }

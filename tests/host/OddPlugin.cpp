@@ -37,7 +37,7 @@ constexpr const char* kConstructor = "Constructor(width as integer, height as in
 
 REALResolver gResolver;
 
-// Looks the service up at every call, and calls it without asking whether it is there.
+// Looks up the service at every call, and calls it without checking whether it exists.
 template <class Function>
 Function* Service(const char* name) {
   return reinterpret_cast<Function*>(gResolver(name));
@@ -237,7 +237,7 @@ void ShowBox() {
 
 // ---- Misdeeds of more than a line ---------------------------------------------------------------
 
-// These ask for the other service too, so that the host knows whether it was there.
+// These also ask for the other service, so that the host knows whether it exists.
 void LeaveLocked(Picture* p) {
   Service<HostUnlockPictureDescription>("unlockPictureDescription");
   Lock(p);

@@ -1,5 +1,5 @@
-// What the odd plug-in can be told to do wrong while it is loaded. It exists to show that the
-// stand-in host notices; other misdeeds are methods of it.
+// The breaches of contract that the odd plug-in can commit while it is loaded. They show that the
+// stand-in host notices them. Its methods commit others.
 #pragma once
 
 namespace odd {

@@ -1,4 +1,4 @@
-// Pictures: both storage forms, every layout, every defect, the stored words and the books.
+// Pictures: both storage forms, every layout, every defect, stored words, references and locks.
 
 #include <gtest/gtest.h>
 
@@ -227,7 +227,7 @@ TEST(Picture, CountsReferences) {
   EXPECT_NE(Picture({1, 1}).Id(), moved.Id());
 }
 
-// What the plug-in is told about a locked picture.
+// The description of a locked picture for the plug-in.
 class Described : public testing::Test {
  protected:
   Described() { host_.Load(ODD_PLUGIN); }

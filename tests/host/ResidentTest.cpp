@@ -1,4 +1,4 @@
-// A library that stays in the process starts with fresh variables for every host all the same.
+// A library that stays in the process starts with fresh variables in every host.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 using host::Host;
 
-// More than once is no more than once.
+// The second call must have no effect.
 void Keep() {
   Host::KeepLoaded(KEPT_PLUGIN);
   Host::KeepLoaded(KEPT_PLUGIN);

@@ -16,7 +16,7 @@ class Parser {
  public:
   Parser(const std::vector<std::string>& tokens, std::size_t& place) : tokens_(tokens), place_(place) {}
 
-  // One level of operators after the other, those that bind least first.
+  // One level of operators after the other, the loosest first.
   Expression Parse(std::size_t level = 0) {
     static const std::vector<std::vector<std::string>> kLevels = {
         {"or"}, {"and"}, {"=", "<>", "<", ">", "<=", ">="}, {"+", "-"}, {"*", "/", "\\", "mod"}};

@@ -1,4 +1,4 @@
-// Expressions of the host's language, as the programs of the documentation write them.
+// Expressions of the host's language, as programs in the documentation contain them.
 #pragma once
 
 #include <stdexcept>
@@ -7,7 +7,7 @@
 
 namespace programs {
 
-/// A program that is wrong, in words.
+/// Describes what is wrong with a program.
 class ProgramError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -15,27 +15,27 @@ class ProgramError : public std::runtime_error {
 
 struct Expression {
   enum class Kind {
-    Number,   ///< text: as it is written, with a point or without
+    Number,   ///< text: as written, with or without a point
     Text,     ///< text: without its quotes
     Colour,   ///< text: the hexadecimal digits after &c or &h
     Name,     ///< text: a variable, a function or a class
     Member,   ///< text: what is after the point; parts[0]: what is before it
     Call,     ///< parts[0]: what is called; then the arguments
     New,      ///< text: the class; then the arguments
-    Operator  ///< text: as it is written, words in lower case; parts: one or two
+    Operator  ///< text: as written, words in lower case; parts: one or two
   };
   Kind kind;
   std::string text;
   std::vector<Expression> parts;
 };
 
-/// The language does not tell upper from lower case.
+/// The language ignores case.
 std::string Lower(std::string text);
 
 /// Words, numbers, texts with their quotes, colours and signs. A comment (// or ') ends the line.
 std::vector<std::string> Tokens(const std::string& line);
 
-/// Reads tokens from `place` on, and moves it after the expression. Throws ProgramError.
+/// Reads an expression from `place` on, and moves `place` past it. Throws ProgramError.
 Expression ParseExpression(const std::vector<std::string>& tokens, std::size_t& place);
 
 }  // namespace programs

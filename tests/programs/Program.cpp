@@ -33,7 +33,7 @@ Value NumberValue(Type type, double number) {
   return type == Type::Integer ? Value(static_cast<std::int32_t>(number)) : Value(number);
 }
 
-// What the host has for numbers, each with one or two of them.
+// The host's functions of numbers. Each takes one or two numbers.
 std::optional<double> Computed(const std::string& function, double a, double b) {
   if (function == "abs") return std::fabs(a);
   if (function == "ceil") return std::ceil(a);
@@ -46,7 +46,7 @@ std::optional<double> Computed(const std::string& function, double a, double b) 
   return {};
 }
 
-// What else of the host programs use, with what it gives.
+// Other names of the host that the programs use, with their types.
 const std::map<std::string, Type>& HostNames() {
   static const std::map<std::string, Type> names = {
       {"picture.open", Type::Picture}, {"getfolderitem", Type::None}, {"msgbox", Type::None},
@@ -59,7 +59,7 @@ const std::map<std::string, Type>& HostNames() {
   throw ProgramError(text);
 }
 
-// The tokens after the word at `place`, which must be this one.
+// The tokens after the word at `place`. Throws if it is another word.
 std::size_t After(const std::vector<std::string>& tokens, std::size_t place, const char* word) {
   if (place >= tokens.size() || Lower(tokens[place]) != word) Fail("expected `" + std::string(word) + "`");
   return place + 1;
@@ -70,7 +70,7 @@ struct Named {
   Type type;
 };
 
-// name As Type, [ByRef] name As Type ... up to something else.
+// Reads `name As Type, [ByRef] name As Type ...` up to anything else.
 std::vector<Named> ParseNames(const std::vector<std::string>& tokens, std::size_t& place) {
   std::vector<Named> names;
   std::vector<std::string> waiting;
@@ -198,7 +198,7 @@ void Program::TakeSimple(const Tokens& tokens, std::size_t place) {
   if (tokens.size() > place + 1 && tokens[place + 1] == "=") return Assign(tokens[place], Whole(tokens, place + 2));
   const auto equals = std::find(tokens.begin(), tokens.end(), "=");
   const bool setsMember = equals != tokens.end() && tokens.at(place + 1) == ".";
-  if (setsMember) {  // of something of the host's
+  if (setsMember) {  // a member of an object of the host
     Whole(Tokens(tokens.begin(), equals), place);
     Whole(tokens, static_cast<std::size_t>(equals - tokens.begin()) + 1);
     return;
@@ -223,7 +223,7 @@ void Program::Assign(const std::string& name, const Term& term) {
   }
 }
 
-// What is of the host's, and nil, fits everything.
+// Objects of the host and nil fit every type.
 void Program::ExpectFit(const std::string& name, Type type, const Term& term) {
   const bool fits = type == term.type || (IsNumber(type) && IsNumber(term.type)) || term.type == Type::None;
   if (!fits) Fail(name + " is " + TypeName(type) + ", and not " + TypeName(term.type));
@@ -276,7 +276,7 @@ Program::Term Program::EvaluateName(const std::string& name) {
 
 Program::Term Program::EvaluateMember(const Expression& member) {
   const Term of = Evaluate(member.parts[0]);
-  if (of.type == Type::None) return {};  // the host's
+  if (of.type == Type::None) return {};  // a member of an object of the host
   const std::string name = Lower(member.text);
   if (of.type != Type::Picture || (name != "width" && name != "height")) {
     Fail(std::string("a ") + TypeName(of.type) + " has no " + member.text);
@@ -407,7 +407,7 @@ Program::Term Program::CallMethod(const std::string& name, const Term* picture, 
   return {method->result, outcome.result, false, "", method->result == Type::None};
 }
 
-// What an argument of this type gets. Throws if the term cannot be one.
+// The argument of this type for a term. Throws if the term does not fit.
 host::Value Program::ValueOf(const Term& term, Type type) const {
   const bool isNil = term.type == Type::None && term.value;
   if (isNil && (type == Type::Picture || type == Type::None)) return {};

@@ -1,14 +1,14 @@
-// Checks programs in the host's language, as the documentation has them, and runs what they call.
+// Checks programs in the host's language, as the documentation contains them, and runs their calls.
 //
-// Every name must be known, every call of the plug-in must fit its declaration: the method, the
-// number and kinds of the arguments, what a ByRef argument is, and whether there is a result to
-// use. Then the call is made, by the stand-in host. It must succeed, or fail with the code that a
-// comment on its line tells: // error 31.
+// Every name must be known. Every call of the plug-in must fit its declaration: the method, the
+// number and types of the arguments, the ByRef arguments, and whether the method has a result. Then
+// the stand-in host makes the call. It must succeed, or fail with the code in a comment on its
+// line, such as // error 31.
 //
-// A program is not interpreted: its lines are taken once, in their order, whatever conditions and
-// loops say. A value that does not come out of that, such as a parameter, is a plain one of its
-// type; a picture is the photo. What belongs to the host beyond pictures, numbers and texts has no
-// type and may be used as it likes, but not as an argument.
+// A program is not interpreted: each line runs once, in order, whatever the conditions and loops
+// are. A value that is unknown, such as a parameter, is an ordinary value of its type; a picture is
+// the photo. Objects of the host other than pictures, numbers and texts have no type. They may be
+// used in any way, except as arguments.
 #pragma once
 
 #include <map>
@@ -25,22 +25,22 @@ namespace programs {
 
 class Program {
  public:
-  /// `photo` is what a program of this name, or one that opens a picture, gets; each gets its own.
+  /// A program of this name, or one that opens a picture, gets a copy of `photo`.
   Program(host::Host& plugin, const host::PictureShape& photo);
 
-  /// Takes a program, and returns what is wrong with it: "line 3: ..."; lines count from
-  /// `firstLine`.
+  /// Checks a program and returns what is wrong with it: "line 3: ..."; the first line has the
+  /// number `firstLine`.
   std::vector<std::string> Check(const std::vector<std::string>& lines, int firstLine = 1);
 
-  /// The methods that were called with success so far.
+  /// The methods that were called successfully so far.
   const std::set<std::string>& Called() const { return called_; }
 
  private:
-  // A value, as far as it is known.
+  // A value, if it is known.
   struct Term {
-    host::Type type = host::Type::None;  // None: nothing, or something of the host's
+    host::Type type = host::Type::None;  // None: nothing, or an object of the host
     std::optional<host::Value> value = {};
-    bool isFraction = false;  // a number that is written with a point
+    bool isFraction = false;  // a number written with a point
     std::string variable = {};
     bool isNothing = false;  // of a call without a result
   };
@@ -73,9 +73,9 @@ class Program {
   host::Host& plugin_;
   host::PictureShape shape_;
   host::Picture photo_;
-  std::map<std::string, Term> variables_;  // by name in lower case
+  std::map<std::string, Term> variables_;  // by name, in lower case
   std::map<std::string, Function> functions_;
-  host::Type result_ = host::Type::None;  // of the function whose lines are taken
+  host::Type result_ = host::Type::None;  // of the function that is being read
   std::set<std::string> called_;
   int expectedError_ = 0;
   bool errorSeen_ = false;

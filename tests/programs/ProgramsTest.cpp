@@ -1,5 +1,5 @@
-// Every program on the pages and in examples/ calls the plug-in as it is declared, and the calls
-// work.
+// Every program in the documentation and in examples/ calls the plug-in as it is declared, and the
+// calls work.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// Larger than the parts that the pages cut out of it.
+// Larger than the parts that the programs cut out of it.
 constexpr int kWidth = 400, kHeight = 300;
 
 Lines LinesOf(const fs::path& file) {
@@ -32,7 +32,7 @@ struct Source {
   Lines lines;
 };
 
-// The programs on a page: what stands between ```vb and ```.
+// The programs on a page: the text between ```vb and ```.
 std::vector<Source> ProgramsOn(const fs::path& page) {
   std::vector<Source> programs;
   const Lines lines = LinesOf(page);
@@ -88,7 +88,7 @@ class Programs : public testing::TestWithParam<host::Storage> {
     }
   }
 
-  // What is wrong with the second of two lines, of which the first makes a picture.
+  // What is wrong with the second of two lines. The first line makes a picture.
   std::string Complaint(const std::string& line) {
     const Lines complaints = program_.Check({"Dim p As Picture = LMX_MakeGradient(8, 6, &c112233, &c445566, 0)", line});
     EXPECT_LE(complaints.size(), 1U) << line;

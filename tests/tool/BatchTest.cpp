@@ -1,5 +1,5 @@
-// Several pictures at once: which file each result gets, what is told, and that one failure or
-// signal leaves the rest in order.
+// Several pictures at once: the file of each result, the messages, and the state of the others
+// after a failure or a signal.
 #include "tool/Batch.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ class BatchTest : public FileTest {
     WriteFile(bad_, Text("none"));
   }
 
-  // Waits for what another process does.
+  // Waits for another process to do something.
   static bool Becomes(const std::function<bool()>& condition) {
     for (int i = 0; i < 3000; ++i) {
       if (condition()) return true;
@@ -174,8 +174,8 @@ TEST_F(BatchTest, ATerminalShowsOneLine) {
   EXPECT_EQ(ended.error.substr(ended.error.size() - 4), "\r\x1b[K");
 }
 
-// The worker for a.png waits for a reader of its output, so that the signal finds the batch half
-// done.
+// The worker for a.png waits for a reader of its output, so the signal arrives in the middle of the
+// batch.
 TEST_F(BatchTest, SignalsStopAllWorkAndLeaveWhatIsDone) {
   for (const int end : {SIGINT, SIGTERM, SIGHUP}) {
     ASSERT_EQ(mkfifo(Path("out/a.png").c_str(), 0600), 0);
@@ -203,7 +203,7 @@ TEST_F(BatchTest, CtrlCBeforeTheFirstPictureStopsAll) {
   EXPECT_TRUE(Names("out").empty());
 }
 
-// Each waits for the other, and the first ends last.
+// Each waits for the other, and the first one ends last.
 TEST_F(BatchTest, WorkGoesOnAtTheSameTimeAndIsToldInOrder) {
   std::ostringstream out;
   tool::RunBatch({"first", "second"}, 2, out, [&](std::size_t i) {
@@ -228,7 +228,7 @@ TEST_F(BatchTest, NoMoreThanSoManyWorkAtOnce) {
   EXPECT_EQ(out.str(), ".......");
 }
 
-// More than a pipe holds at a time.
+// More than a pipe can hold.
 TEST_F(BatchTest, LongTextsArrive) {
   std::ostringstream out;
   tool::RunBatch({"x"}, 1, out, [](std::size_t) { return tool::Told{std::string(300000, 'x'), {}, ""}; });
@@ -249,8 +249,8 @@ TEST_F(BatchTest, AProcessThatEndsBadlyIsAFailure) {
   EXPECT_EQ(out.str(), "fine");
 }
 
-// The worker ends, and its temporary file goes, with the process that started it, even when that
-// cannot do anything.
+// The worker ends and its temporary file is removed when the process that started it ends, even if
+// that process was killed.
 TEST_F(BatchTest, NoWorkerOrFileOutlivesTheBatch) {
   for (const int end : {SIGTERM, SIGKILL}) {
     const int status = InChild([&] {

@@ -1,4 +1,4 @@
-// `lmx bench`: a line for each operation, whatever the times are.
+// `lmx bench` prints a line for each operation, whatever the times are.
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -12,13 +12,13 @@ namespace {
 
 using BenchTest = FileTest;
 
-// Operations that stand for all methods on pictures, and for those that make one.
+// Operations that represent all methods on pictures, and those that make a picture.
 const std::vector<std::string> kSome = {"flip horizontal", "turn 90",     "shear vertical 0.3", "rotate 30",
                                         "stretch 1/2",     "trim border", "HSV in place",       "RGB",
                                         "average RGB",     "average HSV", "gradient",           "double gradient"};
 
-// The operations of lines that match, whose first group is the name; failures for lines that do
-// not.
+// The names of the operations in matching lines: the first group of the pattern. Lines that do not
+// match are failures.
 std::set<std::string> OperationsIn(const std::vector<std::string>& lines, const std::regex& shape) {
   std::set<std::string> names;
   for (const std::string& line : lines) {

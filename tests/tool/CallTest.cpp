@@ -1,5 +1,5 @@
-// Calls of methods on picture files: what arrives at the plug-in, what comes out, and what is told
-// about it.
+// Calls of methods on picture files: the arguments that the plug-in gets, the output, and the
+// messages about it.
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -91,7 +91,7 @@ TEST_F(CallTest, InPlaceMethodsHandTheChangedPictureOn) {
   EXPECT_EQ(ReadFile(small_), Png(SmallImage()));
 }
 
-// Also where the method changes its picture, which happens once.
+// Also if the method changes its picture, which must happen only once.
 TEST_F(CallTest, RepeatedCallsCountOnce) {
   const tool::Image once =
       Run({"AdjustRGB_InPlace", small_, "green_delta=9", "+", "FlipRotate", "rotation=90", "--json"});
@@ -235,7 +235,7 @@ TEST_F(CallTest, NumbersThatCountAsOthersAreNoted) {
   EXPECT_EQ(noted({"FreeRotateByShear", small_, "rotation=45"}), "");
 }
 
-// 384 x 21931 pixels of 255 just add up to what 32 bits hold.
+// 384 x 21931 pixels of 255 are the most whose sum fits into 32 bits.
 TEST_F(CallTest, SumsThatDoNotFitAreTold) {
   const auto measured = [](const char* height, const char* method, const char* part) {
     return Lmx({"MakeGradient", "width=384", height, "color2=#000000", "+", "AdjustRGB_InPlace", "red_delta=255", "+",

@@ -1,4 +1,4 @@
-// The test chart has what makes each operation visible.
+// The test chart contains what makes each operation visible.
 #include "tool/Chart.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// `lmx compare`: equal or not, how much, and where.
+// `lmx compare`: whether pictures are equal, how much they differ, and where.
 #include "tool/Compare.h"
 
 #include <gtest/gtest.h>
@@ -90,7 +90,7 @@ TEST_F(CompareTest, SizesThatDiffer) {
   EXPECT_PRED2(Contains, ended.error, "out.png");
 }
 
-// 1 would mean that the pictures differ.
+// Status 1 would mean that the pictures differ.
 TEST_F(CompareTest, TroubleIsStatusTwo) {
   const std::vector<std::vector<std::string>> calls = {
       {},

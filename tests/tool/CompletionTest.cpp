@@ -1,4 +1,4 @@
-// Completions are asked as the shells ask them, of those shells that are here.
+// Completions, requested as the shells do it, for the shells that are installed.
 #include "tool/Completion.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// What a shell command prints, line by line.
+// The output of a shell command, line by line.
 Texts Printed(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) throw std::runtime_error("popen");
@@ -39,7 +39,7 @@ class Completion : public FileTest {
     return out.str();
   }
 
-  // What the shell prints for these lines, in the test's folder, where the script is.
+  // The shell's output for these lines, run in the test's folder, which has the script.
   Texts Run(const std::string& shell, const std::string& lines) {
     const std::string script = ScriptFor(shell);
     WriteFile(Path("script"), Text(script));
@@ -47,8 +47,8 @@ class Completion : public FileTest {
     return Printed("cd '" + Path("") + "' && HOME=. XDG_CONFIG_HOME=. " + shell + " ./lines");
   }
 
-  // What bash offers for the last of these words, which are split as it splits them. Nothing:
-  // names of files.
+  // Bash's offers for the last of these words, which are split as bash splits them. Nothing means
+  // file names.
   Texts Bash(const Texts& words) {
     std::string line;
     for (const std::string& word : words) line += " '" + word + "'";
@@ -142,7 +142,7 @@ TEST_F(Completion, ZshAndFishKnowAllWords) {
   }
 }
 
-// Zsh's own part is played by functions that print what they get.
+// Functions that print their arguments replace those of zsh.
 TEST_F(Completion, ZshOffersWhatIsDeclared) {
   if (Printed("command -v zsh || true").empty()) GTEST_SKIP() << "no zsh";
   const std::string stubs =

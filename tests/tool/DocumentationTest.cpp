@@ -1,5 +1,4 @@
-// The documentation and the declarations are about the same methods and arguments, and nothing
-// else.
+// The documentation and the declarations describe the same methods and arguments.
 #include "tool/Documentation.h"
 
 #include <gtest/gtest.h>
@@ -69,7 +68,7 @@ TEST_F(DocumentationTest, FallbacksAreValuesOfTheDeclaredTypeAndResultsHaveNone)
   }
 }
 
-// Against the plug-in: it takes what lies in the range, up to its ends, and nothing beyond them.
+// Compared with the plug-in: it accepts a range up to its ends, and nothing outside.
 TEST_F(DocumentationTest, RangesAreThoseOfThePluginAndOfTheMeaning) {
   host::Picture picture({3, 2, host::Storage::BitmapContext, {}, {}});
   picture.Fill(0);

@@ -1,4 +1,4 @@
-// Files that lmx writes, read by other decoders than its own.
+// Files that lmx writes, read by independent decoders.
 #include "tool/Encode.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ std::uint32_t Number(const Bytes& bytes, std::size_t at) {
          bytes[at + 3];
 }
 
-// The filters of the rows, after every chunk's checksum has been found right.
+// The filters of the rows. Checks the checksum of every chunk first.
 std::vector<int> FiltersOf(const Bytes& png, const tool::Image& image, std::size_t channels) {
   Bytes packed;
   for (std::size_t at = 8; at < png.size();) {
@@ -72,7 +72,7 @@ TEST_F(EncodeTest, PngsHoldEveryPixelAtEveryLevel) {
   ExpectRoundTrip(Noise(700, 500, 0xFF000000), 1);  // several chunks
 }
 
-// One pixel that is not opaque brings the alpha channel back; Result() tells.
+// A single pixel that is not opaque makes the file have an alpha channel, as Result() shows.
 TEST_F(EncodeTest, AlphaIsKeptForASinglePixel) {
   tool::Image image = OpaqueImage(40, 30);
   ExpectRoundTrip(image, 3);
@@ -92,7 +92,7 @@ TEST_F(EncodeTest, EveryFilterIsUsedWhereItForetellsBest) {
   EXPECT_EQ(filters(image)[0], kLeft);
   for (std::uint32_t& pixel : image.pixels) pixel = 0xFF000000;
   EXPECT_EQ(filters(image)[2], kNone);
-  // On the left the last row repeats the one above, on the right it repeats itself.
+  // On the left the last row repeats the one above; on the right it repeats itself.
   for (std::size_t x = 0; x < 32; ++x) {
     const std::uint32_t column = static_cast<std::uint32_t>(random()) | 0xFF000000;
     for (std::size_t y = 0; y < 4; ++y) image.pixels[32 * y + x] = x < 16 ? column : y < 3 ? 0xFF202020 : 0xFFA0A0A0;

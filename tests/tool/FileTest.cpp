@@ -1,4 +1,4 @@
-// Files: those that are no pictures, and those that must survive.
+// Files that are no pictures, and files that must not be damaged.
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -36,7 +36,7 @@ class HostileFileTest : public FileTest {
  protected:
   HostileFileTest() { WriteFile(Path("out.png"), Text("old")); }
 
-  // The file is refused with a message that names it, and the output stays.
+  // The file is refused with a message that names it, and the output file stays unchanged.
   void ExpectRefused(const std::string& path, const std::string& why) {
     const Ended ended = Lmx({"FlipRotate", path, "-o", Path("out.png")});
     EXPECT_EQ(ended.status, 1) << path << ended.error;
@@ -73,8 +73,8 @@ TEST_F(HostileFileTest, FilesOfOtherKinds) {
   }
 }
 
-// Its reader leaves the pixels as it finds them, which must not be whatever the process had there
-// before. glibc fills fresh memory as this variable says.
+// The reader does not set the pixels, and they must not show old contents of the process's memory.
+// This variable tells glibc to fill fresh memory.
 TEST_F(HostileFileTest, AJpegWithoutAScanIsTheSamePictureEveryTime) {
   constexpr unsigned char kScan[] = {0xFF, 0xDA}, kEnd[] = {0xFF, 0xD9};
   Bytes bytes = Jpeg(OpaqueImage(400, 300));
@@ -100,8 +100,7 @@ Bytes OneChannelPng(int side, unsigned kind, bool interlaced, const Bytes& palet
   return maker.Chunk("IDAT", packed).Chunk("IEND", {}).bytes;
 }
 
-// Bits of a deflate stream. Codes come with their highest bit first, everything else with the
-// lowest.
+// Bits of a deflate stream. Codes start with their highest bit, everything else with the lowest.
 class Packed {
  public:
   Packed& Bits(unsigned value, int count) {
@@ -123,8 +122,8 @@ class Packed {
   int used_ = 0;
 };
 
-// The last seven bytes are copied from a distance of 0, that is, from themselves. With the filters
-// of its 15 rows an interlaced picture of 8 x 8 pixels has 79 bytes.
+// The last seven bytes are copied from distance 0, that is, from themselves. An interlaced picture
+// of 8 x 8 pixels has 79 bytes, including the filters of its 15 rows.
 TEST_F(HostileFileTest, APngWhosePixelsAreMissingIsRefused) {
   Packed packed;
   packed.Bits(1, 1).Bits(1, 2);                          // one block, with the codes that are always the same
@@ -158,7 +157,7 @@ TEST_F(HostileFileTest, PixelsBeyondThePaletteAreBlack) {
   ExpectRefused(Hostile(picture(Bytes(771, 9))), "damaged");
 }
 
-// Where addresses have 32 bits, the end of such a chunk would lie before its start.
+// With 32-bit addresses, the end of such a chunk would lie before its start.
 TEST_F(HostileFileTest, PngWithAChunkThatIsLongerThanTheFile) {
   for (const int high : {0x00, 0x60, 0x7F, 0xFF}) {
     for (const char* type : {"tEXt", "IDAT", "CgBI"}) {
@@ -207,7 +206,7 @@ TEST_F(HostileFileTest, OversizedTablesOfAJpeg) {
                 why);  // after bytes that belong to no segment
 }
 
-// What programs keep in a JPEG can look like anything.
+// Data that programs store in a JPEG can look like anything.
 TEST_F(HostileFileTest, TablesInACommentAreNone) {
   const Bytes head = {0xFF, 0xFE, 0x00, static_cast<unsigned char>(2 + kOversizedTable.size())};
   const Ended ended = Lmx({"GetAverageRGB", Hostile(JpegWith(Inserted(head, 4, kOversizedTable), 20))});
@@ -288,7 +287,7 @@ TEST_F(OutputTest, LinksAndPermissionsStay) {
   EXPECT_EQ(StatusOf(Path("real.png")).st_mode & 0777, 0640u);
 }
 
-// As a user who may not write it, but who may replace everything in the folder.
+// As a user who may not write the file, but may replace files in its folder.
 TEST_F(OutputTest, AFileThatMayNotBeWrittenStays) {
   constexpr uid_t kNobody = 65534;
   const std::string path = Path("out.png"), folder = path.substr(0, path.rfind('/'));
@@ -323,7 +322,7 @@ TEST_F(OutputTest, TheOwnerStaysWhereTheUserMayGiveFilesAway) {
   EXPECT_EQ(status.st_mode & 07777, 04750u);
 }
 
-// The group of the new file may be one that the old one's rights were never meant for.
+// The new file may belong to another group, for which the old file's rights were never meant.
 TEST_F(OutputTest, WithoutTheOwnerAFileGivesNobodyItsRights) {
   constexpr uid_t kNobody = 65534;
   if (geteuid() != 0) GTEST_SKIP() << "only root may make another's file";

@@ -15,14 +15,14 @@ using Bytes = std::vector<unsigned char>;
 Bytes Png(const tool::Image& image);
 Bytes Jpeg(const tool::Image& image);
 
-/// What another decoder than the tool's makes of a PNG; no pixels if it is damaged. `channels`: how
-/// many the file has.
+/// A PNG as an independent decoder reads it; no pixels if it is damaged. `channels` is their number
+/// in the file.
 tool::Image Decoded(const Bytes& png, int* channels);
 
-/// The same file with more bytes at some place.
+/// The same file with bytes inserted at some place.
 Bytes Inserted(Bytes file, std::size_t at, const Bytes& part);
 
-/// A PNG in the making: the chunks in their order, with right checksums.
+/// A PNG that is built chunk by chunk, with correct checksums.
 class PngMaker {
  public:
   static constexpr std::size_t kHeaderEnd = 33;
@@ -31,12 +31,12 @@ class PngMaker {
   PngMaker& Header(int width, int height, unsigned depth, unsigned kind, bool interlaced);
 
   Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-  std::vector<std::size_t> starts;  ///< of the chunks' types
+  std::vector<std::size_t> starts;  ///< places of the chunks' types
 };
 
 /// One chunk of a PNG.
 Bytes PngChunk(const std::string& type, const Bytes& data);
-/// A number with the highest byte first.
+/// A number, its highest byte first.
 void AppendNumber(Bytes& bytes, std::uint32_t number);
 
 void WriteFile(const std::string& path, const Bytes& bytes);
@@ -45,7 +45,7 @@ inline Bytes Text(const std::string& text) {
 }
 Bytes ReadFile(const std::string& path);
 
-/// Gives every test an empty folder, which goes away afterwards.
+/// Gives every test an empty folder, which is removed afterwards.
 class FileTest : public testing::Test {
  protected:
   FileTest();
@@ -54,9 +54,9 @@ class FileTest : public testing::Test {
   std::string Path(const std::string& name) const { return folder_ + "/" + name; }
   /// Writes a PNG into the folder and returns its path.
   std::string Given(const std::string& name, const tool::Image& image) const;
-  /// Reads a PNG of the folder; an empty image, and a failure, if there is none.
+  /// Reads a PNG from the folder. If there is none, returns an empty image and records a failure.
   tool::Image Result(const std::string& name) const;
-  /// The names in the folder, or in one of its folders, sorted.
+  /// The sorted names in the folder or in one of its subfolders.
   std::vector<std::string> Names(const std::string& folder = "") const;
 
  private:

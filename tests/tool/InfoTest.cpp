@@ -1,4 +1,4 @@
-// `lmx info`: what is told about files.
+// `lmx info`: what it prints about files.
 #include <gtest/gtest.h>
 
 #include "Files.h"
@@ -28,7 +28,7 @@ TEST_F(InfoTest, TellsSizeAndTransparency) {
              ""}));
 }
 
-// The size is that of the picture as it is seen.
+// The size is that of the upright picture.
 TEST_F(InfoTest, TellsHowACameraWasHeld) {
   const std::string texts[] = {"upright",
                                "mirrored left and right",

@@ -1,5 +1,5 @@
-// Ctrl-C and what a terminal shows. The signal is pending when lmx starts, so it arrives at a known
-// point: before the method is called, and noticed at the method's first yield.
+// Ctrl-C, and output on a terminal. The signal is pending when lmx starts, so it arrives at a known
+// point: before the method is called. lmx notices it at the method's first yield.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -30,7 +30,7 @@ class InterruptTest : public FileTest {
   }
 
   const std::string small_ = Given("small.png", SmallImage());
-  // More pixels than lmx lets pass between two yields of its own accord.
+  // More pixels than lmx lets pass between two yields by default.
   const std::vector<std::string> large_ = {"MakeGradient", "width=1100", "height=1100", "-o", Path("out.png")};
   Surroundings interrupted_, terminal_;
 };
@@ -114,7 +114,7 @@ TEST_F(InterruptTest, AnIgnoredSignalStaysIgnored) {
   EXPECT_EQ(status, 0);
 }
 
-// Until there is a reader, lmx has not begun to write; then there is more than a pipe takes.
+// lmx does not begin to write before there is a reader. Then it writes more than a pipe can hold.
 TEST_F(InterruptTest, StopsWhileWriting) {
   ASSERT_EQ(mkfifo(Path("pipe.png").c_str(), 0600), 0);
   tool::Image noise = OpaqueImage(300, 300);
@@ -143,7 +143,7 @@ TEST_F(InterruptTest, StopsWhileReading) {
   EXPECT_EQ(Lmx({"GetAverageRGB", path}, interrupted_).status, 130);
 }
 
-// One colour: a small file, which is read at once, and then many pixels.
+// One colour: the file is small and quickly read, and has many pixels.
 TEST_F(InterruptTest, StopsBetweenTheRowsOfALargePicture) {
   const tool::Image large{2100, 2000, std::vector<std::uint32_t>(2100 * 2000, 0xFF336699)};
   const std::string png = Given("large.png", large), jpeg = Path("large.jpg");
@@ -179,7 +179,7 @@ TEST_F(InterruptTest, ATerminalShowsTheWayOfALargePicture) {
   shows(png, jpeg, "writing " + jpeg + ": 0 kB");
 }
 
-// When the pipe is empty, lmx waits for more, or is about to.
+// When the pipe is empty, lmx waits for more input or is about to.
 TEST_F(InterruptTest, StopsWhileItWaitsForInput) {
   Surroundings surroundings;
   surroundings.input = "\x89PNG";

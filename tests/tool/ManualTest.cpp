@@ -1,5 +1,4 @@
-// The manual page tells of everything that the tables have, in words that roff does not take for
-// instructions.
+// The manual page describes everything in the tables, in text that roff does not read as requests.
 #include "tool/Manual.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +23,7 @@ class Manual : public testing::Test {
     roff_ = out.str();
   }
 
-  // What the page shows: without the instructions of roff.
+  // The text of the page without roff's requests.
   std::string Shown() const {
     std::string shown;
     for (std::size_t i = 0; i < roff_.size(); ++i) {

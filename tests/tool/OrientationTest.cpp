@@ -1,4 +1,4 @@
-// Photos come out upright, however the camera was held.
+// Photos come out upright, in whatever orientation the camera was held.
 #include "tool/Orientation.h"
 
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ class OrientationTest : public FileTest {
   }
 };
 
-// What a picture of 3 x 2 becomes.
+// The expected result for a picture of 3 x 2.
 struct Case {
   unsigned orientation;
   int width;
@@ -118,7 +118,7 @@ TEST_F(OrientationTest, OtherValuesAndTypesAreIgnored) {
   EXPECT_EQ(Read(PngWith(SmallImage(), Exif(6, true, 4))).pixels, SmallImage().pixels);
 }
 
-// The vector has exactly these bytes, so that the address sanitizer sees a step beyond.
+// The vector has exactly these bytes, so that the address sanitizer notices a read past its end.
 TEST_F(OrientationTest, DataThatEndAnywhereAreIgnored) {
   const Bytes exif = Exif(6, false);
   constexpr std::size_t kEndOfValue = 8 + 2 + 12 + 10;

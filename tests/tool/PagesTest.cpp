@@ -1,4 +1,4 @@
-// The commands of lmx on the pages work as they stand there.
+// The commands of lmx in the documentation work as they are written.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 

@@ -1,4 +1,4 @@
-// PNG files of every kind, against another decoder; and files that are damaged.
+// PNG files of every kind, compared with an independent decoder, and damaged files.
 #include "tool/PngReader.h"
 
 #include <gtest/gtest.h>
@@ -117,7 +117,7 @@ TEST(PngReader, TicksOnceARow) {
 
 class PngDamageTest : public FileTest {
  protected:
-  // The reasons, one for each damaged file; "fine" for one that is read.
+  // The expected messages, one for each damaged file; "fine" for a file that can be read.
   static std::string Reason(const Bytes& png) {
     try {
       tool::DecodePng("x.png", png, kNoTick);

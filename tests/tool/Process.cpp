@@ -23,7 +23,7 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-// What one end writes, the other reads.
+// A pipe: one end reads what the other end writes.
 struct Channel {
   int reading;
   int writing;
@@ -58,7 +58,7 @@ void ApplyInChild(const Surroundings& surroundings) {
   }
 }
 
-// Reads both to their ends. A terminal ends with an error.
+// Reads both to the end. At the end, a terminal reports an error.
 void Drain(int out, std::string& outText, int error, std::string& errorText) {
   std::array<pollfd, 2> files = {{{out, POLLIN, 0}, {error, POLLIN, 0}}};
   const std::array<std::string*, 2> texts = {&outText, &errorText};

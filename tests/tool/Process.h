@@ -12,11 +12,12 @@ namespace tool_test {
 
 struct Surroundings {
   bool terminal = false;          ///< standard error is a terminal
-  bool pendingInterrupt = false;  ///< Ctrl-C was pressed before the program could notice
-  std::string input;              ///< standard input, as far as a pipe holds it
-  /// Done beside the running program, before its output is read; standard input stays open as long.
+  bool pendingInterrupt = false;  ///< Ctrl-C was pressed before the program could notice it
+  std::string input;              ///< standard input; must fit into a pipe
+  /// Runs while the program runs, before its output is read. Standard input stays open until it
+  /// returns.
   std::function<void(pid_t lmx, int input)> started;
-  long largestFile = -1;  ///< bytes that a file may have, as if the disk were full then; -1: any number
+  long largestFile = -1;  ///< the largest file in bytes, as if the disk were full then; -1: any size
 };
 
 struct Ended {
@@ -27,14 +28,14 @@ struct Ended {
 bool operator==(const Ended& a, const Ended& b);
 void PrintTo(const Ended& ended, std::ostream* out);
 
-/// Does this in a process of its own and returns what waitpid() says of its end. Left by an
-/// exception, it exits with 99, and after a failed check with 1.
+/// Calls the function in a process of its own and returns the status of waitpid(). That process
+/// exits with 99 after an exception, and with 1 after a failed check.
 int InChild(const std::function<void()>& action);
 
-/// Runs lmx with these arguments, to its end.
+/// Runs lmx with these arguments until it ends.
 Ended Lmx(const std::vector<std::string>& arguments, Surroundings surroundings = {});
 
-/// What is looked for in texts that lmx writes.
+/// Patterns for texts that lmx writes.
 bool Contains(const std::string& text, const std::string& part);
 bool StartsWith(const std::string& text, const std::string& start);
 std::vector<std::string> Lines(const std::string& text);

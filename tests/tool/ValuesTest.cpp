@@ -1,4 +1,4 @@
-// Values as users write them: everything that is meant, and nothing that is not.
+// Values as users write them: valid ones are understood, and all others are refused.
 #include "tool/Values.h"
 
 #include <gtest/gtest.h>
@@ -65,7 +65,7 @@ TEST(Values, ColoursHaveTheFormsOfTheWebAndOfPrograms) {
                  "#-12345", "123456", "&h123456",  "&h-1234567", "&h0x123456", "red",      "# 12345",    "#12345 "});
 }
 
-// Eight digits mean alpha to some and transparency to others.
+// Some read eight digits as a colour with alpha, others as one with transparency.
 TEST(Values, ColoursThatHaveTwoMeaningsAreAskedAbout) {
   EXPECT_EQ(ThrownBy<tool::UsageError>([] { ParseValue(Type::Colour, "#12abEF40"); }),
             "`#12abEF40` has two meanings: write &c12ABEF40 if 40 is the transparency (00 opaque), or &c12ABEFBF if it "
