@@ -1,4 +1,4 @@
-"""Plants bugs in the product, one at a time, and tells which of them no test notices. scripts/mutate calls it."""
+"""Plants bugs in the product, one at a time, and reports those that no test notices. scripts/mutate calls it."""
 
 import argparse
 import collections
@@ -30,7 +30,7 @@ def all_mutants():
 
 
 def chosen(mutants, filters, sample):
-    """Those that a filter names or matches; of these, if that is asked for, so many at equal distances."""
+    """The mutants that a filter names or matches; if a number is given, so many of these at equal distances."""
     if filters:
         names = set(filters) & {mutant.name for mutant in mutants}
         patterns = [re.compile(text) for text in filters if text not in names]
@@ -42,9 +42,9 @@ def chosen(mutants, filters, sample):
 
 
 class Justification:
-    """Mutants that may live: entries `FILE OPERATOR: CODE`, where the operator is the end of the name, with #n for the nth
-    on the line, and may have wildcards, and the code is the line as it stands; below a group of entries, indented, the
-    reason."""
+    """Mutants that may survive: groups of entries `FILE OPERATOR: CODE`, each followed by its indented reason. The
+    operator is the end of the mutant's name, with #n for the nth on the line, and may have wildcards. The code is the
+    whole line."""
 
     def __init__(self, text):
         self.entries, group = [], []
@@ -69,7 +69,7 @@ class Justification:
         return next((entry["reason"] for entry in self.entries if self._is(entry, mutant)), "")
 
     def check(self, mutants):
-        """Ends the program if an entry has no reason, or is about nothing any more."""
+        """Ends the program if an entry has no reason or matches no mutant."""
         for entry in self.entries:
             name = f"{entry['file']} {entry['operator']}: {entry['code']}"
             if not entry["reason"]:
@@ -84,8 +84,8 @@ class Justification:
 
 
 def run(mutants, workers, without):
-    """Judges all of them; a list of (mutant, result) in their order. Each worker takes the next one, so that its
-    neighbours in a file mostly share what has to be compiled."""
+    """Judges all mutants; returns a list of (mutant, result) in their order. Each worker takes the next mutant, so
+    successive ones are mostly in the same file and share compilations."""
     seconds = {}
     benches = [Workbench(pathlib.Path.cwd(), FOLDER.absolute() / f"tree-{i + 1}", seconds, without)
                for i in range(workers)]
@@ -118,7 +118,7 @@ def run(mutants, workers, without):
 
 
 def table(results):
-    """By file: how many, killed by which kind of test, and what was not."""
+    """A table by file: the number of mutants, those that each kind of test killed, and the others."""
     kinds = [kind for kind in PROGRAMS if any(result.kind == kind for _, result in results)]
     columns = ["mutants", *kinds, "stillborn", "equal", "survived"]
     rows = collections.defaultdict(collections.Counter)

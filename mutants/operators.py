@@ -1,4 +1,4 @@
-"""The bugs that can be planted: each operator finds its places in a file, and what would stand there instead."""
+"""The bugs that can be planted: each operator finds its places in a file, and the replacements there."""
 
 import pathlib
 import re
@@ -95,7 +95,7 @@ def _operators(source):
 
 
 def _is_declared(source, i):
-    """Whether the name is that of a parameter, member or variable which is declared here."""
+    """Whether this token declares a parameter, member or variable."""
     before, after = source.tokens[i - 1], source.tokens[i + 1]
     if before.kind == "name":
         return before.text not in ("return", "case", "else", "const")
@@ -103,7 +103,7 @@ def _is_declared(source, i):
 
 
 def _functions(source):
-    """For each token, the set of names in its function or class, which ends with a bracket at the start of a line."""
+    """For each token, the set of names in its function or class. These end with a bracket at the start of a line."""
     sets, names = [], set()
     for token in source.tokens:
         if token.kind == "name":
@@ -172,7 +172,7 @@ def _unary(source):
 
 
 def _terms(source):
-    """Rounding terms and the like: a number that is added or subtracted is left out."""
+    """Leaves out a number that is added or subtracted, such as a rounding term."""
     for i, token in _tokens(source, "number"):
         before = source.tokens[i - 1]
         if before.text in ("+", "-") and source.spaced(i - 1) and source.tokens[i + 1].text not in ("*", "/", "%"):
@@ -194,7 +194,7 @@ def _conditions(source):
 
 
 def _drops(source):
-    """Statements that are left out: expressions, loops and conditional jumps without braces."""
+    """Leaves out a statement: an expression, or a loop or conditional jump without braces."""
     tokens = source.tokens
     for first, last in source.statements():
         head = tokens[first].text
@@ -205,7 +205,7 @@ def _drops(source):
 
 
 def _split_chain(source, first, last):
-    """The parts of `a ? b : c ? d : e`, as (start, end), or less than five where it is no such chain."""
+    """The parts of `a ? b : c ? d : e`, as (start, end), or fewer than five if it is no such chain."""
     parts, start, i = [], source.tokens[first].start, first
     while i < last:
         token = source.tokens[i]
@@ -219,7 +219,7 @@ def _split_chain(source, first, last):
 
 
 def _chains(source):
-    """Neighbouring tests of a chain change places, each with its outcome."""
+    """Exchanges neighbouring tests of a chain, each with its outcome."""
     for first, last in source.statements():
         equals = next((i for i in range(first, last) if source.tokens[i].text == "="), None)
         if equals is None:
@@ -233,7 +233,7 @@ def _chains(source):
 
 
 def _guards(source):
-    """Two `if (...) return ...;` in a row change places."""
+    """Exchanges two successive `if (...) return ...;`."""
     tokens = source.tokens
     guards = [(first, last) for first, last in source.statements() if tokens[first].text == "if"
               and tokens[source.partner[first + 1] + 1].text == "return"]
@@ -256,7 +256,7 @@ def _codes(source):
 
 
 def _bounds(source):
-    """A bound of tiles, bands or arrays is one more or less, in one place of its use."""
+    """Adds or subtracts 1 where a bound of tiles, bands or arrays is used."""
     for i, token in _tokens(source, "name"):
         if token.text in BOUNDS and source.tokens[i + 1].text not in ("=", "("):
             yield token.start, token.end, "bound-plus1", f"({token.text} + 1)"
@@ -264,7 +264,7 @@ def _bounds(source):
 
 
 def _operand(source, i, step, ends):
-    """The last token of the operand that begins beside token i, to the right (1) or left (-1)."""
+    """The last token of the operand that begins next to token i, to the right (1) or left (-1)."""
     opening, closing = ("([{", ")]}") if step > 0 else (")]}", "([{")
     at = i + step
     while True:
@@ -277,7 +277,7 @@ def _operand(source, i, step, ends):
 
 
 def _halves(source):
-    """Of two conditions that are joined, one is left out."""
+    """Leaves out one of two joined conditions."""
     for i, token in _tokens(source, "mark"):
         if token.text not in ("&&", "||") or not source.spaced(i):
             continue
@@ -289,7 +289,7 @@ def _halves(source):
 
 
 def _yields(source):
-    """A call goes without yields, or does not wait for the next one."""
+    """A call does not yield, or does not wait for the next yield."""
     for i, token in _tokens(source, "name"):
         before, after = source.tokens[i - 1].text, source.tokens[i + 1].text
         if token.text == "yield" and before in ("(", ",") and after in (")", ","):
@@ -305,7 +305,7 @@ def _yields(source):
 
 
 def _forms(source):
-    """The storage form of a picture is not looked at."""
+    """Ignores the storage form of a picture."""
     for i, token in _tokens(source, "name"):
         if token.text == "FormOf" and source.tokens[i + 1].text == "(" and source.tokens[i - 1].kind != "name":
             for form in ("kContextForm", "kBufferForm"):

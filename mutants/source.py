@@ -1,5 +1,5 @@
-"""C++ as far as mutants need it: the tokens of a file, and its statements. Comments, preprocessor lines and string
-literals are no tokens of interest, so that nothing is planted in them."""
+"""Reads C++ as far as mutants need it: the tokens and statements of a file. Nothing is planted in comments,
+preprocessor lines and string literals, so these are left out."""
 
 import collections
 import re
@@ -23,7 +23,7 @@ NO_EXPRESSION = frozenset(
 
 
 class Source:
-    """A file's text, its tokens without comments and the like, and where its lines begin."""
+    """A file's text, its tokens without comments and the like, and the places where its lines begin."""
 
     def __init__(self, text):
         self.text = text
@@ -41,7 +41,7 @@ class Source:
         return self.text[token.start - 1].isspace() and self.text[token.end].isspace()
 
     def _partners(self):
-        """The index of the bracket that goes with a bracket."""
+        """For each bracket, the index of its partner."""
         partner, open_brackets = {}, []
         for i, token in enumerate(self.tokens):
             if token.text in ("(", "[", "{"):
@@ -52,7 +52,8 @@ class Source:
         return partner
 
     def _skipped(self):
-        """Tokens of template heads, of static_asserts, and of declared lengths of arrays: a longer array is no bug."""
+        """Tokens of template heads, of static_asserts, and of declared lengths of arrays: a longer array is no
+        bug."""
         skipped = set()
         for i, token in enumerate(self.tokens):
             if token.text == "template" and self.tokens[i + 1].text == "<":
@@ -93,7 +94,7 @@ class Source:
             i += 1
 
     def is_expression(self, first, last):
-        """Whether the statement is an expression, and not a declaration or a jump."""
+        """Whether the statement is an expression, not a declaration or a jump."""
         tokens = self.tokens
         head = tokens[first]
         if head.text in NO_EXPRESSION:

@@ -67,15 +67,15 @@ def may_notice(kind, file):
 
 
 class Result:
-    """What became of a mutant: "killed", "stillborn", "equal" or "survived"; by which kind of test, and how."""
+    """The outcome of a mutant: "killed", "stillborn", "equal" or "survived"; the kind of test, and how it failed."""
 
     def __init__(self, outcome, kind="", how=""):
         self.outcome, self.kind, self.how = outcome, kind, how
 
 
 class Workbench:
-    """Has a tree of its own at `folder`, with its builds below. `seconds`, which all of them share, is how long a
-    program takes without a mutant; `without` are the kinds of tests that are left out."""
+    """A copy of the tree at `folder`, with its builds below. `seconds`, shared by all workbenches, has the time that
+    each program takes without a mutant. `without` lists the kinds of tests that are left out."""
 
     def __init__(self, repository, folder, seconds, without):
         self.repository, self.tree, self.seconds, self.without = repository, folder, seconds, without
@@ -85,8 +85,8 @@ class Workbench:
     # ------------------------------------------------------------------------------------- the tree
 
     def prepare(self, files, checks):
-        """Makes the tree that of the repository, builds what mutants of the files will meet, and if that is asked for,
-        sees the tests pass."""
+        """Copies the repository and builds the programs that test mutants of the files. If asked to, checks that the
+        tests pass."""
         self._copy()
         programs = [entry for entry in self._all_programs() if any(may_notice(entry[0], file) for file in files)]
         for name in sorted({self._build_of(kind) for kind, *_ in programs}):
@@ -125,7 +125,7 @@ class Workbench:
     # ------------------------------------------------------------------------------------- a mutant
 
     def judge(self, mutant):
-        """Plants the mutant, runs what may kill it, and takes it out again."""
+        """Plants the mutant, runs the tests that may kill it, and removes it again."""
         file = self.tree / mutant.file
         text = file.read_text()
         file.write_text(mutant.planted(text))
@@ -152,8 +152,8 @@ class Workbench:
         return Result("survived")
 
     def _at_sse2(self):
-        """What becomes, at this level, of a mutant that is part of more of them: its object, one of several that take long
-        to compile, and the build capped at this level are made anew. Nothing if it lives."""
+        """The result at this level of a mutant that is compiled for several levels. Builds only the object of this
+        level, since each takes long to compile, and the build capped at it. None if the mutant survives."""
         object_file = "CMakeFiles/lmx_product.dir/source/kernels/RunKernels_sse2.cpp.o"
         if not self._builds("native", object_file):
             return Result("stillborn")
@@ -167,7 +167,7 @@ class Workbench:
         return next(filter(None, (self._run("levels", program, capped) for program in programs)), None)
 
     def _ordered(self, file):
-        """What a mutant of the file has to survive, in this order."""
+        """The test runs that a mutant of the file has to survive, in their order."""
         first = next((kinds for pattern, kinds in FIRST if re.search(pattern, file)), [])
         everything = [entry for entry in self._all_programs() if may_notice(entry[0], file)]
         ordered = [(kind, program + ((f"--gtest_filter={suites}",) if suites else ()), environment)
@@ -194,7 +194,7 @@ class Workbench:
             return False
 
     def _objects(self):
-        """A digest of what the compiler made of the product; nothing in it tells of lines or times."""
+        """A digest of the compiled product, without line numbers or times."""
         digest = hashlib.sha256()
         for file in sorted((self.builds["native"] / "CMakeFiles").glob("lmx_*.dir/**/*.o")):
             digest.update(file.read_bytes())
@@ -211,8 +211,8 @@ class Workbench:
     # ----------------------------------------------------------------------------------------- runs
 
     def _run(self, kind, program, environment):
-        """Nothing if the tests pass, else how they killed the mutant. What takes much more time of the processor than
-        it took time without a mutant hangs."""
+        """None if the tests pass, else how they killed the mutant. A program that takes far more processor time than
+        without a mutant hangs."""
         key = (self._build_of(kind), program[0])
         processor = 3 * self.seconds[key] + 20 if key in self.seconds else 600
         build = self.builds[self._build_of(kind)]
