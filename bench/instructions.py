@@ -1,5 +1,4 @@
-"""Compares what Callgrind counted with bench/instructions.txt, or writes that file anew. scripts/instructions calls
-it."""
+"""Compares Callgrind's counts with bench/instructions.txt, or updates that file. scripts/instructions calls it."""
 
 import argparse
 import pathlib
@@ -23,8 +22,8 @@ YIELDS = ("0", "10000")
 
 
 def counted(folder):
-    """(level, picture, operation): instructions for each pixel without yields and with them, from the files of Callgrind,
-    one for each call."""
+    """The instructions per pixel without and with yields, by (level, picture, operation). Callgrind writes one file per
+    call."""
     counts = {}
     for file in folder.glob("*.out.*"):
         text = file.read_text()
@@ -37,7 +36,7 @@ def counted(folder):
 
 
 def read(file):
-    """The counts of the file, and what they were made with. Passes over what is no line of it, as a merge may leave."""
+    """The counts in the file, and the versions that gave them. Ignores other lines, which a merge may leave."""
     counts, made_with, levels = {}, "", []
     for line in file.read_text().splitlines() if file.exists() else []:
         if line.startswith("# made with: "):
@@ -64,7 +63,7 @@ def write(file, counts, made_with):
 
 
 def compare(expected, counts, same_tools):
-    """Tells what differs; whether all is well."""
+    """Prints the differences. Returns whether there are none that fail."""
     well = True
     for key in sorted(expected.keys() | counts.keys()):
         name = " ".join(key)

@@ -1,4 +1,4 @@
-"""Turns the lines that the measuring programs wrote into tables: in the terminal, as results.json, and as the measured
+"""Makes tables of the output of the measuring programs: in the terminal, as results.json, and as the measured
 parts of docs/benchmarks.md. scripts/bench calls it."""
 
 import argparse
@@ -83,7 +83,7 @@ def group(rows, *keys):
 
 
 def use_one_memcpy(rows, *keys):
-    """The figures of memcpy become one for each picture: the median of all that were measured on it."""
+    """Replaces the figures of memcpy by one for each picture: the median of all its measurements."""
     for of_picture in group(rows, *keys).values():
         memcpy = statistics.median(row["memcpy"] for row in of_picture)
         for row in of_picture:
@@ -150,7 +150,7 @@ def columns(rows, cell, **wanted):
 
 
 def large_table(rows):
-    """The large picture beside the small one, opaque, levels of the 64-bit build and the best of the 32-bit one."""
+    """The large picture compared with the small one, opaque: all levels of the 64-bit build, the best of the 32-bit."""
     levels = in_order(row["level"] for row in rows if row["width"] == LARGE)
     kinds = [(level, 64, level) for level in levels] + [("32-bit", 32, levels[-1])]
     cells = (nanoseconds, lambda row: per_small(row, rows), yielding)
@@ -182,7 +182,7 @@ def kernel_table(rows):
 
 
 def ahead(rows):
-    """For each operation: the fastest of the others, against the plug-in in the same turns."""
+    """For each operation: the fastest of the other libraries, compared with the plug-in in the same turns."""
     table = []
     for (operation,), of_operation in group(rows, "operation").items():
         best = min(of_operation, key=lambda row: row["theirs"] / row["ours"])
@@ -252,7 +252,7 @@ def sections(results):
 
 
 def rewrite(page, parts):
-    """Replaces what stands between `<!-- measured: NAME -->` and the next `<!-- end -->`."""
+    """Replaces the text between `<!-- measured: NAME -->` and the next `<!-- end -->`."""
     text = page.read_text()
     for name, part in parts.items():
         mark = f"<!-- measured: {name} -->"

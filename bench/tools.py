@@ -1,4 +1,4 @@
-"""The same jobs by lmx and by tools that people know: processor time, size of the file, memory. scripts/compare-tools
+"""The same jobs by lmx and by well-known tools: processor time, size of the file, memory. scripts/compare-tools
 calls it."""
 
 import argparse
@@ -67,7 +67,7 @@ PACKAGES = ("graphicsmagick", "imagemagick-6.q16", "libvips-tools")
 
 
 def run(command):
-    """Runs it on one core; its processor time in seconds and its most memory in bytes."""
+    """Runs a command on one core. Returns its processor time in seconds and its peak memory in bytes."""
     process = subprocess.Popen(command, preexec_fn=lambda: os.sched_setaffinity(0, {min(os.sched_getaffinity(0))}))
     _, status, usage = os.wait4(process.pid, 0)
     process.returncode = os.waitstatus_to_exitcode(status)
@@ -91,7 +91,7 @@ def make_photo(lmx, folder):
 
 
 def measure(commands):
-    """One tool after the other, and then anew: whatever disturbs the machine disturbs all."""
+    """Runs all tools in turn, several times, so that a disturbance of the machine affects all of them."""
     runs = {tool: [] for tool in commands}
     for _ in range(5):
         for tool, command in commands.items():
