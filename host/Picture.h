@@ -73,7 +73,7 @@ struct PictureShape {
 };
 
 /// The value of every pixel that nobody has written. The plug-in never stores this word, in either
-/// form: green and blue exceed alpha, and the transparency exceeds 127.
+/// form: as a context's word its blue exceeds alpha, as a buffer's its transparency exceeds 127.
 constexpr std::uint32_t kUnwritten = 0xDBADC0DE;
 
 /// A copy of all memory of a picture: pixels, padding, buffer record, row table.
