@@ -70,7 +70,7 @@ Picture FlipRotated(const Picture& source, bool flipH, bool flipV, int quarter) 
           bottomUp ? Order::BottomUp : Order::TopDown};
 }
 
-// Lines are displaced in steps of 1/65536 pixel; the fraction blends each pixel with the one before.
+// Lines move in steps of 1/65536 pixel; the fraction blends each pixel with the one before it.
 Picture Sheared(const Picture& source, Lines lines, int width, int height, double shear, std::uint32_t frameColour) {
   if (std::isnan(shear)) shear = 0;
   const LinesOf from(source, lines);
