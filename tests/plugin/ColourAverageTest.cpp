@@ -1,5 +1,6 @@
 // LMX_GetAverageHSV and LMX_GetAverageRGB: exact results, sums that wrap, and results that the
-// caller does not ask for.
+// caller leaves out.
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -9,12 +10,13 @@ namespace {
 
 using namespace colour;
 
-constexpr Storage kContext = Storage::BitmapContext;
-constexpr Storage kBuffer = Storage::Buffer;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+using HSVMeans = std::array<double, 3>;
+using RGBMeans = std::array<int, 3>;
+
 // Doubles bit for bit; every NaN is the same.
-std::string Bits(const std::array<double, 3>& means) {
+std::string Bits(const HSVMeans& means) {
   std::string text;
   for (const double mean : means) {
     char number[40];
@@ -26,7 +28,18 @@ std::string Bits(const std::array<double, 3>& means) {
 
 class ColourAverage : public ColourTest {
  protected:
-  // The averages of opaque colours in one row, which must be the same in both storage forms.
+  HSVMeans AverageHSV(const Picture& p, const Area& area = kEverything) {
+    const Called called = Run("GetAverageHSV", Arguments(p, area, {-77.0, -77.0, -77.0}));
+    EXPECT_EQ(called.code, 0);
+    return {called.arguments[5].AsDouble(), called.arguments[6].AsDouble(), called.arguments[7].AsDouble()};
+  }
+  RGBMeans AverageRGB(const Picture& p, const Area& area = kEverything) {
+    const Called called = Run("GetAverageRGB", Arguments(p, area, {-77, -77, -77}));
+    EXPECT_EQ(called.code, 0);
+    return {called.arguments[5].AsInteger(), called.arguments[6].AsInteger(), called.arguments[7].AsInteger()};
+  }
+
+  // Of opaque colours in one row, which both storage forms must measure alike.
   std::string HSVOf(const Words& colours) {
     const int width = static_cast<int>(colours.size());
     Words opaque;
@@ -173,35 +186,29 @@ TEST_F(ColourAverage, SumBeyondWraps) {
 // ------------------------------------------------------------------------------------------- depth
 
 TEST_F(ColourAverage, PictureOfAnotherDepthMeasuresAsBlack) {
-  host::PictureShape shape = {3, 2, kContext};
-  shape.defects.bitsPerPixel = 16;
-  EXPECT_EQ(AverageRGB(Picture(shape)), (RGBMeans{0, 0, 0}));
-  EXPECT_EQ(AverageHSV(Picture(shape)), (HSVMeans{-1, 0, 0}));
+  EXPECT_EQ(AverageRGB(OfDepth(16)), (RGBMeans{0, 0, 0}));
+  EXPECT_EQ(AverageHSV(OfDepth(16)), (HSVMeans{-1, 0, 0}));
 }
 
 // -------------------------------------------------------------------------------- left-out results
 
 TEST_F(ColourAverage, ResultsCanBeLeftOut) {
   const Picture picture = MakePicture(kBuffer, 1, {0x00404080});
-  const double hsv[] = {240, 0.5, 0.5};
-  const int rgb[] = {64, 64, 128};
-  for (unsigned leftOut = 0; leftOut < 8; ++leftOut) {
-    std::vector<Value> doubles = Arguments(picture, kEverything), integers = doubles;
-    for (unsigned i = 0; i < 3; ++i) {
-      const bool nil = leftOut >> i & 1;
-      doubles.push_back(nil ? Value() : Value(-5.0));
-      integers.push_back(nil ? Value() : Value(-5));
-    }
-    doubles.emplace_back(0);
-    integers.emplace_back(0);
-    const Called ofHSV = Run("GetAverageHSV", doubles);
-    const Called ofRGB = Run("GetAverageRGB", integers);
-    EXPECT_EQ(ofHSV.code, 0);
-    EXPECT_EQ(ofRGB.code, 0);
-    for (unsigned i = 0; i < 3; ++i) {
-      const bool nil = leftOut >> i & 1;
-      EXPECT_EQ(ofHSV.arguments[5 + i], nil ? Value() : Value(hsv[i])) << leftOut << ", " << i;
-      EXPECT_EQ(ofRGB.arguments[5 + i], nil ? Value() : Value(rgb[i])) << leftOut << ", " << i;
+  const struct {
+    const char* method;
+    Value before;
+    Value means[3];
+  } kMethods[] = {{"GetAverageHSV", -5.0, {240.0, 0.5, 0.5}}, {"GetAverageRGB", -5, {64, 64, 128}}};
+  for (const auto& [method, before, means] : kMethods) {
+    for (unsigned leftOut = 0; leftOut < 8; ++leftOut) {
+      const auto isLeftOut = [&](unsigned i) { return (leftOut >> i & 1) != 0; };
+      std::vector<Value> passed(3, before);
+      for (unsigned i = 0; i < 3; ++i) passed[i] = isLeftOut(i) ? Value() : before;
+      const Called called = Run(method, Arguments(picture, kEverything, passed));
+      EXPECT_EQ(called.code, 0);
+      for (unsigned i = 0; i < 3; ++i) {
+        EXPECT_EQ(called.arguments[5 + i], isLeftOut(i) ? Value() : means[i]) << method << leftOut << ", " << i;
+      }
     }
   }
 }

@@ -1,8 +1,7 @@
-// Shared by the tests of the colour methods: small pictures, the methods with their declared
-// arguments, and single pixels passed through the copying and the in-place method.
+// What the tests of the colour methods share: small pictures, both adjustments with their arguments,
+// and single pixels taken through both forms of an adjustment.
 #pragma once
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -17,24 +16,47 @@ using host::Value;
 using support::Called;
 using Words = std::vector<std::uint32_t>;
 
-/// A selection as it is passed. Both ends are included.
+constexpr Storage kContext = Storage::BitmapContext;
+constexpr Storage kBuffer = Storage::Buffer;
+
+/// A selection as it is passed. Its far ends are included.
 struct Area {
   int left, top, width, height;
 };
 
 /// Larger than any picture here.
 constexpr Area kEverything = {0, 0, INT32_MAX, INT32_MAX};
+constexpr Area kFirstPixel = {0, 0, 0, 0};
 
-struct HSVFactors {
-  double hue, saturation, brightness;
+/// The method that copies, and its arguments between the selection and the pace of yields.
+struct Adjustment {
+  std::string method;
+  std::vector<Value> arguments;
 };
-struct RGBDeltas {
-  int red, green, blue;
+inline Adjustment HSV(double hue, double saturation, double brightness, const Value& negative = false) {
+  return {"AdjustHSV", {hue, saturation, brightness, negative}};
+}
+inline Adjustment RGB(int red, int green, int blue) {
+  return {"AdjustRGB", {red, green, blue}};
+}
+
+/// One pixel, stored, and what an adjustment makes of it.
+struct Adjusted {
+  Storage storage;
+  std::uint32_t word;
+  Adjustment by;
+  std::uint32_t expected;
+};
+/// A colour that is opaque, and what an adjustment makes of it in either storage form.
+struct AdjustedColour {
+  std::uint32_t colour;
+  Adjustment by;
+  std::uint32_t expected;
 };
 
 /// The stored word of an opaque colour, or of transparent black.
 constexpr std::uint32_t Opaque(Storage storage, std::uint32_t colour) {
-  return storage == Storage::Buffer ? colour : colour | 0xFF000000;
+  return storage == kBuffer ? colour : colour | 0xFF000000;
 }
 
 inline Picture MakePicture(Storage storage, int width, const Words& words) {
@@ -50,74 +72,55 @@ inline Picture MakePlain(Storage storage, int width, int height, std::uint32_t w
   return picture;
 }
 
-inline std::vector<Value> Arguments(const Picture& p, const Area& area) {
-  return {p, area.left, area.top, area.width, area.height};
+inline Picture OfDepth(int bits) {
+  host::PictureShape shape = {3, 2, kContext};
+  shape.defects.bitsPerPixel = bits;
+  return Picture(shape);
+}
+
+/// A picture, a selection, what comes after it, and the pace of yields.
+inline std::vector<Value> Arguments(const Picture& p, const Area& area, const std::vector<Value>& others,
+                                    int yield = 0) {
+  std::vector<Value> arguments = {p, area.left, area.top, area.width, area.height};
+  arguments.insert(arguments.end(), others.begin(), others.end());
+  arguments.emplace_back(yield);
+  return arguments;
 }
 
 class ColourTest : public support::PluginTest {
  protected:
-  static std::vector<Value> HSVArguments(const Picture& p, const Area& area, const HSVFactors& by,
-                                         const Value& negative = false, int yield = 0) {
-    std::vector<Value> arguments = Arguments(p, area);
-    arguments.insert(arguments.end(), {by.hue, by.saturation, by.brightness, negative, yield});
-    return arguments;
+  Called RunCopy(const Picture& p, const Area& area, const Adjustment& by, int yield = 0) {
+    return Run(by.method, Arguments(p, area, by.arguments, yield));
   }
-  static std::vector<Value> RGBArguments(const Picture& p, const Area& area, const RGBDeltas& by, int yield = 0) {
-    std::vector<Value> arguments = Arguments(p, area);
-    arguments.insert(arguments.end(), {by.red, by.green, by.blue, yield});
-    return arguments;
+  Called RunInPlace(const Picture& p, const Area& area, const Adjustment& by, int yield = 0) {
+    return Run(by.method + "_InPlace", Arguments(p, area, by.arguments, yield));
   }
 
-  /// The stored pixels of the result of a successful call. The result has the source's storage form
-  /// unless another one is set.
-  Words Copy(const std::string& method, const std::vector<Value>& arguments) {
-    const Called called = Run(method, arguments);
-    EXPECT_EQ(called.code, 0) << method;
+  /// The stored pixels of a successful copy.
+  Words Copy(const Picture& p, const Area& area, const Adjustment& by) {
+    const Called called = RunCopy(p, area, by);
+    EXPECT_EQ(called.code, 0) << by.method;
     if (called.result) return called.result.StoredPixels();
-    ADD_FAILURE() << method << " gave no result";
+    ADD_FAILURE() << by.method << " gave no result";
     return {};
   }
-  /// Changes the picture and returns its words.
-  Words InPlace(const std::string& method, const std::vector<Value>& arguments) {
-    EXPECT_EQ(Run(method, arguments).code, 0) << method;
-    return arguments[0].AsPicture().StoredPixels();
+  /// Changes the picture, and gives what it holds then.
+  Words InPlace(const Picture& p, const Area& area, const Adjustment& by) {
+    EXPECT_EQ(RunInPlace(p, area, by).code, 0) << by.method;
+    return p.StoredPixels();
   }
 
-  /// The word that both methods make of a picture of one pixel. It is a failure if they differ.
-  std::uint32_t AdjustHSV(Storage storage, std::uint32_t word, const HSVFactors& by, const Value& negative = false) {
-    return Agreed("AdjustHSV", storage, word,
-                  [&](const Picture& p) { return HSVArguments(p, kEverything, by, negative); });
+  /// What both forms of the adjustment make of a picture of one pixel.
+  void Check(const Adjusted& a) {
+    SCOPED_TRACE(testing::Message() << a.by.method << std::hex << " of " << a.word << " to " << a.expected);
+    host_.newPictures.storage = a.storage;
+    EXPECT_EQ(Copy(MakePicture(a.storage, 1, {a.word}), kEverything, a.by), Words{a.expected});
+    EXPECT_EQ(InPlace(MakePicture(a.storage, 1, {a.word}), kEverything, a.by), Words{a.expected});
   }
-  std::uint32_t AdjustRGB(Storage storage, std::uint32_t word, const RGBDeltas& by) {
-    return Agreed("AdjustRGB", storage, word, [&](const Picture& p) { return RGBArguments(p, kEverything, by); });
-  }
-
-  using HSVMeans = std::array<double, 3>;
-  using RGBMeans = std::array<int, 3>;
-
-  HSVMeans AverageHSV(const Picture& p, const Area& area = kEverything) {
-    std::vector<Value> arguments = Arguments(p, area);
-    arguments.insert(arguments.end(), {-77.0, -77.0, -77.0, 0});
-    const Called called = Run("GetAverageHSV", arguments);
-    EXPECT_EQ(called.code, 0);
-    return {called.arguments[5].AsDouble(), called.arguments[6].AsDouble(), called.arguments[7].AsDouble()};
-  }
-  RGBMeans AverageRGB(const Picture& p, const Area& area = kEverything) {
-    std::vector<Value> arguments = Arguments(p, area);
-    arguments.insert(arguments.end(), {-77, -77, -77, 0});
-    const Called called = Run("GetAverageRGB", arguments);
-    EXPECT_EQ(called.code, 0);
-    return {called.arguments[5].AsInteger(), called.arguments[6].AsInteger(), called.arguments[7].AsInteger()};
-  }
-
- private:
-  template <class MakeArguments>
-  std::uint32_t Agreed(const std::string& method, Storage storage, std::uint32_t word, MakeArguments make) {
-    host_.newPictures.storage = storage;
-    const Words copied = Copy(method, make(MakePicture(storage, 1, {word})));
-    const Words changed = InPlace(method + "_InPlace", make(MakePicture(storage, 1, {word})));
-    EXPECT_EQ(copied, changed) << method;
-    return changed[0];
+  void Check(const AdjustedColour& a) {
+    for (const Storage storage : {kContext, kBuffer}) {
+      Check({storage, Opaque(storage, a.colour), a.by, Opaque(storage, a.expected)});
+    }
   }
 };
 

@@ -4,12 +4,11 @@
 #include <ostream>
 
 #include "ColourFixture.h"
+#include "support/Cases.h"
 
 namespace {
 
 using namespace colour;
-
-enum class Method { AdjustHSV, AdjustHSVInPlace, GetAverageHSV, AdjustRGB, AdjustRGBInPlace, GetAverageRGB };
 
 struct Case {
   const char* name;
@@ -55,7 +54,7 @@ const Case kCases[] = {
     {"SumBelowTheLeastRowWraps", {0, INT_MIN, 0, -1}, "#.... #.... #.... #...."},
 };
 
-class ColourSelection : public ColourTest, public testing::WithParamInterface<std::tuple<Method, Storage>> {
+class ColourSelection : public ColourTest, public testing::WithParamInterface<std::tuple<const char*, Storage>> {
  protected:
   static constexpr int kWidth = 5, kHeight = 4;
 
@@ -70,12 +69,12 @@ class ColourSelection : public ColourTest, public testing::WithParamInterface<st
     return map;
   }
 
-  // The pixels that an adjustment changes.
-  std::string ChangedBy(const std::string& method, const std::vector<Value>& arguments, bool inPlace) {
+  // Which pixels an adjustment changes.
+  std::string ChangedBy(const std::string& method, const Area& area, const std::vector<Value>& others) {
     const std::uint32_t before = Opaque(storage_, 0x102030);
-    const Called called = Run(method, arguments);
-    const Picture source = arguments[0].AsPicture();
-    if (called.code == 0) return MapOf((inPlace ? source : called.result).StoredPixels(), before);
+    const Picture source = Plain(0x102030);
+    const Called called = Run(method, Arguments(source, area, others));
+    if (called.code == 0) return MapOf((called.result ? called.result : source).StoredPixels(), before);
     EXPECT_EQ(called.code, 38);
     EXPECT_TRUE(called.result.IsNil());
     EXPECT_EQ(source.StoredPixels(), Words(kWidth * kHeight, before));
@@ -88,9 +87,7 @@ class ColourSelection : public ColourTest, public testing::WithParamInterface<st
     for (int i = 0; i < kWidth * kHeight; ++i) {
       Picture picture = Plain(0);
       picture.SetStored(i % kWidth, i / kWidth, Opaque(storage_, 0xFFFFFF));
-      std::vector<Value> arguments = Arguments(picture, area);
-      arguments.insert(arguments.end(), {nothing, nothing, nothing, 0});
-      const Called called = Run(method, arguments);
+      const Called called = Run(method, Arguments(picture, area, {nothing, nothing, nothing}));
       if (called.code != 0) {
         EXPECT_EQ(called.code, 38);
         for (std::size_t k = 5; k < 8; ++k) EXPECT_EQ(called.arguments[k], nothing);
@@ -103,23 +100,11 @@ class ColourSelection : public ColourTest, public testing::WithParamInterface<st
   }
 
   std::string Selected(const Area& area) {
-    const HSVFactors black = {0, 1, 0};
-    const RGBDeltas white = {255, 255, 255};
-    switch (std::get<0>(GetParam())) {
-      case Method::AdjustHSV:
-        return ChangedBy("AdjustHSV", HSVArguments(Plain(0x102030), area, black), false);
-      case Method::AdjustHSVInPlace:
-        return ChangedBy("AdjustHSV_InPlace", HSVArguments(Plain(0x102030), area, black), true);
-      case Method::GetAverageHSV:
-        return SeenBy("GetAverageHSV", area, -77.0);
-      case Method::AdjustRGB:
-        return ChangedBy("AdjustRGB", RGBArguments(Plain(0x102030), area, white), false);
-      case Method::AdjustRGBInPlace:
-        return ChangedBy("AdjustRGB_InPlace", RGBArguments(Plain(0x102030), area, white), true);
-      case Method::GetAverageRGB:
-        return SeenBy("GetAverageRGB", area, -77);
-    }
-    return "no such method";
+    const std::string method = std::get<0>(GetParam());
+    if (method == "GetAverageHSV") return SeenBy(method, area, -77.0);
+    if (method == "GetAverageRGB") return SeenBy(method, area, -77);
+    const bool hsv = method.find("HSV") != std::string::npos;
+    return ChangedBy(method, area, (hsv ? HSV(0, 1, 0) : RGB(255, 255, 255)).arguments);
   }
 
   const Storage storage_ = std::get<1>(GetParam());
@@ -130,18 +115,13 @@ TEST_P(ColourSelection, HoldsWhatItShould) {
   for (const Case& c : kCases) EXPECT_EQ(Selected(c.area), c.selected) << c.name;
 }
 
-std::string Name(const testing::TestParamInfo<std::tuple<Method, Storage>>& info) {
-  static const char* const kNames[] = {"AdjustHSV", "AdjustHSVInPlace", "GetAverageHSV",
-                                       "AdjustRGB", "AdjustRGBInPlace", "GetAverageRGB"};
-  const bool buffer = std::get<1>(info.param) == Storage::Buffer;
-  return std::string(kNames[static_cast<std::size_t>(std::get<0>(info.param))]) + (buffer ? "OfBuffer" : "OfContext");
-}
-
 INSTANTIATE_TEST_SUITE_P(Methods, ColourSelection,
-                         testing::Combine(testing::Values(Method::AdjustHSV, Method::AdjustHSVInPlace,
-                                                          Method::GetAverageHSV, Method::AdjustRGB,
-                                                          Method::AdjustRGBInPlace, Method::GetAverageRGB),
-                                          testing::Values(Storage::BitmapContext, Storage::Buffer)),
-                         Name);
+                         testing::Combine(testing::Values("AdjustHSV", "AdjustHSV_InPlace", "GetAverageHSV",
+                                                          "AdjustRGB", "AdjustRGB_InPlace", "GetAverageRGB"),
+                                          testing::Values(kContext, kBuffer)),
+                         [](const auto& tested) {
+                           const bool buffer = std::get<1>(tested.param) == kBuffer;
+                           return support::TestName(std::get<0>(tested.param)) + (buffer ? "OfBuffer" : "OfContext");
+                         });
 
 }  // namespace

@@ -12,50 +12,46 @@ constexpr std::uint32_t kBefore = 0x00102030;
 
 class ColourYield : public ColourTest {
  protected:
-  static Picture Source(int height) { return MakePlain(Storage::Buffer, kWidth, height, kBefore); }
+  static Picture Source(int height) { return MakePlain(kBuffer, kWidth, height, kBefore); }
 
-  // At each yield, the last row (from 1) that has changed. A row that is changed in part is a
-  // failure.
-  Rows RowsAtYields(const std::string& method, const std::vector<Value>& arguments, bool inPlace) {
+  // At each yield, the last row (from 1) that is not as it was; a failure if a row is changed
+  // partly.
+  Rows RowsAtYields(const Picture& source, bool inPlace, const std::function<Called()>& run) {
     Rows rows;
     const std::uint32_t before = inPlace ? kBefore : host::kUnwritten;
-    host_.newPictures.storage = Storage::Buffer;
+    host_.newPictures.storage = kBuffer;
     host_.onYield = [&] {
-      const Picture watched = inPlace ? arguments[0].AsPicture() : NewPicture();
+      const Picture watched = inPlace ? source : NewPicture();
       int last = 0;
       for (int y = 0; y < watched.Height(); ++y) {
         int changed = 0;
         for (int x = 0; x < kWidth; ++x) changed += watched.Stored(x, y) != before;
-        EXPECT_TRUE(changed == 0 || changed == kWidth) << method << ", row " << y;
+        EXPECT_TRUE(changed == 0 || changed == kWidth) << "row " << y;
         if (changed > 0) last = y + 1;
       }
       rows.push_back(last);
     };
-    const Called called = Run(method, arguments);
+    const Called called = run();
     host_.onYield = nullptr;
-    EXPECT_EQ(called.code, 0) << method;
-    EXPECT_EQ(called.yields, static_cast<int>(rows.size())) << method;
+    EXPECT_EQ(called.code, 0);
+    EXPECT_EQ(called.yields, static_cast<int>(rows.size()));
     return rows;
   }
 
-  Rows HSVCopy(int height, int yield) {
-    return RowsAtYields("AdjustHSV", HSVArguments(Source(height), {3, 2, 1, 1}, {60, 1, 1}, false, yield), false);
+  Rows Copy(int height, int yield, const Adjustment& by) {
+    const Picture source = Source(height);
+    return RowsAtYields(source, false, [&] { return RunCopy(source, {3, 2, 1, 1}, by, yield); });
   }
-  Rows RGBCopy(int height, int yield) {
-    return RowsAtYields("AdjustRGB", RGBArguments(Source(height), {3, 2, 1, 1}, {1, 1, 1}, yield), false);
-  }
-  Rows HSVInPlace(int height, const Area& area, int yield) {
-    return RowsAtYields("AdjustHSV_InPlace", HSVArguments(Source(height), area, {60, 1, 1}, false, yield), true);
-  }
-  Rows RGBInPlace(int height, const Area& area, int yield) {
-    return RowsAtYields("AdjustRGB_InPlace", RGBArguments(Source(height), area, {1, 1, 1}, yield), true);
+  Rows InPlace(int height, const Area& area, int yield, const Adjustment& by) {
+    const Picture source = Source(height);
+    return RowsAtYields(source, true, [&] { return RunInPlace(source, area, by, yield); });
   }
 
-  int AverageYields(const std::string& method, const Area& area, int yield) {
-    std::vector<Value> arguments = Arguments(Source(8), area);
-    arguments.insert(arguments.end(), {Value(), Value(), Value(), yield});
-    return Run(method, arguments).yields;
+  int AverageYields(const char* method, const Area& area, int yield) {
+    return Run(method, Arguments(Source(8), area, {Value(), Value(), Value()}, yield)).yields;
   }
+
+  const Adjustment hsv_ = HSV(60, 1, 1), rgb_ = RGB(1, 1, 1);
 
  private:
   Picture NewPicture() {
@@ -67,91 +63,71 @@ class ColourYield : public ColourTest {
 
 // The row is counted before the test, so even the last row can yield.
 TEST_F(ColourYield, OfCopiesIsAfterEveryRowThatReachesThePace) {
-  for (const int yield : {1, 9, 10}) {
-    EXPECT_EQ(HSVCopy(4, yield), (Rows{1, 2, 3, 4})) << yield;
-    EXPECT_EQ(RGBCopy(4, yield), (Rows{1, 2, 3, 4})) << yield;
+  for (const Adjustment& by : {hsv_, rgb_}) {
+    SCOPED_TRACE(by.method);
+    for (const int yield : {1, 9, 10}) EXPECT_EQ(Copy(4, yield, by), (Rows{1, 2, 3, 4})) << yield;
+    for (const int yield : {11, 20}) EXPECT_EQ(Copy(5, yield, by), (Rows{2, 4})) << yield;
+    EXPECT_EQ(Copy(8, 25, by), (Rows{3, 6}));
+    EXPECT_EQ(Copy(4, 40, by), (Rows{4}));
+    EXPECT_EQ(Copy(4, 41, by), (Rows{}));
   }
-  for (const int yield : {11, 20}) {
-    EXPECT_EQ(HSVCopy(5, yield), (Rows{2, 4})) << yield;
-    EXPECT_EQ(RGBCopy(5, yield), (Rows{2, 4})) << yield;
-  }
-  EXPECT_EQ(HSVCopy(8, 25), (Rows{3, 6}));
-  EXPECT_EQ(RGBCopy(8, 25), (Rows{3, 6}));
-  EXPECT_EQ(HSVCopy(4, 40), (Rows{4}));
-  EXPECT_EQ(RGBCopy(4, 40), (Rows{4}));
-  EXPECT_EQ(HSVCopy(4, 41), (Rows{}));
-  EXPECT_EQ(RGBCopy(4, 41), (Rows{}));
 }
 
 TEST_F(ColourYield, OfHSVInPlaceCountsEveryRow) {
-  EXPECT_EQ(HSVInPlace(4, kEverything, 10), (Rows{1, 2, 3, 4}));
-  EXPECT_EQ(HSVInPlace(8, kEverything, 25), (Rows{3, 6}));
-  // Only rows 3 to 5 are selected, but all rows count.
-  EXPECT_EQ(HSVInPlace(6, {0, 2, 99, 2}, 10), (Rows{0, 0, 3, 4, 5, 5}));
-  EXPECT_EQ(HSVInPlace(6, {0, 2, 99, 2}, 20), (Rows{0, 4, 5}));
+  EXPECT_EQ(InPlace(4, kEverything, 10, hsv_), (Rows{1, 2, 3, 4}));
+  EXPECT_EQ(InPlace(8, kEverything, 25, hsv_), (Rows{3, 6}));
+  // Rows 3 to 5 alone are selected; all rows count.
+  EXPECT_EQ(InPlace(6, {0, 2, 99, 2}, 10, hsv_), (Rows{0, 0, 3, 4, 5, 5}));
+  EXPECT_EQ(InPlace(6, {0, 2, 99, 2}, 20, hsv_), (Rows{0, 4, 5}));
 }
 
 TEST_F(ColourYield, OfRGBInPlaceCountsTheSelectedRows) {
-  EXPECT_EQ(RGBInPlace(4, kEverything, 10), (Rows{1, 2, 3, 4}));
-  EXPECT_EQ(RGBInPlace(8, kEverything, 25), (Rows{3, 6}));
-  EXPECT_EQ(RGBInPlace(6, {0, 2, 99, 2}, 10), (Rows{3, 4, 5}));
-  EXPECT_EQ(RGBInPlace(6, {0, 2, 99, 2}, 20), (Rows{4}));
-  EXPECT_EQ(RGBInPlace(6, {0, 2, 99, 2}, 30), (Rows{5}));
-  EXPECT_EQ(RGBInPlace(6, {0, 2, 99, 2}, 31), (Rows{}));
+  EXPECT_EQ(InPlace(4, kEverything, 10, rgb_), (Rows{1, 2, 3, 4}));
+  EXPECT_EQ(InPlace(8, kEverything, 25, rgb_), (Rows{3, 6}));
+  const std::pair<int, Rows> kOfRows3To5[] = {{10, {3, 4, 5}}, {20, {4}}, {30, {5}}, {31, {}}};
+  for (const auto& [yield, rows] : kOfRows3To5) EXPECT_EQ(InPlace(6, {0, 2, 99, 2}, yield, rgb_), rows) << yield;
 }
 
 // A row counts with its whole width, even if few of its pixels are selected.
 TEST_F(ColourYield, OfAdjustmentsCountsWholeRows) {
-  std::vector<Value> arguments = RGBArguments(Source(6), {4, 0, 0, 5}, {1, 1, 1}, 10);
-  EXPECT_EQ(Run("AdjustRGB_InPlace", arguments).yields, 6);
-  arguments = HSVArguments(Source(6), {4, 0, 0, 5}, {60, 1, 1}, true, 20);
-  EXPECT_EQ(Run("AdjustHSV_InPlace", arguments).yields, 3);
+  EXPECT_EQ(RunInPlace(Source(6), {4, 0, 0, 5}, rgb_, 10).yields, 6);
+  EXPECT_EQ(RunInPlace(Source(6), {4, 0, 0, 5}, HSV(60, 1, 1, true), 20).yields, 3);
 }
 
 // Averages count the pixels of the selection: 4 in each of 6 rows.
 TEST_F(ColourYield, OfAveragesCountsTheSelectedPixels) {
   const Area area = {2, 1, 3, 5};
+  const std::pair<int, int> counts[] = {{1, 6}, {4, 6}, {5, 3}, {8, 3}, {9, 2}, {24, 1}, {25, 0}};
   for (const char* method : {"GetAverageHSV", "GetAverageRGB"}) {
-    EXPECT_EQ(AverageYields(method, area, 1), 6) << method;
-    EXPECT_EQ(AverageYields(method, area, 4), 6) << method;
-    EXPECT_EQ(AverageYields(method, area, 5), 3) << method;
-    EXPECT_EQ(AverageYields(method, area, 8), 3) << method;
-    EXPECT_EQ(AverageYields(method, area, 9), 2) << method;
-    EXPECT_EQ(AverageYields(method, area, 24), 1) << method;
-    EXPECT_EQ(AverageYields(method, area, 25), 0) << method;
+    for (const auto& [yield, count] : counts) EXPECT_EQ(AverageYields(method, area, yield), count) << method << yield;
   }
 }
 
 // What the host draws during a yield is seen in later rows, and not in earlier ones.
 TEST_F(ColourYield, OfAveragesIsBetweenTheRows) {
-  for (const char* method : {"GetAverageHSV", "GetAverageRGB"}) {
-    const bool hsv = std::string(method) == "GetAverageHSV";
-    const Picture source = MakePlain(Storage::Buffer, kWidth, 4, 0);
+  // Two rows of black, two of blue.
+  const std::pair<const char*, Value> blues[] = {{"GetAverageHSV", 255 / 512.0}, {"GetAverageRGB", 127}};
+  for (const auto& [method, blue] : blues) {
+    const Picture source = MakePlain(kBuffer, kWidth, 4, 0);
+    const Value before = blue.Is<double>() ? Value(0.0) : Value(0);
     host_.onYield = [&] { Picture(source).Fill(0x0000FF); };
-    std::vector<Value> arguments = Arguments(source, kEverything);
-    const Value before = hsv ? Value(0.0) : Value(0);
-    arguments.insert(arguments.end(), {before, before, before, 20});
     host_.ResetCounts();
-    const host::Outcome outcome = host_.Call(method, arguments);
+    const host::Outcome outcome = host_.Call(method, Arguments(source, kEverything, {before, before, before}, 20));
     host_.onYield = nullptr;
     EXPECT_EQ(host_.Calls(Service::YieldToRB), 2) << method;
-    // Two rows of black, two of blue.
-    if (hsv) {
-      EXPECT_EQ(outcome.arguments[7].AsDouble(), 255 / 512.0);
-    } else {
-      EXPECT_EQ(outcome.arguments[7].AsInteger(), 127);
-    }
+    EXPECT_EQ(outcome.arguments[7], blue) << method;
   }
 }
 
 TEST_F(ColourYield, NeverHappensAtAPaceOfZeroOrLess) {
   for (const int yield : {0, -1, INT32_MIN}) {
-    EXPECT_EQ(HSVCopy(5, yield), (Rows{})) << yield;
-    EXPECT_EQ(RGBCopy(5, yield), (Rows{})) << yield;
-    EXPECT_EQ(HSVInPlace(5, kEverything, yield), (Rows{})) << yield;
-    EXPECT_EQ(RGBInPlace(5, kEverything, yield), (Rows{})) << yield;
-    EXPECT_EQ(AverageYields("GetAverageHSV", kEverything, yield), 0) << yield;
-    EXPECT_EQ(AverageYields("GetAverageRGB", kEverything, yield), 0) << yield;
+    SCOPED_TRACE(yield);
+    for (const Adjustment& by : {hsv_, rgb_}) {
+      EXPECT_EQ(Copy(5, yield, by), (Rows{})) << by.method;
+      EXPECT_EQ(InPlace(5, kEverything, yield, by), (Rows{})) << by.method;
+    }
+    EXPECT_EQ(AverageYields("GetAverageHSV", kEverything, yield), 0);
+    EXPECT_EQ(AverageYields("GetAverageRGB", kEverything, yield), 0);
   }
 }
 
