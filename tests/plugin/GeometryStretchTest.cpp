@@ -22,46 +22,46 @@ class GeometryStretch : public Geometry {
 
 INSTANTIATE_FOR_FORMS(GeometryStretch);
 
-TEST_P(GeometryStretch, ThreeBecomeTwo) {
-  // (30 * 21845 + 60 * 10922) / 32767 and (60 * 10923 + 90 * 21844) / 32767, truncated.
-  ExpectPixels(Stretch(Source(3, 1, Reds({30, 60, 90})), 2, 1), 2, 1, Reds({39, 79}));
-  ExpectPixels(Stretch(Source(1, 3, Reds({30, 60, 90})), 1, 2), 1, 2, Reds({39, 79}));
+TEST_P(GeometryStretch, AveragesByHand) {
+  const struct {
+    int sourceWidth, sourceHeight;
+    std::vector<std::uint32_t> source;
+    int width, height;
+    std::vector<std::uint32_t> result;
+  } kCases[] = {
+      // (30 * 21845 + 60 * 10922) / 32767 and (60 * 10923 + 90 * 21844) / 32767, without their
+      // fractions.
+      {3, 1, {30, 60, 90}, 2, 1, {39, 79}},
+      {1, 3, {30, 60, 90}, 1, 2, {39, 79}},
+      {2, 1, {10, 21}, 3, 1, {10, 15, 21}},
+      {1, 2, {10, 21}, 1, 3, {10, 15, 21}},
+      {4, 2, {0, 255, 10, 20, 100, 101, 7, 8}, 2, 2, {127, 15, 100, 7}},
+      // Rows first: 1 and 5; then 3. Every pass cuts its fraction: (0 + 1) / 2 is 0, (1 + 2) / 2 is
+      // 1, and between them 0.
+      {2, 2, {0, 2, 4, 6}, 1, 1, {3}},
+      {2, 2, {0, 1, 1, 2}, 1, 1, {0}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.sourceWidth << " x " << c.sourceHeight << " to " << c.width << " x "
+                                    << c.height);
+    ExpectPixels(Stretch(Source(c.sourceWidth, c.sourceHeight, Reds(c.source)), c.width, c.height), c.width, c.height,
+                 Reds(c.result));
+  }
 }
 
-TEST_P(GeometryStretch, TwoBecomeThree) {
-  ExpectPixels(Stretch(Source(2, 1, Reds({10, 21})), 3, 1), 3, 1, Reds({10, 15, 21}));
-  ExpectPixels(Stretch(Source(1, 2, Reds({10, 21})), 1, 3), 1, 3, Reds({10, 15, 21}));
-}
-
-TEST_P(GeometryStretch, FourBecomeTwoByPairs) {
-  ExpectPixels(Stretch(Source(4, 2, Reds({0, 255, 10, 20, 100, 101, 7, 8})), 2, 2), 2, 2, Reds({127, 15, 100, 7}));
-}
-
-TEST_P(GeometryStretch, BothDirectionsAverage) {
-  // Rows first: 1 and 5; then 3.
-  ExpectPixels(Stretch(Source(2, 2, Reds({0, 2, 4, 6})), 1, 1), 1, 1, Reds({3}));
-  // Every pass truncates: (0 + 1) / 2 is 0, (1 + 2) / 2 is 1, and between them 0.
-  ExpectPixels(Stretch(Source(2, 2, Reds({0, 1, 1, 2})), 1, 1), 1, 1, Reds({0}));
-}
-
-TEST_P(GeometryStretch, OnePixelIsRepeated) {
+TEST_P(GeometryStretch, OpaquePixelsAreCopiedAndRepeated) {
   ExpectPixels(Stretch(Numbered(1, 1), 3, 1), 3, 1, Numbers({1, 1, 1}));
   ExpectPixels(Stretch(Numbered(1, 1), 2, 3), 2, 3, Numbers({1, 1, 1, 1, 1, 1}));
   ExpectPixels(Stretch(Numbered(2, 2), 4, 4), 4, 4, Numbers({1, 1, 2, 2, 1, 1, 2, 2, 3, 3, 4, 4, 3, 3, 4, 4}));
-}
-
-TEST_P(GeometryStretch, TheSameSizeIsACopyOfOpaquePixels) {
   ExpectPixels(Stretch(Numbered(3, 2), 3, 2), 3, 2, Numbers({1, 2, 3, 4, 5, 6}));
 }
 
 TEST_P(GeometryStretch, TheSameSizeStillRoundsTwice) {
-  if (GetParam().source == kContext) {
-    // Red 100 at alpha 128 is 199, stored as 99 in between, which is 197, stored as 98.
-    ExpectStored(Stretch(StoredSource(1, 1, {0x80640000}), 1, 1), 1, 1, {ByForm(0x80620000, 0x3FC70000)});
-  } else {
-    // Red 199 at alpha 129: stored as 100, which is 197, stored as 99.
-    ExpectStored(Stretch(StoredSource(1, 1, {0x3FC70000}), 1, 1), 1, 1, {ByForm(0x81630000, 0x3FC70000)});
-  }
+  // In a context red 100 at alpha 128 is 199, stored as 99 in between, which is 197, stored as 98;
+  // in a buffer red 199 at alpha 129 is stored as 100, which is 197, stored as 99.
+  const bool context = GetParam().source == kContext;
+  ExpectStored(Stretch(StoredSource(1, 1, {context ? 0x80640000 : 0x3FC70000}), 1, 1), 1, 1,
+               {ByForm(context ? 0x80620000 : 0x81630000, 0x3FC70000)});
 }
 
 TEST_P(GeometryStretch, UniformStaysUniform) {

@@ -17,26 +17,31 @@ class GeometryTrim : public Geometry {
 
 INSTANTIATE_FOR_FORMS(GeometryTrim);
 
-TEST_P(GeometryTrim, TheWholeSourceIsCopied) {
-  ExpectPixels(Trim(Numbered(3, 2), 0, 0, 3, 2), 3, 2, Numbers({1, 2, 3, 4, 5, 6}));
-}
-
-TEST_P(GeometryTrim, AnInnerRectangleIsCutOut) {
-  ExpectPixels(Trim(Numbered(4, 4), 1, 2, 2, 2), 2, 2, Numbers({10, 11, 14, 15}));
-}
-
-TEST_P(GeometryTrim, ColumnsBesideTheSourceAreFrame) {
-  ExpectPixels(Trim(Numbered(5, 1), -2, 0, 9, 1), 9, 1, Numbers({0, 0, 1, 2, 3, 4, 5, 0, 0}));
-  ExpectPixels(Trim(Numbered(5, 1), -2, 0, 4, 1), 4, 1, Numbers({0, 0, 1, 2}));
-  ExpectPixels(Trim(Numbered(5, 1), 3, 0, 4, 1), 4, 1, Numbers({4, 5, 0, 0}));
-}
-
-TEST_P(GeometryTrim, CornersOverhang) {
-  const Picture source = Numbered(3, 3);
-  ExpectPixels(Trim(source, -1, 2, 3, 3), 3, 3, Numbers({0, 7, 8, 0, 0, 0, 0, 0, 0}));
-  ExpectPixels(Trim(source, 2, -1, 2, 3), 2, 3, Numbers({0, 0, 3, 0, 6, 0}));
-  ExpectPixels(Trim(source, -1, -1, 5, 5), 5, 5,
-               Numbers({0, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 4, 5, 6, 0, 0, 7, 8, 9, 0, 0, 0, 0, 0, 0}));
+TEST_P(GeometryTrim, CutsAndAddsFrame) {
+  const struct {
+    int sourceWidth, sourceHeight, left, top, width, height;
+    std::vector<int> numbers;
+  } kCuts[] = {
+      // All of it, and an inner rectangle.
+      {3, 2, 0, 0, 3, 2, {1, 2, 3, 4, 5, 6}},
+      {4, 4, 1, 2, 2, 2, {10, 11, 14, 15}},
+      // Columns beside the source.
+      {5, 1, -2, 0, 9, 1, {0, 0, 1, 2, 3, 4, 5, 0, 0}},
+      {5, 1, -2, 0, 4, 1, {0, 0, 1, 2}},
+      {5, 1, 3, 0, 4, 1, {4, 5, 0, 0}},
+      // Corners that overhang.
+      {3, 3, -1, 2, 3, 3, {0, 7, 8, 0, 0, 0, 0, 0, 0}},
+      {3, 3, 2, -1, 2, 3, {0, 0, 3, 0, 6, 0}},
+      {3, 3, -1, -1, 5, 5, {0, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 4, 5, 6, 0, 0, 7, 8, 9, 0, 0, 0, 0, 0, 0}},
+      // The last position that exists.
+      {3, 3, INT_MAX, INT_MAX, 1, 1, {0}},
+      {3, 3, INT_MAX - 4, 0, 5, 1, {0, 0, 0, 0, 0}},
+  };
+  for (const auto& cut : kCuts) {
+    SCOPED_TRACE(testing::Message() << cut.left << ", " << cut.top << ": " << cut.width << " x " << cut.height);
+    ExpectPixels(Trim(Numbered(cut.sourceWidth, cut.sourceHeight), cut.left, cut.top, cut.width, cut.height), cut.width,
+                 cut.height, Numbers(cut.numbers));
+  }
 }
 
 TEST_P(GeometryTrim, AreasOutsideAreAllFrame) {
@@ -60,11 +65,9 @@ TEST_P(GeometryTrim, TheFrameIsClearInAnyColour) {
 }
 
 TEST_P(GeometryTrim, HalfTransparentPixelsMayLoseOne) {
-  if (GetParam().source != kContext) {
-    ExpectStored(Trim(StoredSource(1, 1, {0x3FC70000}), 0, 0, 1, 1), 1, 1, {ByForm(0x81640000, 0x3FC70000)});
-    return;
-  }
-  ExpectStored(Trim(StoredSource(1, 1, {0x80640000}), 0, 0, 1, 1), 1, 1, {ByForm(0x80630000, 0x3FC70000)});
+  const bool context = GetParam().source == kContext;
+  ExpectStored(Trim(StoredSource(1, 1, {context ? 0x80640000 : 0x3FC70000}), 0, 0, 1, 1), 1, 1,
+               {ByForm(context ? 0x80630000 : 0x81640000, 0x3FC70000)});
 }
 
 TEST_P(GeometryTrim, EmptySourcesAreAllFrame) {
@@ -84,12 +87,6 @@ TEST_P(GeometryTrim, AreasThatDoNotExistAreRefused) {
     ExpectFailure(Trim(source, 0, position, 1, length), 39);
     EXPECT_EQ(host_.Calls(host::Service::NewInstance), 0);
   }
-}
-
-TEST_P(GeometryTrim, TheLastPositionExists) {
-  const Picture source = Numbered(3, 3);
-  ExpectPixels(Trim(source, INT_MAX, INT_MAX, 1, 1), 1, 1, {0});
-  ExpectPixels(Trim(source, INT_MAX - 4, 0, 5, 1), 5, 1, Words(5, 0));
 }
 
 TEST_P(GeometryTrim, WithoutMemoryThereIsNoResult) {

@@ -12,6 +12,8 @@ using host::Storage;
 using support::Called;
 using Words = std::vector<std::uint32_t>;
 
+constexpr Storage kContext = Storage::BitmapContext;
+constexpr Storage kBuffer = Storage::Buffer;
 constexpr std::uint32_t kRed = 0x00FF0000;
 constexpr std::uint32_t kBlue = 0x000000FF;
 constexpr std::uint32_t kClear = 0x7F000000;  // in a buffer
@@ -36,14 +38,18 @@ class Gradient : public support::PluginTest {
     return rows;
   }
 
-  // The rows of a gradient, 3 pixels wide, in that storage form.
-  Words SimpleRows(Storage storage, int height, std::uint32_t colour1, std::uint32_t colour2) {
+  // A gradient of two or three colours, 3 pixels wide, and the stored word of every row.
+  void Check(Storage storage, const Words& colours, const Words& rows) {
     host_.newPictures.storage = storage;
-    return RowsOf(Make(3, height, colour1, colour2), height);
-  }
-  Words DoubleRows(Storage storage, int height, std::uint32_t colour1, std::uint32_t colour2, std::uint32_t colour3) {
-    host_.newPictures.storage = storage;
-    return RowsOf(MakeDouble(3, height, colour1, colour2, colour3), height);
+    const int height = static_cast<int>(rows.size());
+    SCOPED_TRACE(testing::Message() << "of " << colours.size() << " colours, height " << height);
+    const Called called = colours.size() == 2 ? Make(3, height, colours[0], colours[1])
+                                              : MakeDouble(3, height, colours[0], colours[1], colours[2]);
+    EXPECT_EQ(called.code, 0);
+    ASSERT_TRUE(called.result);
+    EXPECT_EQ(called.result.Width(), 3);
+    EXPECT_EQ(called.result.Height(), height);
+    EXPECT_EQ(Rows(called.result), rows);
   }
 
   // The number of written rows at each yield. It is a failure if they are not the first ones.
@@ -67,117 +73,83 @@ class Gradient : public support::PluginTest {
     EXPECT_EQ(called.yields, static_cast<int>(done.size()));
     return done;
   }
-
- private:
-  static Words RowsOf(const Called& called, int height) {
-    EXPECT_EQ(called.code, 0);
-    if (!called.result) {
-      ADD_FAILURE() << "no result";
-      return {};
-    }
-    EXPECT_EQ(called.result.Width(), 3);
-    EXPECT_EQ(called.result.Height(), height);
-    return Rows(called.result);
-  }
 };
 
-// ------------------------------------------------------------------------------------- two colours
+struct Case {
+  Storage storage;
+  Words colours;
+  Words rows;
+};
 
-TEST_F(Gradient, OfHeightOneIsClearWhateverTheColours) {
-  EXPECT_EQ(SimpleRows(Storage::BitmapContext, 1, kRed, kBlue), (Words{0}));
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 1, kRed, kBlue), (Words{kClear}));
+TEST_F(Gradient, RowsByHand) {
+  const Case cases[] = {
+      // Of height one: clear whatever the colours.
+      {kContext, {kRed, kBlue}, {0}},
+      {kBuffer, {kRed, kBlue}, {kClear}},
+      // Of height two: the colours. alpha 255 - 0x40 = 191; 128 x 191 / 255 = 95.9,
+      // 191 / 255 = 0.7; transparency 127 - 191 / 2 = 32
+      {kContext, {0x40FF8001, 0x00102030}, {0xBFBF5F00, 0xFF102030}},
+      {kBuffer, {0x40FF8001, 0x00102030}, {0x20FF8001, 0x00102030}},
+      // The row halfway is cut twice in every channel, alpha included: each half of 255 is 127.5,
+      // the lower colour's is cut to 127 and the sum, 254.5, to 254. The colour is then 127.
+      {kContext, {kRed, 0}, {0xFFFF0000, 0xFE7E0000, 0xFF000000}},
+      {kBuffer, {kRed, 0}, {0x00FF0000, 0x007F0000, 0x00000000}},
+      {kBuffer, {0x00FFFFFF, 0x00FFFFFF}, {0x00FFFFFF, 0x00FEFEFE, 0x00FFFFFF}},
+      // The lower colour's part is cut before the sum: in row 1, 29 x 0.1 = 2.9 is cut to 2, and
+      // with 1 x 0.9 the sum is cut to 2, where 3.8 would give 3.
+      {kBuffer, {1, 29}, {1, 2, 5, 8, 11, 14, 17, 20, 23, 26, 29}},
+      // 85 and 170 are exact thirds of 255, so nothing is cut and alpha stays 255.
+      {kContext, {kRed, 0}, {0xFFFF0000, 0xFFAA0000, 0xFF550000, 0xFF000000}},
+      // Every channel goes its own way: alpha 255 to 127: 222, 190, 158; red 200 to 0; green 100
+      // throughout; blue 0 to 255: 63, 127, 191
+      {kBuffer, {0x00C86400, 0x800064FF}, {0x00C86400, 0x1096643F, 0x2064647F, 0x303264BF, 0x400064FF}},
+      {kContext, {0x00C86400, 0x800064FF}, {0xFFC86400, 0xDE825736, 0xBE4A4A5E, 0x9E1E3D76, 0x7F00317F}},
+      // Between transparent colours all is clear.
+      {kContext, {0xFF102030, 0xFF304050}, {0, 0, 0}},
+      {kBuffer, {0xFF102030, 0xFF304050}, {0x7F102030, 0x7F203040, 0x7F304050}},
+  };
+  for (const Case& c : cases) Check(c.storage, c.colours, c.rows);
 }
 
-TEST_F(Gradient, OfHeightTwoIsTheTwoColours) {
-  // alpha 255 - 0x40 = 191; 128 x 191 / 255 = 95.9, 191 / 255 = 0.7; transparency
-  // 127 - 191 / 2 = 32
-  EXPECT_EQ(SimpleRows(Storage::BitmapContext, 2, 0x40FF8001, 0x00102030), (Words{0xBFBF5F00, 0xFF102030}));
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 2, 0x40FF8001, 0x00102030), (Words{0x20FF8001, 0x00102030}));
-}
-
-// Each half of 255 is 127.5. The lower colour's half is truncated to 127, and the sum, 254.5, to
-// 254. The colour is then 127.
-TEST_F(Gradient, HalfwayRowIsCutTwiceInEveryChannelAlphaIncluded) {
-  EXPECT_EQ(SimpleRows(Storage::BitmapContext, 3, kRed, 0), (Words{0xFFFF0000, 0xFE7E0000, 0xFF000000}));
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 3, kRed, 0), (Words{0x00FF0000, 0x007F0000, 0x00000000}));
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 3, 0x00FFFFFF, 0x00FFFFFF), (Words{0x00FFFFFF, 0x00FEFEFE, 0x00FFFFFF}));
-}
-
-// In row 1, 29 x 0.1 = 2.9 is truncated to 2. With 1 x 0.9 the sum, 2.9, is truncated to 2. Without
-// the first truncation it would be 3.8, which gives 3.
-TEST_F(Gradient, LowerColoursPartIsCutBeforeTheSum) {
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 11, 1, 29), (Words{1, 2, 5, 8, 11, 14, 17, 20, 23, 26, 29}));
-}
-
-// 85 and 170 are exact thirds of 255, so nothing is truncated and alpha stays 255.
-TEST_F(Gradient, ExactPartsAreNotCut) {
-  EXPECT_EQ(SimpleRows(Storage::BitmapContext, 4, kRed, 0), (Words{0xFFFF0000, 0xFFAA0000, 0xFF550000, 0xFF000000}));
-}
-
-TEST_F(Gradient, EveryChannelGoesItsOwnWay) {
-  // alpha 255 to 127: 222, 190, 158; red 200 to 0; green 100 throughout; blue 0 to 255: 63, 127,
-  // 191
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 5, 0x00C86400, 0x800064FF),
-            (Words{0x00C86400, 0x1096643F, 0x2064647F, 0x303264BF, 0x400064FF}));
-  EXPECT_EQ(SimpleRows(Storage::BitmapContext, 5, 0x00C86400, 0x800064FF),
-            (Words{0xFFC86400, 0xDE825736, 0xBE4A4A5E, 0x9E1E3D76, 0x7F00317F}));
-}
-
-TEST_F(Gradient, BetweenTransparentColoursIsClear) {
-  EXPECT_EQ(SimpleRows(Storage::BitmapContext, 3, 0xFF102030, 0xFF304050), (Words{0, 0, 0}));
-  EXPECT_EQ(SimpleRows(Storage::Buffer, 3, 0xFF102030, 0xFF304050), (Words{0x7F102030, 0x7F203040, 0x7F304050}));
+TEST_F(Gradient, RowsOfTheDoubleOneByHand) {
+  const Case cases[] = {
+      // Of height one or two: clear.
+      {kContext, {kRed, kBlue, 0}, {0}},
+      {kBuffer, {kRed, kBlue, 0}, {kClear}},
+      {kContext, {kRed, kBlue, 0}, {0, 0}},
+      {kBuffer, {kRed, kBlue, 0}, {kClear, kClear}},
+      // Of height three: a clear row and the last two colours.
+      {kContext, {kRed, kBlue, 0x123456}, {0, 0xFF0000FF, 0xFF123456}},
+      {kBuffer, {kRed, kBlue, 0x123456}, {kClear, 0x000000FF, 0x00123456}},
+      // Of height four: the colours alone. Of height five: the longer section is the lower one.
+      {kBuffer, {kRed, kBlue, 0x123456}, {kRed, kBlue, kBlue, 0x123456}},
+      {kBuffer, {0x123456, kRed, kBlue}, {0x00123456, 0x00FF0000, 0x00FF0000, 0x007F007F, 0x000000FF}},
+      {kContext, {0x123456, kRed, kBlue}, {0xFF123456, 0xFFFF0000, 0xFFFF0000, 0xFE7E007E, 0xFF0000FF}},
+      // Both sections blend.
+      {kBuffer, {0, kRed, kBlue}, {0x00000000, 0x007F0000, 0x00FF0000, 0x00FF0000, 0x007F007F, 0x000000FF}},
+      {kContext, {0xFF000000, kRed, 0}, {0, 0x7F3F0000, 0xFFFF0000, 0xFFFF0000, 0xFFAA0000, 0xFF550000, 0xFF000000}},
+  };
+  for (const Case& c : cases) Check(c.storage, c.colours, c.rows);
 }
 
 TEST_F(Gradient, RowsAreOneColourAtAnyWidth) {
-  for (const Storage storage : {Storage::BitmapContext, Storage::Buffer}) {
+  for (const Storage storage : {kContext, kBuffer}) {
     host_.newPictures.storage = storage;
     for (const int width : {1, 2, 15, 511, 512, 513, 1100}) {
       const Called called = Make(width, 2, 0x00010203, 0x00FDFEFF);
       ASSERT_TRUE(called.result) << width;
       EXPECT_EQ(called.result.Width(), width);
-      const std::uint32_t opaque = storage == Storage::Buffer ? 0 : 0xFF000000;
+      const std::uint32_t opaque = storage == kBuffer ? 0 : 0xFF000000;
       EXPECT_EQ(Rows(called.result), (Words{opaque | 0x010203, opaque | 0xFDFEFF})) << width;
     }
   }
-}
-
-// ----------------------------------------------------------------------------------- three colours
-
-TEST_F(Gradient, DoubleOfHeightOneOrTwoIsClear) {
-  EXPECT_EQ(DoubleRows(Storage::BitmapContext, 1, kRed, kBlue, 0), (Words{0}));
-  EXPECT_EQ(DoubleRows(Storage::Buffer, 1, kRed, kBlue, 0), (Words{kClear}));
-  EXPECT_EQ(DoubleRows(Storage::BitmapContext, 2, kRed, kBlue, 0), (Words{0, 0}));
-  EXPECT_EQ(DoubleRows(Storage::Buffer, 2, kRed, kBlue, 0), (Words{kClear, kClear}));
-}
-
-TEST_F(Gradient, DoubleOfHeightThreeHasAClearRowAndTheLastTwoColours) {
-  EXPECT_EQ(DoubleRows(Storage::BitmapContext, 3, kRed, kBlue, 0x123456), (Words{0, 0xFF0000FF, 0xFF123456}));
-  EXPECT_EQ(DoubleRows(Storage::Buffer, 3, kRed, kBlue, 0x123456), (Words{kClear, 0x000000FF, 0x00123456}));
-}
-
-TEST_F(Gradient, DoubleOfHeightFourIsTheColoursAlone) {
-  EXPECT_EQ(DoubleRows(Storage::Buffer, 4, kRed, kBlue, 0x123456), (Words{kRed, kBlue, kBlue, 0x123456}));
-}
-
-TEST_F(Gradient, DoubleOfHeightFiveHasItsLongerSectionBelow) {
-  EXPECT_EQ(DoubleRows(Storage::Buffer, 5, 0x123456, kRed, kBlue),
-            (Words{0x00123456, 0x00FF0000, 0x00FF0000, 0x007F007F, 0x000000FF}));
-  EXPECT_EQ(DoubleRows(Storage::BitmapContext, 5, 0x123456, kRed, kBlue),
-            (Words{0xFF123456, 0xFFFF0000, 0xFFFF0000, 0xFE7E007E, 0xFF0000FF}));
-}
-
-TEST_F(Gradient, DoubleBlendsBothSections) {
-  EXPECT_EQ(DoubleRows(Storage::Buffer, 6, 0, kRed, kBlue),
-            (Words{0x00000000, 0x007F0000, 0x00FF0000, 0x00FF0000, 0x007F007F, 0x000000FF}));
-  EXPECT_EQ(DoubleRows(Storage::BitmapContext, 7, 0xFF000000, kRed, 0),
-            (Words{0, 0x7F3F0000, 0xFFFF0000, 0xFFFF0000, 0xFFAA0000, 0xFF550000, 0xFF000000}));
 }
 
 // -------------------------------------------------------------------------------------------- size
 
 // The host may make a picture of another size than requested.
 TEST_F(Gradient, FillsThePictureThatThereIs) {
-  host_.newPictures.storage = Storage::Buffer;
+  host_.newPictures.storage = kBuffer;
   host_.newPictures.change = [](int, host::PictureShape& shape) { shape.width = 5, shape.height = 2; };
   EXPECT_EQ(Rows(Make(3, 4, kRed, kBlue).result), (Words{kRed, kBlue}));
   host_.newPictures.change = [](int, host::PictureShape& shape) { shape.width = 5, shape.height = 4; };
@@ -199,14 +171,13 @@ TEST_F(Gradient, HeightIsTestedBeforeWidth) {
     int width, height, code;
   } const cases[] = {{0, 0, 35}, {-1, -1, 35}, {3, 0, 35}, {3, -7, 35}, {0, 3, 34}, {-5, 3, 34}, {0, INT32_MIN, 35}};
   for (const auto& c : cases) {
-    const Called simple = Make(c.width, c.height, kRed, kBlue);
-    EXPECT_EQ(simple.code, c.code) << c.width << " x " << c.height;
-    EXPECT_TRUE(simple.result.IsNil());
-    EXPECT_EQ(host_.Calls(Service::NewInstance), 0);
-    const Called twofold = MakeDouble(c.width, c.height, kRed, kBlue, 0);
-    EXPECT_EQ(twofold.code, c.code) << c.width << " x " << c.height;
-    EXPECT_TRUE(twofold.result.IsNil());
-    EXPECT_EQ(host_.Calls(Service::NewInstance), 0);
+    for (const bool twofold : {false, true}) {
+      const Called called =
+          twofold ? MakeDouble(c.width, c.height, kRed, kBlue, 0) : Make(c.width, c.height, kRed, kBlue);
+      EXPECT_EQ(called.code, c.code) << c.width << " x " << c.height;
+      EXPECT_TRUE(called.result.IsNil());
+      EXPECT_EQ(host_.Calls(Service::NewInstance), 0);
+    }
   }
 }
 
@@ -244,17 +215,17 @@ TEST_F(Gradient, SuccessClearsAnEarlierCode) {
 // Before each row the count is tested; after the row it grows by the row's pixels. So these count
 // from the next row on.
 TEST_F(Gradient, YieldsAfterARowOnceTheEarlierOnesReachThePace) {
-  EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 4, kRed, kBlue, 1); }), (std::vector<int>{2, 3, 4}));
-  EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 4, kRed, kBlue, 10); }), (std::vector<int>{2, 3, 4}));
-  EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 8, kRed, kBlue, 11); }), (std::vector<int>{3, 5, 7}));
-  EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 8, kRed, kBlue, 25); }), (std::vector<int>{4, 7}));
-  EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, 3, kRed, kBlue, 21); }), (std::vector<int>{}));
-}
-
-TEST_F(Gradient, YieldsOfTheDoubleGradientCountAcrossBothSections) {
-  EXPECT_EQ(RowsDoneAtYields([&] { return MakeDouble(10, 5, kRed, kBlue, 0, 1); }), (std::vector<int>{2, 3, 4, 5}));
-  EXPECT_EQ(RowsDoneAtYields([&] { return MakeDouble(10, 5, kRed, kBlue, 0, 25); }), (std::vector<int>{4}));
-  EXPECT_EQ(RowsDoneAtYields([&] { return MakeDouble(10, 9, kRed, kBlue, 0, 30); }), (std::vector<int>{4, 7}));
+  const struct {
+    int height, yield;
+    std::vector<int> rowsDone;
+  } kSimple[] = {{4, 1, {2, 3, 4}}, {4, 10, {2, 3, 4}}, {8, 11, {3, 5, 7}}, {8, 25, {4, 7}}, {3, 21, {}}},
+    kDouble[] = {{5, 1, {2, 3, 4, 5}}, {5, 25, {4}}, {9, 30, {4, 7}}};  // counted across both sections
+  for (const auto& [height, yield, rowsDone] : kSimple) {
+    EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, height, kRed, kBlue, yield); }), rowsDone) << yield;
+  }
+  for (const auto& [height, yield, rowsDone] : kDouble) {
+    EXPECT_EQ(RowsDoneAtYields([&] { return MakeDouble(10, height, kRed, kBlue, 0, yield); }), rowsDone) << yield;
+  }
 }
 
 TEST_F(Gradient, NeverYieldsAtAPaceOfZeroOrLess) {
