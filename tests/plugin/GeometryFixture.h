@@ -55,10 +55,11 @@ class Geometry : public support::PluginTest, public testing::WithParamInterface<
     return picture;
   }
   /// An opaque source whose pixels all differ.
-  static Picture Numbered(int width, int height) {
+  static Picture Numbered(int width, int height) { return Source(width, height, NumberedPixels(width, height)); }
+  static Words NumberedPixels(int width, int height) {
     Words pixels;
     for (int i = 1; i <= width * height; ++i) pixels.push_back(Number(i));
-    return Source(width, height, pixels);
+    return pixels;
   }
   static std::uint32_t Number(int i) { return 0xFF000000 | static_cast<std::uint32_t>(i) * 0x030507; }
   /// The pixels of a Numbered source by their numbers, from 1, row by row; 0 is a clear pixel.

@@ -61,70 +61,70 @@ class GeometryShear : public Geometry {
 
 INSTANTIATE_FOR_FORMS(GeometryShear);
 
-TEST_P(GeometryShear, ZeroCopiesUnchanged) {
-  CheckNumbers(3, 2, 0.0, 3, 2, {1, 2, 3, 4, 5, 6});
-  CheckNumbers(3, 2, -0.0, 3, 2, {1, 2, 3, 4, 5, 6});
-}
-
-TEST_P(GeometryShear, ZeroCentresWithTheOddFrameLineAtTheEnd) {
-  CheckNumbers(2, 1, 0.0, 5, 4, {0, 0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
-}
-
-TEST_P(GeometryShear, ZeroCropsWithTheOddLineAtTheEnd) {
-  CheckNumbers(5, 5, 0.0, 2, 2, {7, 8, 12, 13});
-  CheckNumbers(4, 4, 0.0, 2, 2, {6, 7, 10, 11});
-  CheckNumbers(2, 5, 0.0, 4, 2, {0, 3, 4, 0, 0, 5, 6, 0});
-}
-
-TEST_P(GeometryShear, PositiveMovesTheFirstLineFurthestAndEveryLineAtLeastOnce) {
-  CheckNumbers(2, 2, 1.0, 4, 2, {0, 0, 1, 2, 0, 3, 4, 0});
-  CheckNumbers(1, 3, 1.0, 4, 3, {0, 0, 0, 1, 0, 0, 2, 0, 0, 3, 0, 0});
-}
-
-TEST_P(GeometryShear, NegativeLeavesTheFirstLine) {
-  CheckNumbers(2, 2, -1.0, 4, 2, {1, 2, 0, 0, 0, 3, 4, 0});
-  CheckNumbers(1, 3, -1.0, 4, 3, {1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 3, 0});
-}
-
-TEST_P(GeometryShear, CroppedLinesStillCountForTheOffset) {
-  // The natural width is 3 + 4; rows 1 and 2 of 4 are kept, displaced by 3 and 2; 2 of 7 columns
-  // are cut on each side.
-  CheckNumbers(3, 4, 1.0, 3, 2, {0, 4, 5, 7, 8, 9});
-}
-
-TEST_P(GeometryShear, LargeResultsHaveFrameAllAround) {
-  // 2 x 2 at -1 is 4 wide: one column before, two after; one row above, two below.
-  CheckNumbers(2, 2, -1.0, 7, 5, {0, 0, 0, 0, 0, 0, 0,  //
-                                  0, 1, 2, 0, 0, 0, 0,  //
-                                  0, 0, 3, 4, 0, 0, 0,  //
-                                  0, 0, 0, 0, 0, 0, 0,  //
-                                  0, 0, 0, 0, 0, 0, 0});
+TEST_P(GeometryShear, WholeStepsPlaceEveryLine) {
+  const struct {
+    int width, height;
+    double shear;
+    int resultWidth, resultHeight;
+    std::vector<int> numbers;
+  } kShears[] = {
+      // Zero copies unchanged; it centres and crops with the odd line at the end.
+      {3, 2, 0.0, 3, 2, {1, 2, 3, 4, 5, 6}},
+      {3, 2, -0.0, 3, 2, {1, 2, 3, 4, 5, 6}},
+      {2, 1, 0.0, 5, 4, {0, 0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+      {5, 5, 0.0, 2, 2, {7, 8, 12, 13}},
+      {4, 4, 0.0, 2, 2, {6, 7, 10, 11}},
+      {2, 5, 0.0, 4, 2, {0, 3, 4, 0, 0, 5, 6, 0}},
+      // A positive one moves the first line furthest, and every line at least once.
+      {2, 2, 1.0, 4, 2, {0, 0, 1, 2, 0, 3, 4, 0}},
+      {1, 3, 1.0, 4, 3, {0, 0, 0, 1, 0, 0, 2, 0, 0, 3, 0, 0}},
+      // A negative one leaves the first line.
+      {2, 2, -1.0, 4, 2, {1, 2, 0, 0, 0, 3, 4, 0}},
+      {1, 3, -1.0, 4, 3, {1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 3, 0}},
+      // Cropped lines still count for the offset: the natural width is 3 + 4; rows 1 and 2 of 4 are
+      // kept, displaced by 3 and 2; 2 of 7 columns are cut on each side.
+      {3, 4, 1.0, 3, 2, {0, 4, 5, 7, 8, 9}},
+      // 2 x 2 at -1 is 4 wide: one column before, two after; one row above, two below.
+      {2, 2, -1.0, 7, 5, {0, 0, 0, 0, 0, 0, 0,  //
+                          0, 1, 2, 0, 0, 0, 0,  //
+                          0, 0, 3, 4, 0, 0, 0,  //
+                          0, 0, 0, 0, 0, 0, 0,  //
+                          0, 0, 0, 0, 0, 0, 0}},
+      // Lines outside the result are all frame.
+      {1, 3, 1.0, 1, 3, {0, 0, 3}},
+      {1, 3, -1.0, 1, 3, {0, 2, 0}},
+      {1, 5, -1.0, 1, 5, {0, 0, 3, 0, 0}},
+      {2, 6, 1.0, 1, 6, {0, 0, 0, 7, 10, 0}},
+  };
+  for (const auto& s : kShears) {
+    SCOPED_TRACE(testing::Message() << s.width << " x " << s.height << " at " << s.shear);
+    CheckNumbers(s.width, s.height, s.shear, s.resultWidth, s.resultHeight, s.numbers);
+  }
 }
 
 // A row of red and green, half a pixel to the right, with one column before it and one after.
 constexpr std::uint32_t kRed = 0xFFFF0000;
 constexpr std::uint32_t kGreen = 0xFF00FF00;
 
-TEST_P(GeometryShear, AnOpaqueFrameDoesNotTintTheEdges) {
-  const Words source = Stored(GetParam().source, {kRed, kGreen});
-  // The first pixel stays red; the last one is green with 254 of 255 in all its channels.
-  Check(2, 1, source, 0.5, Colour{0x000000FF}, 4, 1,
-        {ByForm(0xFF0000FF, 0x000000FF), ByForm(0xFFFF0000, 0x00FF0000), ByForm(0xFF7F7F00, 0x007F7F00),
-         ByForm(0xFE00FD00, 0x0000FE00)});
-}
-
-TEST_P(GeometryShear, AClearFrameFadesTheEdges) {
-  const Words source = Stored(GetParam().source, {kRed, kGreen});
-  Check(2, 1, source, 0.5, kClearFrame, 4, 1,
-        {ByForm(0x00000000, 0x7F000000), ByForm(0x7F3F0000, 0x407F0000), ByForm(0xFF7F7F00, 0x007F7F00),
-         ByForm(0x7F003F00, 0x40007F00)});
-}
-
-TEST_P(GeometryShear, ATranslucentFrameBlendsIntoTheEdges) {
-  const Words source = Stored(GetParam().source, {kRed, kGreen});
-  Check(2, 1, source, 0.5, Colour{0x800000FF}, 4, 1,
-        {ByForm(0x7F00007F, 0x400000FF), ByForm(0xBE5E005E, 0x207F007F), ByForm(0xFF7F7F00, 0x007F7F00),
-         ByForm(0xBE005E5E, 0x20007F7F)});
+TEST_P(GeometryShear, FramesBlendIntoTheEdges) {
+  struct Edges {
+    std::uint32_t frame, first, last;
+  };
+  const struct {
+    Colour frame;
+    Edges context, buffer;
+  } kFrames[] = {
+      // An opaque frame does not tint the edges: the first pixel stays red; the last one is green
+      // with 254 of 255 in all its channels.
+      {{0x000000FF}, {0xFF0000FF, 0xFFFF0000, 0xFE00FD00}, {0x000000FF, 0x00FF0000, 0x0000FE00}},
+      {kClearFrame, {0x00000000, 0x7F3F0000, 0x7F003F00}, {0x7F000000, 0x407F0000, 0x40007F00}},
+      {{0x800000FF}, {0x7F00007F, 0xBE5E005E, 0xBE005E5E}, {0x400000FF, 0x207F007F, 0x20007F7F}},
+  };
+  for (const auto& [frame, context, buffer] : kFrames) {
+    const Edges& edges = GetParam().result == kContext ? context : buffer;
+    Check(2, 1, Stored(GetParam().source, {kRed, kGreen}), 0.5, frame, 4, 1,
+          {edges.frame, edges.first, ByForm(0xFF7F7F00, 0x007F7F00), edges.last});
+  }
 }
 
 // The largest fraction: the first pixel is all frame, the one after it all red but for 1/65536.
@@ -151,13 +151,6 @@ TEST_P(GeometryShear, ALineThatStartsBeforeTheResultBlendsWithWhatIsCutOff) {
   const Words source = Stored(GetParam().source, {0xFF000000, 0xFF640000, 0xFFC80000, 0xFFFF0000});
   // Half a pixel to the left of column 0: 49 is half of 0 and 100, 149 half of 100 and 200.
   Check(4, 1, source, 0.5, kClearFrame, 2, 1, Stored(GetParam().result, {0xFF310000, 0xFF950000}));
-}
-
-TEST_P(GeometryShear, LinesOutsideTheResultAreAllFrame) {
-  CheckNumbers(1, 3, 1.0, 1, 3, {0, 0, 3});
-  CheckNumbers(1, 3, -1.0, 1, 3, {0, 2, 0});
-  CheckNumbers(1, 5, -1.0, 1, 5, {0, 0, 3, 0, 0});
-  CheckNumbers(2, 6, 1.0, 1, 6, {0, 0, 0, 7, 10, 0});
 }
 
 TEST_P(GeometryShear, AnEdgeThatReachesTheResultIsBlendedAndOneFurtherAwayIsNot) {

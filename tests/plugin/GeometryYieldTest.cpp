@@ -104,14 +104,8 @@ TEST_P(GeometryYield, HundredPixelsAtFortyAColumnAreThreeRows) {
 
 TEST_P(GeometryYield, EveryPassHasItsOwnCount) {
   // Four rows of 5, then five columns of 6.
-  const Picture source = Numbered(3, 4);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 5), 3 + 4);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 6), 1 + 4);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 7), 1 + 2);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 10), 1 + 2);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 16), 0 + 1);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 24), 0 + 1);
-  EXPECT_EQ(Yields("Stretch", {source, 5, 6}, 25), 0);
+  const std::pair<int, int> counts[] = {{5, 3 + 4}, {6, 1 + 4}, {7, 1 + 2}, {10, 1 + 2}, {16, 1}, {24, 1}, {25, 0}};
+  for (const auto& [yield, count] : counts) EXPECT_EQ(Yields("Stretch", {Numbered(3, 4), 5, 6}, yield), count) << yield;
   // Rows of 4, three times; columns of 3, once.
   EXPECT_EQ(Yields("FreeRotateByShear", {Numbered(4, 3), 0.0, kClearFrame}, 4), 2 + 2 + 1 + 2);
   EXPECT_EQ(Yields("FreeRotateByShear", {Numbered(4, 3), 0.0, kClearFrame}, 9), 0 + 0 + 1 + 0);
@@ -123,22 +117,26 @@ TEST_P(GeometryYield, CountsRowsThatNoBoxNeeds) {
 }
 
 TEST_P(GeometryYield, FindsTheLinesBeforeItCompleteAndNoOther) {
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, false, 0, 1}), (Texts{"###/.../...", "###/###/..."}));
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, false, 90, 1}),
-            (Texts{"###/.../...", "###/###/..."}));
+  const Texts downward = {"###/.../...", "###/###/..."}, upward = {".../.../###", ".../###/###"};
+  const struct {
+    bool flipH, flipV;
+    int rotation;
+    Texts pictures;
+  } kTurns[] = {{true, false, 0, downward},
+                {true, false, 90, downward},
+                {true, true, 90, downward},
+                {false, true, 90, downward},
+                {false, false, 270, downward},
+                // The plain quarter turn goes from the last row up.
+                {false, false, 90, upward},
+                {true, true, 270, upward}};
+  for (const auto& turn : kTurns) {
+    EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), turn.flipH, turn.flipV, turn.rotation, 1}), turn.pictures)
+        << turn.rotation;
+  }
   EXPECT_EQ(PicturesAtYields("ShearHorizontal", {Numbered(3, 3), 3, 3, 0.5, kClearFrame, 4}), (Texts{"###/###/..."}));
   EXPECT_EQ(PicturesAtYields("ShearVertical", {Numbered(3, 3), 3, 3, 0.5, kClearFrame, 1}),
             (Texts{"#../#../#..", "##./##./##."}));
-}
-
-TEST_P(GeometryYield, ThePlainQuarterTurnGoesFromTheLastRowUp) {
-  const Texts upward = {".../.../###", ".../###/###"};
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), false, false, 90, 1}), upward);
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, true, 270, 1}), upward);
-  const Texts downward = {"###/.../...", "###/###/..."};
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), true, true, 90, 1}), downward);
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), false, false, 270, 1}), downward);
-  EXPECT_EQ(PicturesAtYields("FlipRotate", {Numbered(3, 3), false, true, 90, 1}), downward);
 }
 
 TEST_P(GeometryYield, BlocksOfLinesStopAtEveryYield) {
