@@ -35,44 +35,36 @@ void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels,
   for (std::size_t i = 0; i < pixels.size(); ++i) (*actual)[i] = blended[2 * i + 1];
 }
 
-// Every channel value with every channel value before it. Pixel i has i % 256 in its red and blue,
-// the pixel before it i / 256; green takes another pair, which changes with the fraction. The
-// pixels are opaque, so a buffer stores them unchanged.
-TEST(AllChannelsAndChannelsBefore, Blend) {
+// Every number to 255 with every number before it, and many fractions. pixel(number, other) makes
+// the pixel of a number; the other ones are all pairs as well, in places that change with the
+// fraction.
+template <class Pixel>
+void BlendAllPairs(PixelForm form, Pixel pixel) {
   const std::vector<NamedKernels> levels = LevelsHere();
   for (const std::uint32_t fraction : ManyFractions()) {
     Pixels pixels, before, expected;
     for (std::uint32_t i = fraction % kDomainStep; i < 65536; i += kDomainStep) {
       const std::uint32_t rotated = (i + fraction * 13) % 65536;
-      pixels.push_back(i % 256 * 0x00010001 | rotated % 256 * 0x00000100);
-      before.push_back(i / 256 * 0x00010001 | rotated / 256 * 0x00000100);
+      pixels.push_back(pixel(i % 256, rotated % 256));
+      before.push_back(pixel(i / 256, rotated / 256));
       expected.push_back(model::Blend(pixels.back(), before.back(), fraction));
     }
     Pixels actual(pixels.size());
     for (const NamedKernels& level : levels) {
-      BlendPairs(level, kBufferForm, pixels, before, fraction, &actual);
+      BlendPairs(level, form, pixels, before, fraction, &actual);
       ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "fraction " << fraction;
     }
   }
 }
 
-// Every alpha with every alpha before it, without colours: in a context, alpha alone is stored, in
-// the lowest byte.
+// In all channels of opaque pixels, which buffers keep as they are.
+TEST(AllChannelsAndChannelsBefore, Blend) {
+  BlendAllPairs(kBufferForm, [](std::uint32_t i, std::uint32_t rotated) { return i * 0x00010001 | rotated << 8; });
+}
+
+// Without a colour: in a context the alpha alone, in the lowest byte.
 TEST(AllAlphasAndAlphasBefore, Blend) {
-  const std::vector<NamedKernels> levels = LevelsHere();
-  for (const std::uint32_t fraction : ManyFractions()) {
-    Pixels pixels, before, expected;
-    for (std::uint32_t i = fraction % kDomainStep; i < 65536; i += kDomainStep) {
-      pixels.push_back(i % 256);
-      before.push_back(i / 256);
-      expected.push_back(model::Blend(pixels.back(), before.back(), fraction));
-    }
-    Pixels actual(pixels.size());
-    for (const NamedKernels& level : levels) {
-      BlendPairs(level, kContextForm, pixels, before, fraction, &actual);
-      ASSERT_TRUE(SameRun(pixels, expected, actual, level.level)) << "fraction " << fraction;
-    }
-  }
+  BlendAllPairs(kContextForm, [](std::uint32_t alpha, std::uint32_t) { return alpha; });
 }
 
 TEST(AllFractions, Blend) {
