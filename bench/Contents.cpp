@@ -31,18 +31,7 @@ std::vector<float> Wave(int length, double step, double phase) {
   return wave;
 }
 
-std::uint32_t Stored(std::uint32_t straight, host::Storage storage) {
-  if (storage == host::Storage::BitmapContext) return __builtin_bswap32(Premultiplied(straight));
-  return (127 - (straight >> 24) / 2) << 24 | (straight & 0xFFFFFF);
-}
-
 }  // namespace
-
-std::uint32_t Premultiplied(std::uint32_t straight) {
-  const std::uint32_t alpha = straight >> 24;
-  const auto channel = [&](int shift) { return ((straight >> shift & 0xFF) * alpha / 255) << shift; };
-  return alpha << 24 | channel(16) | channel(8) | channel(0);
-}
 
 const std::vector<Content>& Contents() {
   static const std::vector<Content> contents = {{"opaque", Opaque}, {"fading", Fading}, {"soft", SoftDiscs}};
@@ -72,7 +61,8 @@ Pixels Draw(const Content& content, int width, int height) {
 void Store(const Pixels& pixels, PoolPicture& picture) {
   std::uint8_t* place = picture.pixels;
   for (const std::uint32_t pixel : pixels) {
-    const std::uint32_t word = Stored(pixel, picture.storage);
+    const std::uint32_t stored = host::StoredFromStraight(picture.storage, pixel);
+    const std::uint32_t word = picture.storage == host::Storage::Buffer ? stored : __builtin_bswap32(stored);
     std::memcpy(place, &word, 4);
     place += 4;
   }

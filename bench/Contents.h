@@ -21,10 +21,7 @@ const std::vector<Content>& Contents();
 
 Pixels Draw(const Content& content, int width, int height);
 
-/// The word of a bitmap context for the same pixel.
-std::uint32_t Premultiplied(std::uint32_t straight);
-
-/// Writes pixels into a picture of the same size, in the picture's form.
+/// Writes pixels into a picture of their size, in its form.
 void Store(const Pixels& pixels, PoolPicture& picture);
 
 }  // namespace bench

@@ -58,12 +58,6 @@ std::uint32_t StraightFromStored(Storage storage, std::uint32_t word) {
   return alpha << 24 | MapColour(word, divide);
 }
 
-std::uint32_t StoredFromStraight(Storage storage, std::uint32_t pixel) {
-  const std::uint32_t alpha = pixel >> 24;
-  if (storage == Storage::Buffer) return (127 - Nearest(alpha * 127, 255)) << 24 | (pixel & 0xFFFFFF);
-  return alpha << 24 | MapColour(pixel, [alpha](std::uint32_t k) { return Nearest(k * alpha, 255); });
-}
-
 class Fnv1a {
  public:
   void Add(std::uint32_t word) {
@@ -76,6 +70,12 @@ class Fnv1a {
 };
 
 }  // namespace
+
+std::uint32_t StoredFromStraight(Storage storage, std::uint32_t pixel) {
+  const std::uint32_t alpha = pixel >> 24;
+  if (storage == Storage::Buffer) return (127 - Nearest(alpha * 127, 255)) << 24 | (pixel & 0xFFFFFF);
+  return alpha << 24 | MapColour(pixel, [alpha](std::uint32_t k) { return Nearest(k * alpha, 255); });
+}
 
 Picture::Picture(const PictureShape& shape) {
   auto memory = std::make_unique<PictureMemory>(shape);

@@ -76,7 +76,10 @@ struct PictureShape {
 /// form: as a context's word its blue exceeds alpha, as a buffer's its transparency exceeds 127.
 constexpr std::uint32_t kUnwritten = 0xDBADC0DE;
 
-/// A copy of all memory of a picture: pixels, padding, buffer record, row table.
+/// A straight pixel, 0xAARRGGBB with 255 opaque, as a stored word, rounded to the nearest.
+std::uint32_t StoredFromStraight(Storage storage, std::uint32_t pixel);
+
+/// All memory of a picture as it was: pixels, padding, buffer record, row table.
 class Snapshot {
  public:
   bool operator==(const Snapshot& other) const { return parts_ == other.parts_; }

@@ -51,7 +51,8 @@ class PeerBench {
     const bool translucent = std::string(content.name) != "opaque";
     Workbench workbench(host::Storage::BitmapContext, pixels, size_.width, size_.height);
     const Canvas source(size_.width, size_.height), spare(size_.width, size_.height);
-    std::transform(pixels.begin(), pixels.end(), source.Picture().words, Premultiplied);
+    std::transform(pixels.begin(), pixels.end(), source.Picture().words,
+                   [](std::uint32_t pixel) { return host::StoredFromStraight(host::Storage::BitmapContext, pixel); });
     if (!options_.Has("json")) {
       std::printf("%s, %d x %d: ns per pixel\n", content.name, size_.width, size_.height);
     }
