@@ -1,5 +1,5 @@
-// What the tests of the colour methods share: small pictures, both adjustments with their arguments,
-// and single pixels taken through both forms of an adjustment.
+// What the tests of the colour methods share: small pictures, both adjustments with their
+// arguments, and single pixels taken through both forms of an adjustment.
 #pragma once
 
 #include <string>
