@@ -13,9 +13,9 @@
 namespace fuzz {
 namespace {
 
+using host::Storage;
 using host::Value;
 using model::Fault;
-using model::Form;
 using model::StoredPicture;
 
 constexpr int kLongest = 3000;
@@ -85,17 +85,17 @@ void Visit(Archive& archive, Input& input) {
   archive.Rest(input.words);
 }
 
-host::Layout LayoutOf(const PictureInput& input, Form form, int height) {
+host::Layout LayoutOf(const PictureInput& input, Storage form, int height) {
   host::Layout layout;
   layout.flush = (input.layout & 4) != 0 ? host::Flush::Start : host::Flush::End;
   if (input.layout % 4 == 1) layout.padding = input.padding;
   if (input.layout % 4 == 2) layout.padding = 4 * (input.padding % 20);
-  layout.scattered = input.layout % 4 == 3 && form == Form::Buffer && height <= kMostScatteredRows;
+  layout.scattered = input.layout % 4 == 3 && form == Storage::Buffer && height <= kMostScatteredRows;
   return layout;
 }
 
-Form FormOf(const PictureInput& input) {
-  return input.form % 2 == 1 ? Form::Buffer : Form::BitmapContext;
+Storage FormOf(const PictureInput& input) {
+  return input.form % 2 == 1 ? Storage::Buffer : Storage::BitmapContext;
 }
 
 Fault FaultOf(const PictureInput& input) {
@@ -107,7 +107,7 @@ unsigned VariantOf(const PictureInput& input) {
   return input.fault / 2 % 4;
 }
 
-StoredPicture ContentOf(const MethodInput& input, Form form, int width, int height) {
+StoredPicture ContentOf(const MethodInput& input, Storage form, int width, int height) {
   if (input.source.content != 0) {
     Random random(input.source.content);
     return support::RandomPicture(random, form, width, height);
@@ -134,19 +134,19 @@ StoredPicture SourceOf(const MethodInput& input) {
   const int across = longWidth || longHeight ? 8 : kUsual;  // long pictures are narrow
   const int width = longWidth ? source.length % (kLongest + 1) : source.width % across;
   const int height = longHeight ? source.length % (kLongest + 1) : source.height % across;
-  const Form form = FormOf(input.sourcePicture);
+  const Storage form = FormOf(input.sourcePicture);
   const Fault fault = FaultOf(input.sourcePicture);
   // A buffer without pixels is a picture of 0 x 0, which can be locked.
-  if (form == Form::Buffer && fault == Fault::NoPixels) return StoredPicture(form, 0, 0);
+  if (form == Storage::Buffer && fault == Fault::NoPixels) return StoredPicture(form, 0, 0);
   StoredPicture picture = ContentOf(input, form, width, height);
   picture.fault = fault;
-  const bool incomplete = source.flaw >= kWrong && form == Form::Buffer && fault == Fault::None;
+  const bool incomplete = source.flaw >= kWrong && form == Storage::Buffer && fault == Fault::None;
   if (incomplete) TakeRowsAway(source.missing, picture);
   return picture;
 }
 
 support::NewPicture NewPictureOf(const PictureInput& input) {
-  const Form form = FormOf(input);
+  const Storage form = FormOf(input);
   return {form, LayoutOf(input, form, 0), FaultOf(input), VariantOf(input)};
 }
 

@@ -8,7 +8,7 @@
 
 namespace faults {
 
-using model::Form;
+using host::Storage;
 
 namespace {
 
@@ -21,10 +21,10 @@ const char* const kFunctions[] = {"CGBitmapContextGetWidth", "CGBitmapContextGet
 class MissingContext : public FaultsTest {
  protected:
   // With a source of that form, and buffers as new pictures.
-  static void ForEveryOperationOn(Form source, const Body& body) {
+  static void ForEveryOperationOn(Storage source, const Body& body) {
     for (const Operation& operation : support::Operations()) {
       SCOPED_TRACE(operation.name);
-      Setting setting = SettingOf(operation, source, Form::Buffer);
+      Setting setting = SettingOf(operation, source, Storage::Buffer);
       setting.lacksContexts = true;
       body(CallOf(operation), setting);
     }
@@ -39,7 +39,7 @@ TEST_F(MissingContext, ItAloneIsMissing) {
 }
 
 TEST_F(MissingContext, SourcesCannotBeLocked) {
-  ForEveryOperationOn(Form::BitmapContext, [this](const MethodCall& call, const Setting& setting) {
+  ForEveryOperationOn(Storage::BitmapContext, [this](const MethodCall& call, const Setting& setting) {
     if (!call.method->hasSource) return;
     Check(call, setting);
     EXPECT_EQ(ServiceCalls(*call.method, *host_), std::vector<std::string>({"lock S", "unlock S"}));
@@ -47,18 +47,18 @@ TEST_F(MissingContext, SourcesCannotBeLocked) {
 }
 
 TEST_F(MissingContext, NewPicturesCannotBeLocked) {
-  ForEveryOperationOn(Form::Buffer, [this](const MethodCall& call, const Setting& setting) {
+  ForEveryOperationOn(Storage::Buffer, [this](const MethodCall& call, const Setting& setting) {
     for (std::size_t made = 0; made < std::string(call.method->made).size(); ++made) {
       SCOPED_TRACE(made);
       Setting context = setting;
-      context.newPictures[made].form = Form::BitmapContext;
+      context.newPictures[made].form = Storage::BitmapContext;
       Check(call, context);
     }
   });
 }
 
 TEST_F(MissingContext, BuffersWork) {
-  ForEveryOperationOn(Form::Buffer, [this](const MethodCall& call, const Setting& setting) {
+  ForEveryOperationOn(Storage::Buffer, [this](const MethodCall& call, const Setting& setting) {
     EXPECT_EQ(Check(call, setting), 0);
     EXPECT_EQ(ServiceCalls(*call.method, *host_), ServiceCalls(*call.method));
   });

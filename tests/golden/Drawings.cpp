@@ -7,7 +7,7 @@
 
 namespace golden {
 
-using model::Form;
+using host::Storage;
 
 namespace {
 
@@ -41,7 +41,7 @@ const char* NameOf(Subject subject) {
   return "";
 }
 
-model::StoredPicture Draw(Subject subject, Form form, int width, int height) {
+model::StoredPicture Draw(Subject subject, Storage form, int width, int height) {
   model::StoredPicture picture(form, width, height);
   Random random(2011);
   for (int y = 0; y < height; ++y) {

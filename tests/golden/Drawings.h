@@ -15,6 +15,6 @@ enum class Subject {
 
 const char* NameOf(Subject subject);
 
-model::StoredPicture Draw(Subject subject, model::Form form, int width, int height);
+model::StoredPicture Draw(Subject subject, host::Storage form, int width, int height);
 
 }  // namespace golden

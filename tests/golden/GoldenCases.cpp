@@ -6,8 +6,8 @@
 namespace golden {
 
 using host::Colour;
+using host::Storage;
 using host::Value;
-using model::Form;
 using support::Arguments;
 
 namespace {
@@ -156,22 +156,22 @@ void AddGradients(Calls& calls) {
 
 struct Pictures {
   Subject subject;
-  Form source;
-  Form made;
+  Storage source;
+  Storage made;
 };
 
-constexpr Pictures kPictures[] = {{Subject::Opaque, Form::BitmapContext, Form::BitmapContext},
-                                  {Subject::Soft, Form::BitmapContext, Form::BitmapContext},
-                                  {Subject::Grey, Form::BitmapContext, Form::BitmapContext},
-                                  {Subject::Wild, Form::BitmapContext, Form::BitmapContext},
-                                  {Subject::Soft, Form::BitmapContext, Form::Buffer},
-                                  {Subject::Opaque, Form::Buffer, Form::Buffer},
-                                  {Subject::Soft, Form::Buffer, Form::Buffer},
-                                  {Subject::Wild, Form::Buffer, Form::Buffer},
-                                  {Subject::Soft, Form::Buffer, Form::BitmapContext}};
+constexpr Pictures kPictures[] = {{Subject::Opaque, Storage::BitmapContext, Storage::BitmapContext},
+                                  {Subject::Soft, Storage::BitmapContext, Storage::BitmapContext},
+                                  {Subject::Grey, Storage::BitmapContext, Storage::BitmapContext},
+                                  {Subject::Wild, Storage::BitmapContext, Storage::BitmapContext},
+                                  {Subject::Soft, Storage::BitmapContext, Storage::Buffer},
+                                  {Subject::Opaque, Storage::Buffer, Storage::Buffer},
+                                  {Subject::Soft, Storage::Buffer, Storage::Buffer},
+                                  {Subject::Wild, Storage::Buffer, Storage::Buffer},
+                                  {Subject::Soft, Storage::Buffer, Storage::BitmapContext}};
 
-const char* NameOf(Form form) {
-  return form == Form::Buffer ? "buffer" : "context";
+const char* NameOf(Storage form) {
+  return form == Storage::Buffer ? "buffer" : "context";
 }
 
 }  // namespace
@@ -190,7 +190,7 @@ std::vector<Case> Cases() {
   std::vector<Case> cases;
   for (const auto& [name, call] : calls.All()) {
     if (!call.method->hasSource) {
-      for (const Form form : {Form::BitmapContext, Form::Buffer}) {
+      for (const Storage form : {Storage::BitmapContext, Storage::Buffer}) {
         cases.push_back({name + ":" + NameOf(form), call, std::nullopt, form});
       }
       continue;

@@ -14,7 +14,7 @@ struct Case {
   std::string name;  ///< method, pictures and arguments, in one word
   support::MethodCall call;
   std::optional<model::StoredPicture> source;
-  model::Form newPictures;  ///< the storage form of all pictures that the method makes
+  host::Storage newPictures;  ///< the storage form of all pictures that the method makes
 };
 
 /// All cases, method by method.

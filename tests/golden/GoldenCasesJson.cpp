@@ -20,8 +20,8 @@ std::string TextOf(const host::Value& value) {
   return text;
 }
 
-const char* NameOf(model::Form form) {
-  return form == model::Form::Buffer ? "buffer" : "context";
+const char* NameOf(host::Storage form) {
+  return form == host::Storage::Buffer ? "buffer" : "context";
 }
 
 std::string TextOf(const model::StoredPicture& picture) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-using model::Form;
+using host::Storage;
 
 // Every channel value with every alpha, in each of the three channels. The other channels are
 // random first, then well-formed.
@@ -31,9 +31,11 @@ void AddChannelsAndAlphas(Domain& domain) {
 }
 
 TEST(AllChannelsAndAlphas, ReadContext) {
-  Domain domain([](const RunKernels& k, Pixels& out,
-                   const Pixels& in) { k.between[kContextForm][kWorkingForm].copy(Bytes(out), Bytes(in), in.size()); },
-                [](std::uint32_t memory) { return model::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory)); });
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) {
+        k.between[kContextForm][kWorkingForm].copy(Bytes(out), Bytes(in), in.size());
+      },
+      [](std::uint32_t memory) { return model::ReadPixel(Storage::BitmapContext, __builtin_bswap32(memory)); });
   struct Swapped {
     decltype(domain)& to;
     bool Add(std::uint32_t word) { return to.Add(__builtin_bswap32(word)); }
@@ -42,34 +44,36 @@ TEST(AllChannelsAndAlphas, ReadContext) {
 }
 
 TEST(AllChannelsAndAlphas, WriteContext) {
-  Domain domain([](const RunKernels& k, Pixels& out,
-                   const Pixels& in) { k.between[kWorkingForm][kContextForm].copy(Bytes(out), Bytes(in), in.size()); },
-                [](std::uint32_t pixel) { return __builtin_bswap32(model::WritePixel(Form::BitmapContext, pixel)); });
+  Domain domain(
+      [](const RunKernels& k, Pixels& out, const Pixels& in) {
+        k.between[kWorkingForm][kContextForm].copy(Bytes(out), Bytes(in), in.size());
+      },
+      [](std::uint32_t pixel) { return __builtin_bswap32(model::WritePixel(Storage::BitmapContext, pixel)); });
   AddChannelsAndAlphas(domain);
 }
 
 TEST(AllChannelsAndAlphas, ReadBuffer) {
   Domain domain([](const RunKernels& k, Pixels& out,
                    const Pixels& in) { k.between[kBufferForm][kWorkingForm].copy(Bytes(out), Bytes(in), in.size()); },
-                [](std::uint32_t word) { return model::ReadPixel(Form::Buffer, word); });
+                [](std::uint32_t word) { return model::ReadPixel(Storage::Buffer, word); });
   AddChannelsAndAlphas(domain);
 }
 
 TEST(AllChannelsAndAlphas, WriteBuffer) {
   Domain domain([](const RunKernels& k, Pixels& out,
                    const Pixels& in) { k.between[kWorkingForm][kBufferForm].copy(Bytes(out), Bytes(in), in.size()); },
-                [](std::uint32_t pixel) { return model::WritePixel(Form::Buffer, pixel); });
+                [](std::uint32_t pixel) { return model::WritePixel(Storage::Buffer, pixel); });
   AddChannelsAndAlphas(domain);
 }
 
 std::uint32_t ReadMemory(PixelForm form, std::uint32_t memory) {
-  return form == kBufferForm ? model::ReadPixel(Form::Buffer, memory)
-                             : model::ReadPixel(Form::BitmapContext, __builtin_bswap32(memory));
+  return form == kBufferForm ? model::ReadPixel(Storage::Buffer, memory)
+                             : model::ReadPixel(Storage::BitmapContext, __builtin_bswap32(memory));
 }
 
 std::uint32_t WriteMemory(PixelForm form, std::uint32_t pixel) {
-  return form == kBufferForm ? model::WritePixel(Form::Buffer, pixel)
-                             : __builtin_bswap32(model::WritePixel(Form::BitmapContext, pixel));
+  return form == kBufferForm ? model::WritePixel(Storage::Buffer, pixel)
+                             : __builtin_bswap32(model::WritePixel(Storage::BitmapContext, pixel));
 }
 
 TEST(AllChannelsAndAlphas, Copies) {

@@ -7,17 +7,17 @@
 namespace {
 
 using host::Colour;
+using host::Storage;
 using host::Value;
-using model::Form;
 
 struct Shape {
   int width;
   int height;
-  Form form;
+  Storage form;
 };
 
 void PrintTo(const Shape& shape, std::ostream* out) {
-  *out << shape.width << " x " << shape.height << (shape.form == Form::Buffer ? " buffer" : " context");
+  *out << shape.width << " x " << shape.height << (shape.form == Storage::Buffer ? " buffer" : " context");
 }
 
 class LongLines : public support::PluginTest, public testing::WithParamInterface<Shape> {
@@ -92,7 +92,7 @@ TEST_P(LongLines, Gradients) {
 
 std::vector<Shape> Shapes() {
   std::vector<Shape> shapes;
-  for (const Form form : {Form::BitmapContext, Form::Buffer}) {
+  for (const Storage form : {Storage::BitmapContext, Storage::Buffer}) {
     for (const auto& [across, along] :
          {std::pair(3, 65535), std::pair(2, 65536), std::pair(2, 32766), std::pair(1, 1000000)}) {
       shapes.push_back({across, along, form});
@@ -103,7 +103,7 @@ std::vector<Shape> Shapes() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes, LongLines, testing::ValuesIn(Shapes()), [](const auto& shape) {
-  return (shape.param.form == Form::Buffer ? "Buffer" : "Context") + std::to_string(shape.param.width) + "x" +
+  return (shape.param.form == Storage::Buffer ? "Buffer" : "Context") + std::to_string(shape.param.width) + "x" +
          std::to_string(shape.param.height);
 });
 

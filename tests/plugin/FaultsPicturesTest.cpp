@@ -8,13 +8,13 @@
 namespace faults {
 
 using host::PictureShape;
-using model::Form;
+using host::Storage;
 
 namespace {
 
 struct Kind {
   std::string name;
-  std::optional<Form> only;  ///< of this form
+  std::optional<Storage> only;  ///< of this form
   std::function<void(PictureShape& shape)> spoil;
   bool sourceToo = true;
 };
@@ -32,7 +32,7 @@ void AddUnlockable(std::vector<Kind>& kinds) {
   }
   kinds.push_back({"tells nothing", {}, [](PictureShape& s) { s.defects.refusesLock = true; }});
   kinds.push_back({"nil", {}, [](PictureShape& s) { s.defects.nilData = true; }});
-  kinds.push_back({"no address", Form::BitmapContext, [](PictureShape& s) { s.defects.nilPixels = true; }});
+  kinds.push_back({"no address", Storage::BitmapContext, [](PictureShape& s) { s.defects.nilPixels = true; }});
 }
 
 void AddSizes(std::vector<Kind>& kinds) {
@@ -59,7 +59,7 @@ void AddSizes(std::vector<Kind>& kinds) {
                      s.width = s.height = INT_MIN;
                      s.layout.padding = 0;
                    }});
-  kinds.push_back({"neither columns nor address", Form::BitmapContext, [](PictureShape& s) {
+  kinds.push_back({"neither columns nor address", Storage::BitmapContext, [](PictureShape& s) {
                      s.width = 0;
                      s.defects.nilPixels = true;
                    }});
@@ -68,33 +68,33 @@ void AddSizes(std::vector<Kind>& kinds) {
 
 void AddDepthsAndRows(std::vector<Kind>& kinds) {
   for (const int depth : {1, 8, 16, 24, 31, 64, 128}) {
-    kinds.push_back({"depth " + std::to_string(depth), Form::BitmapContext,
+    kinds.push_back({"depth " + std::to_string(depth), Storage::BitmapContext,
                      [=](PictureShape& s) { s.defects.bitsPerPixel = depth; }});
   }
-  kinds.push_back({"no row table", Form::Buffer, [](PictureShape& s) { s.defects.nilRowTable = true; }});
+  kinds.push_back({"no row table", Storage::Buffer, [](PictureShape& s) { s.defects.nilRowTable = true; }});
   for (const std::vector<int>& rows : std::vector<std::vector<int>>{
            {0}, {1}, {2}, {4}, {1, 2}, {0, 4}, {1, 3}, {0, 1, 2, 3}, {0, 1, 2, 3, 4, 5, 6, 7}}) {
     std::string name = "without rows";
     for (const int row : rows) name += " " + std::to_string(row);
-    kinds.push_back({name, Form::Buffer, [=](PictureShape& s) { TakeAway(rows, s); }});
+    kinds.push_back({name, Storage::Buffer, [=](PictureShape& s) { TakeAway(rows, s); }});
   }
-  kinds.push_back({"without its last row", Form::Buffer, [](PictureShape& s) { TakeAway({s.height - 1}, s); }});
+  kinds.push_back({"without its last row", Storage::Buffer, [](PictureShape& s) { TakeAway({s.height - 1}, s); }});
 }
 
 void AddLayouts(std::vector<Kind>& kinds) {
   for (const int bytes : {0, 4, 5, 27}) {
-    kinds.push_back({"rows " + std::to_string(bytes) + " bytes apart", Form::BitmapContext,
+    kinds.push_back({"rows " + std::to_string(bytes) + " bytes apart", Storage::BitmapContext,
                      [=](PictureShape& s) { s.defects.bytesPerRow = bytes; }});
   }
   for (const int more : {0, 3, 8}) {
-    kinds.push_back({"rows upwards, padded by " + std::to_string(more), Form::BitmapContext,
+    kinds.push_back({"rows upwards, padded by " + std::to_string(more), Storage::BitmapContext,
                      [=](PictureShape& s) { s.defects.bytesPerRow = -4 * s.width - more; }});
   }
   for (const int padding : {0, 3, 5}) {
     kinds.push_back({"padding " + std::to_string(padding), {}, [=](PictureShape& s) { s.layout.padding = padding; }});
   }
   kinds.push_back({"flush with its start", {}, [](PictureShape& s) { s.layout.flush = host::Flush::Start; }});
-  kinds.push_back({"scattered rows", Form::Buffer, [](PictureShape& s) {
+  kinds.push_back({"scattered rows", Storage::Buffer, [](PictureShape& s) {
                      s.layout.padding = 0;
                      s.layout.scattered = true;
                    }});

@@ -27,7 +27,7 @@ inline MethodCall CallOf(const Operation& operation, int yield = kEveryLine) {
 }
 
 /// A source and new pictures of these forms.
-inline Setting SettingOf(const Operation& operation, model::Form source, model::Form made) {
+inline Setting SettingOf(const Operation& operation, host::Storage source, host::Storage made) {
   Setting setting;
   setting.layout.padding = 8;
   setting.newPictures.assign(4, support::NewPicture{made});
@@ -60,12 +60,12 @@ class FaultsTest : public testing::Test {
   /// Runs `body` for every operation, with all storage forms that change its calls. Stops at the
   /// first failure.
   static void ForEveryOperation(const Body& body) {
-    using model::Form;
+    using host::Storage;
     for (const Operation& operation : support::Operations()) {
       if (IsLeftOut(operation)) continue;
       const MethodCall call = CallOf(operation);
-      for (const Form source : {Form::BitmapContext, Form::Buffer}) {
-        for (const Form made : {Form::BitmapContext, Form::Buffer}) {
+      for (const Storage source : {Storage::BitmapContext, Storage::Buffer}) {
+        for (const Storage made : {Storage::BitmapContext, Storage::Buffer}) {
           if (source != made && (!call.method->hasSource || *call.method->made == '\0')) continue;
           SCOPED_TRACE(testing::Message() << operation.name << ", source of form " << static_cast<int>(source)
                                           << ", new pictures of form " << static_cast<int>(made));

@@ -8,7 +8,7 @@
 
 namespace {
 
-using model::Form;
+using host::Storage;
 using model::StoredPicture;
 using support::NewPicture;
 using support::Setting;
@@ -20,14 +20,14 @@ static_assert(kWidth * kHeight > 3 << 20);
 constexpr std::uint32_t kFrame = 0x00204060;
 
 // Opaque, except for a translucent band across the picture and a clear corner.
-std::uint32_t WordAt(Form form, int x, int y) {
+std::uint32_t WordAt(Storage form, int x, int y) {
   const std::uint32_t mixed = static_cast<std::uint32_t>(x) * 0x9E3779B1u ^ static_cast<std::uint32_t>(y) * 0x85EBCA6Bu;
   const std::uint32_t alpha = x + y < 300 ? 0 : (x / 2 + y) % 700 < 40 ? mixed >> 24 : 255;
   return model::WritePixel(form, alpha << 24 | (mixed & 0xFFFFFF));
 }
 
 // Sources and results in both forms.
-class LargePictures : public support::PluginTest, public testing::WithParamInterface<Form> {
+class LargePictures : public support::PluginTest, public testing::WithParamInterface<Storage> {
  protected:
   Setting Pictures(int width = kWidth, int height = kHeight) {
     Setting setting;
@@ -50,9 +50,9 @@ class LargePictures : public support::PluginTest, public testing::WithParamInter
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Forms, LargePictures, testing::Values(Form::BitmapContext, Form::Buffer),
-                         [](const testing::TestParamInfo<Form>& form) {
-                           return form.param == Form::Buffer ? "Buffer" : "Context";
+INSTANTIATE_TEST_SUITE_P(Forms, LargePictures, testing::Values(Storage::BitmapContext, Storage::Buffer),
+                         [](const testing::TestParamInfo<Storage>& form) {
+                           return form.param == Storage::Buffer ? "Buffer" : "Context";
                          });
 
 TEST_P(LargePictures, FlipRotate) {
@@ -79,12 +79,12 @@ Place TurnedFrom(bool flipH, bool flipV, int quarter, int x, int y) {
 // compared. At every yield, the last row that is due and the first row that is not are checked.
 TEST_P(LargePictures, EveryTurnToTheOtherForm) {
   constexpr int kYield = 149705;  // falls inside tiles, in either direction of the result
-  const Form form = GetParam(), other = form == Form::Buffer ? Form::BitmapContext : Form::Buffer;
+  const Storage form = GetParam(), other = form == Storage::Buffer ? Storage::BitmapContext : Storage::Buffer;
   const host::Picture source = support::ToHost(*Pictures().source, {});
   host_.newPictures.storage = other;
   for (int turn = 0; turn < 16; ++turn) {
     const bool flipH = turn % 2 != 0, flipV = turn / 2 % 2 != 0;
-    if ((flipH == flipV) != ((form == Form::Buffer) == (turn < 8))) continue;
+    if ((flipH == flipV) != ((form == Storage::Buffer) == (turn < 8))) continue;
     const int quarter = turn / 4, rows = quarter % 2 == 0 ? kHeight : kWidth, columns = kWidth + kHeight - rows;
     SCOPED_TRACE(testing::Message() << quarter << " quarters" << (flipH ? ", H" : "") << (flipV ? ", V" : ""));
     const bool isUpwards = flipH == flipV && quarter == (flipH ? 3 : 1);

@@ -73,7 +73,7 @@ TEST_F(Model, SteepShearsOfHighPictures) {
 // Higher than a band of rows, or so wide that a band has only a few rows.
 TEST_F(Model, StretchInBands) {
   ForEachCase(24, [this](Random& random) {
-    const model::Form form = support::RandomForm(random);
+    const host::Storage form = support::RandomForm(random);
     const bool isWide = OneIn(random, 4);
     const int sourceWidth = isWide ? 4500 + random.Between(0, 900) : random.Between(60, 300);
     const int sourceHeight = isWide ? random.Between(60, 90) : random.Between(100, 400);

@@ -13,8 +13,8 @@ namespace {
 
 using host::Colour;
 using host::Picture;
+using host::Storage;
 using host::Value;
-using model::Form;
 using model::Outcome;
 using model::StoredPicture;
 using support::FromHost;
@@ -24,7 +24,7 @@ using support::OneIn;
 using support::Operation;
 using support::Setting;
 
-constexpr Form kForms[] = {Form::BitmapContext, Form::Buffer};
+constexpr Storage kForms[] = {Storage::BitmapContext, Storage::Buffer};
 constexpr support::Size kResult = {9, 8};
 constexpr const char* kNeverYields = "LMX_Trim";
 
@@ -52,7 +52,7 @@ MethodCall CallOf(const Operation& operation) {
   return MethodCall(operation, kResult, Colour{0x40208060}, 1);
 }
 
-Setting NewPicturesOf(Form form) {
+Setting NewPicturesOf(Storage form) {
   Setting setting;
   setting.newPictures.assign(4, NewPicture{form, {}, model::Fault::None, 0});
   return setting;
@@ -110,7 +110,7 @@ class NestedCalls : public testing::Test {
   }
 
   // The same with a picture of its own.
-  void Check(const Operation& operation, Form form, const AtYield& atYield = nullptr) {
+  void Check(const Operation& operation, Storage form, const AtYield& atYield = nullptr) {
     Random random(static_cast<std::uint64_t>(form));
     const MethodCall call = CallOf(operation);
     Setting setting = NewPicturesOf(form);
@@ -164,8 +164,8 @@ TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
     for (const Operation& inner : Operations()) {
       SCOPED_TRACE(testing::Message() << inner.name << " inside " << outer.name);
       int yields = 0;
-      for (const Form form : kForms) {
-        for (const Form innerForm : kForms) {
+      for (const Storage form : kForms) {
+        for (const Storage innerForm : kForms) {
           Check(outer, form, [&](int) {
             ++yields;
             Check(inner, innerForm);
@@ -219,16 +219,16 @@ TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
         if (yield != 0) return;
         MethodCall call(inner.name, inner.arguments);
         call.arguments.emplace_back(0);
-        Setting setting = NewPicturesOf(Form::Buffer);
+        Setting setting = NewPicturesOf(Storage::Buffer);
         if (inner.made != 0) setting.newPictures[inner.made - 1].fault = kUnusable;
         if (inner.code == 2) return Check(call, setting, Picture());
-        setting.source = StoredPicture(Form::Buffer, kResult.width, kResult.height);
+        setting.source = StoredPicture(Storage::Buffer, kResult.width, kResult.height);
         setting.source->fault = inner.source;
         const Picture source = support::ToHost(*setting.source, {}, 0);
         Check(call, setting, source);
         EXPECT_EQ(LastError(), inner.code);
       };
-      Check(outer, Form::BitmapContext, fail);
+      Check(outer, Storage::BitmapContext, fail);
       if (HasFailure()) return;
     }
   }
@@ -241,7 +241,7 @@ TEST_F(NestedCalls, CallsInsideReadTheSameSource) {
     for (const Operation& inner : Operations()) {
       const MethodCall outerCall = CallOf(outer), innerCall = CallOf(inner);
       if (!outerCall.method->hasSource || !innerCall.method->hasSource || innerCall.method->InPlace()) continue;
-      for (const Form form : kForms) {
+      for (const Storage form : kForms) {
         SCOPED_TRACE(testing::Message() << inner.name << " inside " << outer.name);
         Random random(1);
         const auto [width, height] = outer.SourceOf(kResult);
@@ -259,22 +259,22 @@ TEST_F(NestedCalls, EachHoldsALockOfTheSameSource) {
   constexpr int kDepth = 20;
   const MethodCall call("AdjustHSV", {1, 1, 5, 4, 40.0, 1.0, 2.0, false, 1});
   Random random(1);
-  const Picture source = support::ToHost(support::RandomPicture(random, Form::Buffer, 9, 8), {}, 0);
+  const Picture source = support::ToHost(support::RandomPicture(random, Storage::Buffer, 9, 8), {}, 0);
   int depth = 0;
   const std::function<void(int)> inside = [&](int yield) {
     if (yield != 0 || depth == kDepth) return;
     EXPECT_EQ(source.Locks(), ++depth);
-    Check(call, NewPicturesOf(Form::Buffer), source, inside);
+    Check(call, NewPicturesOf(Storage::Buffer), source, inside);
   };
-  Check(call, NewPicturesOf(Form::Buffer), source, inside);
+  Check(call, NewPicturesOf(Storage::Buffer), source, inside);
   EXPECT_EQ(depth, kDepth);
 }
 
 // Both add 1. Rows before the yield are changed by the outer call first, rows after it by the inner
 // one.
 TEST_F(NestedCalls, ChangesOfTheSamePictureAddUp) {
-  for (const Form form : kForms) {
-    const StoredPicture before(form, 6, 5, form == Form::Buffer ? 0x00203040 : 0xFF203040);
+  for (const Storage form : kForms) {
+    const StoredPicture before(form, 6, 5, form == Storage::Buffer ? 0x00203040 : 0xFF203040);
     const Picture source = support::ToHost(before, {}, 0);
     int yields = 0;
     host_.onYield = [&] {
@@ -292,7 +292,7 @@ TEST_F(NestedCalls, CallsInsideReadWhatTheOuterCallIsWriting) {
       const MethodCall call = CallOf(inner);
       if (support::FindMethod(outer.method).Result() == 0 || !call.method->hasSource || call.method->InPlace())
         continue;
-      for (const Form form : kForms) {
+      for (const Storage form : kForms) {
         SCOPED_TRACE(testing::Message() << inner.name << " inside " << outer.name);
         host_.ResetCounts();
         Check(outer, form, [&](int) {
@@ -313,7 +313,7 @@ TEST_F(NestedCalls, CallsInsideChangeWhatIsDoneOfTheResult) {
   for (const Operation& outer : Operations()) {
     const MethodCall call = CallOf(outer);
     if (std::string(call.method->made).size() != 1) continue;
-    for (const Form form : kForms) {
+    for (const Storage form : kForms) {
       SCOPED_TRACE(outer.name);
       Random random(2);
       const auto [width, height] = outer.SourceOf(kResult);
@@ -366,7 +366,7 @@ class NestedChains : public NestedCalls {
       return;
     }
     const MethodCall call = CallOf(AnyOperation(random, true));
-    const Form form = support::RandomForm(random);
+    const Storage form = support::RandomForm(random);
     Setting setting = support::RandomNewPictures(random);
     for (NewPicture& plan : setting.newPictures) plan.fault = model::Fault::None;
     Picture source;
@@ -458,9 +458,9 @@ TEST_F(NestedCalls, WaitOnLittleOfTheStackEach) {
     std::function<void(int)> inside = [&](int yield) {
       if (yield != 0) return;
       stack.push_back(reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
-      if (stack.size() < kDepth) Check(operation, Form::BitmapContext, inside);
+      if (stack.size() < kDepth) Check(operation, Storage::BitmapContext, inside);
     };
-    Check(operation, Form::BitmapContext, inside);
+    Check(operation, Storage::BitmapContext, inside);
     ASSERT_EQ(stack.size(), static_cast<std::size_t>(kDepth));
     for (std::size_t i = 1; i < stack.size() && !kInstrumented; ++i) EXPECT_LE(stack[i - 1] - stack[i], kMostBytes);
   }

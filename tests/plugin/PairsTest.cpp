@@ -12,7 +12,7 @@
 namespace {
 
 using host::Colour;
-using model::Form;
+using host::Storage;
 using model::StoredPicture;
 using support::MissingRow;
 using support::NewPicture;
@@ -48,20 +48,20 @@ int YieldOf(int pace, int line) {
   }
 }
 
-struct Storage {
+struct MemoryKind {
   const char* name;
-  Form form;
+  Storage form;
   bool scattered;
   MissingRow missing;
 };
 enum { kContext, kBuffer, kScattered };  // the first ones
-constexpr Storage kStorages[] = {
-    {"a context", Form::BitmapContext, false, MissingRow::None},
-    {"a buffer", Form::Buffer, false, MissingRow::None},
-    {"a buffer with scattered rows", Form::Buffer, true, MissingRow::None},
-    {"a buffer without its first row", Form::Buffer, false, MissingRow::First},
-    {"a buffer without an inner row", Form::Buffer, false, MissingRow::Inner},
-    {"a buffer without its last row", Form::Buffer, false, MissingRow::Last},
+constexpr MemoryKind kMemoryKinds[] = {
+    {"a context", Storage::BitmapContext, false, MissingRow::None},
+    {"a buffer", Storage::Buffer, false, MissingRow::None},
+    {"a buffer with scattered rows", Storage::Buffer, true, MissingRow::None},
+    {"a buffer without its first row", Storage::Buffer, false, MissingRow::First},
+    {"a buffer without an inner row", Storage::Buffer, false, MissingRow::Inner},
+    {"a buffer without its last row", Storage::Buffer, false, MissingRow::Last},
 };
 
 // ---------------------------------------------------------------------------------------- the rows
@@ -71,7 +71,7 @@ struct Combination {
 };
 
 const std::vector<int>& Counts() {
-  static const int kKinds = static_cast<int>(std::size(kStorages));
+  static const int kKinds = static_cast<int>(std::size(kMemoryKinds));
   static const std::vector<int> counts = {
       static_cast<int>(Operations().size()), kSizeClasses, kPaces, kKinds, kKinds, kKinds};
   return counts;
@@ -144,13 +144,13 @@ TEST(CoveringArray, HasEveryPair) {
 
 // --------------------------------------------------------------------------------------- the calls
 
-host::Layout LayoutOf(const Storage& storage) {
+host::Layout LayoutOf(const MemoryKind& storage) {
   host::Layout layout;
   layout.scattered = storage.scattered;
   return layout;
 }
 
-NewPicture NewPictureOf(const Storage& storage) {
+NewPicture NewPictureOf(const MemoryKind& storage) {
   NewPicture plan;
   plan.form = storage.form;
   plan.layout = LayoutOf(storage);
@@ -159,7 +159,7 @@ NewPicture NewPictureOf(const Storage& storage) {
 }
 
 // Random rows, repeated. The period is a prime number of pixels, so that neighbouring rows differ.
-StoredPicture SourceOf(const Storage& storage, Size size, Random& random) {
+StoredPicture SourceOf(const MemoryKind& storage, Size size, Random& random) {
   StoredPicture picture(storage.form, size.width, size.height);
   const StoredPicture part = support::RandomPicture(random, storage.form, 1, 8191);
   for (std::size_t i = 0; i < picture.words.size(); ++i) picture.words[i] = part.words[i % part.words.size()];
@@ -187,8 +187,8 @@ class PairsTest : public support::PluginTest, public testing::WithParamInterface
   static std::string Text(const Combination& c) {
     const Size size = kSizes[c.size];
     return "size " + std::to_string(size.width) + " x " + std::to_string(size.height) + ", pace " +
-           std::to_string(c.pace) + ", source " + kStorages[c.source].name + ", temporary pictures " +
-           kStorages[c.temporary].name + ", result " + kStorages[c.result].name;
+           std::to_string(c.pace) + ", source " + kMemoryKinds[c.source].name + ", temporary pictures " +
+           kMemoryKinds[c.temporary].name + ", result " + kMemoryKinds[c.result].name;
   }
 
   void Check(const Combination& c, int number) {
@@ -199,11 +199,11 @@ class PairsTest : public support::PluginTest, public testing::WithParamInterface
     Random random(static_cast<std::uint64_t>(number));
     Setting setting;
     setting.mostPixels = 1 << 24;
-    setting.newPictures.assign(4, NewPictureOf(kStorages[c.temporary]));
-    if (method.Result() > 0) setting.newPictures[method.Result() - 1] = NewPictureOf(kStorages[c.result]);
+    setting.newPictures.assign(4, NewPictureOf(kMemoryKinds[c.temporary]));
+    if (method.Result() > 0) setting.newPictures[method.Result() - 1] = NewPictureOf(kMemoryKinds[c.result]);
     if (method.hasSource) {
-      setting.source = SourceOf(kStorages[c.source], operation.SourceOf(size), random);
-      setting.layout = LayoutOf(kStorages[c.source]);
+      setting.source = SourceOf(kMemoryKinds[c.source], operation.SourceOf(size), random);
+      setting.layout = LayoutOf(kMemoryKinds[c.source]);
     }
     const int yield = YieldOf(c.pace, method.ByColumns() ? size.height : size.width);
     CheckCall({operation, size, kFrames[number % 3], yield}, setting);

@@ -10,7 +10,7 @@
 namespace {
 
 using host::Colour;
-using model::Form;
+using host::Storage;
 using support::NewPicture;
 using support::Operation;
 using support::Resized;
@@ -54,7 +54,7 @@ TEST_P(ResizedTest, NewPicturesOfAnotherSize) {
   const std::size_t made = std::string(method.made).size();
   Random random(1);
   for (const Size size : kSizes) {
-    for (const Form form : {Form::BitmapContext, Form::Buffer}) {
+    for (const Storage form : {Storage::BitmapContext, Storage::Buffer}) {
       const Size source = operation.SourceOf(size);
       const model::StoredPicture picture = support::RandomPicture(random, form, source.width, source.height);
       Setting setting;

@@ -12,7 +12,7 @@ namespace model {
 
 // --------------------------------------------------------------------------------- stored pictures
 
-StoredPicture::StoredPicture(Form pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word)
+StoredPicture::StoredPicture(Storage pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word)
     : form(pictureForm),
       width(std::max(pictureWidth, 0)),
       height(std::max(pictureHeight, 0)),
@@ -36,7 +36,7 @@ namespace {
 // The last row that a walk along a column reaches. In a buffer the walk ends at the first or last
 // row, or before a missing one; in a bitmap context it continues.
 std::int64_t RowReached(const StoredPicture& picture, std::int64_t from, std::int64_t to) {
-  if (picture.form == Form::BitmapContext || from == to) return to;
+  if (picture.form == Storage::BitmapContext || from == to) return to;
   const std::set<int>& missing = picture.missingRows;
   if (to > from) {
     const auto next = missing.lower_bound(static_cast<int>(from));  // `from` itself is included

@@ -25,7 +25,7 @@ enum class Fault { None, NoPixels, UnusableType };
 
 /// A picture as the host stores it. Negative sizes count as 0.
 struct StoredPicture {
-  StoredPicture(Form pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word = 0);
+  StoredPicture(Storage pictureForm, int pictureWidth, int pictureHeight, std::uint32_t word = 0);
 
   // Pixels outside the picture or in a missing row read as 0 and ignore writes.
   bool Has(std::int64_t x, std::int64_t y) const;
@@ -36,7 +36,7 @@ struct StoredPicture {
   std::uint32_t& Word(int x, int y) { return words[Index(x, y)]; }
   const std::uint32_t& Word(int x, int y) const { return words[Index(x, y)]; }
 
-  Form form;
+  Storage form;
   int width;
   int height;
   std::vector<std::uint32_t> words;  ///< row by row, top row first

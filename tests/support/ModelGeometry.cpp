@@ -41,7 +41,7 @@ Picture FromLines(Lines lines, int width, int height, At at) {
 
 }  // namespace
 
-Picture Stored(const Picture& picture, Form form) {
+Picture Stored(const Picture& picture, Storage form) {
   return {picture.width, picture.height,
           [=](auto x, auto y, auto) { return ReadPixel(form, WritePixel(form, picture.At(x, y))); }};
 }

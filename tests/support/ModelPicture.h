@@ -28,7 +28,7 @@ struct Picture {
 };
 
 /// The working pixels after they were stored in that form.
-Picture Stored(const Picture& picture, Form form);
+Picture Stored(const Picture& picture, Storage form);
 
 // ---------------------------------------------------------------------------------------- geometry
 

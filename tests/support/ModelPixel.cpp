@@ -5,8 +5,8 @@
 
 namespace model {
 
-std::uint32_t ReadPixel(Form form, std::uint32_t word) {
-  if (form == Form::Buffer) {
+std::uint32_t ReadPixel(Storage form, std::uint32_t word) {
+  if (form == Storage::Buffer) {
     const std::uint32_t transparency = word >> 24;
     const std::uint32_t alpha = transparency == 127 ? 0 : (255 - 2 * transparency) % 256;
     return (alpha << 24) | (word & 0xFFFFFF);
@@ -20,8 +20,8 @@ std::uint32_t ReadPixel(Form form, std::uint32_t word) {
          Blue(word) * 255 / alpha;
 }
 
-std::uint32_t WritePixel(Form form, std::uint32_t pixel) {
-  if (form == Form::Buffer) return (((pixel >> 1) & 0x7F000000) | (pixel & 0xFFFFFF)) ^ 0x7F000000;
+std::uint32_t WritePixel(Storage form, std::uint32_t pixel) {
+  if (form == Storage::Buffer) return (((pixel >> 1) & 0x7F000000) | (pixel & 0xFFFFFF)) ^ 0x7F000000;
   const std::uint32_t alpha = Alpha(pixel);
   if (alpha == 0) return 0;
   if (alpha == 255) return pixel;

@@ -10,11 +10,11 @@
 
 namespace model {
 
-using Form = host::Storage;
+using host::Storage;
 
 /// Working pixels: 0xAARRGGBB, straight alpha, 255 opaque.
-std::uint32_t ReadPixel(Form form, std::uint32_t word);
-std::uint32_t WritePixel(Form form, std::uint32_t pixel);
+std::uint32_t ReadPixel(Storage form, std::uint32_t word);
+std::uint32_t WritePixel(Storage form, std::uint32_t pixel);
 
 constexpr std::uint32_t Alpha(std::uint32_t pixel) {
   return pixel >> 24;

@@ -6,28 +6,28 @@
 
 namespace support {
 
+using host::Storage;
 using model::Fault;
-using model::Form;
 using model::StoredPicture;
 
 namespace {
 
 enum class Kind { Opaque, Proper, AnyBytes, OpaqueWithStretches, Clear };
 
-std::uint32_t OpaqueWord(Random& random, Form form) {
-  return (random.Word() & 0xFFFFFF) | (form == Form::Buffer ? 0 : 0xFF000000);
+std::uint32_t OpaqueWord(Random& random, Storage form) {
+  return (random.Word() & 0xFFFFFF) | (form == Storage::Buffer ? 0 : 0xFF000000);
 }
 
-std::uint32_t ProperWord(Random& random, Form form) {
-  if (form == Form::Buffer) return random.Below(128) << 24 | (random.Word() & 0xFFFFFF);
+std::uint32_t ProperWord(Random& random, Storage form) {
+  if (form == Storage::Buffer) return random.Below(128) << 24 | (random.Word() & 0xFFFFFF);
   const std::uint32_t alpha = random.Below(256);
   std::uint32_t word = alpha << 24;
   for (int shift = 0; shift < 24; shift += 8) word |= random.Below(alpha + 1) << shift;
   return word;
 }
 
-std::uint32_t ClearWord(Random& random, Form form) {
-  return (random.Word() & 0xFFFFFF) | (form == Form::Buffer ? 0x7F000000 : 0);
+std::uint32_t ClearWord(Random& random, Storage form) {
+  return (random.Word() & 0xFFFFFF) | (form == Storage::Buffer ? 0x7F000000 : 0);
 }
 
 void Fill(Random& random, Kind kind, StoredPicture& picture) {
@@ -70,16 +70,16 @@ std::string Hex(std::uint32_t word) {
 
 std::string Shape(const StoredPicture& picture) {
   return std::to_string(picture.width) + " x " + std::to_string(picture.height) +
-         (picture.form == Form::Buffer ? " buffer" : " bitmap context");
+         (picture.form == Storage::Buffer ? " buffer" : " bitmap context");
 }
 
 }  // namespace
 
-Form RandomForm(Random& random) {
-  return OneIn(random, 2) ? Form::Buffer : Form::BitmapContext;
+Storage RandomForm(Random& random) {
+  return OneIn(random, 2) ? Storage::Buffer : Storage::BitmapContext;
 }
 
-StoredPicture RandomPicture(Random& random, Form form, int width, int height) {
+StoredPicture RandomPicture(Random& random, Storage form, int width, int height) {
   static constexpr Kind kKinds[] = {Kind::Opaque, Kind::Proper, Kind::AnyBytes, Kind::OpaqueWithStretches, Kind::Clear};
   StoredPicture picture(form, width, height);
   Fill(random, random.OneOf(kKinds), picture);
@@ -97,10 +97,10 @@ StoredPicture RandomPicture(Random& random) {
   return RandomPicture(random, RandomForm(random), width, height);
 }
 
-host::Layout RandomLayout(Random& random, Form form) {
+host::Layout RandomLayout(Random& random, Storage form) {
   host::Layout layout;
   layout.flush = OneIn(random, 2) ? host::Flush::Start : host::Flush::End;
-  if (form == Form::Buffer && OneIn(random, 3)) {
+  if (form == Storage::Buffer && OneIn(random, 3)) {
     layout.scattered = true;
   } else if (OneIn(random, 2)) {
     layout.padding = OneIn(random, 2) ? random.Between(1, 80) : 4 * random.Between(1, 20);
@@ -108,10 +108,10 @@ host::Layout RandomLayout(Random& random, Form form) {
   return layout;
 }
 
-host::Defects DefectsFor(Fault fault, Form form, unsigned variant) {
+host::Defects DefectsFor(Fault fault, Storage form, unsigned variant) {
   host::Defects defects;
   if (fault == Fault::NoPixels) {
-    (form == Form::BitmapContext && variant % 2 == 1 ? defects.nilPixels : defects.nilData) = true;
+    (form == Storage::BitmapContext && variant % 2 == 1 ? defects.nilPixels : defects.nilData) = true;
   } else if (fault == Fault::UnusableType) {
     if (variant % 2 == 0) {
       defects.pictureType = variant % 4 == 0 ? 9 : 0;

@@ -11,16 +11,16 @@ namespace support {
 
 /// Any content: all opaque, well-formed, any bytes (colours above alpha, transparencies above 127),
 /// opaque with translucent stretches, or clear pixels that still have colours.
-model::StoredPicture RandomPicture(Random& random, model::Form form, int width, int height);
+model::StoredPicture RandomPicture(Random& random, host::Storage form, int width, int height);
 /// The same with a random form and size: mostly small, some a single row or column, a few empty.
 model::StoredPicture RandomPicture(Random& random);
-model::Form RandomForm(Random& random);
+host::Storage RandomForm(Random& random);
 /// Padded rows, scattered rows, or neither.
-host::Layout RandomLayout(Random& random, model::Form form);
+host::Layout RandomLayout(Random& random, host::Storage form);
 
 /// The host's defects for a picture with that fault. There are several for most faults; `variant`
 /// selects one.
-host::Defects DefectsFor(model::Fault fault, model::Form form, unsigned variant);
+host::Defects DefectsFor(model::Fault fault, host::Storage form, unsigned variant);
 
 /// The host's shape of a picture, and the value that an unwritten picture of a shape has for the
 /// plug-in. A picture that hides its pixels has no row that can be read.

@@ -12,9 +12,9 @@
 namespace support {
 
 using host::Picture;
+using host::Storage;
 using host::Value;
 using model::Fault;
-using model::Form;
 using model::MakePicture;
 using model::Order;
 using model::Outcome;
@@ -63,7 +63,7 @@ Size SizeOf(Resized resized, Size asked) {
 
 // A buffer picture without pixels can be locked. Its size is 0 x 0.
 bool IsEmptyBuffer(const NewPicture& plan) {
-  return plan.form == Form::Buffer && plan.fault == Fault::NoPixels;
+  return plan.form == Storage::Buffer && plan.fault == Fault::NoPixels;
 }
 
 void MakeShape(const NewPicture& plan, host::PictureShape& shape) {
@@ -143,7 +143,7 @@ std::set<int> MissingRows(MissingRow missing, int height) {
 
 StoredPicture ValueIn(const Setting& setting, const host::PictureShape& shape) {
   StoredPicture value = ValueOf(shape);
-  const bool isUnknown = setting.lacksContexts && value.form == Form::BitmapContext;
+  const bool isUnknown = setting.lacksContexts && value.form == Storage::BitmapContext;
   if (isUnknown && value.fault == Fault::None) value.fault = Fault::NoPixels;
   return value;
 }

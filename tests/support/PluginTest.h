@@ -50,7 +50,7 @@ enum class Resized {
 
 /// One new picture that the host will make.
 struct NewPicture {
-  model::Form form = model::Form::BitmapContext;
+  host::Storage form = host::Storage::BitmapContext;
   host::Layout layout = {};
   model::Fault fault = model::Fault::None;
   unsigned variant = 0;  ///< see DefectsFor

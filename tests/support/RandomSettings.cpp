@@ -5,8 +5,8 @@
 
 namespace support {
 
+using host::Storage;
 using model::Fault;
-using model::Form;
 using model::StoredPicture;
 
 namespace {
@@ -48,9 +48,9 @@ Setting RandomSetting(Random& random) {
   setting.variant = random.Below(4);
   setting.source->fault = RandomFault(random);
   if (setting.source->words.empty()) setting.variant = 0;  // an empty context has only one way to lack pixels
-  if (setting.source->form == Form::Buffer) {
+  if (setting.source->form == Storage::Buffer) {
     // A buffer without pixels is a picture of 0 x 0, which can be locked.
-    if (setting.source->fault == Fault::NoPixels) setting.source = StoredPicture(Form::Buffer, 0, 0);
+    if (setting.source->fault == Fault::NoPixels) setting.source = StoredPicture(Storage::Buffer, 0, 0);
     if (setting.source->fault == Fault::None && OneIn(random, 15)) TakeRowsAway(random, *setting.source);
   }
   return setting;
