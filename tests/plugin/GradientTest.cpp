@@ -220,11 +220,12 @@ TEST_F(Gradient, YieldsAfterARowOnceTheEarlierOnesReachThePace) {
     std::vector<int> rowsDone;
   } kSimple[] = {{4, 1, {2, 3, 4}}, {4, 10, {2, 3, 4}}, {8, 11, {3, 5, 7}}, {8, 25, {4, 7}}, {3, 21, {}}},
     kDouble[] = {{5, 1, {2, 3, 4, 5}}, {5, 25, {4}}, {9, 30, {4, 7}}};  // counted across both sections
-  for (const auto& [height, yield, rowsDone] : kSimple) {
-    EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, height, kRed, kBlue, yield); }), rowsDone) << yield;
+  for (const auto& c : kSimple) {
+    EXPECT_EQ(RowsDoneAtYields([&] { return Make(10, c.height, kRed, kBlue, c.yield); }), c.rowsDone) << c.yield;
   }
-  for (const auto& [height, yield, rowsDone] : kDouble) {
-    EXPECT_EQ(RowsDoneAtYields([&] { return MakeDouble(10, height, kRed, kBlue, 0, yield); }), rowsDone) << yield;
+  for (const auto& c : kDouble) {
+    EXPECT_EQ(RowsDoneAtYields([&] { return MakeDouble(10, c.height, kRed, kBlue, 0, c.yield); }), c.rowsDone)
+        << c.yield;
   }
 }
 

@@ -15,6 +15,8 @@
 
 namespace {
 
+using host::Defects;
+
 constexpr std::int32_t kWidth = 1300;  // more than two pieces, in which runs are processed that are not inside
 constexpr std::int32_t kHeight = 3;
 
@@ -487,6 +489,20 @@ TEST_F(RunsTest, WritesGroups) {
       ExpectWritten(picture, before, x, walked);
     }
   });
+}
+
+// Too large for the cache, with all rows in the same memory. A temporary picture gets ordinary
+// stores, any other one non-temporal stores; the pixels are the same.
+TEST_F(RunsTest, FillsLargePicturesTemporaryOrNot) {
+  Defects oneRow;
+  oneRow.bytesPerRow = 0;
+  for (const bool isTemporary : {false, true}) {
+    LockedPicture large(Context(65536, 64, oneRow));
+    large.wrapper.unlockOnRelease = isTemporary;
+    FillRun(large.wrapper, 0, 63, 65536, StoredPixel(large.wrapper, 0xFF123456));
+    large.wrapper.unlockOnRelease = false;  // the test's own picture
+    for (int x = 0; x < 65536; ++x) ASSERT_EQ(large.picture.Stored(x, 0), 0xFF123456u) << x;
+  }
 }
 
 }  // namespace
