@@ -51,17 +51,17 @@ const std::uint8_t* StoredRun(const LMX_Picture& picture, std::int32_t x, std::i
 }
 
 // Where to write a run: in place if the picture holds all of it, else in `scratch`.
-std::uint8_t* RoomForRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
-                         std::uint32_t* scratch) {
+std::uint8_t* WritableRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n,
+                          std::uint32_t* scratch) {
   const Clipped part = Clip(picture, x, y, n);
   return part.count == n ? part.address : Bytes(scratch);
 }
 
 // Copies a run from `scratch`, if it was written there, to the picture, as far as the picture holds
 // it.
-void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* room,
+void PutRun(const LMX_Picture& picture, std::int32_t x, std::int32_t y, std::int32_t n, const std::uint8_t* run,
             const std::uint32_t* scratch) {
-  if (room != Bytes(scratch)) return;
+  if (run != Bytes(scratch)) return;
   const Clipped part = Clip(picture, x, y, n);
   if (part.count > 0) std::memcpy(part.address, scratch + part.before, Size(part.count) * 4);
 }
@@ -116,9 +116,9 @@ void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t 
   std::uint32_t in[kChunk], out[kChunk];
   for (std::int32_t i = 0; i < n; i += kChunk) {
     const std::int32_t part = std::min(kChunk, n - i);
-    std::uint8_t* const room = RoomForRun(to.picture, to.x + i, to.y, part, out);
-    kernel(room, StoredRun(from.picture, from.x + i, from.y, part, in), Size(part), i);
-    PutRun(to.picture, to.x + i, to.y, part, room, out);
+    std::uint8_t* const run = WritableRun(to.picture, to.x + i, to.y, part, out);
+    kernel(run, StoredRun(from.picture, from.x + i, from.y, part, in), Size(part), i);
+    PutRun(to.picture, to.x + i, to.y, part, run, out);
   }
 }
 
@@ -176,11 +176,11 @@ void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t c
   }
 }
 
-void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
-                 std::uint8_t** runs) {
+void WritableRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
+                  std::uint32_t* scratch, std::uint8_t** runs) {
   if (RunsInside(to, step, n, count, runs)) return;
   for (std::int32_t i = 0; i < count; ++i, scratch += n) {
-    runs[i] = RoomForRun(to.picture, to.x, to.y + i * step, n, scratch);
+    runs[i] = WritableRun(to.picture, to.x, to.y + i * step, n, scratch);
   }
 }
 
@@ -189,11 +189,11 @@ void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::in
   for (std::int32_t i = 0; i < count; ++i, scratch += n) PutRun(to.picture, to.x, to.y + i * step, n, runs[i], scratch);
 }
 
-bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
-                 std::uint8_t** runs) {
+bool WritableRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
+                  std::uint8_t** runs) {
   if (RunsInside({walk.Picture(), x, walk.Row()}, walk.Step(), n, count, runs)) return true;
   for (std::int32_t i = 0; i < count; ++i, scratch += n, walk.Next()) {
-    runs[i] = RoomForRun(walk.Picture(), x, walk.Row(), n, scratch);
+    runs[i] = WritableRun(walk.Picture(), x, walk.Row(), n, scratch);
   }
   return false;
 }
@@ -245,7 +245,7 @@ void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk wal
     }
     part = std::min(part, kScratch / n);
     StoredRuns(walk, x, n, part, scratchFrom, from);
-    RoomForRuns(at, rowStep, part, n, scratchTo, rows);
+    WritableRuns(at, rowStep, part, n, scratchTo, rows);
     transpose(rows, from, Size(part), 0, Size(n));
     PutRuns(at, rowStep, part, n, scratchTo, rows);
   }
@@ -327,7 +327,7 @@ void ReadColumns(const PixelPosition& from, std::int32_t n, std::int32_t lines, 
 void WriteColumns(const PixelPosition& to, std::int32_t n, std::int32_t lines, const std::uint8_t* const* columns) {
   std::uint32_t scratch[kTile * kTile];
   std::uint8_t* rows[kTile];
-  RoomForRuns(to, 1, n, lines, scratch, rows);
+  WritableRuns(to, 1, n, lines, scratch, rows);
   // Moves pixels as they are.
   gRunKernels.between[kWorkingForm][kWorkingForm].transpose(rows, columns, Size(n), 0, Size(lines));
   PutRuns(to, 1, n, lines, scratch, rows);

@@ -70,15 +70,15 @@ void StoredRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t c
 
 /// Where to write such runs: in the picture if it holds all of a run, else in `scratch`. PutRuns
 /// must follow: it copies the pixels that lie in the picture from `scratch` to it.
-void RoomForRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
-                 std::uint8_t** runs);
+void WritableRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
+                  std::uint32_t* scratch, std::uint8_t** runs);
 void PutRuns(const PixelPosition& to, std::int32_t step, std::int32_t n, std::int32_t count,
              const std::uint32_t* scratch, std::uint8_t* const* runs);
 
 /// The same for the rows of a ColumnWalk. True if the picture holds all runs. Otherwise PutRuns
 /// must follow, which also advances the walk.
-bool RoomForRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
-                 std::uint8_t** runs);
+bool WritableRuns(ColumnWalk walk, std::int32_t x, std::int32_t n, std::int32_t count, std::uint32_t* scratch,
+                  std::uint8_t** runs);
 void PutRuns(ColumnWalk& walk, std::int32_t x, std::int32_t n, std::int32_t count, const std::uint32_t* scratch,
              std::uint8_t* const* runs);
 

@@ -182,7 +182,7 @@ class Strips {
 
   /// The addresses of rows y to y + count - 1, from column x on.
   void Find(std::int32_t x, std::int32_t y, std::int32_t count, std::uint8_t** runs) const {
-    if (strips_ == 1 || !IsInStrip(x)) return RoomForRuns({temporary_, x, y}, 1, 1, count, nullptr, runs);
+    if (strips_ == 1 || !IsInStrip(x)) return WritableRuns({temporary_, x, y}, 1, 1, count, nullptr, runs);
     // Counts rows of strips; memory holds fewer than size_t can count.
     const auto inRow = static_cast<std::size_t>(strips_);
     const std::size_t first =
@@ -280,7 +280,7 @@ LMX_NOINLINE void StretchColumns(Columns from, const Boxes& boxes, const LMX_Pic
     const std::int32_t first = boxes.First(y);
     count = 1;
     if (boxes.AreSmall()) count = std::min({kMostRows, result.height - y, boxes.Of(first + kMostRows) - y});
-    const bool isInside = RoomForRuns(walk, x, n, count, scratch, to);
+    const bool isInside = WritableRuns(walk, x, n, count, scratch, to);
     if (boxes.AreSmall()) {
       AverageRuns(to, form, from.Rows(first, boxes.Needed(y + count) - first), boxes.From(y), count, n);
     } else {

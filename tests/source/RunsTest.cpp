@@ -471,7 +471,7 @@ TEST_F(RunsTest, WritesGroups) {
       std::vector<std::uint32_t> before = PixelsOf(picture);
       const Rows rows = RowsInSteps(step);
       const PixelPosition at = {picture.wrapper, x, rows[0]};
-      RoomForRuns(at, step, kRun, kCount, scratch, runs);
+      WritableRuns(at, step, kRun, kCount, scratch, runs);
       WriteRuns(picture.wrapper, 0, kCount, runs);
       PutRuns(at, step, kRun, kCount, scratch, runs);
       ExpectWritten(picture, before, x, rows);
@@ -481,7 +481,7 @@ TEST_F(RunsTest, WritesGroups) {
       const Rows walked = RowsOf(walk);
       std::int32_t done = 0;
       for (const std::int32_t count : kGroups) {
-        RoomForRuns(walk, x, kRun, count, scratch, runs);
+        WritableRuns(walk, x, kRun, count, scratch, runs);
         WriteRuns(picture.wrapper, done, count, runs);
         PutRuns(walk, x, kRun, count, scratch, runs);
         done += count;
