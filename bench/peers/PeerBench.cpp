@@ -50,7 +50,7 @@ class PeerBench {
     const Pixels pixels = Draw(content, size_.width, size_.height);
     const bool translucent = std::string(content.name) != "opaque";
     Workbench workbench(host::Storage::BitmapContext, pixels, size_.width, size_.height);
-    const Canvas source(size_.width, size_.height), spare(size_.width, size_.height);
+    const Canvas source(size_.width, size_.height), scratch(size_.width, size_.height);
     std::transform(pixels.begin(), pixels.end(), source.Picture().words,
                    [](std::uint32_t pixel) { return host::StoredFromStraight(host::Storage::BitmapContext, pixel); });
     if (!options_.Has("json")) {
@@ -65,7 +65,9 @@ class PeerBench {
         // A copy precedes each, so that both find their source in the same caches.
         const Timing copy = workbench.Memcpy({budget_.least, 0});
         const Work call = workbench.Call(plugin_, operation, 0);
-        const auto copyTheirs = [&] { std::memcpy(spare.Picture().words, source.Picture().words, 4 * pixels.size()); };
+        const auto copyTheirs = [&] {
+          std::memcpy(scratch.Picture().words, source.Picture().words, 4 * pixels.size());
+        };
         Tell(content, peer, work, copy, MeasureInTurn({call, {work.work, copyTheirs}}, budget_));
         workbench.Clear();
       }

@@ -131,14 +131,14 @@ export class Plugin {
    */
   makePicture(form, image) {
     const handle = this.newPicture(form, image.width, image.height);
-    const room = handle && this.exports.allocate(image.data.length);
-    if (!room) {
+    const address = handle && this.exports.allocate(image.data.length);
+    if (!address) {
       if (handle) this.giveUp(handle);
       return 0;
     }
-    this.bytes(room, image.data.length).set(image.data);
-    this.exports.setStraight(handle, room);
-    this.exports.release(room);
+    this.bytes(address, image.data.length).set(image.data);
+    this.exports.setStraight(handle, address);
+    this.exports.release(address);
     return handle;
   }
 
@@ -154,11 +154,11 @@ export class Plugin {
   imageOf(handle) {
     const { width, height } = this.sizeOf(handle);
     const size = 4 * width * height;
-    const room = this.exports.allocate(size);
-    if (!room) throw new Error('there is no memory to show the picture');
-    this.exports.getStraight(handle, room);
-    const data = new Uint8ClampedArray(this.exports.memory.buffer, room, size).slice();
-    this.exports.release(room);
+    const address = this.exports.allocate(size);
+    if (!address) throw new Error('there is no memory to show the picture');
+    this.exports.getStraight(handle, address);
+    const data = new Uint8ClampedArray(this.exports.memory.buffer, address, size).slice();
+    this.exports.release(address);
     return { width, height, data };
   }
 
@@ -186,25 +186,25 @@ export class Plugin {
   computeFallback(method, argument, size, given) {
     const index = this.facts.findIndex((facts) => facts.name === method.name);
     const names = this.facts[index].arguments.map((a) => a.name);
-    const room = this.exports.allocate(8 * names.length);
+    const address = this.exports.allocate(8 * names.length);
     const view = new DataView(this.exports.memory.buffer);
     names.forEach((name, i) => {
       const value = typeof given[name] === 'number' && name !== argument ? given[name] : NaN;
-      view.setFloat64(room + 8 * i, value, true);
+      view.setFloat64(address + 8 * i, value, true);
     });
     const place = names.indexOf(argument);
-    const value = this.exports.computeFallback(index, place, size.width, size.height, room);
-    this.exports.release(room);
+    const value = this.exports.computeFallback(index, place, size.width, size.height, address);
+    this.exports.release(address);
     return value;
   }
 
   /** The test chart as straight pixels. */
   chart() {
     const width = this.exports.chartWidth(), height = this.exports.chartHeight();
-    const room = this.exports.allocate(4 * width * height);
-    this.exports.drawChart(room);
-    const data = new Uint8ClampedArray(this.exports.memory.buffer, room, 4 * width * height).slice();
-    this.exports.release(room);
+    const address = this.exports.allocate(4 * width * height);
+    this.exports.drawChart(address);
+    const data = new Uint8ClampedArray(this.exports.memory.buffer, address, 4 * width * height).slice();
+    this.exports.release(address);
     return { width, height, data };
   }
 }
