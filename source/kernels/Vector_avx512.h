@@ -6,6 +6,7 @@
 
 #include <immintrin.h>
 
+#include "ByteOrders.h"
 #include "LMX_Pixel.h"
 
 namespace {
@@ -137,32 +138,21 @@ struct Vector {
   LMX_ALWAYS_INLINE static Reg DoubleHigh32(Reg a) { return _mm512_unpackhi_epi32(a, a); }
   LMX_ALWAYS_INLINE static Reg Pack16(Reg low, Reg high) { return _mm512_packus_epi16(low, high); }
 
-  // Four 16-bit lanes of each 64 bits, chosen by two bits each.
+  // Shuffles of bytes; ByteOrders says what each does.
   template <int i>
   LMX_ALWAYS_INLINE static Reg Spread16(Reg a) {
-    constexpr int first = i & 3, second = i >> 2 & 3, third = i >> 4 & 3, fourth = i >> 6;
-    return Words<first, second, third, fourth, 4 + first, 4 + second, 4 + third, 4 + fourth>(a);
+    return Bytes(a, ByteOrders::Spread16<i>());
   }
-
-  // The lower (0) or upper (1) half of each pixel, copied to the four lanes where UnpackLow8 and
-  // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
-    return Words<half, half, half, half, 2 + half, 2 + half, 2 + half, 2 + half>(a);
+    return Bytes(a, ByteOrders::HalvesLow16<half>());
   }
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesHigh16(Reg a) {
-    return Words<4 + half, 4 + half, 4 + half, 4 + half, 6 + half, 6 + half, 6 + half, 6 + half>(a);
+    return Bytes(a, ByteOrders::HalvesHigh16<half>());
   }
-
-  // The lowest byte of each pixel, in all four bytes of it.
-  LMX_ALWAYS_INLINE static Reg SpreadLowest8(Reg a) {
-    return Bytes(a, _mm_set_epi8(12, 12, 12, 12, 8, 8, 8, 8, 4, 4, 4, 4, 0, 0, 0, 0));
-  }
-
-  LMX_ALWAYS_INLINE static Reg SwapBytes(Reg a) {
-    return Bytes(a, _mm_set_epi8(12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3));
-  }
+  LMX_ALWAYS_INLINE static Reg SpreadLowest8(Reg a) { return Bytes(a, ByteOrders::SpreadLowest8()); }
+  LMX_ALWAYS_INLINE static Reg SwapBytes(Reg a) { return Bytes(a, ByteOrders::SwapBytes()); }
   LMX_ALWAYS_INLINE static Reg Reverse(Reg a) {
     return _mm512_permutexvar_epi32(_mm512_set_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), a);
   }
@@ -234,14 +224,9 @@ struct Vector {
   }
 
  private:
-  // Bytes, or 16-bit lanes, of each 128 bits in the given order.
+  // The bytes of each 128 bits in the given order.
   LMX_ALWAYS_INLINE static Reg Bytes(Reg a, __m128i order) {
     return _mm512_shuffle_epi8(a, _mm512_broadcast_i32x4(order));
-  }
-  template <int a, int b, int c, int d, int e, int f, int g, int h>
-  LMX_ALWAYS_INLINE static Reg Words(Reg words) {
-    const auto pair = [](int word) { return static_cast<short>((2 * word + 1) << 8 | 2 * word); };
-    return Bytes(words, _mm_set_epi16(pair(h), pair(g), pair(f), pair(e), pair(d), pair(c), pair(b), pair(a)));
   }
 };
 

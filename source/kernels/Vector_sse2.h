@@ -142,11 +142,11 @@ struct Vector {
   // UnpackHigh8 put its channels.
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesLow16(Reg a) {
-    return Spread16 < half ? 0xF5 : 0xA0 > (_mm_unpacklo_epi32(a, a));
+    return Spread16<(half == 0 ? 0xA0 : 0xF5)>(DoubleLow32(a));
   }
   template <int half>
   LMX_ALWAYS_INLINE static Reg HalvesHigh16(Reg a) {
-    return Spread16 < half ? 0xF5 : 0xA0 > (_mm_unpackhi_epi32(a, a));
+    return Spread16<(half == 0 ? 0xA0 : 0xF5)>(DoubleHigh32(a));
   }
 
   // The lowest byte of each pixel, in all four bytes of it. The upper three are 0 before.
