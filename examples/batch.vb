@@ -23,13 +23,20 @@ Function MakeSmaller(file As FolderItem, results As FolderItem) As String
 
   If photo.Width > photo.Height Then
     photo = photo.LMX_FlipRotate(False, False, 90, 100000)
-    If photo = Nil Then Return name + ": " + LMX_GetErrorMessage(LMX_GetLastError()) + ". "
+    If photo = Nil Then Return name + ": " + Reason(LMX_GetLastError()) + ". "
   End If
   Dim width As Integer = 800
   Dim height As Integer = Max(1, Floor(photo.Height * (width / photo.Width)))
   Dim small As Picture = photo.LMX_Stretch(width, height, 100000)
-  If small = Nil Then Return name + ": " + LMX_GetErrorMessage(LMX_GetLastError()) + ". "
+  If small = Nil Then Return name + ": " + Reason(LMX_GetLastError()) + ". "
 
   small.Save(results.Child(name), Picture.SaveAsPNG)
   Return ""
+End Function
+
+// The message for the user. A stretch or a rotation returns nil without an error if there is no
+// memory.
+Function Reason(code As Integer) As String
+  If code = 0 Then Return "There is not enough memory."
+  Return LMX_GetErrorMessage(code)
 End Function

@@ -21,8 +21,8 @@ Sub Main()
   turned.Save(GetFolderItem("turned.png"), Picture.SaveAsPNG)
 End Sub
 
-// The message for the user. Rotations and shears return nil without an error if a picture cannot be
-// made.
+// The message for the user. Rotations, shears and stretches return nil without an error if a picture
+// cannot be made.
 Function Reason(code As Integer) As String
   If code = 0 Then Return "There is not enough memory."
   Return LMX_GetErrorMessage(code)

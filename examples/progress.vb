@@ -21,7 +21,7 @@ Function Turned(photo As Picture, degrees As Double) As Picture
   Dim code As Integer = LMX_GetLastError()
   Working = False
   If Cancelled Then Return Nil
-  If result = Nil Then MsgBox LMX_GetErrorMessage(code)
+  If result = Nil Then MsgBox Reason(code)
   Return result
 End Function
 
@@ -44,4 +44,11 @@ Function MakeWarmer(photo As Picture, bar As ProgressBar) As Boolean
   Next
   Working = False
   Return code = 0 And Not Cancelled
+End Function
+
+// The message for the user. A stretch or a rotation returns nil without an error if there is no
+// memory.
+Function Reason(code As Integer) As String
+  If code = 0 Then Return "There is not enough memory."
+  Return LMX_GetErrorMessage(code)
 End Function

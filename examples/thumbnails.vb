@@ -9,7 +9,7 @@ Function Thumbnail(photo As Picture, size As Integer) As Picture
   Return photo.LMX_Stretch(width, height, 100000)
 End Function
 
-// Nil if the picture cannot be cut or resized; LMX_GetLastError tells why.
+// Nil if the picture cannot be cut or resized; LMX_GetLastError tells why. 0 is a lack of memory.
 Function SquareThumbnail(photo As Picture, size As Integer) As Picture
   Dim side As Integer = Min(photo.Width, photo.Height)
   Dim left As Integer = (photo.Width - side) / 2

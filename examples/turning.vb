@@ -1,4 +1,4 @@
-// Forms: quarter turns, any angle, slanted pictures, parts.
+// Geometry: quarter turns, any angle, slanted pictures, parts.
 
 Function OnItsSide(photo As Picture) As Picture
   Return photo.LMX_FlipRotate(False, False, 90, 100000)
