@@ -227,7 +227,7 @@ def sections(results):
     host = results["machine"]
     parts = {"machine": "\n".join([
         f"- Processor: {host['cpu']} ({host['caches']}), one core, one thread",
-        f"- System: {host['kernel']}; compiler: {host['compiler']}, Release (`-O2`)",
+        f"- System: {host['kernel']}; compiler: {host['compiler']}, Release (`-O2`, wide kernels `-O3`)",
         f"- Command: `{host['command']}`, {host['date']}",
         f"- Packages: {', '.join(host['packages'])}",
     ])}

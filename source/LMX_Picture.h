@@ -145,7 +145,7 @@ class LMX_Picture {
 };
 
 /// A walk up or down the rows of neighbouring columns. In a bitmap context every step moves. In a
-/// buffer the walk stays on its row if the next row is missing or outside the picture.
+/// buffer the walk stays on its row if that row or the next one is missing or outside the picture.
 class ColumnWalk {
  public:
   enum Direction { kDown = 1, kUp = -1 };

@@ -1,5 +1,5 @@
-// Where the image lies in a sheared picture. Everything outside is clear, and is neither written
-// nor read.
+// Where the image lies in a sheared picture. Everything outside is clear; only a margin of it is
+// written and read.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 #include "LMX_Picture.h"
 
-/// Consecutive rows or columns: `begin` to `end` - 1.
+/// Consecutive pixels of a line, or consecutive lines: `begin` to `end` - 1.
 struct LineSpan {
   std::int32_t begin;
   std::int32_t end;

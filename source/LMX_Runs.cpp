@@ -6,7 +6,7 @@
 
 namespace {
 
-// How many pixels pass through a buffer on the stack at a time.
+// How many pixels pass through scratch memory on the stack at a time.
 constexpr std::int32_t kChunk = 512;
 
 // The part of a run inside the picture: `count` pixels at `address`, after `before` pixels that lie
@@ -104,7 +104,7 @@ const PairKernels& KernelsBetween(const LMX_Picture& from, const LMX_Picture& to
 }
 
 // Calls kernel(to, from, n, i) for a run that both pictures hold. Otherwise the run goes in pieces
-// through buffers, in which missing pixels are clear; `i` is the first pixel of the piece.
+// through scratch memory, where missing pixels are clear; `i` is the first pixel of the piece.
 template <class Kernel>
 void Transform(const PixelPosition& to, const PixelPosition& from, std::int32_t n, Kernel kernel) {
   const Clipped source = Clip(from.picture, from.x, from.y, n);
@@ -148,7 +148,7 @@ void FillRuns(const PixelPosition& to, std::int32_t n, std::int32_t rows, std::u
   const std::int64_t count =
       std::min(static_cast<std::int64_t>(to.x) + n, static_cast<std::int64_t>(picture.width)) - first;
   if (count <= 0 || picture.bitsPerPixel != 32) return;
-  // Only whole rows get non-temporal stores: pieces of rows share cache lines with their
+  // Only fills of whole rows get non-temporal stores: pieces of rows share cache lines with their
   // neighbours.
   const auto fill = (count == picture.width ? KernelsFor(picture) : gRunKernels).fill;
   const std::int64_t end = std::min(static_cast<std::int64_t>(to.y) + rows, static_cast<std::int64_t>(picture.height));

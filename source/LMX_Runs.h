@@ -88,9 +88,9 @@ void CopyRun(const PixelPosition& to, const PixelPosition& from, std::int32_t n)
 /// The same from right to left: the pixel at `to` becomes the last of the n pixels from `from` on.
 void CopyRunMirrored(const PixelPosition& to, const PixelPosition& from, std::int32_t n);
 
-/// Makes columns x to x + n - 1 of another picture, 1 <= n <= kMostTurned, to rows of `pixels`
-/// pixels: what lies along the walk. The first becomes the row `to`, its neighbours follow in steps
-/// of `rowStep`, 1 or -1.
+/// Turns columns x to x + n - 1 of another picture, 1 <= n <= kMostTurned, into rows of `pixels`
+/// pixels. The walk gives the source row of each pixel. Column x becomes the row at `to`. Each
+/// further column becomes the next row, in the direction `rowStep`, 1 or -1.
 constexpr std::int32_t kMostTurned = 256;
 void TransposeRuns(const PixelPosition& to, std::int32_t rowStep, ColumnWalk walk, std::int32_t x, std::int32_t n,
                    std::int32_t pixels);

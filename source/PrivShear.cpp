@@ -6,8 +6,8 @@
 // an opaque frame takes the colour of the image pixel and lends its alpha only, so that it does not
 // tint the edge. Lines are placed in whole pixels across their direction.
 //
-// Rounding: Place() rounds the step and the centring down; LineAt() rounds the position down, also
-// below 0; BlendRun and BlendColumns truncate (LMX_Pixel::Blend); EdgePixel() shifts.
+// Rounding: Place() rounds the step and the slanted length down, and half of what the lengths differ
+// towards 0; LineAt() rounds the position down, also below 0; BlendRun and BlendColumns truncate (LMX_Pixel::Blend); EdgePixel() shifts.
 //
 // Positions are computed in 64 bits: a length, or a number of lines times a step, is below 2^31 *
 // 65536. A line that lies wholly before the result is all frame.
@@ -275,8 +275,9 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
 }
 
 // Rows `written` of columns x to x + n - 1 of the result, which are all frame or all not. A source
-// row that is near the image in one column is read in all columns. So some unwritten pixels are
-// read; in the result they are as far from the image.
+// row that is near the image in one column is read in all columns. So pixels are
+// read that no pass wrote. What they become lies as far from the image, where the next pass reads
+// nothing.
 LMX_NOINLINE void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
                                const Frame& frame, bool hasEveryRow) {

@@ -6,12 +6,13 @@
 // result is different: at a yield only the columns that are due may have been written. So there are
 // three orders of work:
 //   - without yields, rows of the result are made as soon as the rows of the temporary picture that
-//     they need are there. Only the last rows of the temporary picture are kept;
+//     they need are there. Only the last rows of the temporary picture are kept. The result must
+//     have every row;
 //   - with yields, and no more rows in the result than in the source, both passes go into the
 //     temporary picture, over rows that are used up. Its columns are copied to the result when they
 //     are due;
-//   - otherwise the temporary picture keeps the row pass in strips of columns, and the columns are
-//     averaged when they are due.
+//   - otherwise, and where a box has more rows than the kernel `boxes` takes, the temporary picture
+//     keeps the row pass in strips of columns. The columns are averaged when they are due.
 #include "PrivStretch.h"
 
 #include <algorithm>
@@ -64,7 +65,7 @@ class Boxes {
   std::uint32_t ofBox_;
 };
 
-// One average of any number of runs. runs(first, count) gives those of `count` pixels, at most
+// One average of two or more runs. runs(first, count) gives those of `count` pixels, at most
 // kMostBoxRuns; it is called for one part after another.
 template <class Runs>
 void AverageMany(const Boxes& boxes, std::int32_t box, const Runs& runs, std::uint8_t* to, PixelForm form,

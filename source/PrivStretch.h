@@ -3,11 +3,11 @@
 
 #include "LMX_Picture.h"
 
-/// Whether a pass cannot make `to` pixels of `from`; both are at least 1.
+/// Whether a pass cannot make `to` >= 1 pixels of `from` >= 0.
 bool IsBeyondStretch(std::int32_t from, std::int32_t to);
 
-/// Both passes, through a temporary picture. The host sees only its yields. Makes nothing if a size
-/// is beyond a pass.
+/// Both passes, through a temporary picture, of which the host sees only the yields. A pass whose
+/// sizes are out of bounds is left out.
 void Priv_StretchThrough(LMX_Picture& temporary, LMX_Picture& source, LMX_Picture& result, long yield);
 
 /// One pass along the rows, into a temporary picture: the destination has the source's height and

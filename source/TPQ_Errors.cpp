@@ -1,7 +1,6 @@
-// The last error code, and the messages of the codes. No exception crosses the boundary to the
-// host: a program asks for the code after the call. Rationale: the messages belong to a larger
-// family of operations. LMX raises only some of the codes (LMX_ErrorCode), and keeps the texts to
-// the letter.
+// The last error code, and the messages of the codes. The plug-in throws nothing: a program asks
+// for the code after the call. Rationale: the messages belong to a larger family of operations. LMX
+// raises only some of the codes (LMX_ErrorCode), and keeps the texts to the letter.
 #include "TPQ_Errors.h"
 
 #include <cstring>

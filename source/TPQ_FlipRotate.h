@@ -1,4 +1,4 @@
-// Flips and quarter turns, as the entry point calls it.
+// Flips and quarter turns, as the entry point calls them.
 #pragma once
 
 #include "LMX_Picture.h"

@@ -8,7 +8,8 @@
 // columns, by tan(d/2) along its rows again (Paeth, "A Fast Algorithm for General Raster Rotation",
 // 1986). All three passes run also when the rest is 0.
 // Errors, in this order: 31 rotation, 2 source nil. Nil with code 0 when a picture cannot be made
-// or locked, and for sizes whose 16.16 positions do not fit in 32 bits.
+// or locked, and for sizes whose 16.16 positions do not fit in 32 bits. But a result whose pixels
+// cannot be reached goes to the caller as it is.
 #include "TPQ_FreeRotateByShear.h"
 
 #include <cmath>
@@ -134,7 +135,6 @@ REALpictureStruct* PrivFreeRotateByShear_Frame_NonVector(REALpictureStruct* sour
   ShearImageVertical(sheared, shearedTwice, plan.alongColumns, frame_color, yield, image);
   sheared.Release();
 
-  // A result that cannot be locked goes to the caller as it is.
   if (Make(result, plan.result, true)) {
     ShearImageHorizontal(shearedTwice, result, plan.alongRows, frame_color, yield, image);
   }

@@ -134,8 +134,7 @@ struct LMX_Pixel {
   /// The inverse, for a saturation of 0 to 1024 and a value of 0 to 255. A saturation of 0 gives a
   /// grey, whatever the hue. Otherwise a hue below -1023 or above 6143 gives black. The sector is a
   /// truncated quotient, so hues from -1023 to -1 are in sector 0, with a distance of up to 2047.
-  /// Truncation may lower a channel by a step or two. The largest product, 1048576 * 255, has
-  /// 28 bits.
+  /// Truncation lowers a channel by less than 1. The largest product, 1048576 * 255, has 28 bits.
   LMX_ALWAYS_INLINE static uint32_t HSVToRGB_1024(long hue, long saturation, long value, long alpha) {
     const uint32_t a = static_cast<uint32_t>(alpha);
     const uint32_t v = static_cast<uint32_t>(value);

@@ -18,8 +18,7 @@ void InstallNonTemporalPair(RunKernels* kernels) {
   pair.adjustRGB = AdjustRGB<From, To, NonTemporal>;
 }
 
-// The kernels that write whole rows and are limited by memory. Unused by a level that has no
-// non-temporal stores.
+// The kernels that are limited by memory. Unused by a level that has no non-temporal stores.
 [[maybe_unused]] void InstallNonTemporal(RunKernels* kernels) {
   InstallNonTemporalPair<ContextForm, ContextForm>(kernels);
   InstallNonTemporalPair<ContextForm, BufferForm>(kernels);

@@ -1,6 +1,7 @@
 // Eight pixels in a register: the operations from which the wide kernels are made, in AVX2.
 //
-// Lanes have 16 or 32 bits. Unpacking and packing stay within each group of 128 bits.
+// A number in a name is the width of a lane in bits. Unpacking and packing stay within each group
+// of 128 bits.
 #pragma once
 
 #include <immintrin.h>

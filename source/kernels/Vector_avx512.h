@@ -1,7 +1,8 @@
 // Sixteen pixels in a register: the operations from which the wide kernels are made, in AVX-512 (F
 // and BW).
 //
-// Lanes have 16 or 32 bits. Unpacking and packing stay within each group of 128 bits.
+// A number in a name is the width of a lane in bits. Unpacking and packing stay within each group
+// of 128 bits.
 #pragma once
 
 #include <immintrin.h>

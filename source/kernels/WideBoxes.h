@@ -146,7 +146,7 @@ struct AllColumns {
   LMX_ALWAYS_INLINE static Reg Load(const uint8_t* p) { return Vector::Load(p); }
 };
 
-// The first n columns of a register, 1 to kWide. The other lanes read as opaque, so that one opaque
+// The first n columns of a register, 0 to kWide; with 0 it must not load or store. The other lanes read as opaque, so that one opaque
 // test covers the register.
 class FirstColumns {
  public:
@@ -163,7 +163,7 @@ class FirstColumns {
   Reg beyond_ = Vector::Zero();
 };
 
-// Makes runs of n >= kWide pixels. average(i, pixels) gives the working pixels from pixel i on.
+// Makes runs of n pixels. average(i, pixels) gives the working pixels from pixel i on.
 template <class To, class Stores>
 class Runs {
  public:

@@ -24,7 +24,7 @@ struct Distances {
     secondIsLarger = {Vector::DoubleLow8(isLarger), Vector::DoubleHigh8(isLarger)};
   }
 
-  // min + part.Of(distance, weight of the larger one), of both halves of the pixels.
+  // min + part.Of(distance, part.Weight(secondIsLarger)), of both halves of the pixels.
   template <class Part>
   LMX_ALWAYS_INLINE Reg Mix(const Part& ofLow, const Part& ofHigh) const {
     const Reg low = ofLow.Of(of.low, ofLow.Weight(secondIsLarger.low));
