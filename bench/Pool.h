@@ -1,6 +1,5 @@
 // Pictures with very little overhead, for measuring. Their memory comes from blocks below 4 GiB
-// whose pages are already in use, and is reused for the next picture of the same size. Nothing is
-// checked.
+// whose pages are already in use, and is reused for later pictures that fit. Nothing is checked.
 #pragma once
 
 #include <array>
@@ -24,7 +23,6 @@ struct PoolPicture {
   std::uint32_t* rows = nullptr;
 
   std::size_t Bytes() const { return 4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
-  REALpictureStruct* Handle() { return reinterpret_cast<REALpictureStruct*>(this); }
 };
 
 class Pool {

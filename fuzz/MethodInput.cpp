@@ -22,7 +22,6 @@ constexpr int kLongest = 3000;
 constexpr int kUsual = 41;  // sizes are below this
 constexpr std::int64_t kMostNewPixels = 1 << 14;
 constexpr int kMostScatteredRows = 500;
-constexpr std::uint8_t kWrong = 240;  // from here on, a byte stands for something wrong
 
 template <class Archive, class Picture>
 void VisitPicture(Archive& archive, Picture& picture) {

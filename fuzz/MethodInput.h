@@ -12,8 +12,9 @@ namespace fuzz {
 using support::Method;
 using support::Methods;
 
-// Where a byte can stand for something wrong, only the highest values do, so most inputs are
-// well-formed.
+/// Where a byte can stand for something wrong, it does from here on. So most inputs are
+/// well-formed.
+constexpr std::uint8_t kWrong = 240;
 
 /// The memory layout of a picture, and its defect.
 struct PictureInput {

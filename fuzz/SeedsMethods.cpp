@@ -19,7 +19,6 @@ constexpr std::uint8_t kNearHeight = 2;  // an integer: the source's height and 
 constexpr std::uint8_t kRaw = 4;         // an integer: its 32 bits
 constexpr std::uint8_t kRawDouble = 3;   // a double: its 64 bits
 constexpr std::uint8_t kAnyByte = 160;   // a boolean: its byte
-constexpr std::uint8_t kWrong = 240;     // see MethodInput.h
 
 ArgumentInput Integer(std::int32_t value) {
   return {kRaw, static_cast<std::uint32_t>(value)};

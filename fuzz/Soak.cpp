@@ -47,9 +47,9 @@ std::uint8_t Byte(Random& random) {
   return static_cast<std::uint8_t>(random.Below(256));
 }
 
-// With a probability of 1/n, a byte that stands for something wrong (from 240 on); else 0.
+// With a probability of 1/n, a byte that stands for something wrong; else 0.
 std::uint8_t Wrong(Random& random, std::uint32_t n, std::uint32_t kinds) {
-  return OneIn(random, n) ? static_cast<std::uint8_t>(240 + random.Below(kinds)) : std::uint8_t{0};
+  return OneIn(random, n) ? static_cast<std::uint8_t>(kWrong + random.Below(kinds)) : std::uint8_t{0};
 }
 
 PictureInput RandomPicture(Random& random) {
@@ -76,7 +76,7 @@ SourceInput RandomSource(Random& random) {
 
 // A service that fails or throws, or a constructor that throws. No service is withheld.
 FaultInput RandomFault(Random& random) {
-  static constexpr std::uint8_t kKinds[] = {240, 241, 243};
+  static constexpr std::uint8_t kKinds[] = {kWrong, kWrong + 1, kWrong + 3};
   FaultInput fault;
   if (!OneIn(random, 8)) return fault;
   fault.kind = random.OneOf(kKinds);

@@ -10,10 +10,6 @@
 namespace host {
 namespace {
 
-ObjectTable& Table() {
-  return ObjectTable::Instance();
-}
-
 // Compares the locks at the end of a call with those at its start. A call inside a yield starts
 // with the locks of the outer call.
 class LockBalance {

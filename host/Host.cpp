@@ -10,10 +10,6 @@ namespace {
 
 constexpr const char* kEntry = "REALPluginMain";
 
-ObjectTable& Table() {
-  return ObjectTable::Instance();
-}
-
 LiveObject Report(const Object& object) {
   LiveObject report{object.id, "string", true, object.references, object.PluginReferences(), 0};
   if (object.kind == Object::Kind::Picture) {

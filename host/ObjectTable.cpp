@@ -1,7 +1,6 @@
 #include "ObjectTable.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "Value.h"
 

@@ -85,6 +85,11 @@ class ObjectTable {
   std::unordered_map<const void*, PictureObject*> contexts_;
 };
 
+/// The only table.
+inline ObjectTable& Table() {
+  return ObjectTable::Instance();
+}
+
 /// "picture #5", "string #7", "class picture".
 std::string NameOf(const Object& object);
 

@@ -17,10 +17,6 @@ void* AddressOf(Function* function) {
   return reinterpret_cast<void*>(function);
 }
 
-ObjectTable& Table() {
-  return ObjectTable::Instance();
-}
-
 std::uint32_t IdAt(const void* handle) {
   const Object* object = Table().Find(handle);
   return object == nullptr ? 0 : object->id;
@@ -181,7 +177,7 @@ void UnlockObject(REALobjectStruct* handle) {
   Begin(*HostState::current, Service::UnlockObject, id);
 }
 
-// Fills in the whole description.
+// Fills in the whole description, unless the picture refuses the lock.
 void Describe(const PictureObject& picture, REALpictureDescription& description) {
   const PictureShape& shape = picture.memory->Shape();
   if (shape.defects.refusesLock) return;

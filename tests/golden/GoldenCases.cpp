@@ -170,11 +170,11 @@ constexpr Pictures kPictures[] = {{Subject::Opaque, Storage::BitmapContext, Stor
                                   {Subject::Wild, Storage::Buffer, Storage::Buffer},
                                   {Subject::Soft, Storage::Buffer, Storage::BitmapContext}};
 
+}  // namespace
+
 const char* NameOf(Storage form) {
   return form == Storage::Buffer ? "buffer" : "context";
 }
-
-}  // namespace
 
 std::vector<Case> Cases() {
   Calls calls;

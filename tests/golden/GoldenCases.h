@@ -17,6 +17,9 @@ struct Case {
   host::Storage newPictures;  ///< the storage form of all pictures that the method makes
 };
 
+/// "buffer" or "context".
+const char* NameOf(host::Storage form);
+
 /// All cases, method by method.
 std::vector<Case> Cases();
 

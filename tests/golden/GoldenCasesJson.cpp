@@ -20,10 +20,6 @@ std::string TextOf(const host::Value& value) {
   return text;
 }
 
-const char* NameOf(host::Storage form) {
-  return form == host::Storage::Buffer ? "buffer" : "context";
-}
-
 std::string TextOf(const model::StoredPicture& picture) {
   std::string words;
   for (const std::uint32_t word : picture.words) {
@@ -31,7 +27,7 @@ std::string TextOf(const model::StoredPicture& picture) {
     std::snprintf(text, sizeof text, "%08x", static_cast<unsigned>(word));
     words += text;
   }
-  return std::string("{\"form\":\"") + NameOf(picture.form) + "\",\"width\":" + std::to_string(picture.width) +
+  return std::string("{\"form\":\"") + golden::NameOf(picture.form) + "\",\"width\":" + std::to_string(picture.width) +
          ",\"height\":" + std::to_string(picture.height) + ",\"words\":\"" + words + "\"}";
 }
 
@@ -39,7 +35,7 @@ void Write(const golden::Case& c) {
   std::string arguments;
   for (const host::Value& value : c.call.arguments) arguments += (arguments.empty() ? "" : ",") + TextOf(value);
   std::printf("{\"name\":\"%s\",\"method\":\"%s\",\"newPictures\":\"%s\",\"arguments\":[%s],\"source\":%s}\n",
-              c.name.c_str(), c.call.method->name, NameOf(c.newPictures), arguments.c_str(),
+              c.name.c_str(), c.call.method->name, golden::NameOf(c.newPictures), arguments.c_str(),
               c.source ? TextOf(*c.source).c_str() : "null");
 }
 

@@ -15,10 +15,10 @@ bool WriteHashes() {
   bool agreed = true;
   for (const golden::Case& c : golden::Cases()) {
     const std::string result = golden::ResultOfPlugin(host, c);
-    const std::string defined = golden::ResultByModel(c);
+    const std::string byModel = golden::ResultByModel(c);
     std::printf("%s %s\n", c.name.c_str(), result.c_str());
-    if (result == defined) continue;
-    std::fprintf(stderr, "%s\n  plug-in     %s\n  model       %s\n", c.name.c_str(), result.c_str(), defined.c_str());
+    if (result == byModel) continue;
+    std::fprintf(stderr, "%s\n  plug-in     %s\n  model       %s\n", c.name.c_str(), result.c_str(), byModel.c_str());
     agreed = false;
   }
   return agreed;

@@ -38,11 +38,11 @@ inline const std::uint8_t* Bytes(const Pixels& run) {
 }
 
 /// Collects the pixels of a domain into runs. Compares the result of every level for a run with the
-/// plain arithmetic for each pixel: apply(kernels, out, in), define(pixel).
-template <class Apply, class Define>
+/// plain arithmetic for each pixel: apply(kernels, out, in), expect(pixel).
+template <class Apply, class Expect>
 class Domain {
  public:
-  Domain(Apply apply, Define define) : apply_(apply), define_(define), levels_(LevelsHere()) {}
+  Domain(Apply apply, Expect expect) : apply_(apply), expect_(expect), levels_(LevelsHere()) {}
   ~Domain() { Flush(); }
   Domain(const Domain&) = delete;
   Domain& operator=(const Domain&) = delete;
@@ -60,7 +60,7 @@ class Domain {
 
   void Flush() {
     Pixels expected(inputs_.size()), actual(inputs_.size());
-    for (std::size_t i = 0; i < inputs_.size(); ++i) expected[i] = define_(inputs_[i]);
+    for (std::size_t i = 0; i < inputs_.size(); ++i) expected[i] = expect_(inputs_[i]);
     for (const NamedKernels& level : levels_) {
       if (!good_) break;
       apply_(level.kernels, actual, inputs_);
@@ -70,7 +70,7 @@ class Domain {
   }
 
   Apply apply_;
-  Define define_;
+  Expect expect_;
   std::vector<NamedKernels> levels_;
   Pixels inputs_;
   bool good_ = true;

@@ -1,5 +1,6 @@
 // The kernels of every level over whole domains, compared with plain arithmetic that shares nothing
-// with the product: blends, averages and sums.
+// with the product: blends, averages and sums. Two tests compare kernels with each other: long sums
+// of saturations, and boxes stored over their runs.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -35,9 +36,9 @@ void BlendPairs(const NamedKernels& level, PixelForm form, const Pixels& pixels,
   for (std::size_t i = 0; i < pixels.size(); ++i) (*actual)[i] = blended[2 * i + 1];
 }
 
-// Every number to 255 with every number before it, and many fractions. pixel(number, other) makes
-// the pixel of a number; the other ones are all pairs as well, in places that change with the
-// fraction.
+// Every pair of numbers up to 255, one for the pixel and one for the pixel before it, with many
+// fractions. pixel(number, other) makes a pixel. The others are all pairs, too, in places that
+// change with the fraction.
 template <class Pixel>
 void BlendAllPairs(PixelForm form, Pixel pixel) {
   const std::vector<NamedKernels> levels = LevelsHere();

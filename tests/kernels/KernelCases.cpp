@@ -61,14 +61,14 @@ struct Copying {
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.between[from][to].copy(OutBytes(c), InBytes(c), c.arguments.n);
   }
-  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return pixel; }
+  static std::uint32_t Expected(std::uint32_t pixel, const KernelArguments&) { return pixel; }
 };
 struct AdjustingHSV {
   static constexpr std::size_t kOffset = offsetof(PairKernels, adjustHSV);
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.between[from][to].adjustHSV(OutBytes(c), InBytes(c), &c.arguments.hsv, c.arguments.n);
   }
-  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
+  static std::uint32_t Expected(std::uint32_t pixel, const KernelArguments& a) {
     return LMX_Pixel::AdjustHSV(pixel, a.hsv);
   }
 };
@@ -77,7 +77,7 @@ struct AdjustingRGB {
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.between[from][to].adjustRGB(OutBytes(c), InBytes(c), &c.arguments.rgb, c.arguments.n);
   }
-  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments& a) {
+  static std::uint32_t Expected(std::uint32_t pixel, const KernelArguments& a) {
     return LMX_Pixel::AdjustRGB(pixel, a.rgb);
   }
 };
@@ -86,7 +86,7 @@ struct Negating {
   static void Call(const RunKernels& k, PixelForm from, PixelForm to, const KernelCall& c) {
     k.between[from][to].negative(OutBytes(c), InBytes(c), c.arguments.n);
   }
-  static std::uint32_t Define(std::uint32_t pixel, const KernelArguments&) { return LMX_Pixel::Negative(pixel); }
+  static std::uint32_t Expected(std::uint32_t pixel, const KernelArguments&) { return LMX_Pixel::Negative(pixel); }
 };
 
 template <class Change, PixelForm from, PixelForm to>
@@ -99,7 +99,7 @@ KernelCase ChangeCase(const std::string& name) {
           [](const RunKernels& k, const KernelCall& c) { Change::Call(k, from, to, c); },
           [](const KernelCall& c) {
             ForEachPixel(c, [&](std::size_t i) {
-              WriteOne<to>(OutBytes(c) + 4 * i, Change::Define(ReadOne<from>(InBytes(c) + 4 * i), c.arguments));
+              WriteOne<to>(OutBytes(c) + 4 * i, Change::Expected(ReadOne<from>(InBytes(c) + 4 * i), c.arguments));
             });
           }};
 }
@@ -257,7 +257,7 @@ std::vector<std::uint32_t> UnitsOfRuns(const KernelArguments& a, std::size_t box
 }
 
 template <PixelForm to>
-void DefineBox(const KernelCall& c, std::size_t box) {
+void ExpectBox(const KernelCall& c, std::size_t box) {
   const std::vector<std::uint32_t> units = UnitsOfRuns(c.arguments, box);
   ForEachPixel(c, [&](std::size_t i) {
     WriteOne<to>(OutBytes(c) + 4 * (box * c.arguments.stride + i), BoxOf(units, [&](std::size_t run) {
@@ -280,7 +280,7 @@ KernelCase BoxesCase(const std::string& name) {
             k.of[to].boxes(averages.data(), runs.data(), &a.box, a.count, a.n);
           },
           [](const KernelCall& c) {
-            for (std::size_t box = 0; box < c.arguments.count; ++box) DefineBox<to>(c, box);
+            for (std::size_t box = 0; box < c.arguments.count; ++box) ExpectBox<to>(c, box);
           }};
 }
 
@@ -306,7 +306,7 @@ KernelCase BoxInStepsCase(const std::string& name, std::size_t slot) {
             }
             k.of[to].averageBoxes(OutBytes(c), sums.data(), a.box.ofBox, a.n);
           },
-          [](const KernelCall& c) { DefineBox<to>(c, 0); }};
+          [](const KernelCall& c) { ExpectBox<to>(c, 0); }};
 }
 
 template <PixelForm from, PixelForm through>

@@ -51,11 +51,14 @@ struct KernelArguments {
   RGBAdjustment rgb;
 };
 
+/// The most inputs that a kernel has.
+constexpr std::size_t kMostInputs = 2;
+
 /// One call of a kernel.
 struct KernelCall {
   KernelArguments arguments;
   void* output;
-  const void* inputs[3];
+  const void* inputs[kMostInputs];
 };
 
 struct KernelInput {
@@ -67,10 +70,10 @@ struct KernelCase {
   std::string name;  ///< words and underscores: the kernel's name, and its forms
   std::size_t slot;  ///< its offset in the table, in bytes
   Operand output;
-  bool addsToOutput;  ///< the output is read, too: sums, and pixels that are changed in place
+  bool addsToOutput;  ///< the output is read, too: sums
   std::vector<KernelInput> inputs;
   void (*call)(const RunKernels& kernels, const KernelCall& call);
-  void (*define)(const KernelCall& call);  ///< computes the output pixel by pixel, by LMX_Pixel; never called in place
+  void (*expect)(const KernelCall& call);  ///< computes the output pixel by pixel, by LMX_Pixel; never called in place
 };
 
 /// Every kernel of the table.

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kMostRuns = 50;  // the most that fit with kMostColumns + kMostGap
+constexpr std::size_t kMostRuns = 50;  // KernelRig has space for twice as many
 
 // The alphas of a run. Kernels may treat blocks that are all opaque or all clear in another way.
 enum class Alphas { Opaque, Clear, OpaqueAndClear, OpaqueButOne, ClearButOne, Any };

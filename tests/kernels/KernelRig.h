@@ -18,10 +18,10 @@ struct KernelTrial {
 
   const KernelCase& kernel;
   KernelArguments arguments;
-  std::vector<std::uint8_t> inputs[3];
-  std::size_t shifts[3] = {};        ///< distances of the inputs from the inaccessible page, in bytes
-  std::vector<std::uint8_t> output;  ///< contents before the call; empty if the kernel only writes the output
-  std::size_t inPlace;               ///< 1 + index of the input that is also the output; 0: none
+  std::vector<std::uint8_t> inputs[kMostInputs];
+  std::size_t shifts[kMostInputs] = {};  ///< distances of the inputs from the inaccessible page, in bytes
+  std::vector<std::uint8_t> output;      ///< contents before the call; empty if the kernel only writes the output
+  std::size_t inPlace;                   ///< 1 + index of the input that is also the output; 0: none
   host::Flush flush = host::Flush::End;
   std::size_t shift = 0;  ///< distance of the output from the inaccessible page, in bytes
 };
@@ -44,5 +44,5 @@ class KernelRig {
   std::string Call(const KernelTrial& trial, const RunKernels& kernels, const KernelCall& call);
 
   GuardedRun output_;
-  GuardedRun inputs_[3];
+  GuardedRun inputs_[kMostInputs];
 };

@@ -1,4 +1,4 @@
-// A library capped at a level runs this level, and the plug-in runs the best level of this
+// A library capped at a level runs this level, and the plug-in runs the highest level of this
 // processor. The test reads the table of the loaded library, which is not exported.
 #include <gtest/gtest.h>
 
@@ -39,7 +39,7 @@ std::vector<std::string> Caps() {
 
 class CappedLibrary : public testing::TestWithParam<std::string> {};
 
-TEST_P(CappedLibrary, RunsTheBestLevelUpToItsCap) {
+TEST_P(CappedLibrary, RunsTheHighestLevelUpToItsCap) {
   const std::string level = LevelOf(LMX_CAPPED_FILES + GetParam() + ".so");
   EXPECT_EQ(level, HighestUpTo(GetParam()));
   if (!RunsHere(GetParam())) GTEST_SKIP() << "this processor has no " << GetParam() << "; " << level << " ran instead";
@@ -48,7 +48,7 @@ TEST_P(CappedLibrary, RunsTheBestLevelUpToItsCap) {
 INSTANTIATE_TEST_SUITE_P(Levels, CappedLibrary, testing::ValuesIn(Caps()), [](const auto& cap) { return cap.param; });
 
 // LMX_EXPECTED_LEVEL names the level where the caller knows the processor.
-TEST(LoadedLibrary, RunsTheBestLevelWithoutACap) {
+TEST(LoadedLibrary, RunsTheHighestLevelWithoutACap) {
   const char* const expected = std::getenv("LMX_EXPECTED_LEVEL");
   EXPECT_EQ(LevelOf(LMX_LIBRARY_FILE), expected ? expected : HighestUpTo(""));
 }

@@ -11,7 +11,6 @@ namespace {
 
 using namespace colour;
 
-constexpr Storage kContext = Storage::BitmapContext, kBuffer = Storage::Buffer;
 constexpr std::uint32_t kWhite = 0xFFFFFFFF;
 constexpr host::Colour kAlmostOpaqueWhite = {0x01FFFFFF}, kClearFrame = {0xFF000000};
 
