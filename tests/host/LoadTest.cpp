@@ -93,7 +93,7 @@ TEST(Load, ALinkedEntryIsStartedWithTheSameChecks) {
   EXPECT_EQ(host.PluginVersions(), (std::vector<int>{9, 9}));
 }
 
-TEST(Load, OldHostsGetTheirVersion) {
+TEST(Load, ThePluginGetsTheVersionOfTheOptions) {
   Options options;
   options.version = odd::VersionFor(odd::kWrongFlags);
   options.throwComplaints = false;

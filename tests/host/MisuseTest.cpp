@@ -154,7 +154,7 @@ TEST_F(Books, LeaksAreReportedAndCanBeDropped) {
   EXPECT_EQ(picture_.References(), 1);
 }
 
-TEST_F(Books, StaleHandlesAreRecognisedLong) {
+TEST_F(Books, HandlesAreNotReusedSoon) {
   const REALpictureStruct* stale = Picture({1, 1}).Handle();
   for (int i = 0; i < 1000; ++i) EXPECT_NE(Picture({1, 1}).Handle(), stale);
 }

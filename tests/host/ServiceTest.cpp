@@ -80,7 +80,7 @@ TEST_F(Services, ThrowAtTheGivenCall) {
   EXPECT_EQ(host_.Calls(Service::YieldToRB), 3);
 }
 
-TEST_F(Services, EveryServiceCanThrow) {
+TEST_F(Services, ServicesOfACallCanThrow) {
   host_.ResetCounts();
   const Picture context({1, 1});
   for (Service service : {Service::BuildString, Service::MessageBox, Service::GetClassRef, Service::NewInstance,
@@ -95,6 +95,12 @@ TEST_F(Services, EveryServiceCanThrow) {
     host_.ClearFaults();
     EXPECT_NO_THROW(callAll()) << EntryName(service);
   }
+}
+
+TEST_F(Services, AnUnlockThatThrowsEndsTheLock) {
+  host_.ThrowAt(Service::UnlockPictureDescription, host_.Calls(Service::UnlockPictureDescription) + 1);
+  EXPECT_THROW(host_.Call("UnlockTwice", {picture_}), Thrown);
+  EXPECT_EQ(picture_.Locks(), 0);
 }
 
 TEST_F(Services, WithheldFromTheGivenLookupOn) {
@@ -130,7 +136,7 @@ TEST_F(Services, MessageBoxesAreKept) {
   EXPECT_EQ(host_.messageBoxes, std::vector<std::string>{"Hello"});
 }
 
-TEST_F(Services, EveryNameIsKnownToTheResolver) {
+TEST_F(Services, EveryServiceHasItsEntryName) {
   const char* names[] = {"RegisterPluginVersion",  "REALGetRBVersion",         "REALBuildString",
                          "RuntimeMsgBox",          "PluginRegisterModule",     "pluginObjectType",
                          "CreateInstance",         "REALLoadObjectMethod",     "REALUnlockObject",
