@@ -64,8 +64,8 @@ class Plugin {
   /// there is none.
   const host::Method& Method(const std::string& name) const;
   std::int32_t LastError() const;
-  /// The level of kernels that it has selected, read from its table. Empty if the library was
-  /// stripped.
+  /// The level of kernels that it has selected, read from its table; "unknown level" if the library
+  /// was stripped.
   const std::string& Level() const { return level_; }
 
  private:

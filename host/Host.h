@@ -147,8 +147,9 @@ class Host {
 
   /// The resolver answers nil from this lookup on.
   void Withhold(Service service, int fromLookup = 1);
-  /// This call does nothing and answers nil or 0; a lock answers an unusable picture type. A call
-  /// that ends a lock or releases a reference still does so: the plug-in has no second chance.
+  /// This call does nothing and answers nil or 0. A lock still counts and must be ended, but
+  /// answers an unusable picture type. A call that ends a lock or releases a reference still does
+  /// so: the plug-in has no second chance.
   void FailAt(Service service, int call);
   /// This call throws host::Thrown and does nothing else. A call that ends a lock or releases a
   /// reference does so first.

@@ -26,8 +26,7 @@ enum class Flush { End, Start };
 /// How the pixels of a well-formed picture lie in memory.
 struct Layout {
   /// Bytes between the end of a row and the start of the next, filled with a pattern. May be any
-  /// number, so rows may be unaligned. There is no padding after the last row: its last pixel
-  /// touches the inaccessible page.
+  /// number, so rows may be unaligned. There is no padding after the last row.
   int padding = 0;
   /// Buffers without padding only: every row lies between inaccessible pages of its own, and the
   /// rows are in no particular order.

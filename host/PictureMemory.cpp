@@ -11,7 +11,7 @@ namespace host {
 namespace {
 
 constexpr std::uint64_t kMostPixelBytes = std::uint64_t{1} << 30;
-constexpr std::uint64_t kMostMappedBytes = std::uint64_t{2} << 30;  // for scattered rows
+constexpr std::uint64_t kMostMappedBytes = std::uint64_t{2} << 30;  // with padding, or a defect of the row distance
 constexpr std::uint8_t kRecordFiller = 0xB6;
 
 // Differs from place to place, so that padding copied from another place is noticed.

@@ -1,11 +1,11 @@
 // The two records that the host gets: the module, and the table of its methods in the order in
 // which programs see them.
 //
-// Every entry point but the two of TPQ_Errors sets gLMX_Error when it starts, so that the code is about this call only, and
-// returns nil (or nothing) on failure. A `REALpictureStruct*` argument may be nil, which is error
-// 2; it stays the caller's. A returned picture is the caller's. `yield` is the number of pixels
-// after which the host may handle events; 0 or less means never. Integers are 32-bit on every ABI,
-// also where the type is long.
+// Every entry point but the two of TPQ_Errors sets gLMX_Error when it starts, so that the code is
+// about this call only, and returns nil (or nothing) on failure. A `REALpictureStruct*` argument
+// may be nil, which is error 2; it stays the caller's. A returned picture is the caller's. `yield`
+// is the number of pixels after which the host may handle events; 0 or less means never. Integers
+// are 32-bit on every ABI, also where the type is long.
 //
 // Rationale: some declarations lack a space after a comma. Hosts and programs get these texts to
 // the letter, so they stay. In the names of workers, `_NonVector` and `_NoMask` tell variants of a

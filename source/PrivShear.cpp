@@ -6,8 +6,9 @@
 // an opaque frame takes the colour of the image pixel and lends its alpha only, so that it does not
 // tint the edge. Lines are placed in whole pixels across their direction.
 //
-// Rounding: Place() rounds the step and the slanted length down, and half of what the lengths differ
-// towards 0; LineAt() rounds the position down, also below 0; BlendRun and BlendColumns truncate (LMX_Pixel::Blend); EdgePixel() shifts.
+// Rounding: Place() rounds the step and the slanted length down, and half the difference of lengths
+// towards 0; LineAt() rounds the position down, also below 0; BlendRun and BlendColumns truncate
+// (LMX_Pixel::Blend); EdgePixel() shifts.
 //
 // Positions are computed in 64 bits: a length, or a number of lines times a step, is below 2^31 *
 // 65536. A line that lies wholly before the result is all frame.

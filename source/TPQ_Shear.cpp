@@ -2,7 +2,8 @@
 //
 // width, height  size of the result in pixels; the slanted image is centred in it
 // shear          displacement from one row (column) to the next in pixels, -1 to 1; a NaN is 0
-// frame_color    host colour around the image; slanted edges are blended with it unless it is opaque
+// frame_color    host colour around the image; slanted edges are blended with it unless it is
+//                opaque
 // Errors, in this order: 33 shear, 2 source nil. Nil with code 0 when the source or the result
 // cannot be locked, and for a size below 1.
 #include "TPQ_Shear.h"

@@ -12,7 +12,8 @@
 
 namespace tool {
 
-/// The argument that says how often a method yields; lmx's option sets it in every step.
+/// The argument that says how often a method yields; lmx's option sets it in every step
+/// that does not give it.
 constexpr std::string_view kYieldArgument = "yield";
 
 /// What a default value can depend on.

@@ -1,4 +1,4 @@
-// Hints about a call that succeeded.
+// Hints about a call: numbers that counted as others, and what may have caused a failure.
 #pragma once
 
 #include <string>

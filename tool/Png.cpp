@@ -72,10 +72,10 @@ class Deflater {
   z_stream stream_ = {};
 };
 
-// ---- Filters: each byte of a row as the difference from what its neighbours foretell. ----
+// ---- Filters: each byte of a row as the difference from what its neighbours predict. ----
 
 // By channel, to the left, above, and above to the left.
-using Foretell = int (*)(int left, int above, int corner);
+using Predict = int (*)(int left, int above, int corner);
 
 int Nothing(int, int, int) {
   return 0;
@@ -101,13 +101,13 @@ int Paeth(int left, int above, int corner) {
 // size. There are kMargin zeros before the rows.
 constexpr std::size_t kMargin = 4;
 
-template <Foretell foretell, std::size_t channels>
+template <Predict predict, std::size_t channels>
 unsigned Filter(const unsigned char* row, const unsigned char* above, std::size_t size, unsigned char* filtered) {
   const unsigned char *left = row - channels, *corner = above - channels;
   unsigned sum = 0;
   for (std::size_t i = 0; i < size; ++i) {
-    const int foretold = foretell(left[i], above[i], corner[i]);
-    const auto difference = static_cast<unsigned char>(row[i] - foretold);
+    const int predicted = predict(left[i], above[i], corner[i]);
+    const auto difference = static_cast<unsigned char>(row[i] - predicted);
     filtered[i] = difference;
     sum += std::min<unsigned>(difference, 256U - difference);
   }

@@ -147,8 +147,8 @@ int Paeth(int left, int above, int corner) {
 }
 
 bool Unfilter(unsigned filter, unsigned char* row, const unsigned char* above, std::size_t size, std::size_t channel) {
-  const auto add = [&](auto foretold) {
-    for (std::size_t i = 0; i < size; ++i) row[i] = static_cast<unsigned char>(row[i] + foretold(i));
+  const auto add = [&](auto predicted) {
+    for (std::size_t i = 0; i < size; ++i) row[i] = static_cast<unsigned char>(row[i] + predicted(i));
   };
   const unsigned char *left = row - channel, *corner = above - channel;
   switch (filter) {

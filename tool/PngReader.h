@@ -23,8 +23,9 @@ struct PngHeader {
 PngHeader HeaderOfPng(const std::string& path, const std::vector<unsigned char>& file);
 
 /// Samples of 16 bits lose their lower half. Throws Failure for an incomplete file, and for a wrong
-/// checksum of the pixels or of a chunk that the picture depends on. Calls `tick` once a row with
-/// the rows done and all rows; it may throw.
+/// checksum of the pixels or of a chunk that the picture depends on. Calls `tick` for each row
+/// that it reads, with the row's number and the number of rows; it may throw. An interlaced picture
+/// is read in seven passes, each from the top.
 Image DecodePng(const std::string& path, const std::vector<unsigned char>& file,
                 const std::function<void(int, int)>& tick);
 

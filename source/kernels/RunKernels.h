@@ -121,7 +121,7 @@ struct RunKernels {
 extern RunKernels gRunKernels;
 extern RunKernels gNonTemporalKernels;
 
-/// Installs the best level that this processor has in both tables. Called once, when the plug-in
+/// Installs the highest level that this processor has in both tables. Called once, when the plug-in
 /// starts.
 void SelectRunKernels();
 

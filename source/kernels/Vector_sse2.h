@@ -1,7 +1,7 @@
 // Four pixels in a register: the operations from which the wide kernels are made, in SSE2.
 //
-// A number in a name is the width of a lane in bits. The wider sets do the same to each group of 128
-// bits.
+// A number in a name is the width of a lane in bits. The wider sets do the same to each group of
+// 128 bits.
 #pragma once
 
 #include <emmintrin.h>

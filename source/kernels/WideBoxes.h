@@ -146,8 +146,8 @@ struct AllColumns {
   LMX_ALWAYS_INLINE static Reg Load(const uint8_t* p) { return Vector::Load(p); }
 };
 
-// The first n columns of a register, 0 to kWide; with 0 it must not load or store. The other lanes read as opaque, so that one opaque
-// test covers the register.
+// The first n columns of a register, 0 to kWide; with 0 it must not load or store. The other lanes
+// read as opaque, so that one opaque test covers the register.
 class FirstColumns {
  public:
   LMX_ALWAYS_INLINE explicit FirstColumns(size_t n) : n_(n) {

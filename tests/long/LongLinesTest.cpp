@@ -61,7 +61,7 @@ TEST_P(LongLines, Stretch) {
   Check("Stretch", {W() * 2, H() * 2});                    // sizes above 65535 are refused, too
 }
 
-// Lines of more than 32766 pixels are refused.
+// Lines of more than 32767 pixels are refused.
 TEST_P(LongLines, FreeRotateByShear) {
   for (const double rotation : {0.0, 90.0, 0.05, 180.05}) Check("FreeRotateByShear", {rotation, kFrame}, 10 * Most());
 }

@@ -54,7 +54,7 @@ struct AdjustedColour {
   std::uint32_t expected;
 };
 
-/// The stored word of an opaque colour, or of transparent black.
+/// The stored word of an opaque colour.
 constexpr std::uint32_t Opaque(Storage storage, std::uint32_t colour) {
   return storage == kBuffer ? colour : colour | 0xFF000000;
 }

@@ -19,7 +19,7 @@ struct Kind {
   bool sourceToo = true;
 };
 
-// Those that there are of the rows.
+// Takes away those of the rows that the picture has.
 void TakeAway(const std::vector<int>& rows, PictureShape& shape) {
   for (const int row : rows) {
     if (row < shape.height) shape.defects.nilRows.push_back(row);

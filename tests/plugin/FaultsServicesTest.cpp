@@ -116,7 +116,7 @@ TEST_F(FaultsServices, TheLockOfAnUnusablePictureIsGivenBackWhateverThatThrows) 
   });
 }
 
-// ------------------------------------------------------------------------------ services that lack
+// -------------------------------------------------------------------------------- missing services
 
 // If a service that makes something is missing, the call ends. Any other missing service is looked
 // up again at every call.

@@ -204,8 +204,8 @@ TEST_P(GeometryFreeRotate, LinesThatTheSizesCannotHoldAreRefused) {
   ExpectPixels(Rotate(Source(1, 32767, longest), 0.0), 1, 32767, longest);
   ExpectPixels(Rotate(Source(32767, 1, longest), 90.0), 1, 32767, longest);
   ExpectPixels(Rotate(Source(32767, 1, longest), 0.0), 32767, 1, longest);
-  // Of a line that is as long as that, a displacement by 1/65536 is too much: by tan(d / 2) of a
-  // row, by sin(d) of a column.
+  // A line of 32767 pixels cannot be displaced by even 1/65536. Rows are displaced by tan(d / 2),
+  // columns by sin(d).
   const struct {
     int width, height;
     double degrees;

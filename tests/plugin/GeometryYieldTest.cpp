@@ -88,7 +88,7 @@ TEST_P(GeometryYield, CountsFrameLinesLikeOthers) {
   EXPECT_EQ(Yields("ShearVertical", {Numbered(1, 2), 6, 5, 0.5, kClearFrame}, 10), 2);
 }
 
-TEST_P(GeometryYield, HundredPixelsAtFortyAColumnAreThreeRows) {
+TEST_P(GeometryYield, HundredPixelsAtFortyARowAreThreeRows) {
   std::vector<int> rowsDone;
   host_.onYield = [&] {
     const auto live = support::LiveNewPictures(host_);

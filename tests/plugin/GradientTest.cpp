@@ -212,7 +212,7 @@ TEST_F(Gradient, SuccessClearsAnEarlierCode) {
 
 // ------------------------------------------------------------------------------------------ yields
 
-// Before each row the count is tested; after the row it grows by the row's pixels. So these count
+// A row is made, then the count is tested, and then it grows by the row's pixels. So a row counts
 // from the next row on.
 TEST_F(Gradient, YieldsAfterARowOnceTheEarlierOnesReachThePace) {
   const struct {

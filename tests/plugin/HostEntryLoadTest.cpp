@@ -181,7 +181,7 @@ TEST(HostEntryLoad, TheMessageHasAPointInEveryLocale) {
   }
 }
 
-// ------------------------------------------------------------------------------ services that lack
+// -------------------------------------------------------------------------------- missing services
 
 TEST(HostEntryLoad, NeedsToBeToldTheVersion) {
   host::Host host;

@@ -178,7 +178,7 @@ TEST_F(NestedCalls, EveryMethodInsideEveryMethod) {
   }
 }
 
-// Every code that a call can leave, followed by every other call.
+// Every code that a call can leave, inside the first yield of every method.
 TEST_F(NestedCalls, EveryFailureInsideLeavesItsCode) {
   struct Failing {
     int code;

@@ -158,7 +158,7 @@ NewPicture NewPictureOf(const MemoryKind& storage) {
   return plan;
 }
 
-// Random rows, repeated. The period is a prime number of pixels, so that neighbouring rows differ.
+// Random pixels, repeated. The period is a prime number, so that neighbouring rows differ.
 StoredPicture SourceOf(const MemoryKind& storage, Size size, Random& random) {
   StoredPicture picture(storage.form, size.width, size.height);
   const StoredPicture part = support::RandomPicture(random, storage.form, 1, 8191);

@@ -11,7 +11,7 @@ namespace support {
 struct Bound {
   std::string name;
   std::string value;         ///< as the sources write it
-  std::vector<int> lengths;  ///< numbers of rows or columns
+  std::vector<int> lengths;  ///< numbers of rows or columns; of kCachedPixels, pixels
 };
 
 const std::vector<Bound>& Bounds();

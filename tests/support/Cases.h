@@ -26,8 +26,8 @@ std::string TestName(std::string name);
 std::int32_t AnyInteger(Random& random);
 /// A power of 2 up to the largest one in `most`, or a neighbour of it; at least 1.
 std::int32_t NearPowerOfTwo(Random& random, std::int32_t most);
-/// A number from -1 to 1 at or next to a point where rounding changes: k/65536 near 0, 1/2 and 1,
-/// tenths, and the doubles next to these.
+/// A number from about -1 to 1, at or next to a point where rounding changes: k/65536 near 0, 1/2
+/// and 1, tenths, and the doubles next to these.
 double ExactShear(Random& random);
 /// The same for degrees: k/65536 near the multiples of 45, tenths, and the doubles next to these.
 double ExactAngle(Random& random);

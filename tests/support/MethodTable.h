@@ -25,7 +25,7 @@ struct Method {
   /// One letter for each new picture, in the order in which they are made: t for a temporary
   /// picture, r for a result completed row by row, c for one completed column by column.
   const char* made;
-  /// These are nil for the two methods that report the last error. Those take and make no picture.
+  /// These are nil for the two methods about error codes. Those take and make no picture.
   ByModel byModel;
   Arguments (*random)(Random& random, Size source);
 

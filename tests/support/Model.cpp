@@ -136,7 +136,7 @@ class Pass {
   std::int64_t pixels_ = 0;
 };
 
-// A method that makes one picture. The first code is returned if the picture cannot be made.
+// A method that begins with its result. `code` is its code if the result cannot be made.
 template <class Paint>
 Outcome MakeOne(int code, int width, int height, const MakePicture& make, Paint paint) {
   Outcome outcome;

@@ -33,8 +33,8 @@ model::StoredPicture FromHost(const host::Picture& picture);
 
 /// Describes where two pictures differ; empty if they are equal.
 std::string Difference(const model::StoredPicture& expected, const model::StoredPicture& got);
-/// The same for a picture in the host. If it hides its pixels, tells whether any memory has
-/// changed.
+/// The same for a picture in the host. Of a bitmap context that hides its pixels, tells whether its
+/// memory has changed. A buffer that hides its pixels is not compared.
 std::string Difference(const model::StoredPicture& expected, const host::Picture& got);
 
 }  // namespace support

@@ -172,7 +172,7 @@ TEST_F(HostileFileTest, PngWhosePixelsBeginWithAnEmptyChunk) {
   EXPECT_EQ(tool::ReadPicture(Hostile(png)).pixels, SmallImage().pixels);
 }
 
-TEST_F(HostileFileTest, PngWithBytesBehindItsEnd) {
+TEST_F(HostileFileTest, PngWithBytesAfterItsEnd) {
   for (const std::size_t count : {std::size_t{1}, std::size_t{8}, std::size_t{12}, std::size_t{100}}) {
     Bytes bytes = Png(SmallImage());
     bytes.resize(bytes.size() + count, 0xFF);

@@ -63,7 +63,7 @@ class FileTest : public testing::Test {
   std::string folder_;
 };
 
-/// Every pixel has this opaque colour, with no channel further off.
+/// Every pixel is opaque, and no channel differs from this colour by more than `tolerance`.
 void ExpectColour(const tool::Image& image, std::uint32_t colour, int tolerance);
 
 /// 3 x 2 opaque pixels, all different.

@@ -51,8 +51,8 @@ Bytes JpegWith(const tool::Image& image, const Bytes& exif) {
   Append(segment, static_cast<std::uint32_t>(2 + 6 + exif.size()), 2);
   Append(segment, std::string("Exif\0\0", 6));
   segment.insert(segment.end(), exif.begin(), exif.end());
-  constexpr std::size_t kBehindFirstSegment = 20;
-  return Inserted(Jpeg(image), kBehindFirstSegment, segment);
+  constexpr std::size_t kAfterFirstSegment = 20;
+  return Inserted(Jpeg(image), kAfterFirstSegment, segment);
 }
 
 class OrientationTest : public FileTest {

@@ -117,7 +117,7 @@ TEST(PngReader, TicksOnceARow) {
 
 class PngDamageTest : public FileTest {
  protected:
-  // The expected messages, one for each damaged file; "fine" for a file that can be read.
+  // Why the file is refused; "fine" if it can be read.
   static std::string Reason(const Bytes& png) {
     try {
       tool::DecodePng("x.png", png, kNoTick);
