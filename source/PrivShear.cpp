@@ -276,9 +276,8 @@ void WalkColumn(const PixelPosition& from, const PixelPosition& to, const Line& 
 }
 
 // Rows `written` of columns x to x + n - 1 of the result, which are all frame or all not. A source
-// row that is near the image in one column is read in all columns. So pixels are
-// read that no pass wrote. What they become lies as far from the image, where the next pass reads
-// nothing.
+// row that is near the image in one column is read in all columns. So pixels are read that no pass
+// wrote. What they become lies as far from the image, where the next pass reads nothing.
 LMX_NOINLINE void ShearColumns(const LMX_Picture& source, const ImageRegion& image, const LMX_Picture& result,
                                std::int32_t x, std::int32_t n, const LineSpan& written, const Placement& at,
                                const Frame& frame, bool hasEveryRow) {
