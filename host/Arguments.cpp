@@ -101,7 +101,7 @@ Arguments::Arguments(const Method& method, const std::vector<Value>& values) : m
 Arguments::~Arguments() {
   for (Object* string : strings_) {
     --string->programReferences;
-    ObjectTable::Instance().Release(*string);
+    Table().Release(*string);
   }
 }
 
@@ -128,7 +128,7 @@ void Arguments::Add(const Parameter& parameter, const Value& value) {
     case Type::Picture:
       return native_.AddPointer(converted.AsPicture().Handle());
     case Type::String: {
-      Object& string = ObjectTable::Instance().Add(Object::Kind::String, converted.AsText());
+      Object& string = Table().Add(Object::Kind::String, converted.AsText());
       string.references = string.programReferences = 1;
       strings_.push_back(&string);
       return native_.AddPointer(string.handle);

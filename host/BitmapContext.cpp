@@ -24,7 +24,7 @@ void SetContextKeeper(ContextKeeper keeper) {
 }
 
 BitmapContext DescribeContext(CGContextRef context, const char* function) {
-  const ObjectTable& table = ObjectTable::Instance();
+  const ObjectTable& table = Table();
   if (const PictureObject* picture = table.FindContext(context)) {
     const PictureMemory& memory = *picture->memory;
     const PictureShape& shape = memory.Shape();

@@ -13,7 +13,7 @@ constexpr std::size_t kHandlePitch = 16;
 
 }  // namespace
 
-ObjectTable& ObjectTable::Instance() {
+ObjectTable& Table() {
   static ObjectTable& table = *new ObjectTable;
   return table;
 }

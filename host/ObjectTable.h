@@ -40,9 +40,6 @@ struct PictureObject : Object {
 
 class ObjectTable {
  public:
-  /// The only table. It is never destroyed, so that pictures in static variables can still be.
-  static ObjectTable& Instance();
-
   /// A new object without references.
   PictureObject& AddPicture();
   Object& Add(Object::Kind kind, std::string text);
@@ -72,6 +69,7 @@ class ObjectTable {
   std::vector<PictureObject*> Pictures() const;
 
  private:
+  friend ObjectTable& Table();
   ObjectTable();
   void* TakeHandle(std::uint32_t id);
   void GiveHandle(void* handle) { freeHandles_.push_back(handle); }
@@ -85,10 +83,8 @@ class ObjectTable {
   std::unordered_map<const void*, PictureObject*> contexts_;
 };
 
-/// The only table.
-inline ObjectTable& Table() {
-  return ObjectTable::Instance();
-}
+/// The only table. It is never destroyed, so that pictures in static variables can still be.
+ObjectTable& Table();
 
 /// "picture #5", "string #7", "class picture".
 std::string NameOf(const Object& object);

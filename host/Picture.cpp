@@ -79,7 +79,7 @@ std::uint32_t StoredFromStraight(Storage storage, std::uint32_t pixel) {
 
 Picture::Picture(const PictureShape& shape) {
   auto memory = std::make_unique<PictureMemory>(shape);
-  PictureObject& object = ObjectTable::Instance().AddPicture();
+  PictureObject& object = Table().AddPicture();
   object.memory = std::move(memory);
   object_ = Retain(&object);
 }
@@ -95,7 +95,7 @@ Picture& Picture::operator=(Picture other) noexcept {
 Picture::~Picture() {
   if (object_ == nullptr) return;
   --object_->programReferences;
-  ObjectTable::Instance().Release(*object_);
+  Table().Release(*object_);
 }
 
 Picture ProgramReference::Share(PictureObject& object) {

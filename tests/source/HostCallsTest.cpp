@@ -13,19 +13,18 @@
 
 namespace {
 
-using host::ObjectTable;
 using host::Service;
 
 REALmoduleDefinition gModule = {kPluginInterfaceVersion, "a module", nullptr, 0, {}};
 
 std::string TextOf(const void* handle) {
-  return handle == nullptr ? "nil" : ObjectTable::Instance().Find(handle)->text;
+  return handle == nullptr ? "nil" : host::Table().Find(handle)->text;
 }
 
 // A text, with a reference that the plug-in owns.
 template <class Handle>
 Handle* NewText(const char* text) {
-  host::Object& object = ObjectTable::Instance().Add(host::Object::Kind::String, text);
+  host::Object& object = host::Table().Add(host::Object::Kind::String, text);
   object.references = 1;
   return static_cast<Handle*>(object.handle);
 }
@@ -54,7 +53,7 @@ class HostCallsTest : public testing::Test {
        [] {
          auto* const object = NewText<REALobjectStruct>("another");
          REALUnlockObject(object);
-         return ObjectTable::Instance().Find(object) == nullptr ? "gone" : "there";
+         return host::Table().Find(object) == nullptr ? "gone" : "there";
        }},
       {Service::LockPictureDescription, "10 not nil, 1", "5 nil, 0",
        [] {
@@ -84,7 +83,7 @@ class HostCallsTest : public testing::Test {
       {Service::NewInstance, "a picture", "nil",
        [] {
          const void* const object = REALnewInstance(REALGetClassRef("picture"));
-         return ObjectTable::Instance().FindPicture(object) == nullptr ? "nil" : "a picture";
+         return host::Table().FindPicture(object) == nullptr ? "nil" : "a picture";
        }},
       {Service::LoadObjectMethod, "not nil", "nil",
        [] {

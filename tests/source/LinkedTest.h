@@ -65,6 +65,6 @@ struct LockedPicture {
 
 /// The picture that a worker has returned; takes over its reference.
 inline host::Picture Returned(REALpictureStruct* handle) {
-  host::PictureObject* const object = host::ObjectTable::Instance().FindPicture(handle);
+  host::PictureObject* const object = host::Table().FindPicture(handle);
   return object == nullptr ? host::Picture() : host::ProgramReference::Adopt(*object);
 }

@@ -191,7 +191,7 @@ std::vector<std::pair<std::size_t, Picture>> LiveNewPictures(const host::Host& h
     if (std::strcmp(call.name, "Constructor") == 0) ids.push_back(call.object);
   }
   std::vector<std::pair<std::size_t, Picture>> live;
-  for (host::PictureObject* object : host::ObjectTable::Instance().Pictures()) {
+  for (host::PictureObject* object : host::Table().Pictures()) {
     for (std::size_t i = 0; i < ids.size(); ++i) {
       if (ids[i] == object->id) live.emplace_back(i + 1, host::ProgramReference::Share(*object));
     }
